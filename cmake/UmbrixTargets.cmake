@@ -1,0 +1,32 @@
+# SPDX-License-Identifier: MIT
+# Compile settings shared by every target of the project, and the helpers that make our libraries and tests.
+
+add_library(umbrix_build_settings INTERFACE)
+target_compile_features(umbrix_build_settings INTERFACE cxx_std_20)
+target_compile_options(umbrix_build_settings INTERFACE
+    # Rounding is part of the results: no fused multiply-add behind our back, on any target, tests included.
+    -ffp-contract=off
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wdouble-promotion -Wundef -Wnon-virtual-dtor
+    $<$<BOOL:${UMBRIX_WERROR}>:-Werror>)
+
+# umbrix_companion_settings(TARGET): visibility, version numbers and link flags of a shared library of ours.
+function(umbrix_shared_library_settings target)
+    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:umbrix_build_settings>)
+    set_target_properties(${target} PROPERTIES
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        POSITION_INDEPENDENT_CODE ON
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+        EXPORT_NAME ${target})
+    target_link_options(${target} PRIVATE LINKER:--exclude-libs,ALL LINKER:--no-undefined)
+    add_library(UmbrixLib::${target} ALIAS ${target})
+endfunction()
+
+# umbrix_add_test(NAME SOURCES ... [LIBRARIES ...]): one GoogleTest executable, each of its tests known to CTest.
+function(umbrix_add_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE umbrix_build_settings umbrix_test_support ${arg_LIBRARIES} GTest::gtest_main)
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
+endfunction()

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+/// @file
+/// Everything that UmbrixLib exports.
+
+#include "boundary/gpu_library.h"
+#include "boundary/message_box.h"
+#include "boundary/texture_kernels.h"
+#include "filters/recursive_gaussian.h"
+#include "filters/tone.h"
+#include "foundation/list.h"
+#include "foundation/n_layer.h"
+#include "foundation/vector_math.h"
+#include "normals/height_to_normal.h"
+#include "umbrix/file_cpu.h"
+#include "umbrix/grading.h"
+#include "umbrix/texel_umbrix.h"
+#include "umbrix/umbrix_options.h"
