@@ -7,6 +7,7 @@ target_compile_options(umbrix_build_settings INTERFACE
     # Rounding is part of the results: no fused multiply-add behind our back, on any target, tests included.
     -ffp-contract=off
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wdouble-promotion -Wundef -Wnon-virtual-dtor
+    -Wno-sign-conversion # clang counts it to -Wconversion, g++ does not
     $<$<BOOL:${UMBRIX_WERROR}>:-Werror>)
 
 # umbrix_companion_settings(TARGET): visibility, version numbers and link flags of a shared library of ours.

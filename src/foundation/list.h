@@ -3,8 +3,9 @@
 
 inline namespace umbrix_v0 {
 
-/// Doubly linked list that holds its records by value and owns its nodes. If `T` is a pointer the list owns the
-/// pointer alone. Every indexed access walks from the head. No locks: any number of readers, or one writer.
+/// Doubly linked list that holds its records by value and owns its nodes. If `T` is a pointer the list owns
+/// the pointer alone. Every indexed access walks from the head. No locks: any number of readers, or one
+/// writer.
 template <typename T>
 class LinkedList {
 public:
@@ -63,8 +64,9 @@ public:
         return found == nullptr ? nullptr : &found->data;
     }
 
-    /// Unlinks the record at @p index and hands it back. A negative index means the first. An empty list stays
-    /// as it is and gives a value-initialised record, and so does an index past the end, which callers avoid.
+    /// Unlinks the record at @p index and hands it back. A negative index means the first. An empty list
+    /// stays as it is and gives a value-initialised record, and so does an index past the end, which callers
+    /// avoid.
     T Remove(int index)
     {
         node* const found = walk_to(index);

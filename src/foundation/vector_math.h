@@ -2,27 +2,26 @@
 #pragma once
 
 /// @file
-/// Free, stateless functions over vectors and scalars. Float operands are widened to double, the arithmetic runs
-/// in double, and N(e) below marks where e is rounded to float; sums are taken in the order written. Nothing is
-/// checked: bad values pass through as the arithmetic leaves them. Safe from any number of threads.
+/// Free, stateless functions over vectors and scalars. Float operands are widened to double, the arithmetic
+/// runs in double, and N(e) below marks where e is rounded to float; sums are taken in the order written.
+/// Nothing is checked: bad values pass through as the arithmetic leaves them. Safe from any number of
+/// threads.
 
 #include "foundation/export.h"
 #include "foundation/vector_types.h"
 
 inline namespace umbrix_v0 {
 
-/// Cross product of two triples, in a new block of three floats that the caller frees with the scalar `delete`.
+/// Cross product of two triples, in a new block of three floats that the caller frees with the scalar
+/// `delete`.
 UMBRIX_API float* cross(float* const a, float* const b);
 
-/// N(a[1]*b[1] + a[0]*b[0] + a[2]*b[2]).
-///
-/// Contract: the y term comes first. The order x, y, z is expected; it would change the last bit of results.
-/// Test: VectorMath.DotAddsTheYTermFirst
+/// N(a[1]*b[1] + a[0]*b[0] + a[2]*b[2]); the z term is added last, which is what the last bit depends on.
 UMBRIX_API float dot(float* const a, float* const b);
 
-/// Length of a triple, the y term first as in `dot`.
+/// Length of a triple: N(sqrt(N(sum))), the sum in the order of `dot`.
 UMBRIX_API float length(float* const v);
-/// Length of (x, y, z), the square of the second value first.
+/// Length of (x, y, z), in the same way.
 UMBRIX_API float length(float x, float y, float z);
 /// Distance between (x1, y1, z1) and (x2, y2, z2). The coordinates come interleaved, axis by axis.
 UMBRIX_API float length(float x1, float x2, float y1, float y2, float z1, float z2);
@@ -54,8 +53,8 @@ UMBRIX_API float3 operator--(float3 v);
 
 /// Wraps @p value into 0..limit by whole steps of @p limit.
 ///
-/// Contract: wraps, although the name promises a clamp, and the range includes both ends: with a limit of 360,
-/// 720 ends at 360 and -360 at 0. Test: VectorMath.LimitNumWrapsAndIncludesBothEnds
+/// Contract: wraps, although the name promises a clamp, and the range includes both ends: with a limit of
+/// 360, 720 ends at 360 and -360 at 0. Test: VectorMath.LimitNumWrapsAndIncludesBothEnds
 /// @param limit Above 0. With another limit no step leads into the range, and @p value is left alone.
 UMBRIX_API void limit_num(int& value, int limit);
 /// The same, each step rounded to float. A step that no longer changes @p value ends the walk.

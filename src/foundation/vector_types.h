@@ -6,8 +6,8 @@
 
 inline namespace umbrix_v0 {
 
-/// Three 32-bit floats in a row: a vector's x, y, z or a pixel's red, green, blue. A buffer of W by H texels is
-/// W * H such triples, row-major, with nothing between them.
+/// Three 32-bit floats in a row: a vector's x, y, z or a pixel's red, green, blue. A buffer of W by H texels
+/// is W * H such triples, row-major, with nothing between them.
 struct float3 {
     float x, y, z;
 };

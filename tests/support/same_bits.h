@@ -31,8 +31,8 @@ inline testing::AssertionResult same_bits(float const* expected, float const* ac
     for (std::size_t i = 0; i < count; ++i) {
         if (bits_of(expected[i]) != bits_of(actual[i]) && ++differing <= kShown) {
             failure << "\n  float " << i << ": expected " << expected[i] << " (0x" << std::hex
-                    << bits_of(expected[i]) << "), got " << actual[i] << " (0x" << bits_of(actual[i]) << std::dec
-                    << ")";
+                    << bits_of(expected[i]) << "), got " << actual[i] << " (0x" << bits_of(actual[i])
+                    << std::dec << ")";
         }
     }
     if (differing == 0) {
@@ -48,7 +48,8 @@ testing::AssertionResult same_bits(std::vector<Pixel> const& expected, std::vect
     if (expected.size() != actual.size()) {
         return testing::AssertionFailure() << "sizes " << expected.size() << " and " << actual.size();
     }
-    return same_bits(reinterpret_cast<float const*>(expected.data()), reinterpret_cast<float const*>(actual.data()),
+    return same_bits(reinterpret_cast<float const*>(expected.data()),
+                     reinterpret_cast<float const*>(actual.data()),
                      expected.size() * (sizeof(Pixel) / sizeof(float)));
 }
 
