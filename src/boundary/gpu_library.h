@@ -4,10 +4,10 @@
 /// @file
 /// The graphics library Coralith, imported by name: heavy image stages on a graphics processor.
 ///
-/// Data goes in with `SetSrc` or `SetDest`, a stage runs, the result comes back with `GetDest`. The library holds
-/// one slot per element type and side, and the selected device, from call to call. All buffers are host arrays
-/// of rows * cols elements, row by row, owned by the caller. Called by one thread at a time, outside any parallel
-/// region. Callers test no result; a device failure is the library's to report.
+/// Data goes in with `SetSrc` or `SetDest`, a stage runs, the result comes back with `GetDest`. The library
+/// holds one slot per element type and side, and the selected device, from call to call. All buffers are host
+/// arrays of rows * cols elements, row by row, owned by the caller. Called by one thread at a time, outside
+/// any parallel region. Callers test no result; a device failure is the library's to report.
 
 #include "foundation/export.h"
 #include "foundation/vector_types.h"

@@ -17,8 +17,8 @@
 
 inline namespace umbrix_v0 {
 
-/// One ray of the occlusion kernel: the step vector along which the ray advances by one texel in x. Belongs to
-/// the kernels; the pipelines only allocate arrays of it.
+/// One ray of the occlusion kernel: the step vector along which the ray advances by one texel in x. Belongs
+/// to the kernels; the pipelines only allocate arrays of it.
 struct ray {
     float x; ///< Plus or minus 1 / width.
     float y; ///< Rows passed per step, as a fraction of the image's height.
@@ -42,9 +42,9 @@ VELLORIC_API void GenerateExp(float sigma, float* table);
 /// One thread's share of the same table: entries `thread`, `thread + threads`, ...
 VELLORIC_API void GenerateExp(float sigma, float* table, int thread, int threads);
 
-/// Edge-preserving smoothing: each texel becomes the mean of the window of +-ceil(@p radius) texels around it,
-/// weighted by spatial[|dx|] * spatial[|dy|] * range[min(255, nearest integer of |difference| * 255)]. Borders
-/// wrap around, as a texture tiles.
+/// Edge-preserving smoothing: each texel becomes the mean of the window of +-ceil(@p radius) texels around
+/// it, weighted by spatial[|dx|] * spatial[|dy|] * range[min(255, nearest integer of |difference| * 255)].
+/// Borders wrap around, as a texture tiles.
 /// @param source      height * width elements, read only.
 /// @param destination Same shape, every element written; must not be @p source.
 /// @param spatial     The integer part of ceil(@p radius), plus 1, weights by distance.
@@ -59,7 +59,8 @@ VELLORIC_API void BilateralFilter(float3* source, float3* destination, int heigh
 VELLORIC_API void BilateralFilter(float* source, float* destination, int height, int width, float radius,
                                   float* spatial, float* range, int thread, int threads);
 
-/// Bends the relief in place: with u = h / @p n_scale, h becomes n_scale * sign(u) * |u|^(2^depth). A positive
+/// Bends the relief in place: with u = h / @p n_scale, h becomes n_scale * sign(u) * |u|^(2^depth). A
+/// positive
 /// @p depth deepens the relief between the peaks, a negative one fills it. An @p n_scale of 0 leaves the
 /// heights alone.
 /// @param heights Heights already multiplied by @p n_scale.
@@ -72,9 +73,9 @@ VELLORIC_API void Height2Normal(float* heights, float3* normals, int height, int
 /// The same in place: the mean of the three channels times @p n_scale is the height.
 VELLORIC_API void Height2Normal(float3* image, int height, int width, float n_scale);
 
-/// Stresses edges in place. With c the Laplacian of @p heights (neighbours wrap around) and k = |c| / (1 + |c|),
-/// the slope of a normal is scaled by 1 + @p edge_a * k on convex texels (c below 0) and by 1 + @p edge_b * k on
-/// concave ones (c above 0). Unit vectors out.
+/// Stresses edges in place. With c the Laplacian of @p heights (neighbours wrap around) and k = |c| / (1 +
+/// |c|), the slope of a normal is scaled by 1 + @p edge_a * k on convex texels (c below 0) and by 1 + @p
+/// edge_b * k on concave ones (c above 0). Unit vectors out.
 VELLORIC_API void NormalEdges(float3* normals, float* heights, int height, int width, float edge_a,
                               float edge_b);
 
@@ -94,8 +95,8 @@ VELLORIC_API void Blend(BlendType type, float opacity, float3* first, float3* se
 VELLORIC_API void Blend(BlendType type, float opacity, float3* first, float3* second, float3* result,
                         int height, int width, int thread, int threads);
 
-/// Replaces each normal of this thread's share (texels `thread`, `thread + threads`, ...) by its light from the
-/// three basis directions, as @p mode says. Mode 0 equals `normal2umbrix` bit for bit.
+/// Replaces each normal of this thread's share (texels `thread`, `thread + threads`, ...) by its light from
+/// the three basis directions, as @p mode says. Mode 0 equals `normal2umbrix` bit for bit.
 VELLORIC_API void Normal2Umbrix(float3* image, int height, int width, Modes mode, int thread, int threads);
 
 /// Makes the three bundles of rays, the step vectors that `height2umbrix` describes. Ray 0 of a bundle is its

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+/// @file
+/// What the library asks of the operating system. One side for Windows, one for POSIX.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace umbrixlib::detail::platform {
+
+/// Largest value of `random`: the ray formulas divide by it.
+inline constexpr int kRandomMax = 32767;
+
+/// A message with a title and an OK button; on POSIX one line on standard error.
+void show_message(char const* text, char const* title);
+
+/// Next value of a 15-bit generator, 0 to `kRandomMax`. May be called from many threads; they then share one
+/// sequence in no fixed order.
+int random();
+/// Starts that generator anew.
+void seed_random(unsigned seed);
+
+/// Seconds since 1970.
+std::int64_t seconds_since_epoch();
+
+/// Makes @p folder the current directory of the process. False if that fails.
+bool change_directory(char const* folder);
+
+struct FolderEntry {
+    std::string name;
+    bool is_folder;
+};
+
+/// The entries of the current directory whose names match @p pattern, "." and ".." included where they match,
+/// in the order of the names. `*` stands for any characters and `?` for one; letter case is ignored, and
+/// "*.*" matches every entry, also one without a dot. The list is complete when this returns: what is created
+/// later does not show up in it.
+std::vector<FolderEntry> list_current_directory(char const* pattern);
+
+} // namespace umbrixlib::detail::platform

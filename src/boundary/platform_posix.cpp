@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+#include "boundary/platform.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cctype>
+#include <cstdio>
+#include <ctime>
+#include <dirent.h>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace umbrixlib::detail::platform {
+
+namespace {
+
+std::atomic<std::uint32_t> random_state = 1;
+
+std::string on_one_line(std::string text)
+{
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
+}
+
+bool same_letter(char a, char b)
+{
+    return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+}
+
+/// Matches with one remembered star, so the time is at most the product of the two lengths.
+bool matches(std::string_view name, std::string_view pattern)
+{
+    if (pattern == "*.*") {
+        return true;
+    }
+    std::size_t at_name = 0;
+    std::size_t at_pattern = 0;
+    std::size_t after_star = std::string_view::npos;
+    std::size_t star_name = 0;
+    while (at_name < name.size()) {
+        if (at_pattern < pattern.size() && pattern[at_pattern] == '*') {
+            after_star = ++at_pattern;
+            star_name = at_name;
+        } else if (at_pattern < pattern.size() &&
+                   (pattern[at_pattern] == '?' || same_letter(pattern[at_pattern], name[at_name]))) {
+            ++at_pattern;
+            ++at_name;
+        } else if (after_star != std::string_view::npos) {
+            at_pattern = after_star;
+            at_name = ++star_name;
+        } else {
+            return false;
+        }
+    }
+    return pattern.find_first_not_of('*', at_pattern) == std::string_view::npos;
+}
+
+bool is_folder(char const* name)
+{
+    struct stat status {};
+    return ::stat(name, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+} // namespace
+
+void show_message(char const* text, char const* title)
+{
+    std::fprintf(stderr, "%s: %s\n", title, on_one_line(text).c_str());
+}
+
+/// The C library's own generator has 31 bits here. This is the linear congruence x * 214013 + 2531011, of
+/// which bits 16 to 30 are handed out.
+int random()
+{
+    std::uint32_t state = random_state.load(std::memory_order_relaxed);
+    std::uint32_t next;
+    do {
+        next = state * 214013U + 2531011U;
+    } while (!random_state.compare_exchange_weak(state, next, std::memory_order_relaxed));
+    return static_cast<int>((next >> 16) & static_cast<std::uint32_t>(kRandomMax));
+}
+
+void seed_random(unsigned seed)
+{
+    random_state.store(seed, std::memory_order_relaxed);
+}
+
+std::int64_t seconds_since_epoch()
+{
+    return std::time(nullptr);
+}
+
+bool change_directory(char const* folder)
+{
+    return ::chdir(folder) == 0;
+}
+
+std::vector<FolderEntry> list_current_directory(char const* pattern)
+{
+    std::vector<FolderEntry> found;
+    DIR* const folder = ::opendir(".");
+    if (folder == nullptr) {
+        return found;
+    }
+    while (dirent const* const entry = ::readdir(folder)) {
+        if (matches(entry->d_name, pattern)) {
+            found.push_back({entry->d_name, is_folder(entry->d_name)});
+        }
+    }
+    ::closedir(folder);
+    std::sort(found.begin(), found.end(),
+              [](FolderEntry const& a, FolderEntry const& b) { return a.name < b.name; });
+    return found;
+}
+
+} // namespace umbrixlib::detail::platform

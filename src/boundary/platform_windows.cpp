@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#include "boundary/platform.h"
+
+#include <cstdlib>
+#include <direct.h>
+#include <io.h>
+#include <time.h>
+#include <windows.h>
+
+namespace umbrixlib::detail::platform {
+
+static_assert(RAND_MAX == kRandomMax, "the ray formulas divide by the range of rand");
+
+void show_message(char const* text, char const* title)
+{
+    MessageBoxA(nullptr, text, title, MB_OK);
+}
+
+int random()
+{
+    return std::rand();
+}
+
+void seed_random(unsigned seed)
+{
+    std::srand(seed);
+}
+
+std::int64_t seconds_since_epoch()
+{
+    return _time64(nullptr);
+}
+
+bool change_directory(char const* folder)
+{
+    return _chdir(folder) == 0;
+}
+
+std::vector<FolderEntry> list_current_directory(char const* pattern)
+{
+    std::vector<FolderEntry> found;
+    _finddata64i32_t entry;
+    std::intptr_t const walk = _findfirst64i32(pattern, &entry);
+    if (walk == -1) {
+        return found;
+    }
+    do {
+        found.push_back({entry.name, (entry.attrib & _A_SUBDIR) != 0});
+    } while (_findnext64i32(walk, &entry) == 0);
+    _findclose(walk);
+    return found;
+}
+
+} // namespace umbrixlib::detail::platform

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace umbrixlib::test {
+
+/// Stands in for DevIL in an executable that links `devil_fake.cpp`: records every call and serves one image.
+struct DevilFake {
+    int width = 0;
+    int height = 0;
+    int bits = 24;
+    unsigned char load_result = 1;
+    unsigned char save_result = 1;
+    std::vector<unsigned char> served; ///< What `ilCopyPixels` writes, from its first byte on.
+    std::vector<unsigned char> stored; ///< What the last `ilTexImage` or `ilSetPixels` was given.
+
+    /// The one image of this executable.
+    static DevilFake& instance();
+    /// An image of the given shape whose byte i is i * 7 modulo 256, as the format of the copy lays it out.
+    void serve(int image_width, int image_height, int image_bits);
+};
+
+} // namespace umbrixlib::test
