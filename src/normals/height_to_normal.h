@@ -8,8 +8,9 @@
 
 inline namespace umbrix_v0 {
 
-/// Turns a height image into a tangent-space normal map, file to file. Colours are kept as three equal heights:
-/// blur (if @p gaussian > 0), then `Height2Normal` with @p n_scale; bytes are (v + 1) * 255 / 2, truncated.
+/// Turns a height image into a tangent-space normal map, file to file. Colours are kept as three equal
+/// heights: blur (if @p gaussian > 0), then `Height2Normal` with @p n_scale; bytes are (v + 1) * 255 / 2,
+/// truncated.
 ///
 /// @param source        Any image that DevIL reads; alpha is dropped.
 /// @param destination   Replaced if it exists; the format follows from the extension.
@@ -19,19 +20,20 @@ inline namespace umbrix_v0 {
 /// @param L_Detail      Radius of the bilateral filter, texels; at most 1 means none, below -1 must not be.
 /// @param progress_text Set to "Generating Normal". Plain stores, for a polling front end.
 /// @param progress      Set to 0.
-/// @return True. An unreadable source is not noticed: the image that DevIL has bound is used. Check files first.
+/// @return True. An unreadable source is not noticed: the image that DevIL has bound is used. Check files
+/// first.
 ///
 /// Threads: parallel loops inside; calls must not overlap, as DevIL's bound image is process-wide.
 ///
-/// Contract: the bilateral filter runs, and its result is dropped. A filtered image is expected; the one in the
-/// file comes from the unfiltered heights. Test: HeightToNormalFile.TheBilateralResultIsDropped
+/// Contract: the bilateral filter runs, and its result is dropped. A filtered image is expected; the one in
+/// the file comes from the unfiltered heights. Test: HeightToNormalFile.TheBilateralResultIsDropped
 UMBRIX_API bool HeightToNormal(char const* source, char const* destination, float n_scale, float gaussian,
                                bool normal_flag_1, int mode, float L_Detail, bool normal_flag_2,
                                bool normal_flag_3, std::string* progress_text, int* progress);
 
 /// Turns a height buffer into normals: bilateral filter (if @p L_Detail > 1), times @p n_scale, blur (if
-/// @p gaussian > 0), `ChangeDepth` (if @p depth is not 0), `Height2Normal`, `NormalEdges` (if both strengths are
-/// above 0).
+/// @p gaussian > 0), `ChangeDepth` (if @p depth is not 0), `Height2Normal`, `NormalEdges` (if both strengths
+/// are above 0).
 ///
 /// @param source        height * width floats, left alone.
 /// @param destination   height * width unit vectors, the caller's.

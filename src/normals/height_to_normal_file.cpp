@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#include "normals/height_to_normal.h"
+
+#include "boundary/image_io.h"
+#include "boundary/texture_kernels.h"
+#include "filters/recursive_gaussian.h"
+#include "foundation/rounding.h"
+#include "normals/filter_tables_internal.h"
+
+#include <cstddef>
+#include <memory>
+
+namespace umbrixlib::detail {
+
+namespace {
+
+float from_byte(unsigned char byte)
+{
+    return narrow(byte / 255.0);
+}
+
+unsigned char normal_to_byte(float component)
+{
+    return to_byte((wide(component) + 1.0) * 255.0 * 0.5);
+}
+
+/// Runs the bilateral filter into a buffer that nobody reads; see the contract in the header.
+void filter_without_effect(float3* image, ImageSize size, std::size_t texels, float radius)
+{
+    auto const spatial = std::make_unique<float[]>(spatial_table_size(radius));
+    float range[kRangeTableSize] = {};
+    auto const filtered = std::make_unique<float3[]>(texels);
+    GenerateExp(radius, spatial.get());
+    GenerateExp(kRangeSigma, range);
+    BilateralFilter(image, filtered.get(), size.height, size.width, radius, spatial.get(), range);
+}
+
+} // namespace
+
+} // namespace umbrixlib::detail
+
+inline namespace umbrix_v0 {
+
+using namespace umbrixlib::detail;
+
+bool HeightToNormal(char const* source, char const* destination, float n_scale, float gaussian,
+                    bool /*normal_flag_1*/, int /*mode*/, float L_Detail, bool /*normal_flag_2*/,
+                    bool /*normal_flag_3*/, std::string* progress_text, int* progress)
+{
+    prepare_devil(Overwrite::kAllow);
+    if (load_image(source) == FileOutcome::kMessageShown) {
+        return false;
+    }
+    ImageSize const size = bound_image_size();
+    auto const texels = static_cast<std::ptrdiff_t>(size.width) * size.height;
+    auto const count = static_cast<std::size_t>(texels);
+    ImageBytes const bytes = make_image_bytes(count, 3);
+    auto const scratch = std::make_unique<float3[]>(count);
+    auto const image = std::make_unique<float3[]>(count);
+
+    copy_pixels(size, PixelFormat::kRgb, bytes.get());
+    auto* const components = reinterpret_cast<float*>(image.get());
+    unsigned char* const component_bytes = bytes.get();
+#pragma omp parallel for schedule(static)
+    for (std::ptrdiff_t i = 0; i < texels; ++i) {
+        for (std::ptrdiff_t c = 3 * i; c < 3 * i + 3; ++c) {
+            components[c] = from_byte(component_bytes[c]);
+        }
+    }
+    *progress_text = "Generating Normal";
+    *progress = 0;
+
+    if (L_Detail > 1.0f) {
+        filter_without_effect(image.get(), size, count, L_Detail);
+    }
+    if (gaussian > 0.0f) {
+        gaussianFilterRGBA(image.get(), image.get(), scratch.get(), size.width, size.height, gaussian);
+    }
+    Height2Normal(image.get(), size.height, size.width, n_scale);
+
+#pragma omp parallel for schedule(static)
+    for (std::ptrdiff_t i = 0; i < texels; ++i) {
+        for (std::ptrdiff_t c = 3 * i; c < 3 * i + 3; ++c) {
+            component_bytes[c] = normal_to_byte(components[c]);
+        }
+    }
+    refill_image(size, bytes.get());
+    return save_image(destination) != FileOutcome::kMessageShown;
+}
+
+} // namespace umbrix_v0
