@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "foundation/vector_types.h"
+
+#include <cstddef>
+
+namespace umbrixlib::detail {
+
+/// The picture's size and its bytes per pixel.
+struct MapShape {
+    int rows;
+    int cols;
+    int channels;
+
+    std::ptrdiff_t texels() const { return static_cast<std::ptrdiff_t>(rows) * cols; }
+};
+
+/// Texels `thread`, `thread + threads`, ... of @p map as bytes, for every name but a ".vtf" one.
+///
+/// With fewer than three bytes per pixel the three colours of a texel reach into the next one, which has the
+/// last word on its own bytes.
+void store_bytes(float4 const* map, MapShape shape, unsigned char* bytes, int thread, int threads);
+
+/// All of @p map as bytes, rows reversed, as a ".vtf" picture needs it. @p progress goes from 0 to below
+/// 1000.
+///
+/// Contract: output row r comes from row cols - 1 - r, so the map is taken to be square. Counting from the
+/// number of rows is expected; on another shape rows outside the map come out black. Test:
+/// UmbrixFileStoring.AVtfPictureCountsItsRowsFromTheWidth
+void store_bytes_reversed(float4 const* map, MapShape shape, unsigned char* bytes, int* progress);
+
+} // namespace umbrixlib::detail

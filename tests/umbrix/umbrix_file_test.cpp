@@ -1,0 +1,265 @@
+// SPDX-License-Identifier: MIT
+// UmbrixFile with the real kernels and the real DevIL, compared with its steps called one by one.
+#include "umbrix/file_cpu.h"
+
+#include "boundary/texture_kernels.h"
+#include "normals/height_to_normal.h"
+#include "random_image.h"
+#include "temporary_folder.h"
+#include "test_picture.h"
+#include "umbrix/grading.h"
+#include "umbrix/texel_umbrix.h"
+#include "umbrix_test_options.h"
+
+#include <IL/il.h>
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <omp.h>
+
+namespace {
+
+using umbrixlib::test::neutral_options;
+using umbrixlib::test::Picture;
+using umbrixlib::test::TemporaryFolder;
+
+Picture relief_picture(int width, int height, int channels)
+{
+    Picture picture(width, height, channels, 0);
+    std::vector<float> const noise = umbrixlib::test::random_image<float>(picture.bytes.size(), 11);
+    std::transform(noise.begin(), noise.end(), picture.bytes.begin(),
+                   [](float v) { return static_cast<unsigned char>(v * 255.0f); });
+    return picture;
+}
+
+umbrix_options busy_options()
+{
+    umbrix_options options = neutral_options();
+    options.calc_type = calc_type_light_occlusion;
+    options.rays = 9;
+    options.radius = 0.5f;
+    options.h_scale = 0.2f;
+    options.tile = options.h_tile = options.v_tile = true;
+    options.contrast = 0.125f;
+    options.brightness = 0.0625f;
+    options.h_contrast = -0.25f;
+    options.smooth = 0.75f;
+    options.h_smooth = 1.25f;
+    options.n_scale = 4.0f;
+    options.UmbrixMode = Modes_FlatIsFull;
+    return options;
+}
+
+class UmbrixFileRun : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        omp_set_dynamic(0);
+        omp_set_num_threads(omp_get_num_procs());
+    }
+
+    std::string file(char const* name) const { return (folder_ / name).string(); }
+
+    bool run(umbrix_options& options, char const* input, char const* output)
+    {
+        LinkedList<n_layer> layers;
+        return UmbrixFile(file(input), file(output), options, &layers, nullptr, &status_, &progress_);
+    }
+
+    TemporaryFolder folder_;
+    std::string status_;
+    int progress_ = 0;
+};
+
+unsigned char byte_of(float value)
+{
+    return static_cast<unsigned char>(double(std::clamp(value, 0.0f, 1.0f)) * 255.0);
+}
+
+TEST_F(UmbrixFileRun, IsTheChainOfItsSteps)
+{
+    constexpr int kWidth = 37;
+    constexpr int kHeight = 23;
+    constexpr std::size_t kTexels = std::size_t{kWidth} * kHeight;
+    Picture const input = relief_picture(kWidth, kHeight, 3);
+    input.save(folder_ / "in.tga");
+    umbrix_options options = busy_options();
+    options.height_map = options.generate_normal = true;
+    options.b_radius = 1.5f;
+    ASSERT_TRUE(run(options, "in.tga", "out.tga"));
+
+    std::vector<float> heights(kTexels);
+    for (std::size_t i = 0; i < kTexels; ++i) {
+        auto const colour = [&](std::size_t c) { return double(float(input.bytes[3 * i + c] / 255.0)); };
+        heights[i] = float((colour(0) + colour(1) + colour(2)) / 3.0);
+    }
+    std::vector<float> filtered(kTexels);
+    float spatial[3];
+    float range[256] = {};
+    GenerateExp(1.5f, spatial);
+    GenerateExp(128.0f, range);
+    BilateralFilter(heights.data(), filtered.data(), kHeight, kWidth, 1.5f, spatial, range);
+    PreProcess(filtered.data(), kHeight, kWidth, options);
+    std::vector<float3> light(kTexels);
+    std::string text;
+    int progress = 0;
+    HeightToNormal(filtered.data(), light.data(), kHeight, kWidth, options.n_scale, 0.0f, 0.0f, false, 0,
+                   0.0f, false, 0.0f, 0.0f, false, &text, &progress);
+    Normal2Umbrix(light.data(), kHeight, kWidth, options.UmbrixMode, 0, 1);
+    for (float& height : filtered) {
+        height *= options.h_scale;
+    }
+    std::vector<ray> a(18);
+    std::vector<ray> b(18);
+    std::vector<ray> c(18);
+    ray* pa = a.data();
+    ray* pb = b.data();
+    ray* pc = c.data();
+    GenerateRays(kHeight, kWidth, pa, pb, pc, 9, options.theta_limit, options.alpha_limit);
+    std::vector<float3> open(kTexels);
+    Height2DirectionalAO(open.data(), filtered.data(), kHeight, kWidth, pa, pb, pc, 9, options.h_scale,
+                         options.radius, true, true, true, &progress);
+    std::vector<float4> map(kTexels);
+    for (std::size_t i = 0; i < kTexels; ++i) {
+        map[i] = {light[i].x * open[i].x, light[i].y * open[i].y, light[i].z * open[i].z, 1.0f};
+    }
+    PostProcess(map.data(), kHeight, kWidth, options);
+    Picture const output = Picture::load(folder_ / "out.tga");
+    ASSERT_EQ(output.channels, 3);
+    for (std::size_t i = 0; i < kTexels; ++i) {
+        ASSERT_EQ(output.bytes[3 * i], byte_of(map[i].x)) << i;
+        ASSERT_EQ(output.bytes[3 * i + 1], byte_of(map[i].y)) << i;
+        ASSERT_EQ(output.bytes[3 * i + 2], byte_of(map[i].z)) << i;
+    }
+    EXPECT_EQ(status_, "Storing Results");
+}
+
+TEST_F(UmbrixFileRun, LightOfANormalMapIsThatOfNormal2umbrix)
+{
+    Picture const input = relief_picture(16, 8, 4);
+    input.save(folder_ / "in.tga");
+    umbrix_options options = neutral_options();
+    ASSERT_TRUE(run(options, "in.tga", "out.tga"));
+    Picture const output = Picture::load(folder_ / "out.tga");
+    for (std::size_t i = 0; i < input.bytes.size(); i += 4) {
+        auto const component = [&](std::size_t c) {
+            return float(double(float(input.bytes[i + c] / 255.0)) * 2.0 - 1.0);
+        };
+        float3 light = {};
+        normal2umbrix({component(0), component(1), component(2)}, light, options);
+        ASSERT_EQ(output.bytes[i], byte_of(light.x));
+        ASSERT_EQ(output.bytes[i + 1], byte_of(light.y));
+        ASSERT_EQ(output.bytes[i + 2], byte_of(light.z));
+        ASSERT_EQ(output.bytes[i + 3],
+                  static_cast<unsigned char>(double(float(input.bytes[i + 3] / 255.0)) * 255.0));
+    }
+}
+
+TEST_F(UmbrixFileRun, GivesTheSamePictureAgainAndAgain)
+{
+    relief_picture(64, 48, 3).save(folder_ / "in.tga");
+    umbrix_options options = busy_options();
+    options.height_map = options.generate_normal = true;
+    options.b_radius = 2.0f;
+    ASSERT_TRUE(run(options, "in.tga", "first.tga"));
+    for (int i = 0; i < 5; ++i) {
+        ASSERT_TRUE(run(options, "in.tga", "again.tga"));
+        EXPECT_EQ(Picture::load(folder_ / "first.tga").bytes, Picture::load(folder_ / "again.tga").bytes);
+    }
+}
+
+TEST_F(UmbrixFileRun, PreserveKeepsTheScaledHeightInAlpha)
+{
+    Picture const input = relief_picture(12, 12, 4);
+    input.save(folder_ / "in.tga");
+    umbrix_options options = neutral_options();
+    options.calc_type = calc_type_light_occlusion;
+    options.h_scale = 0.5f;
+    options.preserve = options.keep_buffers = true;
+    ASSERT_TRUE(run(options, "in.tga", "out.tga"));
+    Picture const output = Picture::load(folder_ / "out.tga");
+    for (std::size_t i = 3; i < input.bytes.size(); i += 4) {
+        float const height = float(input.bytes[i] / 255.0);
+        EXPECT_EQ(options.height_copy[i / 4], height);
+        EXPECT_EQ(output.bytes[i], byte_of(height * 0.5f));
+    }
+    delete[] options.ao_map;
+    delete[] options.normal_map;
+    delete[] options.height_copy;
+}
+
+/// A picture of any depth, written by DevIL.
+void save_with_devil(std::string const& name, ILubyte channels, ILenum format, ILenum type,
+                     std::size_t bytes_each)
+{
+    ilInit();
+    ilEnable(IL_FILE_OVERWRITE);
+    std::vector<unsigned char> pixels(std::size_t{9} * 7 * channels * bytes_each);
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        pixels[i] = static_cast<unsigned char>(i * 37);
+    }
+    ilTexImage(9, 7, 1, channels, format, type, pixels.data());
+    ASSERT_TRUE(ilSaveImage(name.c_str()) == IL_TRUE) << name;
+    ilShutDown();
+}
+
+TEST_F(UmbrixFileRun, EveryDepthOfInputStaysWithinItsBuffers)
+{
+    save_with_devil(file("grey.png"), 1, IL_LUMINANCE, IL_UNSIGNED_BYTE, 1);
+    save_with_devil(file("grey_alpha.png"), 2, IL_LUMINANCE_ALPHA, IL_UNSIGNED_BYTE, 1);
+    save_with_devil(file("grey16.png"), 1, IL_LUMINANCE, IL_UNSIGNED_SHORT, 2);
+    save_with_devil(file("rgb16.png"), 3, IL_RGB, IL_UNSIGNED_SHORT, 2);
+    save_with_devil(file("rgba16.png"), 4, IL_RGBA, IL_UNSIGNED_SHORT, 2);
+    for (char const* input : {"grey.png", "grey_alpha.png", "grey16.png", "rgb16.png", "rgba16.png"}) {
+        for (bool const height_map : {false, true}) {
+            umbrix_options options = busy_options();
+            options.height_map = options.generate_normal = height_map;
+            EXPECT_TRUE(run(options, input, "out.tga")) << input;
+            EXPECT_EQ(Picture::load(folder_ / "out.tga").width, 9) << input;
+        }
+        std::string text;
+        int progress = 0;
+        EXPECT_TRUE(HeightToNormal(file(input).c_str(), file("normal.tga").c_str(), 1.0f, 1.0f, false, 0,
+                                   2.0f, false, false, &text, &progress));
+    }
+}
+
+TEST_F(UmbrixFileRun, OneTexelAndSingleLinesRun)
+{
+    struct Size {
+        int width, height;
+    };
+    for (Size const size : {Size{1, 1}, Size{1, 9}, Size{9, 1}, Size{2, 2}}) {
+        relief_picture(size.width, size.height, 3).save(folder_ / "in.tga");
+        umbrix_options options = busy_options();
+        options.height_map = options.generate_normal = true;
+        options.b_radius = 3.0f;
+        EXPECT_TRUE(run(options, "in.tga", "out.tga"));
+        EXPECT_EQ(Picture::load(folder_ / "out.tga").height, size.height);
+    }
+}
+
+TEST_F(UmbrixFileRun, AMissingInputStillReportsSuccess)
+{
+    umbrix_options options = neutral_options();
+    EXPECT_TRUE(run(options, "missing.tga", "out.tga"));
+    EXPECT_EQ(options.image_width, 1) << "DevIL's default image";
+}
+
+TEST_F(UmbrixFileRun, ASmallerTeamLeavesItsTexelsOut)
+{
+    if (omp_get_num_procs() < 2) {
+        // On a single processor every team is large enough.
+        EXPECT_EQ(omp_get_num_procs(), 1);
+        return;
+    }
+    relief_picture(8, 8, 3).save(folder_ / "in.tga");
+    omp_set_num_threads(1);
+    umbrix_options options = neutral_options();
+    options.height_map = true;
+    ASSERT_TRUE(run(options, "in.tga", "out.tga"));
+    Picture const output = Picture::load(folder_ / "out.tga");
+    EXPECT_EQ(output.bytes[0], 255);
+    EXPECT_EQ(output.bytes[3], 0) << "texel 1 belongs to a thread that does not exist";
+}
+
+} // namespace
