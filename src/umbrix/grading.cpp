@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+#include "umbrix/grading.h"
+
+#include "filters/recursive_gaussian.h"
+#include "filters/tone_internal.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <omp.h>
+
+namespace umbrixlib::detail {
+namespace {
+
+/// The fields of one side of the options.
+struct Grading {
+    float contrast;
+    int min, max;
+    float brightness;
+    float smooth;
+};
+
+ToneSteps tone_steps(Grading const& grading)
+{
+    ToneSteps steps;
+    steps.changes_contrast = grading.contrast != 0.0f;
+    steps.contrast = tone_amount(grading.contrast);
+    steps.limits = grading.min != 0 || grading.max < 255;
+    steps.low = tone_level(grading.min);
+    steps.high = tone_level(grading.max);
+    steps.brightens = grading.brightness != 0.0f;
+    steps.brightness = tone_amount(grading.brightness);
+    return steps;
+}
+
+/// `change_contrast`, `limit_color` and `brighten` on one share, in one sweep: a texel's steps depend on no
+/// other texel, and each rounds to float as if it had been stored.
+template <typename Pixel>
+void tone_share(Pixel* pixels, int rows, int cols, ToneSteps const& steps, Share share)
+{
+    std::int64_t const graded = std::max<std::int64_t>(tone_pixels(rows, cols), 0);
+    std::int64_t const brightened = std::max<std::int64_t>(brightened_pixels<Pixel>(rows, cols), 0);
+    std::int64_t const both = std::min(graded, brightened);
+    ToneSteps not_brightened = steps;
+    not_brightened.brightens = false;
+    ToneSteps only_brightened;
+    only_brightened.brightens = steps.brightens;
+    only_brightened.brightness = steps.brightness;
+    sweep_share(pixels, 0, both, steps, share);
+    sweep_share(pixels, both, graded, not_brightened, share);
+    sweep_share(pixels, both, brightened, only_brightened, share);
+}
+
+template <typename Pixel>
+void grade(Pixel* pixels, int rows, int cols, Grading const& grading)
+{
+    ToneSteps const steps = tone_steps(grading);
+    if (steps.changes_contrast || steps.limits || steps.brightens) {
+        // Contract: as many shares as processors, whatever the size of the team; the size of the team is
+        // expected. With a smaller team the other shares stay as they are.
+        // Test: Grading.ASmallerTeamLeavesTheOtherShares
+        int const threads = omp_get_num_procs();
+#pragma omp parallel
+        {
+            int const thread = omp_get_thread_num();
+            if (thread < threads) {
+                tone_share(pixels, rows, cols, steps, {thread, threads});
+            }
+        }
+    }
+    if (grading.smooth != 0.0f) {
+        auto const count =
+            static_cast<std::size_t>(std::max(rows, 0)) * static_cast<std::size_t>(std::max(cols, 0));
+        std::unique_ptr<Pixel[]> const scratch(new Pixel[count]);
+        gaussianFilterRGBA(pixels, pixels, scratch.get(), cols, rows, grading.smooth);
+    }
+}
+
+} // namespace
+} // namespace umbrixlib::detail
+
+using umbrixlib::detail::grade;
+
+inline namespace umbrix_v0 {
+
+bool PreProcess(float* heights, int rows, int cols, umbrix_options& options)
+{
+    grade(heights, rows, cols,
+          {options.h_contrast, options.h_min, options.h_max, options.h_brightness, options.h_smooth});
+    return true;
+}
+
+bool PostProcess(float3* map, int rows, int cols, umbrix_options& options)
+{
+    grade(map, rows, cols, {options.contrast, options.min, options.max, options.brightness, options.smooth});
+    return true;
+}
+
+bool PostProcess(float4* map, int rows, int cols, umbrix_options& options)
+{
+    grade(map, rows, cols, {options.contrast, options.min, options.max, options.brightness, options.smooth});
+    return true;
+}
+
+} // namespace umbrix_v0
