@@ -2,8 +2,8 @@
 #pragma once
 
 /// @file
-/// The three directions from which an Umbrix map is lit. A and B are unit vectors at azimuths 120 and 240 and an
-/// elevation of 35.26 degrees; C points to azimuth 0 and has the squared length 11/6.
+/// The three directions from which an Umbrix map is lit. A and B are unit vectors at azimuths 120 and 240 and
+/// an elevation of 35.26 degrees; C points to azimuth 0 and has the squared length 11/6.
 
 #include "foundation/vector_types.h"
 
