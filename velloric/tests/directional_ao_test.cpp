@@ -1,0 +1,380 @@
+// SPDX-License-Identifier: MIT
+
+/// The occlusion kernel against the ray walk that it stands for. The share of open rays is a whole number
+/// over a whole number, so every texel must be equal to the bit: one ray more or less is a failure.
+
+#include "boundary/texture_kernels.h"
+#include "directional_ao_reference.h"
+#include "every_target.h"
+#include "random_image.h"
+#include "same_bits.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <omp.h>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using velloric::reference::Occlusion;
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+
+/// Everything that the kernel is told, but for the number of rays, which is that of the bundles.
+struct Job {
+    int rows = 0;
+    int cols = 0;
+    std::vector<float> heights;
+    std::vector<ray> a;
+    std::vector<ray> b;
+    std::vector<ray> c;
+    float radius = 0;
+    bool tile = false;
+    bool h_tile = false;
+    bool v_tile = false;
+};
+
+void generate_rays(Job& job, int rays, float theta_limit, float alpha_limit)
+{
+    for (std::vector<ray>* bundle : {&job.a, &job.b, &job.c}) {
+        bundle->resize(static_cast<std::size_t>(rays) * 2);
+    }
+    ray* a = job.a.data();
+    ray* b = job.b.data();
+    ray* c = job.c.data();
+    GenerateRays(job.rows, job.cols, a, b, c, rays, theta_limit, alpha_limit);
+    for (std::vector<ray>* bundle : {&job.a, &job.b, &job.c}) {
+        bundle->resize(static_cast<std::size_t>(rays));
+    }
+}
+
+std::vector<float3> expected(Job const& job)
+{
+    Occlusion const walk(job.heights, job.rows, job.cols, job.a.data(), job.b.data(), job.c.data(),
+                         static_cast<int>(job.a.size()), job.radius, job.tile, job.h_tile, job.v_tile);
+    std::vector<float3> shares;
+    for (int y = 0; y < job.rows; ++y) {
+        for (int x = 0; x < job.cols; ++x) {
+            shares.push_back(walk.at(y, x));
+        }
+    }
+    return shares;
+}
+
+std::vector<float3> computed(Job job, int* progress = nullptr)
+{
+    std::vector<float3> shares(job.heights.size(), float3{kNaN, kNaN, kNaN});
+    Height2DirectionalAO(shares.data(), job.heights.data(), job.rows, job.cols, job.a.data(), job.b.data(),
+                         job.c.data(), static_cast<int>(job.a.size()), kNaN, job.radius, job.tile, job.h_tile,
+                         job.v_tile, progress);
+    return shares;
+}
+
+/// Equality under every instruction set; the number of threads changes with it.
+void expect_equal(Job const& job, std::string const& what)
+{
+    std::vector<float3> const shares = expected(job);
+    int turn = 0;
+    umbrixlib::test::for_every_target([&](char const* target) {
+        int const threads = 1 + turn++ % 3;
+        omp_set_num_threads(threads);
+        EXPECT_SAME_BITS(shares, computed(job))
+            << what << ", " << job.rows << " rows, " << job.cols << " columns, " << job.a.size()
+            << " rays, radius " << job.radius << ", tiling " << job.tile << job.h_tile << job.v_tile << ", "
+            << threads << " threads, " << target;
+    });
+    omp_set_num_threads(omp_get_num_procs());
+}
+
+enum class Relief {
+    kNoise,
+    kTerraces,
+    kRamp,
+    kFlat,
+    kSunkenPlain,
+    kNegative,
+    kBelowZero,
+    kHighAboveZero,
+    kNotNumbers,
+    kInfinities,
+    kDenormals,
+    kBricks,
+    kHills,
+    kHuge,
+    kSpike,
+};
+constexpr int kReliefs = 15;
+
+std::vector<float> relief(Relief kind, int rows, int cols, float scale, std::mt19937& random)
+{
+    auto const unit = [&] { return static_cast<float>(random() >> 8) * (1.0f / 16777216.0f); };
+    std::vector<float> heights;
+    float const slope_x = unit() - 0.5f;
+    float const slope_y = unit() - 0.5f;
+    int const brick = 3 + static_cast<int>(random() % 14);
+    for (int y = 0; y < rows; ++y) {
+        for (int x = 0; x < cols; ++x) {
+            float const u = static_cast<float>(x) / static_cast<float>(cols);
+            float const v = static_cast<float>(y) / static_cast<float>(rows);
+            float const wave =
+                0.5f + 0.25f * std::sin(7.0f * u + 3.0f * v) + 0.25f * std::cos(11.0f * v - 5.0f * u);
+            float h = unit();
+            switch (kind) {
+            case Relief::kNoise:
+                break;
+            case Relief::kTerraces:
+                h = std::floor(wave * 6.0f) / 6.0f;
+                break;
+            case Relief::kRamp:
+                h = slope_x * u + slope_y * v + 0.5f;
+                break;
+            case Relief::kFlat:
+                h = 0.37f;
+                break;
+            case Relief::kSunkenPlain:
+                h = -0.37f;
+                break;
+            case Relief::kNegative:
+                h = h * 2.0f - 1.5f;
+                break;
+            case Relief::kBelowZero:
+                h = -3.0f - h * 0.1f;
+                break;
+            case Relief::kHighAboveZero:
+                h = 300.0f + wave * 0.5f;
+                break;
+            case Relief::kNotNumbers:
+                h = random() % 5 == 0 ? kNaN : wave;
+                break;
+            case Relief::kInfinities:
+                h = random() % 9 == 0 ? (random() % 2 == 0 ? kInfinity : -kInfinity) : h;
+                break;
+            case Relief::kDenormals:
+                h = h * 1e-40f - (random() % 3 == 0 ? 1e-41f : 0.0f);
+                break;
+            case Relief::kBricks:
+                h = x % brick == 0 || (y + x / brick * 3) % brick < 2 ? 0.1f + 0.05f * h : 0.9f + 0.02f * h;
+                break;
+            case Relief::kHills:
+                h = wave;
+                break;
+            case Relief::kHuge:
+                h = (h - 0.5f) * 3e38f;
+                break;
+            case Relief::kSpike:
+                h = x == cols / 2 && y == rows / 2 ? 1.0f : 0.01f * h;
+                break;
+            }
+            bool const scaled =
+                kind != Relief::kDenormals && kind != Relief::kHuge && kind != Relief::kHighAboveZero;
+            heights.push_back(scaled ? h * scale : h);
+        }
+    }
+    return heights;
+}
+
+void set_tiling(Job& job, unsigned flags)
+{
+    job.tile = (flags & 1) != 0;
+    job.h_tile = (flags & 2) != 0;
+    job.v_tile = (flags & 4) != 0;
+}
+
+Job random_job(Relief kind, unsigned flags, std::mt19937& random)
+{
+    auto const between = [&](float low, float high) {
+        return low + (high - low) * static_cast<float>(random() >> 8) * (1.0f / 16777216.0f);
+    };
+    Job job;
+    job.rows = 2 + static_cast<int>(random() % 66);
+    job.cols = 2 + static_cast<int>(random() % 66);
+    constexpr float kScales[] = {1.0f, 0.3f, 0.1f, 0.02f, 3.0f};
+    job.heights = relief(kind, job.rows, job.cols, kScales[random() % 5], random);
+    job.radius = std::max(between(0.02f, 1.5f), 1.0f / static_cast<float>(job.cols)); // at least one step
+    set_tiling(job, flags);
+    generate_rays(job, 1 + static_cast<int>(random() % 40), between(0.0f, 150.0f), between(0.0f, 150.0f));
+    return job;
+}
+
+TEST(DirectionalAO, EqualsTheRayWalkOnRandomMaps)
+{
+    std::mt19937 random(2024);
+    for (int kind = 0; kind < kReliefs; ++kind) {
+        for (unsigned flags = 0; flags < 8; ++flags) {
+            expect_equal(random_job(static_cast<Relief>(kind), flags, random),
+                         "relief " + std::to_string(kind));
+        }
+    }
+}
+
+TEST(DirectionalAO, EqualsTheRayWalkOnMapsOfSeveralTiles)
+{
+    std::mt19937 random(7);
+    for (Relief const kind : {Relief::kHills, Relief::kBricks, Relief::kNoise, Relief::kSpike}) {
+        for (unsigned const flags : {0U, 7U}) {
+            Job job;
+            job.rows = 139;
+            job.cols = 271;
+            job.heights = relief(kind, job.rows, job.cols, kind == Relief::kHills ? 1.0f : 0.2f, random);
+            job.radius = 0.9f;
+            set_tiling(job, flags);
+            generate_rays(job, 6, 130.0f, 100.0f);
+            expect_equal(job, "several tiles");
+        }
+    }
+}
+
+TEST(DirectionalAO, EqualsTheRayWalkWhereTheReachEndsRays)
+{
+    std::mt19937 random(99);
+    for (unsigned flags = 0; flags < 8; ++flags) {
+        Job job = random_job(Relief::kHills, flags, random);
+        for (float& h : job.heights) {
+            h *= 4.0f;
+        }
+        // The reach falls exactly on a step of the first ray of band C, the hardest place for a shortcut.
+        job.radius = static_cast<float>(static_cast<double>(job.c[0].z) * 5.0);
+        expect_equal(job, "reach on a step");
+    }
+}
+
+TEST(DirectionalAO, TheNumberOfThreadsDoesNotShow)
+{
+    std::mt19937 random(5);
+    Job const job = random_job(Relief::kHills, 7, random);
+    std::vector<float3> const shares = expected(job);
+    for (int threads = 1; threads <= 5; ++threads) {
+        omp_set_num_threads(threads);
+        EXPECT_SAME_BITS(shares, computed(job)) << threads << " threads";
+    }
+    omp_set_num_threads(omp_get_num_procs());
+}
+
+TEST(DirectionalAO, TakesAnyStepVectors)
+{
+    std::mt19937 random(31);
+    for (unsigned flags = 0; flags < 8; ++flags) {
+        Job job = random_job(Relief::kHills, flags, random);
+        float const texel = 1.0f / static_cast<float>(job.cols);
+        job.a = {{texel, 0.01f, -0.001f}, {3 * texel, 0.02f, 0.003f}, {texel, kNaN, 0.01f},
+                 {kNaN, 0.1f, 0.01f},     {texel, 0.01f, kNaN},       {kInfinity, 0.1f, 0.1f},
+                 {texel, kInfinity, 0},   {1e9f, 0.001f, 0.001f}};
+        job.b = {{0.0f, 0.0f, 0.001f},         {0.0f, 0.02f, 0.003f},   {-texel, -0.01f, 0.0f},
+                 {-0.3f * texel, 0.1f, 0.01f}, {texel, 0.0f, -kNaN},    {-kInfinity, 0.1f, 0.1f},
+                 {texel, -0.5f, 0.00001f},     {-texel, 1e-30f, 1e-30f}};
+        job.c = {{texel, -0.0f, 0.0f},   {texel, 0.3f, kInfinity}, {texel, 0.01f, -kInfinity},
+                 {-1e20f, 1e-3f, 0.01f}, {1e-20f, 1e-20f, 0.01f},  {texel, 0.9f, 0.1f},
+                 {-texel, -0.9f, 1e-6f}, {texel, 1e30f, 0.1f}};
+        expect_equal(job, "any steps");
+    }
+}
+
+TEST(DirectionalAO, OnePastTheEdgeIsTheSecondTexel)
+{
+    Job job;
+    job.rows = 3;
+    job.cols = 4;
+    job.heights = {0, 9, 0, 0, /**/ 0, 0, 0, 0, /**/ 0, 0, 0, 0};
+    job.a = job.b = job.c = {{0.25f, 0.0f, 0.1f}};
+    job.radius = 0.25f; // a single step to the right
+    std::vector<float3> const shares = computed(job);
+    EXPECT_EQ(shares[0].x, 0.0f) << "the peak is the next texel";
+    EXPECT_EQ(shares[1].x, 1.0f) << "the peak itself";
+    EXPECT_EQ(shares[2].x, 1.0f);
+    EXPECT_EQ(shares[3].x, 0.0f) << "column 4 of 4 is column 1, the peak";
+    EXPECT_EQ(shares[7].x, 1.0f) << "row 1 has no peak";
+}
+
+TEST(DirectionalAO, EachChannelIsItsOwnBand)
+{
+    Job job;
+    job.rows = 3;
+    job.cols = 3;
+    job.heights = {0, 0, 0, /**/ 0, 0, 1, /**/ 0, 0, 0};
+    float const third = 1.0f / 3.0f;
+    job.radius = third;
+    job.c = {{third, 0.0f, 0.1f}};
+    job.b = {{-third, 0.0f, 0.1f}};
+    job.a = {{third, third, 0.1f}};
+    std::vector<float3> const shares = computed(job);
+    EXPECT_EQ(shares[4].x, 0.0f) << "band C looks right, at the peak";
+    EXPECT_EQ(shares[4].y, 1.0f) << "band B looks left";
+    EXPECT_EQ(shares[4].z, 1.0f) << "band A looks to the corner";
+    EXPECT_EQ(shares[1].z, 0.0f) << "from the row before, the corner is the peak";
+    EXPECT_EQ(shares[1].x, 1.0f);
+}
+
+TEST(DirectionalAO, AFlatMapIsOpen)
+{
+    Job job;
+    job.rows = 20;
+    job.cols = 30;
+    job.heights.assign(600, 0.25f);
+    job.radius = 1.0f;
+    set_tiling(job, 7);
+    generate_rays(job, 10, 60.0f, 60.0f);
+    EXPECT_SAME_BITS(std::vector<float3>(600, float3{1.0f, 1.0f, 1.0f}), computed(job));
+}
+
+TEST(DirectionalAO, OpenWhereNoRayCanBeWalked)
+{
+    std::mt19937 random(3);
+    Job const sound = random_job(Relief::kNoise, 7, random);
+    auto const expect_open = [](Job const& job) {
+        EXPECT_SAME_BITS(std::vector<float3>(job.heights.size(), float3{1.0f, 1.0f, 1.0f}), computed(job));
+    };
+    for (int const rows : {1, 12}) {
+        Job line = sound;
+        line.rows = rows;
+        line.cols = 13 - rows;
+        line.heights.resize(12);
+        expect_open(line);
+    }
+    Job no_rays = sound;
+    no_rays.a.clear();
+    no_rays.b.clear();
+    no_rays.c.clear();
+    expect_open(no_rays);
+    for (float const radius : {0.0f, -1.0f, kNaN, kInfinity, 1e30f}) {
+        Job unreaching = sound;
+        unreaching.radius = radius;
+        expect_open(unreaching);
+    }
+    Job nothing = sound;
+    nothing.heights.assign(nothing.heights.size(), kNaN);
+    expect_open(nothing);
+}
+
+TEST(DirectionalAO, ProgressEndsAtOneThousand)
+{
+    std::mt19937 random(11);
+    for (Relief const kind : {Relief::kHills, Relief::kFlat, Relief::kInfinities}) {
+        Job const job = random_job(kind, 7, random);
+        int progress = 0;
+        computed(job, &progress);
+        EXPECT_EQ(progress, 1000);
+    }
+}
+
+TEST(DirectionalAO, WorksInsideAnotherParallelRegion)
+{
+    std::mt19937 random(17);
+    Job const job = random_job(Relief::kHills, 7, random);
+    std::vector<float3> const shares = expected(job);
+    std::vector<float3> actual;
+    int const levels = omp_get_max_active_levels();
+    omp_set_max_active_levels(3);
+#pragma omp parallel num_threads(2)
+    {
+#pragma omp single
+        actual = computed(job);
+    }
+    omp_set_max_active_levels(levels);
+    EXPECT_SAME_BITS(shares, actual);
+}
+
+} // namespace
