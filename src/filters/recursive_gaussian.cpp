@@ -74,19 +74,12 @@ void run_pass(GaussianPass const& pass, int most_threads)
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
-    auto const filter = [&](std::int64_t i, int thread) {
-        gaussian_filter_tile(pass, static_cast<std::size_t>(i) * tile,
-                             memory.get() + workspace * static_cast<std::size_t>(thread));
-    };
-    if (threads == 1) {
-        for (std::int64_t i = 0; i < tiles; ++i) {
-            filter(i, 0);
-        }
-        return;
-    }
+    // No if clause for a single thread: LLVM's runtime would keep its number for the next region of the
+    // caller.
 #pragma omp parallel for schedule(static) num_threads(threads)
     for (std::int64_t i = 0; i < tiles; ++i) {
-        filter(i, omp_get_thread_num());
+        auto const thread = static_cast<std::size_t>(omp_get_thread_num());
+        gaussian_filter_tile(pass, static_cast<std::size_t>(i) * tile, memory.get() + workspace * thread);
     }
 }
 

@@ -10,7 +10,8 @@
 ///
 /// Errors: none reported, nothing checked; with a width or height of 0 or less nothing happens.
 /// Threads: the forms without a thread number share lines out to OpenMP threads inside the call; their number
-/// never shows in a result. No state survives a call. Working memory is four tiles' worth of lines a thread.
+/// never shows in a result. No state survives a call.
+/// Memory: less than 1 KiB per thread and pixel of a line; std::bad_alloc leaves the output as it was.
 /// Rounding: `float` forms each step of the recursion in double and rounds once; `float3` and `float4` round
 /// at every operation. Method: second-order recursion, R. Deriche, Fast Algorithms for Low-Level Vision, IEEE
 /// PAMI 12(1), 1990. Each line runs once without output, from a state of zeros, then the run with output

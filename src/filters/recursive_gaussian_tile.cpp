@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "filters/recursive_gaussian_tile.h"
 
+#include "filters/targets_internal.h"
+
 #include <cstddef>
 #include <cstring>
 

@@ -36,11 +36,10 @@ struct TileLines {
 
 HWY_INLINE void gather_adjacent(GaussianPass const& pass, TileLines lines, float* HWY_RESTRICT tile)
 {
-    float const* from = pass.input + lines.first;
     for (std::size_t position = 0; position < pass.length; ++position) {
+        float const* const from = pass.input + lines.first + position * pass.position_step;
         std::memcpy(tile, from, lines.count * sizeof(float));
         std::memset(tile + lines.count, 0, (lines.capacity - lines.count) * sizeof(float));
-        from += pass.position_step;
         tile += lines.capacity;
     }
 }
@@ -49,8 +48,8 @@ HWY_INLINE void scatter_adjacent(GaussianPass const& pass, TileLines lines, floa
                                  float const* HWY_RESTRICT backward)
 {
     constexpr hn::ScalableTag<float> d;
-    float* to = pass.output + lines.first;
     for (std::size_t position = 0; position < pass.length; ++position) {
+        float* const to = pass.output + lines.first + position * pass.position_step;
         std::size_t lane = 0;
         for (; lane + hn::Lanes(d) <= lines.count; lane += hn::Lanes(d)) {
             hn::StoreU(hn::Add(hn::LoadU(d, forward + lane), hn::LoadU(d, backward + lane)), d, to + lane);
@@ -58,7 +57,6 @@ HWY_INLINE void scatter_adjacent(GaussianPass const& pass, TileLines lines, floa
         for (; lane < lines.count; ++lane) {
             to[lane] = forward[lane] + backward[lane];
         }
-        to += pass.position_step;
         forward += lines.capacity;
         backward += lines.capacity;
     }

@@ -92,20 +92,17 @@ void sweep_share(Pixel* pixels, std::int64_t begin, std::int64_t end, ToneSteps 
     constexpr std::int64_t kPixels = 256;
     float colours[static_cast<std::size_t>(kPixels) * kColours];
     while (i < end) {
-        std::int64_t const count = std::min(kPixels, (end - i - 1) / stride + 1);
-        std::size_t const floats = static_cast<std::size_t>(count) * kColours;
+        auto const count = static_cast<std::size_t>(std::min(kPixels, (end - i - 1) / stride + 1));
         auto* const first = reinterpret_cast<float*>(pixels + i);
         std::size_t const step = static_cast<std::size_t>(stride) * kComponents;
-        float* at = first;
-        for (std::size_t to = 0; to < floats; to += kColours, at += step) {
-            std::copy_n(at, kColours, colours + to);
+        for (std::size_t pixel = 0; pixel < count; ++pixel) {
+            std::copy_n(first + pixel * step, kColours, colours + pixel * kColours);
         }
-        sweep_tone(colours, floats, steps);
-        at = first;
-        for (std::size_t from = 0; from < floats; from += kColours, at += step) {
-            std::copy_n(colours + from, kColours, at);
+        sweep_tone(colours, count * kColours, steps);
+        for (std::size_t pixel = 0; pixel < count; ++pixel) {
+            std::copy_n(colours + pixel * kColours, kColours, first + pixel * step);
         }
-        i += count * stride;
+        i += static_cast<std::int64_t>(count) * stride;
     }
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "filters/tone_sweep.h"
 
+#include "filters/targets_internal.h"
+
 #include <cstddef>
 #include <cstring>
 

@@ -72,7 +72,7 @@ void grade(Pixel* pixels, int rows, int cols, Grading const& grading)
     if (grading.smooth != 0.0f) {
         auto const count =
             static_cast<std::size_t>(std::max(rows, 0)) * static_cast<std::size_t>(std::max(cols, 0));
-        std::unique_ptr<Pixel[]> const scratch(new Pixel[count]);
+        auto const scratch = std::make_unique_for_overwrite<Pixel[]>(count);
         gaussianFilterRGBA(pixels, pixels, scratch.get(), cols, rows, grading.smooth);
     }
 }

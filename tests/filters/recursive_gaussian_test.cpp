@@ -178,6 +178,24 @@ TYPED_TEST(RecursiveGaussianOf, AShareFiltersItsOwnLinesOnlyAndAllSharesMakeTheW
     });
 }
 
+TYPED_TEST(RecursiveGaussianOf, AShareOfOneThreadMayStartAnywhere)
+{
+    constexpr Size kSize{53, 47};
+    auto const c = reference::gaussian_coefficients(3.0f);
+    auto const image = random_image<TypeParam>(kSize.pixels(), 56);
+    auto const before = random_image<TypeParam>(kSize.pixels(), 57);
+    std::vector<TypeParam> expected(image.size());
+    reference::gaussian_columns(image.data(), expected.data(), kSize.width, kSize.height, c);
+    for (std::size_t i = 0; i < image.size(); ++i) {
+        if (static_cast<int>(i) % kSize.width < 5) {
+            expected[i] = before[i];
+        }
+    }
+    auto actual = before;
+    columns_pass(image, actual, kSize, c, 5, 1);
+    EXPECT_SAME_BITS(expected, actual);
+}
+
 TYPED_TEST(RecursiveGaussianOf, ASharePastTheEndOrOfNoThreadsDoesNothing)
 {
     constexpr Size kSize{4, 4};
@@ -294,6 +312,22 @@ TEST(RecursiveGaussian, ThePlainPassBlursColumnsAndTheYPassRows)
     rows_pass(image, along, kSize, c);
     EXPECT_EQ(along[21 * 40 + 20], 0.0f);
     EXPECT_GT(along[20 * 40 + 21], 0.1f);
+}
+
+TEST(RecursiveGaussian, LeavesTheTeamOfTheCallersNextRegionAlone)
+{
+    auto const team = [] {
+        int size = 0;
+#pragma omp parallel
+#pragma omp single
+        size = omp_get_num_threads();
+        return size;
+    };
+    omp_set_num_threads(2);
+    int const before = team();
+    blurred(random_image<float>(6, 58), {3, 2}, 2.0f); // so small that one thread does it
+    EXPECT_EQ(team(), before);
+    omp_set_num_threads(omp_get_num_procs());
 }
 
 TEST(RecursiveGaussian, FiltersAlphaLikeTheOtherComponents)

@@ -290,6 +290,17 @@ TEST(LimitColor, MapsTheRangeAndDoesNotClamp)
     EXPECT_FLOAT_EQ(image[3], 1.4f);
 }
 
+TEST(LimitColor, RoundsTheShareOfTheLowLevelBeforeTheSum)
+{
+    // One of the rare values whose last bit shows whether the product is fused with the sum.
+    for_every_target([](char const* target) {
+        SCOPED_TRACE(target);
+        std::vector<float> image(9, 0x1.fffe02p-12f);
+        limit_color(image.data(), 3, 3, 153, 173);
+        EXPECT_SAME_BITS(std::vector<float>(9, 0x1.33383ap-1f), image);
+    });
+}
+
 TEST(LimitColor, LeavesAlphaAlone)
 {
     std::vector<float4> image(5, float4{0.0f, 0.0f, 0.0f, 0.25f});
