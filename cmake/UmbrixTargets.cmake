@@ -10,7 +10,13 @@ target_compile_options(umbrix_build_settings INTERFACE
     -Wno-sign-conversion # clang counts it to -Wconversion, g++ does not
     $<$<BOOL:${UMBRIX_WERROR}>:-Werror>)
 
-# umbrix_companion_settings(TARGET): visibility, version numbers and link flags of a shared library of ours.
+# Sanitizers see the whole program, so all targets are built with them.
+if(UMBRIX_SANITIZE)
+    add_compile_options(-fsanitize=${UMBRIX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${UMBRIX_SANITIZE} -fno-sanitize-recover=all)
+endif()
+
+# umbrix_shared_library_settings(TARGET): visibility, version numbers and link flags of a shared library of ours.
 function(umbrix_shared_library_settings target)
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:umbrix_build_settings>)
     set_target_properties(${target} PROPERTIES
@@ -19,8 +25,11 @@ function(umbrix_shared_library_settings target)
         POSITION_INDEPENDENT_CODE ON
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
-        EXPORT_NAME ${target})
-    target_link_options(${target} PRIVATE LINKER:--exclude-libs,ALL LINKER:--no-undefined)
+        EXPORT_NAME ${target}
+        INSTALL_RPATH "$ORIGIN") # the companions lie beside libumbrix, wherever the tree is put
+    # With clang the sanitizers' runtime is in the executable alone: a library has undefined names then.
+    target_link_options(${target} PRIVATE
+        LINKER:--exclude-libs,ALL $<$<NOT:$<BOOL:${UMBRIX_SANITIZE}>>:LINKER:--no-undefined>)
     add_library(UmbrixLib::${target} ALIAS ${target})
 endfunction()
 

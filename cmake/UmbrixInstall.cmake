@@ -1,0 +1,68 @@
+# SPDX-License-Identifier: MIT
+# What users of the targets get, and `cmake --install`: public headers, libraries, a CMake package, a pkg-config file.
+include(CMakePackageConfigHelpers)
+
+option(UMBRIX_INSTALL "Install the libraries, their headers and package files" ${PROJECT_IS_TOP_LEVEL})
+
+# umbrixlib.h declares the functions of the companions too, so whoever links umbrix may call them.
+target_link_libraries(umbrix INTERFACE velloric coralith)
+
+if(NOT UMBRIX_INSTALL)
+    return()
+endif()
+
+# umbrix_public_headers(RESULT): the umbrella header and all that it includes, directly or through others.
+function(umbrix_public_headers result)
+    set(root ${PROJECT_SOURCE_DIR}/src)
+    set(pending umbrixlib.h)
+    set(found "")
+    while(pending)
+        list(POP_FRONT pending header)
+        list(APPEND found ${header})
+        set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${root}/${header})
+        file(STRINGS ${root}/${header} includes REGEX "^#include \"")
+        list(TRANSFORM includes REPLACE "^#include \"([^\"]+)\".*" "\\1")
+        list(REMOVE_ITEM includes ${found} ${pending})
+        list(APPEND pending ${includes})
+    endwhile()
+    set(private ${found})
+    list(FILTER private INCLUDE REGEX "(_internal|-inl|/platform[^/]*)\\.h$")
+    if(private)
+        message(FATAL_ERROR "umbrixlib.h reaches private headers: ${private}")
+    endif()
+    list(TRANSFORM found PREPEND ${root}/)
+    set(${result} ${found} PARENT_SCOPE)
+endfunction()
+
+set(include_dir ${CMAKE_INSTALL_INCLUDEDIR}/umbrixlib)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/UmbrixLib)
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+umbrix_public_headers(public_headers)
+target_sources(umbrix PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/src FILES ${public_headers})
+
+install(TARGETS umbrix velloric coralith EXPORT UmbrixLibTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    FILE_SET HEADERS DESTINATION ${include_dir})
+install(EXPORT UmbrixLibTargets NAMESPACE UmbrixLib:: DESTINATION ${package_dir})
+
+configure_package_config_file(cmake/UmbrixLibConfig.cmake.in UmbrixLibConfig.cmake INSTALL_DESTINATION ${package_dir})
+# Before 1.0 each minor version may break what was there: 0.1 does not serve a user of 0.2, nor the reverse.
+set(compatibility SameMajorVersion)
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+    set(compatibility SameMinorVersion)
+endif()
+write_basic_package_version_file(UmbrixLibConfigVersion.cmake COMPATIBILITY ${compatibility})
+install(FILES
+    ${CMAKE_CURRENT_BINARY_DIR}/UmbrixLibConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/UmbrixLibConfigVersion.cmake
+    DESTINATION ${package_dir})
+
+# The prefix is told from the place of the file, so an installed tree may be moved.
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig
+    OUTPUT_VARIABLE prefix_from_pkgconfig)
+configure_file(cmake/umbrix.pc.in umbrix.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/umbrix.pc DESTINATION ${pkgconfig_dir})
+
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})

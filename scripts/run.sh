@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# From a fresh checkout to pictures: installs what is missing, builds, and makes the maps of a shipped example.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/install_packages.sh
+cmake -S . -B build/run -DCMAKE_BUILD_TYPE=Release -DUMBRIX_BUILD_TESTS=OFF -DUMBRIX_BUILD_EXAMPLES=OFF
+cmake --build build/run --parallel "$(nproc)"
+
+umbrix=build/run/apps/umbrix/umbrix
+height=examples/textures/cobbles_height.png
+mkdir -p out
+"$umbrix" map "$height" -o out/cobbles_umbrix.png --overwrite
+"$umbrix" normal "$height" -o out/cobbles_normal.png --overwrite
+"$umbrix" relight out/cobbles_umbrix.png --turntable 8 -o out/cobbles_turntable.png --overwrite
+
+cat << END
+
+The height map:                    $height
+Its Umbrix map:                    out/cobbles_umbrix.png
+Its normal map:                    out/cobbles_normal.png
+The map lit from eight directions: out/cobbles_turntable.png
+END

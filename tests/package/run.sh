@@ -1,0 +1,62 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Installs the built tree into a scratch prefix, and builds and runs a user's project against it.
+#   run.sh install BUILD PREFIX               installs and looks over what is there
+#   run.sh find_package|pkg_config PREFIX WORK
+#   run.sh add_subdirectory SOURCE WORK       against the sources, nothing installed
+# CXX is the compiler, SANITIZE the sanitizers of the build, both from the environment.
+set -euo pipefail
+
+here=$(cd "$(dirname "$0")" && pwd)
+
+fail() {
+    echo "package: $*" >&2
+    exit 1
+}
+
+install_tree() {
+    local build=$1 prefix=$2
+    rm -rf "$prefix"
+    cmake --install "$build" --prefix "$prefix" > /dev/null
+    local headers=$prefix/include/umbrixlib
+    [ -f "$headers/umbrixlib.h" ] || fail "umbrixlib.h is not installed"
+    local private
+    private=$(find "$headers" -name '*_internal.h' -o -name '*-inl.h' -o -name 'platform*.h' -o -name 'image_io.h')
+    [ -z "$private" ] || fail "private headers are installed: $private"
+    [ -n "$(find "$prefix" -name LICENSE)" ] || fail "the licence is not installed"
+    local library
+    for library in umbrix velloric coralith; do
+        find "$prefix" -name "lib$library.so" | grep -q . || fail "lib$library.so is not installed"
+    done
+}
+
+# Builds the consumer with the given extra settings and runs it.
+consume() {
+    local work=$1 from=$2
+    shift 2
+    rm -rf "$work"
+    cmake -S "$here/consumer" -B "$work" -DUMBRIX_FROM="$from" -DCMAKE_BUILD_TYPE=Debug "$@"
+    cmake --build "$work" --parallel 2
+    "$work/consumer" || fail "the consumer found a wrong result"
+}
+
+case ${1-} in
+install)
+    install_tree "$2" "$3"
+    ;;
+find_package)
+    consume "$3" find_package -DCMAKE_PREFIX_PATH="$2" \
+        ${SANITIZE:+-DCMAKE_CXX_FLAGS="-fsanitize=$SANITIZE"}
+    ;;
+pkg_config)
+    libdir=$(dirname "$(find "$2" -name umbrix.pc)")
+    PKG_CONFIG_PATH=$libdir consume "$3" pkg_config \
+        ${SANITIZE:+-DCMAKE_CXX_FLAGS="-fsanitize=$SANITIZE"}
+    ;;
+add_subdirectory)
+    consume "$3" add_subdirectory -DUMBRIX_SOURCE="$2"
+    ;;
+*)
+    fail "unknown step '${1-}'"
+    ;;
+esac
