@@ -27,9 +27,11 @@ function(umbrix_shared_library_settings target)
         SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
         EXPORT_NAME ${target}
         INSTALL_RPATH "$ORIGIN") # the companions lie beside libumbrix, wherever the tree is put
-    # With clang the sanitizers' runtime is in the executable alone: a library has undefined names then.
-    target_link_options(${target} PRIVATE
-        LINKER:--exclude-libs,ALL $<$<NOT:$<BOOL:${UMBRIX_SANITIZE}>>:LINKER:--no-undefined>)
+    target_link_options(${target} PRIVATE LINKER:--exclude-libs,ALL)
+    # With clang the sanitizers' runtime is in the executable alone, so libraries have undefined names then.
+    if(NOT UMBRIX_SANITIZE)
+        target_link_options(${target} PRIVATE LINKER:--no-undefined)
+    endif()
     add_library(UmbrixLib::${target} ALIAS ${target})
 endfunction()
 
