@@ -53,7 +53,7 @@ TEST(HeightToNormalFile, AFlatGreyImageGivesTheFlatNormal)
     Picture(8, 4, 3, 100).save(folder / "flat.tga");
     std::string text;
     int progress = 1;
-    EXPECT_TRUE(HeightToNormal((folder / "flat.tga").c_str(), (folder / "out.tga").c_str(), 5.0f, 1.0f, false,
+    EXPECT_TRUE(HeightToNormal((folder / "flat.tga").c_str(), (folder / "out.tga").c_str(), 5.0f, 0.0f, false,
                                0, 3.0f, false, false, &text, &progress));
     Picture const out = Picture::load(folder / "out.tga");
     ASSERT_EQ(out.width, 8);
