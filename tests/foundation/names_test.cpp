@@ -28,6 +28,7 @@ TEST(Names, AreReachableUnqualified)
     umbrix_options options = {};
     options.calc_type = calc_type_light_occlusion;
     options.UmbrixMode = Modes_FlatIsFull;
+    EXPECT_EQ(options.calc_type, 2);
     LinkedList<n_layer> layers;
     EXPECT_EQ(layers.count, 0);
     ray step = {1.0f, 0.0f, 0.0f};
