@@ -112,6 +112,7 @@ void FileRun::run(bool reverse_rows)
         } else {
             set_no_occlusion(thread);
         }
+#pragma omp barrier
         release_unkept(thread);
 #pragma omp barrier
         post_process();
@@ -192,6 +193,8 @@ void FileRun::generate_normals(int thread)
     if (thread == 0) {
         *status_ = "Generating Normal Map";
     }
+    // HeightToNormal sets the text as well, on the thread that comes first.
+#pragma omp barrier
 #pragma omp single
     HeightToNormal(heights_.data.get(), target_normals(), shape_.rows, shape_.cols, options_.n_scale,
                    options_.gaussian, 0.0f, options_.normal_flag_1, options_.mode, options_.L_Detail,
