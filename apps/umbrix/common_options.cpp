@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "common_options.h"
+
+#include "naming.h"
+#include "option_table.h"
+#include "output_format.h"
+#include "preflight.h"
+#include "temporary.h"
+#include "text.h"
+
+#include <CLI/Error.hpp>
+#include <chrono>
+#include <fmt/format.h>
+
+namespace umbrix_cli {
+
+namespace {
+
+constexpr char const* kFiles = "Files";
+constexpr char const* kRun = "Run";
+
+ProgressDisplay::Style parse_style(std::string const& text)
+{
+    using Style = ProgressDisplay::Style;
+    constexpr std::pair<char const*, Style> kStyles[] = {
+        {"auto", Style::kAuto}, {"bar", Style::kBar}, {"lines", Style::kLines}, {"none", Style::kNone}};
+    for (auto const& [name, style] : kStyles) {
+        if (text == name) {
+            return style;
+        }
+    }
+    throw CLI::ValidationError("--progress", fmt::format("'{}' is not one of auto, bar, lines, none", text));
+}
+
+void add_number(CLI::App& command, char const* option, double& value, double minimum, double maximum,
+                char const* description)
+{
+    std::function<void(std::string const&)> const parse = [=, &value](std::string const& text) {
+        value = parse_number(option, text, minimum, maximum);
+    };
+    command.add_option_function<std::string>(option, parse, description)->type_name("N")->group(kRun);
+}
+
+} // namespace
+
+void CommonOptions::declare_input(CLI::App& command, std::string const& description)
+{
+    command.add_option("INPUT", input, description)->required()->type_name("");
+    command.add_flag("-v,--verbose", verbose, "Say more about what is done")->group(kRun);
+    add_number(command, "--timeout", timeout_seconds, 0.001, 86400,
+               "Longest time that decoding a file may take [seconds; default 60]");
+    add_number(command, "--max-texels", max_texels, 1, 4294836225.0,
+               "Largest picture that is worked on [texels; default 268435456]");
+}
+
+void CommonOptions::declare_output(CLI::App& command, std::string const& default_name)
+{
+    command
+        .add_option("-o,--output", output,
+                    fmt::format("File to write; its extension names the format [default {}]", default_name))
+        ->type_name("FILE")
+        ->group(kFiles);
+    command.add_flag("--overwrite", overwrite, "Replace the output if it exists")->group(kFiles);
+    std::function<void(std::string const&)> const parse = [this](std::string const& text) {
+        progress = parse_style(text);
+    };
+    command
+        .add_option_function<std::string>(
+            "--progress", parse,
+            "Show progress as a bar, as lines, not at all, or as a bar where there is "
+            "a terminal and else as lines [auto, bar, lines, none; default auto]")
+        ->type_name("HOW")
+        ->group(kRun);
+}
+
+Supervision CommonOptions::supervision(std::string const& command, std::string const& output_name,
+                                       Interrupts const& interrupts) const
+{
+    return {command, input, output_name, timeout_seconds, verbose, progress, interrupts};
+}
+
+Written make_picture_file(std::string const& command, CommonOptions const& options, Job job,
+                          std::string const& suffix, Interrupts const& interrupts)
+{
+    auto const start = std::chrono::steady_clock::now();
+    check_input(options.input);
+    std::filesystem::path const named = options.output.empty() ? default_output(options.input, suffix)
+                                                               : std::filesystem::path(options.output);
+    std::filesystem::path const target = check_output(named, options.input, options.overwrite);
+    OutputFormat const& format = *output_format(named);
+    if (*format.warning != '\0') {
+        fmt::print(stderr, "{}: note: {}: {}\n", command, named.string(), format.warning);
+    }
+
+    OutputFile file(target, format.extension);
+    ScratchFolder const scratch;
+    job.input = options.input;
+    job.output = file.temporary().string();
+    job.scratch = scratch.path().string();
+    job.max_texels = options.max_texels;
+    nlohmann::json report = supervise(job, options.supervision(command, named.string(), interrupts));
+    interrupts.check();
+    file.move_into_place(options.overwrite);
+    std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start;
+    return {named, std::move(report), taken.count()};
+}
+
+} // namespace umbrix_cli

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "job.h"
+#include "progress_display.h"
+#include "supervise.h"
+
+#include <CLI/App.hpp>
+#include <filesystem>
+#include <string>
+
+namespace umbrix_cli {
+
+/// The options that are about files and the run itself, not about the picture.
+struct CommonOptions {
+    std::string input;
+    std::string output; ///< Empty: named after the input.
+    bool overwrite = false;
+    bool verbose = false;
+    ProgressDisplay::Style progress = ProgressDisplay::Style::kAuto;
+    double timeout_seconds = 60;
+    double max_texels = 268435456; // 2^28, 16384 x 16384
+
+    void declare_input(CLI::App& command, std::string const& description);
+    void declare_output(CLI::App& command, std::string const& default_name);
+
+    Supervision supervision(std::string const& command, std::string const& output_name,
+                            Interrupts const& interrupts) const;
+};
+
+/// A finished file and the worker's report about it.
+struct Written {
+    std::filesystem::path output;
+    nlohmann::json report;
+    double seconds;
+};
+
+/// Runs a job that makes one picture: all checks first, then a worker that writes under a temporary name
+/// beside the output, then the renaming. Nothing temporary outlives the call, however it ends.
+/// @param job    Without the fields that name files.
+/// @param suffix For the name of an output that was not named: "_Umbrix".
+Written make_picture_file(std::string const& command, CommonOptions const& options, Job job,
+                          std::string const& suffix, Interrupts const& interrupts);
+
+} // namespace umbrix_cli

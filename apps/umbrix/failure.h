@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "exit_codes.h"
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace umbrix_cli {
+
+/// Why a command stops: shown as one sentence, `umbrix map: error: <subject>: <what>; <advice>`.
+struct Failure : std::runtime_error {
+    Failure(std::string subject_, std::string const& what_, std::string advice_,
+            ExitCode code_ = kInputFailed)
+        : std::runtime_error(what_), subject(std::move(subject_)), advice(std::move(advice_)), code(code_)
+    {
+    }
+
+    std::string subject; ///< The file or the option at fault.
+    std::string advice;  ///< What the user can do about it.
+    ExitCode code;
+};
+
+/// Thrown where an interrupt is noticed.
+struct Interrupted {};
+
+} // namespace umbrix_cli

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "settings.h"
+
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace umbrix_cli {
+
+enum class Task { kMap, kNormal, kRelight, kInfo };
+
+/// Everything that a worker is told. File names are bytes as the user gave them.
+struct Job {
+    Task task = Task::kInfo;
+    std::string input;
+    std::string output;  ///< The temporary file that the result goes to; its extension names the format.
+    std::string scratch; ///< Folder for intermediate files.
+    double max_texels = 0;
+    Settings settings{};
+    std::optional<Kind> kind; ///< Empty: guess.
+    NormalY normal_y = NormalY::kUp;
+
+    // Relighting only.
+    double azimuth_degrees = 0;
+    double elevation_degrees = 0;
+    int directions = 0; ///< Of a turntable; 0: one picture.
+    int cell = 0;       ///< Longest side of a picture of a turntable.
+    double exposure = 0;
+};
+
+std::vector<std::uint8_t> pack(Job const& job);
+Job unpack_job(std::vector<std::uint8_t> const& bytes);
+
+/// Does the job; sends notes and progress, returns what is to be reported. Called in a worker process.
+nlohmann::json run_map_task(Job const& job);
+nlohmann::json run_normal_task(Job const& job);
+nlohmann::json run_relight_task(Job const& job);
+nlohmann::json run_info_task(Job const& job);
+
+} // namespace umbrix_cli

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace umbrix_cli {
+
+/// Runs @p work, one call into the library, on a thread of its own, and sends its progress while it runs.
+/// Throws a Failure if the machine does not give it all its threads, or if the library showed an error box.
+void run_library(std::function<bool(std::string* status, int* progress)> const& work);
+
+} // namespace umbrix_cli

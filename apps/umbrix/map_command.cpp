@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#include "map_command.h"
+
+#include "failure.h"
+#include "normal_y_option.h"
+#include "option_table.h"
+#include "output_format.h"
+
+#include <fmt/format.h>
+
+namespace umbrix_cli {
+
+namespace {
+
+constexpr char const* kCommand = "umbrix map";
+
+char const* name_of(Kind kind)
+{
+    return kind == Kind::kHeightMap ? "height map" : "normal map";
+}
+
+} // namespace
+
+CLI::App* MapCommand::declare(CLI::App& app)
+{
+    CLI::App* const command =
+        app.add_subcommand("map", "Make an Umbrix map: light from three directions, with occlusion");
+    common_.declare_output(*command, "INPUT_Umbrix beside the input");
+    common_.declare_input(*command, "Height map, or normal map with the heights in its alpha");
+    auto* const height =
+        command->add_flag("--height-map", height_map_, "The input is a height map [default: guess]");
+    auto* const normal =
+        command->add_flag("--normal-map", normal_map_, "The input is a normal map [default: guess]");
+    height->excludes(normal)->group("Input");
+    normal->group("Input");
+    declare_normal_y(*command, normal_y_, "Where green points in a normal map that is read")->group("Input");
+    declare_options(*command, settings_, kForMap);
+    return command;
+}
+
+void MapCommand::validate() const
+{
+    if (!settings_.light && !settings_.occlusion) {
+        throw Failure("--no-light", "with --no-occlusion nothing is left to make a map of",
+                      "leave one of them out", kWrongUsage);
+    }
+    if (settings_.min > settings_.max || settings_.h_min > settings_.h_max) {
+        bool const result = settings_.min > settings_.max;
+        throw Failure(result ? "--min" : "--h-min", "it is above the upper limit", "give a smaller one",
+                      kWrongUsage);
+    }
+    if (normal_y_ && height_map_) {
+        throw Failure("--normal-y", "a height map has no green to point anywhere", "leave it out",
+                      kWrongUsage);
+    }
+    if (settings_.height_in_alpha && !common_.output.empty()) {
+        OutputFormat const* const format = output_format(common_.output);
+        if (format != nullptr && !format->alpha) {
+            throw Failure(common_.output, fmt::format("{} files hold no alpha", format->extension),
+                          "give a name ending in .png, or leave --height-in-alpha out", kWrongUsage);
+        }
+    }
+}
+
+void MapCommand::run(Interrupts const& interrupts)
+{
+    validate();
+    Job job;
+    job.task = Task::kMap;
+    job.settings = settings_;
+    job.normal_y = normal_y_.value_or(NormalY::kUp);
+    if (height_map_ || normal_map_) {
+        job.kind = height_map_ ? Kind::kHeightMap : Kind::kNormalMap;
+    }
+    Written const written = make_picture_file(kCommand, common_, job, "_Umbrix", interrupts);
+    Kind const kind = written.report.at("kind").get<Kind>();
+    bool const guessed = written.report.at("guessed").get<bool>();
+    fmt::print("wrote {}: Umbrix map, {} x {}, from a {}", written.output.string(),
+               written.report.at("width").get<int>(), written.report.at("height").get<int>(), name_of(kind));
+    if (guessed) {
+        fmt::print(" (guessed: {})", written.report.at("reason").get<std::string>());
+    }
+    if (kind == Kind::kNormalMap) {
+        fmt::print(", green {}", name_of(job.normal_y));
+    }
+    fmt::print(", relief {}, {:.1f} s\n", h_scale_of(settings_), written.seconds);
+}
+
+} // namespace umbrix_cli

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "command.h"
+#include "common_options.h"
+#include "defaults.h"
+
+#include <optional>
+
+namespace umbrix_cli {
+
+/// `umbrix map`: an Umbrix map from a height map or a normal map.
+class MapCommand : public Command {
+public:
+    CLI::App* declare(CLI::App& app) override;
+    void run(Interrupts const& interrupts) override;
+
+private:
+    void validate() const;
+
+    CommonOptions common_;
+    Settings settings_ = kDefaults;
+    bool height_map_ = false;
+    bool normal_map_ = false;
+    std::optional<NormalY> normal_y_;
+};
+
+} // namespace umbrix_cli

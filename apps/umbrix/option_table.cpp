@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: MIT
+#include "option_table.h"
+
+#include "defaults.h"
+
+#include <CLI/Error.hpp>
+#include <charconv>
+#include <cmath>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+namespace umbrix_cli {
+
+namespace {
+
+constexpr char const* kLight = "Light";
+constexpr char const* kRelief = "Relief";
+constexpr char const* kOcclusion = "Occlusion";
+constexpr char const* kHeights = "Grading of the heights, in this order";
+constexpr char const* kResult = "Grading of the map, in this order";
+
+constexpr double kMaxSigma = 1000.0;
+
+constexpr OptionRow kTable[] = {
+    {"light", kLight, &Settings::light, 0, 0, "", kForMap,
+     "Put the light of the three directions into the map"},
+    {"generate-normal", kLight, &Settings::generate_normal, 0, 0, "", kForMap,
+     "Make the normals from the heights in a normal map's alpha, too; a height map's always are"},
+    {"mode", kLight, &Settings::mode, 0, 0, "", kForMap | kForRelight,
+     "Light of a normal: its projection, the same with unit basis vectors, that cut at 0 and with flat "
+     "ground "
+     "at full light, or that cut at 0 and squared"},
+    {"height-in-alpha", kLight, &Settings::height_in_alpha, 0, 0, "", kForMap,
+     "Put the heights, as they were read, into the map's alpha"},
+
+    {"relief", kRelief, &Settings::relief, 0, 10, " image widths", kForMap | kForNormal,
+     "How high a height of 1 reaches"},
+    {"h-scale", kRelief, &Settings::h_scale, 0, 10, " image widths", kForMap,
+     "The same for the occlusion alone; auto is the relief"},
+    {"n-scale", kRelief, &Settings::n_scale, -1e6, 1e6, "", kForMap | kForNormal,
+     "Strength of the normals: slope where the heights differ by 1 over two texels; auto fits the height "
+     "scale"},
+    {"gaussian", kRelief, &Settings::gaussian, 0, kMaxSigma, " texels, 0 is off", kForMap | kForNormal,
+     "Sigma of the blur before normals are made"},
+    {"detail", kRelief, &Settings::detail, 0, 100, " texels, up to 1 is off", kForMap | kForNormal,
+     "Radius of the bilateral filter before normals are made; `normal` runs it without using its result"},
+
+    {"occlusion", kOcclusion, &Settings::occlusion, 0, 0, "", kForMap,
+     "Darken what the relief hides from the three directions"},
+    {"rays", kOcclusion, &Settings::rays, 1, 10000, " per direction", kForMap,
+     "Rays that look for the relief"},
+    {"radius", kOcclusion, &Settings::radius, 0, 4, " image widths", kForMap,
+     "How far the rays reach and climb"},
+    {"alpha-limit", kOcclusion, &Settings::alpha_limit, 0, 180, " degrees", kForMap,
+     "Full width of a bundle of rays in elevation"},
+    {"theta-limit", kOcclusion, &Settings::theta_limit, 0, 180, " degrees", kForMap,
+     "Full width of a bundle of rays in azimuth"},
+    {"tile", kOcclusion, &Settings::tile, 0, 0, "", kForMap, "The texture repeats; switches the next two"},
+    {"h-tile", kOcclusion, &Settings::h_tile, 0, 0, "", kForMap, "It repeats sideways"},
+    {"v-tile", kOcclusion, &Settings::v_tile, 0, 0, "", kForMap, "It repeats up and down"},
+
+    {"b-radius", kHeights, &Settings::b_radius, 0, 100, " texels, below 1 is off", kForMap,
+     "Radius of the bilateral filter"},
+    {"h-contrast", kHeights, &Settings::h_contrast, -1, 1, ", 0 is off", kForMap, "Contrast"},
+    {"h-min", kHeights, &Settings::h_min, 0, 255, ", 0 is off", kForMap, "Lower limit"},
+    {"h-max", kHeights, &Settings::h_max, 0, 255, ", 255 is off", kForMap, "Upper limit"},
+    {"h-brightness", kHeights, &Settings::h_brightness, -1, 1, ", 0 is off", kForMap, "Brightness"},
+    {"h-smooth", kHeights, &Settings::h_smooth, 0, kMaxSigma, " texels, 0 is off", kForMap,
+     "Sigma of the blur"},
+
+    {"contrast", kResult, &Settings::contrast, -1, 1, ", 0 is off", kForMap, "Contrast"},
+    {"min", kResult, &Settings::min, 0, 255, ", 0 is off", kForMap, "Lower limit"},
+    {"max", kResult, &Settings::max, 0, 255, ", 255 is off", kForMap, "Upper limit"},
+    {"brightness", kResult, &Settings::brightness, -1, 1, ", 0 is off", kForMap, "Brightness"},
+    {"smooth", kResult, &Settings::smooth, 0, kMaxSigma, " texels, 0 is off", kForMap, "Sigma of the blur"},
+};
+
+constexpr char const* kModeNames[] = {"projection", "unit", "flat", "squared"};
+
+Modes parse_mode(std::string const& text)
+{
+    for (int mode = 0; mode < 4; ++mode) {
+        if (text == kModeNames[mode]) {
+            return static_cast<Modes>(mode);
+        }
+    }
+    throw CLI::ValidationError("--mode",
+                               fmt::format("'{}' is not a mode; give {}", text, fmt::join(kModeNames, ", ")));
+}
+
+template <typename... Bodies>
+struct Overloaded : Bodies... {
+    using Bodies::operator()...;
+};
+template <typename... Bodies>
+Overloaded(Bodies...) -> Overloaded<Bodies...>; // clang 14 does not find it by itself
+
+/// Parses @p text into one member of @p settings.
+class Parse {
+public:
+    Parse(OptionRow const& row, Settings& settings, std::string const& text)
+        : row_(row), settings_(settings), text_(text)
+    {
+    }
+
+    void operator()(bool Settings::*) const {} // a flag: CLI11 sets it
+
+    void operator()(int Settings::*field) const
+    {
+        double const value = number();
+        if (value != std::floor(value)) {
+            throw CLI::ValidationError(option(), fmt::format("{} is not a whole number", text_));
+        }
+        settings_.*field = static_cast<int>(value);
+    }
+
+    void operator()(float Settings::*field) const { settings_.*field = static_cast<float>(number()); }
+
+    void operator()(std::optional<float> Settings::*field) const
+    {
+        settings_.*field = text_ == "auto" ? std::nullopt : std::optional(static_cast<float>(number()));
+    }
+
+    void operator()(Modes Settings::*field) const { settings_.*field = parse_mode(text_); }
+
+private:
+    std::string option() const { return fmt::format("--{}", row_.name); }
+    double number() const { return parse_number(option(), text_, row_.minimum, row_.maximum); }
+
+    OptionRow const& row_;
+    Settings& settings_;
+    std::string const& text_;
+};
+
+std::string default_text(OptionRow const& row)
+{
+    return std::visit(Overloaded{
+                          [](bool Settings::*field) { return std::string(kDefaults.*field ? "on" : "off"); },
+                          [](int Settings::*field) { return fmt::format("{}", kDefaults.*field); },
+                          [](float Settings::*field) { return fmt::format("{}", kDefaults.*field); },
+                          [](std::optional<float> Settings::*) { return std::string("auto"); },
+                          [](Modes Settings::*field) {
+                              return std::string(kModeNames[static_cast<int>(kDefaults.*field)]);
+                          },
+                      },
+                      row.field);
+}
+
+char const* value_name(OptionRow const& row)
+{
+    if (std::holds_alternative<Modes Settings::*>(row.field)) {
+        return "MODE";
+    }
+    return std::holds_alternative<int Settings::*>(row.field) ? "N" : "X";
+}
+
+void declare(CLI::App& command, Settings& settings, OptionRow const& row)
+{
+    if (auto const* flag = std::get_if<bool Settings::*>(&row.field)) {
+        command.add_flag(fmt::format("--{0},!--no-{0}", row.name), settings.**flag, describe(row))
+            ->group(row.group);
+        return;
+    }
+    std::function<void(std::string const&)> const parse = [&settings, &row](std::string const& text) {
+        std::visit(Parse(row, settings, text), row.field);
+    };
+    command.add_option_function<std::string>(fmt::format("--{}", row.name), parse, describe(row))
+        ->type_name(value_name(row))
+        ->group(row.group);
+}
+
+} // namespace
+
+std::span<OptionRow const> option_table()
+{
+    return kTable;
+}
+
+std::string describe(OptionRow const& row)
+{
+    if (std::holds_alternative<bool Settings::*>(row.field)) {
+        return fmt::format("{} [default {}]", row.help, default_text(row));
+    }
+    if (std::holds_alternative<Modes Settings::*>(row.field)) {
+        return fmt::format("{} [{}; default {}]", row.help, fmt::join(kModeNames, ", "), default_text(row));
+    }
+    return fmt::format("{} [{} to {}{}; default {}]", row.help, row.minimum, row.maximum, row.unit,
+                       default_text(row));
+}
+
+void declare_options(CLI::App& command, Settings& settings, OptionUser user)
+{
+    for (OptionRow const& row : kTable) {
+        if ((row.users & user) != 0) {
+            declare(command, settings, row);
+        }
+    }
+}
+
+nlohmann::json to_json(Settings const& settings)
+{
+    nlohmann::json fields;
+    for (OptionRow const& row : kTable) {
+        std::visit(Overloaded{
+                       [&](auto Settings::*field) { fields[row.name] = settings.*field; },
+                       [&](std::optional<float> Settings::*field) {
+                           fields[row.name] = (settings.*field).has_value()
+                                                  ? nlohmann::json(*(settings.*field))
+                                                  : nlohmann::json(nullptr);
+                       },
+                   },
+                   row.field);
+    }
+    return fields;
+}
+
+Settings settings_from_json(nlohmann::json const& fields)
+{
+    Settings settings = kDefaults;
+    for (OptionRow const& row : kTable) {
+        nlohmann::json const& value = fields.at(row.name);
+        std::visit(Overloaded{
+                       [&](auto Settings::*field) { value.get_to(settings.*field); },
+                       [&](std::optional<float> Settings::*field) {
+                           settings.*field =
+                               value.is_null() ? std::nullopt : std::optional(value.get<float>());
+                       },
+                   },
+                   row.field);
+    }
+    return settings;
+}
+
+double parse_number(std::string const& option, std::string const& text, double minimum, double maximum)
+{
+    double value = 0.0;
+    char const* const end = text.data() + text.size();
+    auto const [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || stop != end || !std::isfinite(value)) {
+        throw CLI::ValidationError(option, fmt::format("'{}' is not a number", text));
+    }
+    if (value < minimum || value > maximum) {
+        throw CLI::ValidationError(option,
+                                   fmt::format("{} is out of range; give {} to {}", text, minimum, maximum));
+    }
+    return value;
+}
+
+} // namespace umbrix_cli

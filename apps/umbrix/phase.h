@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace umbrix_cli {
+
+/// What a worker is doing, so that its sudden end can be told from.
+enum class Phase {
+    kReading,  ///< Decoding the input.
+    kMaking,   ///< The work itself.
+    kWriting,  ///< Encoding the output.
+    kChecking, ///< Reading the output back.
+};
+
+} // namespace umbrix_cli

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include "preflight.h"
+
+#include "failure.h"
+#include "output_format.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace umbrix_cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+void check_output_format(fs::path const& output)
+{
+    if (output_format(output) == nullptr) {
+        std::string const extension = output.extension().string();
+        throw Failure(output.string(),
+                      extension.empty() ? "its name has no extension to tell the format by"
+                                        : fmt::format("pictures cannot be written as {}", extension),
+                      "use one of " + output_extensions(), kWrongUsage);
+    }
+}
+
+} // namespace
+
+void check_input(fs::path const& input)
+{
+    std::error_code error;
+    fs::file_status const status = fs::status(input, error);
+    if (!fs::exists(status)) {
+        throw Failure(input.string(),
+                      status.type() == fs::file_type::not_found ? "there is no such file" : error.message(),
+                      "check the name");
+    }
+    if (!fs::is_regular_file(status)) {
+        throw Failure(input.string(), fs::is_directory(status) ? "it is a folder" : "it is not a plain file",
+                      "name an image file");
+    }
+    if (access(input.c_str(), R_OK) != 0) {
+        throw Failure(input.string(), fmt::format("it cannot be read: {}", std::strerror(errno)),
+                      "check its access rights");
+    }
+    if (fs::file_size(input, error) == 0) {
+        throw Failure(input.string(), "it is empty", "copy or save it again");
+    }
+}
+
+fs::path check_output(fs::path const& output, fs::path const& input, bool overwrite)
+{
+    check_output_format(output);
+    std::error_code error;
+    fs::path const folder = output.has_parent_path() ? output.parent_path() : fs::path(".");
+    if (!fs::is_directory(folder, error)) {
+        throw Failure(output.string(), "its folder does not exist", "create it, or choose another with -o");
+    }
+    fs::file_status const status = fs::status(output, error);
+    if (fs::exists(status)) {
+        if (fs::equivalent(output, input, error)) {
+            throw Failure(output.string(), "it is the input, which would be lost",
+                          "give another name with -o", kWrongUsage);
+        }
+        if (!fs::is_regular_file(status)) {
+            throw Failure(output.string(),
+                          fs::is_directory(status) ? "it is a folder" : "it is not a plain file",
+                          "give a file name with -o");
+        }
+        if (!overwrite) {
+            throw Failure(output.string(), "it exists",
+                          "add --overwrite to replace it, or give another name with -o");
+        }
+        return fs::canonical(output);
+    }
+    return folder / output.filename();
+}
+
+} // namespace umbrix_cli

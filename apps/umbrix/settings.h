@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <umbrixlib.h>
+
+namespace umbrix_cli {
+
+/// What a run can be told on the command line, in the library's units. An empty number is worked out from the
+/// others.
+struct Settings {
+    bool light;
+    bool occlusion;
+    bool generate_normal;
+    Modes mode;
+    bool height_in_alpha;
+
+    float relief;
+    std::optional<float> h_scale;
+    std::optional<float> n_scale;
+    float gaussian;
+    float detail;
+
+    int rays;
+    float radius;
+    float alpha_limit;
+    float theta_limit;
+    bool tile;
+    bool h_tile;
+    bool v_tile;
+
+    float b_radius;
+    float h_contrast;
+    int h_min;
+    int h_max;
+    float h_brightness;
+    float h_smooth;
+
+    float contrast;
+    int min;
+    int max;
+    float brightness;
+    float smooth;
+};
+
+/// What the input is taken for.
+enum class Kind { kHeightMap, kNormalMap };
+
+/// Direction of green in a normal map: kUp where green grows as the surface turns to the top of the picture.
+enum class NormalY { kUp, kDown };
+
+/// Height scale of the occlusion: `h_scale`, or the relief.
+float h_scale_of(Settings const& settings);
+
+/// Strength of the normals: `n_scale`, or the one that fits the height scale. A height of 1 reaches h_scale
+/// image widths, and the normal's difference spans two texels: h_scale * width / 2.
+float n_scale_of(Settings const& settings, int width);
+
+/// The library's record for a run on a picture of that kind and width, every field set.
+umbrix_options options_for(Settings const& settings, Kind kind, int width);
+
+} // namespace umbrix_cli

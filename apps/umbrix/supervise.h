@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "interrupts.h"
+#include "job.h"
+#include "progress_display.h"
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace umbrix_cli {
+
+/// What a supervised job needs besides itself.
+struct Supervision {
+    std::string command; ///< Begins every message: "umbrix map".
+    std::string input;   ///< Names to be used for the worker's "input" and "output".
+    std::string output;
+    double timeout_seconds; ///< For decoding a file.
+    bool verbose;
+    ProgressDisplay::Style progress;
+    Interrupts const& interrupts;
+};
+
+/// Has a worker do @p job, shows its progress and notes, and returns its report. A Failure if the worker gave
+/// one, crashed, ended without a word or decoded for too long; Interrupted if the user wants to stop.
+nlohmann::json supervise(Job const& job, Supervision const& supervision);
+
+} // namespace umbrix_cli

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace umbrix_cli {
+
+/// An empty file with a hidden name of its own beside the output that it is to become. Removed with the
+/// object unless it was moved into place.
+class OutputFile {
+public:
+    /// @param target    The output; its folder exists.
+    /// @param extension Of the temporary name, with the dot: the format follows from it.
+    OutputFile(std::filesystem::path target, std::string const& extension);
+    ~OutputFile();
+    OutputFile(OutputFile const&) = delete;
+    OutputFile& operator=(OutputFile const&) = delete;
+
+    std::filesystem::path const& temporary() const { return temporary_; }
+
+    /// Gives the file the target's name, in one step. Without @p overwrite a target that exists by now is
+    /// kept, and a Failure tells.
+    void move_into_place(bool overwrite);
+
+private:
+    std::filesystem::path target_;
+    std::filesystem::path temporary_;
+    bool placed_ = false;
+};
+
+/// An empty folder for intermediate files, removed with all that is in it.
+class ScratchFolder {
+public:
+    ScratchFolder();
+    ~ScratchFolder();
+    ScratchFolder(ScratchFolder const&) = delete;
+    ScratchFolder& operator=(ScratchFolder const&) = delete;
+
+    std::filesystem::path const& path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+} // namespace umbrix_cli

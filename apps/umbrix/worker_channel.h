@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "failure.h"
+#include "phase.h"
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+
+/// @file
+/// The worker's side of the pipe: one JSON object a line, to the descriptor below. A line holds one of
+/// {"phase": number}, {"stage": text, "permille": number}, {"note": text, "detail": flag}, {"failure":
+/// {...}},
+/// {"result": {...}}. The last two end the job. Texts name files as "input" and "output".
+
+namespace umbrix_cli {
+
+inline constexpr int kEventDescriptor = 3;
+
+void send_phase(Phase phase);
+void send_progress(std::string_view stage, int permille);
+
+/// Something that the user ought to know; with @p only_if_verbose, only if asked for.
+void send_note(std::string const& text, bool only_if_verbose = false);
+
+void send_failure(Failure const& failure);
+void send_result(nlohmann::json const& result);
+
+} // namespace umbrix_cli

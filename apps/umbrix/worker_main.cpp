@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "job.h"
+#include "worker_channel.h"
+#include "worker_process.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <new>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace umbrix_cli {
+
+namespace {
+
+/// The worker is of no use without its parent, which would remove what the worker leaves.
+void end_with_parent(char const* parent)
+{
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (std::to_string(getppid()) != parent) {
+        _exit(kInterrupted);
+    }
+}
+
+std::vector<std::uint8_t> read_standard_input()
+{
+    std::vector<std::uint8_t> all;
+    std::uint8_t piece[4096];
+    ssize_t got = 0;
+    while ((got = read(STDIN_FILENO, piece, sizeof piece)) > 0 || (got < 0 && errno == EINTR)) {
+        all.insert(all.end(), piece, piece + (got > 0 ? got : 0));
+    }
+    return all;
+}
+
+nlohmann::json run(Job const& job)
+{
+    switch (job.task) {
+    case Task::kMap:
+        return run_map_task(job);
+    case Task::kNormal:
+        return run_normal_task(job);
+    case Task::kRelight:
+        return run_relight_task(job);
+    case Task::kInfo:
+        break;
+    }
+    return run_info_task(job);
+}
+
+} // namespace
+
+int run_worker(char const* parent)
+{
+    end_with_parent(parent);
+    std::signal(SIGXFSZ, SIG_IGN); // a limit on file sizes then reads as a full disk
+    try {
+        send_result(run(unpack_job(read_standard_input())));
+        return kDone;
+    } catch (Failure const& failure) {
+        send_failure(failure);
+    } catch (std::bad_alloc const&) {
+        send_failure(
+            Failure("input", "there is not enough memory to work on it", "make the picture smaller"));
+    } catch (std::exception const& error) {
+        send_failure(Failure("input", error.what(), "try another picture"));
+    }
+    // Without a clean end: after a failed load DevIL's own would crash.
+    _exit(kInputFailed);
+}
+
+} // namespace umbrix_cli

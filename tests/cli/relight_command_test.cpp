@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+/// `umbrix relight`, run as a user runs it.
+#include "tool.h"
+
+namespace umbrixlib::test {
+namespace {
+
+class RelightCommand : public ToolTest {
+protected:
+    int lit(std::string const& map, std::string const& light, int x, int y) const
+    {
+        EXPECT_EQ(run({"relight", map, "--light", light, "-o", "lit.tga", "--overwrite"}).code, 0);
+        return tga("lit.tga").at(x, y, 0);
+    }
+};
+
+TEST_F(RelightCommand, GivesFlatGroundTheSameInEveryLight)
+{
+    write("flat.tga", height_map(4, 4, [](int, int) { return 147; }));
+    for (char const* light : {"0,45", "77,0", "135,30", "200,89", "300,10", "-60,90"}) {
+        EXPECT_NEAR(lit("flat.tga", light, 1, 1), 178, 1) << light; // 0.7 of white
+    }
+}
+
+TEST_F(RelightCommand, LightsTheSlopesThatFaceTheLight)
+{
+    write("hill.tga", hill(64));
+    ASSERT_EQ(run({"map", "hill.tga", "-o", "map.tga"}).code, 0);
+    EXPECT_GT(lit("map.tga", "0,30", 48, 32), lit("map.tga", "0,30", 16, 32) + 20);   // right
+    EXPECT_GT(lit("map.tga", "90,30", 32, 48), lit("map.tga", "90,30", 32, 16) + 20); // top
+    EXPECT_GT(lit("map.tga", "180,30", 16, 32), lit("map.tga", "180,30", 48, 32) + 20);
+    EXPECT_GT(lit("map.tga", "270,30", 32, 16), lit("map.tga", "270,30", 32, 48) + 20);
+}
+
+TEST_F(RelightCommand, WeighsTheChannelsByTheirDirections)
+{
+    Bytes pixels; // blue, green, red: a texel for each channel
+    pixels = {0, 0, 100, 0, 100, 0, 100, 0, 0, 0, 0, 0};
+    write("map.tga", tga_bytes(2, 2, 3, pixels));
+    EXPECT_GT(lit("map.tga", "0,10", 0, 0), 0);
+    EXPECT_EQ(lit("map.tga", "180,10", 0, 0), 0);
+    EXPECT_GT(lit("map.tga", "240,10", 1, 0), lit("map.tga", "240,10", 0, 1));
+    EXPECT_GT(lit("map.tga", "120,10", 0, 1), lit("map.tga", "120,10", 1, 0));
+    EXPECT_EQ(lit("map.tga", "120,10", 1, 1), 0);
+}
+
+TEST_F(RelightCommand, WritesAContactSheet)
+{
+    write("red.tga", tga_bytes(128, 128, 3, [] {
+              Bytes pixels;
+              for (int i = 0; i < 128 * 128; ++i) {
+                  pixels.insert(pixels.end(), {0, 0, 100});
+              }
+              return pixels;
+          }()));
+    Outcome const outcome =
+        run({"relight", "red.tga", "--light", "0,20", "--turntable", "5", "--cell", "64"});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_NE(
+        outcome.out.find("wrote red_Turntable.tga: 192 x 128, light from 5 azimuths from 0, elevation 20"),
+        std::string::npos)
+        << outcome.out;
+    TgaPicture const sheet = tga("red_Turntable.tga");
+    EXPECT_GT(sheet.at(32, 96, 0), sheet.at(96, 96, 0)); // top row: azimuths 0, 72, 144
+    EXPECT_GT(sheet.at(96, 96, 0), 0);
+    EXPECT_EQ(sheet.at(160, 96, 0), 0);
+    EXPECT_EQ(sheet.at(32, 32, 0), 0); // bottom row: 216, 288, and an empty place
+    EXPECT_EQ(sheet.at(96, 32, 0), sheet.at(96, 96, 0));
+    EXPECT_EQ(sheet.at(160, 32, 0), 0);
+}
+
+TEST_F(RelightCommand, WantsAnAzimuthAndAnElevation)
+{
+    write("flat.tga", height_map(4, 4, [](int, int) { return 147; }));
+    for (char const* light : {"45", "45,100", "x,3", "10,", "nan,4"}) {
+        Outcome const outcome = run({"relight", "flat.tga", "--light", light});
+        EXPECT_EQ(outcome.code, 2) << light;
+        EXPECT_NE(outcome.err.find("umbrix relight: error: --light: "), std::string::npos) << outcome.err;
+    }
+}
+
+} // namespace
+} // namespace umbrixlib::test

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+/// Inputs that cannot be worked on: one sentence, exit code 1, nothing left behind.
+#include "tool.h"
+
+namespace umbrixlib::test {
+namespace {
+
+class ToolInput : public ToolTest {
+protected:
+    void expect_refusal(std::string const& name, std::string const& reason, Arguments const& more = {}) const
+    {
+        std::set<std::string> const before = files();
+        for (char const* command : {"map", "normal", "relight", "info"}) {
+            Arguments arguments{command, name};
+            arguments.insert(arguments.end(), more.begin(), more.end());
+            Outcome const outcome = run(arguments);
+            EXPECT_EQ(outcome.code, 1) << command;
+            EXPECT_TRUE(complains_about(outcome, std::string("umbrix ") + command, name));
+            EXPECT_NE(outcome.err.find(reason), std::string::npos) << outcome.err;
+            EXPECT_EQ(outcome.out, "");
+        }
+        EXPECT_EQ(files(), before);
+    }
+};
+
+TEST_F(ToolInput, RefusesAMissingFile)
+{
+    expect_refusal("missing.png", "there is no such file");
+}
+
+TEST_F(ToolInput, RefusesAFolder)
+{
+    std::filesystem::create_directory(folder() / "folder.png");
+    expect_refusal("folder.png", "it is a folder");
+}
+
+TEST_F(ToolInput, RefusesAnEmptyFile)
+{
+    write("empty.png", {});
+    expect_refusal("empty.png", "it is empty");
+}
+
+TEST_F(ToolInput, RefusesWhatIsNoImage)
+{
+    std::string const text = "this is a letter, not a picture\n";
+    write("letter.png", Bytes(text.begin(), text.end()));
+    write("letter.txt", Bytes(text.begin(), text.end()));
+    expect_refusal("letter.png", "not an image");
+    expect_refusal("letter.txt", "not an image");
+}
+
+TEST_F(ToolInput, RefusesATruncatedPicture)
+{
+    Bytes png = png_bytes(64, PngColour::kGrey, 8, std::vector<Bytes>(64, Bytes(64, 7)));
+    png.resize(png.size() / 2);
+    write("cut.png", png);
+    expect_refusal("cut.png", "damaged");
+}
+
+TEST_F(ToolInput, SurvivesALoaderThatFreesItsImage)
+{
+    // DevIL is left with a freed image after this file, and would crash when the program ends.
+    std::string const ppm = "P6\n64 64\n255\nonly a few bytes";
+    write("cut.ppm", Bytes(ppm.begin(), ppm.end()));
+    expect_refusal("cut.ppm", "damaged");
+}
+
+/// A Photoshop file of 7 x 5 packed texels that claims another size.
+Bytes photoshop_file(std::uint32_t height, std::uint32_t width)
+{
+    Bytes file{'8', 'B', 'P', 'S', 0, 1, 0, 0, 0, 0, 0, 0, 0, 1};
+    for (std::uint32_t const number : {height, width}) {
+        for (unsigned shift = 32; shift > 0; shift -= 8) {
+            file.push_back(static_cast<std::uint8_t>(number >> (shift - 8)));
+        }
+    }
+    Bytes const rest{
+        0, 8, 0, 1, 0, 0, 0, 0, 0, 0, 0,    0, 0,    0, 0,    0, 0,    1, // no blocks, packed rows
+        0, 2, 0, 2, 0, 2, 0, 2, 0, 2, 0xfa, 7, 0xfa, 7, 0xfa, 7, 0xfa, 7, 0xfa, 7};
+    file.insert(file.end(), rest.begin(), rest.end());
+    file.resize(file.size() + 20);
+    return file;
+}
+
+TEST_F(ToolInput, SurvivesADecoderThatCrashes)
+{
+    write("good.psd", photoshop_file(5, 7));
+    EXPECT_EQ(run({"info", "good.psd"}).code, 0);
+    write("crash.psd", photoshop_file(0x80000005U, 7));
+    expect_refusal("crash.psd", "its decoder broke down");
+}
+
+TEST_F(ToolInput, SurvivesADecoderThatDoesNotEnd)
+{
+    write("endless.psd", photoshop_file(5, 0xff000007U));
+    expect_refusal("endless.psd", "it was still being read after 0.3 s", {"--timeout", "0.3"});
+}
+
+TEST_F(ToolInput, RefusesASizeThatIsNotSane)
+{
+    Bytes tga = tga_bytes(0xffff, 0xffff, 3, Bytes(100, 1));
+    write("giant.tga", tga);
+    expect_refusal("giant.tga", "65535 x 65535 is more than 268435456 texels");
+}
+
+TEST_F(ToolInput, RefusesMoreTexelsThanAllowed)
+{
+    write("hill.tga", hill(32));
+    expect_refusal("hill.tga", "32 x 32 is more than 1000 texels", {"--max-texels", "1000"});
+    EXPECT_EQ(run({"info", "hill.tga", "--max-texels", "1024"}).code, 0);
+}
+
+TEST_F(ToolInput, TakesNamesWithSpacesAndForeignLetters)
+{
+    for (std::string const name :
+         {"two words.tga", "Höhe über Grund.tga", "高さ.tga", "not \xff utf-8.tga"}) {
+        write(name, hill(16));
+        Outcome const outcome = run({"map", name});
+        EXPECT_EQ(outcome.code, 0) << name << outcome.err;
+        std::string const made = name.substr(0, name.size() - 4) + "_Umbrix.tga";
+        EXPECT_TRUE(files().contains(made)) << made;
+        EXPECT_NE(outcome.out.find(made), std::string::npos) << outcome.out;
+        EXPECT_EQ(run({"info", name, "--json"}).code, 0);
+    }
+}
+
+TEST_F(ToolInput, TakesANameThatBeginsWithADash)
+{
+    write("-h.tga", hill(16));
+    EXPECT_EQ(run({"map", "--", "-h.tga"}).code, 0);
+    EXPECT_TRUE(files().contains("-h_Umbrix.tga"));
+}
+
+} // namespace
+} // namespace umbrixlib::test

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+/// Runs that are stopped in the middle.
+#include "tool.h"
+
+#include <fstream>
+#include <thread>
+
+namespace umbrixlib::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+class ToolInterrupt : public ToolTest {
+protected:
+    ToolInterrupt()
+    {
+        write("hill.tga", hill(1024));
+        write("old.tga", {1, 2, 3});
+    }
+
+    Arguments const long_run{"map",         "hill.tga", "-o",    "old.tga",
+                             "--overwrite", "--rays",   "10000", "--progress",
+                             "lines",       "--relief", "1"};
+};
+
+/// The processes that @p parent has started.
+std::vector<pid_t> children_of(pid_t parent)
+{
+    std::string const process = std::to_string(parent);
+    std::ifstream list("/proc/" + process + "/task/" + process + "/children");
+    return {std::istream_iterator<pid_t>(list), std::istream_iterator<pid_t>()};
+}
+
+bool ends_within(pid_t process, std::chrono::milliseconds limit)
+{
+    for (auto waited = 0ms; waited < limit; waited += 10ms) {
+        std::ifstream status("/proc/" + std::to_string(process) + "/stat");
+        std::string number, name, state;
+        if (!(status >> number >> name >> state) || state == "Z") {
+            return true;
+        }
+        std::this_thread::sleep_for(10ms);
+    }
+    return false;
+}
+
+TEST_F(ToolInterrupt, LeavesNothingBehind)
+{
+    std::set<std::string> const before = files();
+    for (int const signal : {SIGINT, SIGTERM, SIGHUP}) {
+        RunningTool tool(folder(), long_run, with_scratch());
+        ASSERT_TRUE(tool.wait_for_text("occlusion"));
+        std::vector<pid_t> const workers = children_of(tool.process());
+        ASSERT_EQ(workers.size(), 1U);
+        EXPECT_GT(files().size(), before.size());
+        tool.send(signal);
+        Outcome const outcome = tool.finish();
+        EXPECT_EQ(outcome.code, 130);
+        EXPECT_NE(outcome.err.find("umbrix map: interrupted; nothing was written\n"), std::string::npos);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_TRUE(ends_within(workers[0], 1s));
+        EXPECT_EQ(files(), before);
+        EXPECT_EQ(read("old.tga"), (Bytes{1, 2, 3}));
+    }
+}
+
+TEST_F(ToolInterrupt, IsNotNoticedUnderNohup)
+{
+    RunningTool tool(folder(), {"normal", "hill.tga", "-o", "new.png", "--progress", "lines"}, with_scratch(),
+                     [] { std::signal(SIGHUP, SIG_IGN); });
+    ASSERT_TRUE(tool.wait_for_text("writing"));
+    tool.send(SIGHUP);
+    EXPECT_EQ(tool.finish().code, 0);
+}
+
+TEST_F(ToolInterrupt, TakesTheWorkerAlongIfTheToolIsKilled)
+{
+    RunningTool tool(folder(), long_run, with_scratch());
+    ASSERT_TRUE(tool.wait_for_text("occlusion"));
+    std::vector<pid_t> const workers = children_of(tool.process());
+    ASSERT_EQ(workers.size(), 1U);
+    tool.send(SIGKILL);
+    EXPECT_EQ(tool.finish().code, -SIGKILL);
+    EXPECT_TRUE(ends_within(workers[0], 2s));
+}
+
+TEST_F(ToolInterrupt, IsOneSentenceIfTheWorkerIsKilled)
+{
+    RunningTool tool(folder(), long_run, with_scratch());
+    ASSERT_TRUE(tool.wait_for_text("occlusion"));
+    std::vector<pid_t> const workers = children_of(tool.process());
+    ASSERT_EQ(workers.size(), 1U);
+    kill(workers[0], SIGKILL);
+    Outcome const outcome = tool.finish();
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_TRUE(complains_about(outcome, "umbrix map", "hill.tga"));
+    EXPECT_EQ(files(), (std::set<std::string>{"hill.tga", "old.tga"}));
+}
+
+} // namespace
+} // namespace umbrixlib::test

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+/// Help, wrong usage and progress.
+#include "tool.h"
+
+namespace umbrixlib::test {
+namespace {
+
+class ToolUsage : public ToolTest {
+protected:
+    ToolUsage() { write("hill.tga", hill(32)); }
+};
+
+TEST_F(ToolUsage, TellsItsVersion)
+{
+    Outcome const outcome = run({"--version"});
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(outcome.out.rfind("umbrix ", 0), 0U);
+}
+
+TEST_F(ToolUsage, HelpsWithEveryOption)
+{
+    Outcome const help = run({"--help"});
+    EXPECT_EQ(help.code, 0);
+    for (char const* text :
+         {"map", "normal", "relight", "info", "0 done", "1 an input", "2 wrong usage", "130 interrupted"}) {
+        EXPECT_NE(help.out.find(text), std::string::npos) << text;
+    }
+    std::string const map = run({"map", "--help"}).out;
+    for (char const* option : {"--height-map",
+                               "--normal-map",
+                               "--normal-y",
+                               "--[no-]light",
+                               "--[no-]occlusion",
+                               "--mode",
+                               "--relief",
+                               "--h-scale",
+                               "--n-scale",
+                               "--gaussian",
+                               "--detail",
+                               "--rays",
+                               "--radius",
+                               "--alpha-limit",
+                               "--theta-limit",
+                               "--[no-]tile",
+                               "--[no-]h-tile",
+                               "--[no-]v-tile",
+                               "--b-radius",
+                               "--h-contrast",
+                               "--h-min",
+                               "--h-max",
+                               "--h-brightness",
+                               "--h-smooth",
+                               "--contrast",
+                               "--min",
+                               "--max",
+                               "--brightness",
+                               "--smooth",
+                               "--[no-]height-in-alpha",
+                               "--timeout",
+                               "--max-texels",
+                               "--progress",
+                               "--output",
+                               "--overwrite",
+                               "--[no-]generate-normal"}) {
+        std::size_t const at = map.find(option);
+        ASSERT_NE(at, std::string::npos) << option;
+    }
+    EXPECT_NE(map.find("0 to 4 image widths; default 0.25"), std::string::npos) << map;
+}
+
+TEST_F(ToolUsage, RefusesOptionsOutOfRange)
+{
+    std::vector<Arguments> const wrong{
+        {"--rays", "-3"},       {"--rays", "0"},        {"--rays", "10001"},  {"--rays", "1.5"},
+        {"--rays", "many"},     {"--relief", "nan"},    {"--relief", "inf"},  {"--relief", "-1"},
+        {"--relief", "0.1x"},   {"--relief", ""},       {"--radius", "1e30"}, {"--min", "256"},
+        {"--min", "-1"},        {"--contrast", "1.01"}, {"--smooth", "-1"},   {"--mode", "bright"},
+        {"--normal-y", "left"}, {"--progress", "loud"}, {"--timeout", "0"},   {"--max-texels", "-5"},
+        {"--n-scale", "some"},
+    };
+    for (Arguments const& option : wrong) {
+        Outcome const outcome = run({"map", "hill.tga", option[0], option[1]});
+        EXPECT_EQ(outcome.code, 2) << option[0] << " " << option[1];
+        EXPECT_EQ(outcome.err.rfind("umbrix map: error: " + option[0] + ": ", 0), 0U) << outcome.err;
+    }
+    EXPECT_EQ(files(), (std::set<std::string>{"hill.tga"}));
+}
+
+TEST_F(ToolUsage, RefusesWhatMakesNoSense)
+{
+    std::vector<Arguments> const wrong{
+        {},
+        {"frobnicate"},
+        {"map"},
+        {"map", "hill.tga", "extra.tga"},
+        {"map", "hill.tga", "--frobnicate"},
+        {"map", "hill.tga", "--height-map", "--normal-map"},
+        {"map", "hill.tga", "--height-map", "--normal-y", "up"},
+        {"map", "hill.tga", "--no-light", "--no-occlusion"},
+        {"map", "hill.tga", "--min", "9", "--max", "8"},
+        {"map", "hill.tga", "--height-in-alpha", "-o", "x.jpg"},
+        {"normal", "hill.tga", "--rays", "9"},
+        {"relight", "hill.tga", "--turntable", "0"},
+        {"relight", "hill.tga", "--turntable", "2.5"},
+        {"info", "hill.tga", "-o", "x.tga"},
+    };
+    for (Arguments const& arguments : wrong) {
+        Outcome const outcome = run(arguments);
+        EXPECT_EQ(outcome.code, 2) << testing::PrintToString(arguments);
+        EXPECT_NE(outcome.err.find("error: "), std::string::npos);
+        EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
+    }
+    EXPECT_EQ(files(), (std::set<std::string>{"hill.tga"}));
+}
+
+TEST_F(ToolUsage, ShowsProgressAsAsked)
+{
+    auto const progress = [&](char const* style) {
+        Outcome const outcome =
+            run({"normal", "hill.tga", "-o", "x.tga", "--overwrite", "--progress", style});
+        EXPECT_EQ(outcome.code, 0);
+        return outcome.err;
+    };
+    EXPECT_EQ(progress("none"), "");
+    std::string const lines = progress("lines");
+    EXPECT_NE(lines.find("writing\n"), std::string::npos) << lines;
+    EXPECT_EQ(lines.find('\r'), std::string::npos);
+    EXPECT_EQ(progress("auto").find('\r'), std::string::npos); // no terminal here
+    std::string const bar = progress("bar");
+    EXPECT_NE(bar.find("] "), std::string::npos);
+    EXPECT_EQ(bar.rfind("\r\033[K"), bar.size() - 4); // taken off in the end
+}
+
+} // namespace
+} // namespace umbrixlib::test
