@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "boundary/texture_kernels.h"
+#include "foundation/rounding.h"
+
+#include <cstddef>
+
+namespace {
+
+using umbrixlib::detail::narrow;
+using umbrixlib::detail::wide;
+
+/// @p percent as a factor in 0..1; what is not a number is no opacity.
+double share(float percent)
+{
+    return percent > 0.0f ? wide(narrow(wide(percent < 100.0f ? percent : 100.0f) / 100.0)) : 0.0;
+}
+
+/// Both ends are exact: share 0 gives @p from and share 1 @p to.
+float fade(double from, double to, double share)
+{
+    return narrow(to * share + from * (1.0 - share));
+}
+
+double overlay(double below, double above)
+{
+    return below <= 0.5 ? 2.0 * below * above : 1.0 - 2.0 * (1.0 - below) * (1.0 - above);
+}
+
+float cross_fade(float first, float second, double share)
+{
+    return fade(wide(first), wide(second), share);
+}
+
+float overlay_fade(float first, float second, double share)
+{
+    return fade(wide(first), overlay(wide(first), wide(second)), share);
+}
+
+using Combine = float (*)(float first, float second, double share);
+
+/// Reads a pixel of both before it writes that of @p result, which may be either.
+template <Combine combine>
+void combine_pixel(float3 const& first, float3 const& second, float3& result, double share)
+{
+    result = {combine(first.x, second.x, share), combine(first.y, second.y, share),
+              combine(first.z, second.z, share)};
+}
+
+template <Combine combine>
+void combine_all(double share, float3 const* first, float3 const* second, float3* result, int height,
+                 int width)
+{
+    if (height < 1 || width < 1) {
+        return;
+    }
+    std::size_t const count = static_cast<std::size_t>(height) * static_cast<std::size_t>(width);
+#pragma omp parallel for schedule(static)
+    for (std::size_t i = 0; i < count; ++i) {
+        combine_pixel<combine>(first[i], second[i], result[i], share);
+    }
+}
+
+template <Combine combine>
+void combine_share(double share, float3 const* first, float3 const* second, float3* result, int height,
+                   int width, int thread, int threads)
+{
+    if (height < 1 || width < 1) {
+        return;
+    }
+    std::size_t const count = static_cast<std::size_t>(height) * static_cast<std::size_t>(width);
+    for (auto i = static_cast<std::size_t>(thread); i < count; i += static_cast<std::size_t>(threads)) {
+        combine_pixel<combine>(first[i], second[i], result[i], share);
+    }
+}
+
+} // namespace
+
+void Blend(BlendType type, float opacity, float3* first, float3* second, float3* result, int height,
+           int width)
+{
+    auto const apply = type == BlendType_Overlay ? combine_all<overlay_fade> : combine_all<cross_fade>;
+    apply(share(opacity), first, second, result, height, width);
+}
+
+void Blend(BlendType type, float opacity, float3* first, float3* second, float3* result, int height,
+           int width, int thread, int threads)
+{
+    auto const apply = type == BlendType_Overlay ? combine_share<overlay_fade> : combine_share<cross_fade>;
+    apply(share(opacity), first, second, result, height, width, thread, threads);
+}
+
+// Contract: `opacity` is the weight of `first`, while that of `Blend` is the weight of `second`; the same
+// direction is expected of both. The stack hands the upper layer as `first`. Test:
+// BlendNormal.OpacityIsTheWeightOfFirst
+void BlendNormal(float opacity, float3* first, float3* second, float3* result, int height, int width)
+{
+    combine_all<cross_fade>(share(opacity), second, first, result, height, width);
+}
