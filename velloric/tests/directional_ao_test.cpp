@@ -242,6 +242,19 @@ TEST(DirectionalAO, EqualsTheRayWalkWhereTheReachEndsRays)
     }
 }
 
+TEST(DirectionalAO, EqualsTheRayWalkWithMoreRaysThanOneBundleHolds)
+{
+    std::mt19937 random(41);
+    Job job;
+    job.rows = 6;
+    job.cols = 9;
+    job.heights = relief(Relief::kHills, job.rows, job.cols, 1.0f, random);
+    job.radius = 1.0f;
+    set_tiling(job, 7);
+    generate_rays(job, 70000, 80.0f, 60.0f);
+    EXPECT_SAME_BITS(expected(job), computed(job));
+}
+
 TEST(DirectionalAO, TheNumberOfThreadsDoesNotShow)
 {
     std::mt19937 random(5);

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "occlusion_bundle.h"
+#include "occlusion_plane.h"
+#include "occlusion_relief.h"
+
+namespace velloric {
+
+/// Whether @p ray is blocked at texel (@p x, @p y), whose height is a number below the top, by a step of the
+/// block
+/// @p first_block or later. Steps that the lattice leaves in doubt are decided in floats, as the walk does.
+bool is_blocked(Relief const& relief, LatticePlane const& plane, RayBundle const& bundle,
+                ReducedRay const& ray, int y, int x);
+
+} // namespace velloric

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "occlusion_bundle.h"
+#include "occlusion_plane.h"
+#include "occlusion_relief.h"
+
+#include <cstdint>
+
+namespace velloric {
+
+constexpr int kTileRows = 64;
+constexpr int kTileColumns = 128;
+
+/// A tile of the map; at its lower and right borders only the part on the map counts.
+struct Tile {
+    int row;
+    int column;
+    int rows;
+    int columns;
+};
+
+/// Blocked rays of one bundle at each texel of a tile.
+using TileCounts = std::uint16_t[kTileRows][kTileColumns];
+
+/// Columns of texels that the processor's vectors compare together.
+int group_columns();
+
+/// Counts the reduced rays of @p bundle that are blocked at each texel of @p tile. The odd rays are left out.
+void count_blocked(Relief const& relief, Lattice const& lattice, LatticePlane const& plane,
+                   RayBundle const& bundle, Tile const& tile, TileCounts& blocked);
+
+} // namespace velloric
