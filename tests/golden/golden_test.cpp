@@ -45,6 +45,11 @@ struct Golden {
     }
 };
 
+void PrintTo(Golden const& golden, std::ostream* out)
+{
+    *out << golden.command;
+}
+
 std::vector<Golden> read_list()
 {
     std::vector<Golden> list;
