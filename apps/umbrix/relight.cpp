@@ -76,6 +76,18 @@ void place(Picture const& piece, Picture& sheet, int left, int bottom)
     }
 }
 
+/// About as many columns as rows; one more where that leaves no cell of the sheet empty.
+int columns_of(int directions)
+{
+    int const square = static_cast<int>(std::ceil(std::sqrt(directions)));
+    for (int columns = square; columns <= square + 1; ++columns) {
+        if (directions % columns == 0) {
+            return columns;
+        }
+    }
+    return square;
+}
+
 } // namespace
 
 std::array<double, 3> channel_weights(Light light, Relighting const& look)
@@ -113,7 +125,7 @@ Picture turntable(Picture const& map, Light light, Relighting const& look, int d
     int const longest = std::max(map.width, map.height);
     int const factor = std::min((longest + cell - 1) / cell, std::min(map.width, map.height));
     Picture const small = reduced(map, factor);
-    int const columns = static_cast<int>(std::ceil(std::sqrt(directions)));
+    int const columns = columns_of(directions);
     int const rows = (directions + columns - 1) / columns;
     Picture sheet = make_picture(columns * small.width, rows * small.height, 3);
     for (int i = 0; i < directions; ++i) {
