@@ -3,9 +3,9 @@
 
 #include "boundary/image_io.h"
 #include "boundary/texture_kernels.h"
+#include "foundation/retained_buffer_internal.h"
 #include "foundation/vector_types.h"
 #include "umbrix/map_bytes_internal.h"
-#include "umbrix/retained_buffer_internal.h"
 #include "umbrix/umbrix_options.h"
 
 #include <array>
