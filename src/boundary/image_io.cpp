@@ -82,6 +82,21 @@ FileOutcome save_image(char const* file)
     return report(save_message(ilSaveImage(file)));
 }
 
+void load_image_unseen(char const* file)
+{
+    ilLoadImage(file);
+}
+
+void save_image_unseen(char const* file)
+{
+    ilSaveImage(file);
+}
+
+void bind_fresh_image()
+{
+    ilBindImage(ilGenImage());
+}
+
 ImageSize bound_image_size()
 {
     int const width = ilGetInteger(IL_IMAGE_WIDTH);
@@ -96,7 +111,7 @@ int bound_image_channels()
 ImageBytes make_image_bytes(std::size_t texels, int channels)
 {
     constexpr int kTouchedAtMost = 4;
-    return std::make_unique<unsigned char[]>(texels *
+    return std::make_unique<unsigned char[]>(std::max<std::size_t>(texels, 1) *
                                              static_cast<std::size_t>(std::max(channels, kTouchedAtMost)));
 }
 

@@ -32,6 +32,14 @@ FileOutcome load_image(char const* file);
 /// `ilSaveImage` of the bound image, its result looked at in the same way.
 FileOutcome save_image(char const* file);
 
+/// The same two for callers that ignore the result altogether.
+void load_image_unseen(char const* file);
+void save_image_unseen(char const* file);
+
+/// `ilGenImage`, then `ilBindImage` of what it gave. Nobody deletes the image: it stays bound, takes the next
+/// load, and keeps its pixels until `ilShutDown`.
+void bind_fresh_image();
+
 /// Text for an error code compared with the result of a load, or null if it has none.
 char const* load_message(unsigned code);
 /// Text for an error code compared with the result of a save, or null if it has none.
@@ -51,7 +59,8 @@ int bound_image_channels();
 using ImageBytes = std::unique_ptr<unsigned char[]>;
 
 /// Zeroed bytes for an image of @p texels texels. DevIL and the loops over channels touch up to four bytes a
-/// texel, whatever pixel size a file reports, so that is what a texel gets at least.
+/// texel, whatever pixel size a file reports, so that is what a texel gets at least; and DevIL reads one texel
+/// of an image of none.
 ImageBytes make_image_bytes(std::size_t texels, int channels);
 
 /// How `copy_pixels` asks for the pixels.

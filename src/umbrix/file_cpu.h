@@ -24,12 +24,24 @@ class NLayers;
 ///                 `ao_map` and, with `keep_buffers`, `normal_map` and `height_copy`; the caller then frees
 ///                 the three with array delete. With `preserve` and without `keep_buffers`, `height_copy`
 ///                 must point at one float per texel, or be null.
-/// @param layers   Descriptions of the layers; empty for a run on the image alone. Never null.
-/// @param stack    The stack over @p layers; not looked at while @p layers is empty.
+/// @param layers   Descriptions of the layers; empty or null for a run on the image alone.
+/// @param stack    The stack over @p layers. Null counts as an empty one, which goes with the run. If it has
+///                 another number of layers than @p layers, it is cleared and filled with height layers from
+///                 the files of @p layers; the layers stay in it after the run.
 /// @param status   Name of the stage, for a polling front end. Plain stores.
 /// @param progress Progress of the stage, 0 to 1000. Plain stores.
 /// @return True, also for an input that could not be read: the image that DevIL has bound is used, and failed
 ///         writes are not noticed. Check files before and after.
+///
+/// With layers, `generate_normal` takes the normals from `NLayers::BlendLayers(float3*)`, and if the first
+/// layer's size differs from the image's, the map takes the layer's size and `blend_height` becomes true.
+/// With `blend_height` the heights come from `NLayers::BlendHeightMap(float*&)`, stretched to 0..1, and no
+/// pixel of the image is read; a stack smaller than the map leaves zeros behind its last texel. Without
+/// layers `blend_height` becomes false.
+///
+/// Contract: a stack that is filled during the run loads its files into the bound image, and the pixels are
+/// fetched behind that; those of @p input are expected. A run on pixels and layers shows the last layer's
+/// picture. Test: UmbrixFileLayers.PixelsAreThoseOfTheLastLayerLoaded
 ///
 /// Threads: one parallel region of the default team, whose size must be that of `omp_get_num_procs`: a
 /// smaller team leaves texels out. Turns nested parallelism on for the process. Calls must not overlap. One

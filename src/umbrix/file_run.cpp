@@ -44,8 +44,9 @@ float decoded(float colour)
 
 } // namespace
 
-FileRun::FileRun(umbrix_options& options, int thread_count, std::string* status, int* progress)
-    : options_(options), thread_count_(thread_count), status_(status), progress_(progress)
+FileRun::FileRun(umbrix_options& options, LayerBranch const& layers, int thread_count, std::string* status,
+                 int* progress)
+    : options_(options), layers_(layers), thread_count_(thread_count), status_(status), progress_(progress)
 {
 }
 
@@ -73,6 +74,9 @@ void FileRun::fetch_image(MapShape shape)
         options_.normal_map = new float3[texels]();
         options_.height_copy = new float[texels]();
     }
+    if (options_.blend_height) {
+        return;
+    }
     PixelFormat const format = shape.channels == 1  ? PixelFormat::kOneByte
                                : shape.channels < 4 ? PixelFormat::kRgb
                                                     : PixelFormat::kRgba;
@@ -88,7 +92,11 @@ void FileRun::run(bool reverse_rows)
 #pragma omp parallel
     {
         int const thread = omp_get_thread_num();
-        split_colours_and_heights(thread);
+        if (options_.blend_height) {
+            take_heights_of_layers(thread);
+        } else {
+            split_colours_and_heights(thread);
+        }
 #pragma omp barrier
         keep_heights(thread);
         filter_heights(thread);
@@ -153,6 +161,63 @@ void FileRun::split_colours_and_heights(int thread)
     });
 }
 
+void FileRun::take_heights_of_layers(int thread)
+{
+    // Behind the single stage is a barrier: no height is stretched before the range is known to all.
+#pragma omp single
+    {
+        blend_layer_heights();
+        find_height_range();
+    }
+    for_own_texels(thread, [&](std::ptrdiff_t i) {
+        // Contract: heights all alike divide by a range of 0; zeros are expected. They come out as NaN. Test:
+        // UmbrixFileLayers.AFlatStackDividesByZero
+        float& height = heights_.data[i];
+        height = narrow((wide(height) - wide(lowest_)) / wide(height_range_));
+    });
+}
+
+/// The stack fills as many floats as its first layer has texels, which the caller's size need not be, and may
+/// put an array of that many in the place of the one that it is given.
+void FileRun::blend_layer_heights()
+{
+    NLayers& stack = layers_.stack();
+    auto const texels = static_cast<std::size_t>(shape_.texels());
+    auto const blended_texels =
+        static_cast<std::size_t>(stack.GetLayerHeight(0)) * static_cast<std::size_t>(stack.GetLayerWidth(0));
+    if (blended_texels > heights_.capacity) {
+        heights_ = {};
+        heights_.reserve(blended_texels);
+    }
+    float const* const before = heights_.data.get();
+    float* blended = heights_.data.release();
+    stack.BlendHeightMap(blended);
+    heights_.data.reset(blended);
+    if (blended != before) {
+        heights_.capacity = blended_texels;
+    }
+    if (heights_.capacity < texels) {
+        Buffer<float> whole;
+        whole.reserve(texels);
+        std::copy_n(blended, blended_texels, whole.data.get());
+        heights_ = std::move(whole);
+    }
+}
+
+void FileRun::find_height_range()
+{
+    if (shape_.texels() < 1) {
+        return;
+    }
+    float const* const heights = heights_.data.get();
+    float highest = lowest_ = heights[0];
+    for (std::ptrdiff_t i = 1; i < shape_.texels(); ++i) {
+        lowest_ = heights[i] < lowest_ ? heights[i] : lowest_;
+        highest = heights[i] > highest ? heights[i] : highest;
+    }
+    height_range_ = narrow(wide(highest) - wide(lowest_));
+}
+
 void FileRun::keep_heights(int thread)
 {
     if (options_.preserve && options_.height_copy != nullptr) {
@@ -196,9 +261,15 @@ void FileRun::generate_normals(int thread)
     // HeightToNormal sets the text as well, on the thread that comes first.
 #pragma omp barrier
 #pragma omp single
-    HeightToNormal(heights_.data.get(), target_normals(), shape_.rows, shape_.cols, options_.n_scale,
-                   options_.gaussian, 0.0f, options_.normal_flag_1, options_.mode, options_.L_Detail,
-                   options_.normal_flag_2, 0.0f, 0.0f, options_.normal_flag_3, status_, progress_);
+    {
+        if (layers_.has_layers()) {
+            layers_.stack().BlendLayers(target_normals());
+        } else {
+            HeightToNormal(heights_.data.get(), target_normals(), shape_.rows, shape_.cols, options_.n_scale,
+                           options_.gaussian, 0.0f, options_.normal_flag_1, options_.mode, options_.L_Detail,
+                           options_.normal_flag_2, 0.0f, 0.0f, options_.normal_flag_3, status_, progress_);
+        }
+    }
 }
 
 void FileRun::decode_normals(int thread)

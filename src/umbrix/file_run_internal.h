@@ -3,9 +3,10 @@
 
 #include "boundary/image_io.h"
 #include "boundary/texture_kernels.h"
+#include "foundation/retained_buffer_internal.h"
 #include "foundation/vector_types.h"
+#include "umbrix/layer_branch_internal.h"
 #include "umbrix/map_bytes_internal.h"
-#include "umbrix/retained_buffer_internal.h"
 #include "umbrix/umbrix_options.h"
 
 #include <array>
@@ -23,12 +24,14 @@ namespace umbrixlib::detail {
 /// that stand in `run` order texels of different threads.
 class FileRun {
 public:
-    FileRun(umbrix_options& options, int thread_count, std::string* status, int* progress);
+    FileRun(umbrix_options& options, LayerBranch const& layers, int thread_count, std::string* status,
+            int* progress);
     ~FileRun();
     FileRun(FileRun const&) = delete;
     FileRun& operator=(FileRun const&) = delete;
 
-    /// Allocates the buffers for an image of @p shape and fetches the bound image's bytes.
+    /// Allocates the buffers for an image of @p shape and fetches the bound image's bytes, unless the heights
+    /// come from the layers.
     void fetch_image(MapShape shape);
     /// All stages, from bytes to bytes.
     void run(bool reverse_rows);
@@ -37,6 +40,9 @@ public:
 
 private:
     void split_colours_and_heights(int thread);
+    void take_heights_of_layers(int thread);
+    void blend_layer_heights();
+    void find_height_range();
     void keep_heights(int thread);
     void filter_heights(int thread);
     void pre_process();
@@ -64,6 +70,7 @@ private:
     }
 
     umbrix_options& options_;
+    LayerBranch const& layers_;
     int const thread_count_;
     std::string* const status_;
     int* const progress_;
@@ -72,6 +79,8 @@ private:
     std::unique_ptr<float4[]> result_;
     std::unique_ptr<float3[]> normals_; ///< Normals, then light.
     Buffer<float> heights_;
+    float lowest_ = 0.0f; ///< Of the layers' heights, as `height_range_` is.
+    float height_range_ = 0.0f;
     Buffer<float> scratch_;
     ImageBytes pixels_;
     std::unique_ptr<float[]> spatial_table_;

@@ -36,7 +36,9 @@ std::string CallLog::buffer(void const* address)
     if (known == buffers_.end()) {
         buffers_.push_back(address);
     }
-    return "#" + std::to_string(number);
+    std::string name = std::to_string(number);
+    name.insert(0, 1, '#');
+    return name;
 }
 
 std::string text(bool value)

@@ -91,7 +91,25 @@ void ILAPIENTRY ilSetInteger(ILenum mode, ILint value)
 ILboolean ILAPIENTRY ilLoadImage(ILconst_string file)
 {
     record("ilLoadImage(" + std::string(file) + ")");
-    return DevilFake::instance().load_result;
+    DevilFake& fake = DevilFake::instance();
+    if (auto const found = fake.files.find(file); found != fake.files.end() && fake.load_result != 0) {
+        fake.width = found->second.width;
+        fake.height = found->second.height;
+        fake.bits = found->second.bits;
+        fake.served = found->second.bytes;
+    }
+    return fake.load_result;
+}
+
+ILuint ILAPIENTRY ilGenImage(void)
+{
+    record("ilGenImage()");
+    return 7;
+}
+
+void ILAPIENTRY ilBindImage(ILuint image)
+{
+    record("ilBindImage(" + std::to_string(number(image)) + ")");
 }
 
 ILboolean ILAPIENTRY ilSaveImage(ILconst_string file)
@@ -115,8 +133,9 @@ ILuint ILAPIENTRY ilCopyPixels(ILuint, ILuint, ILuint, ILuint width, ILuint heig
     if (format != IL_RGB && format != IL_RGBA) {
         return 0;
     }
-    std::size_t const size = size_of(width, height, format == IL_RGBA ? 4 : 3);
-    std::copy_n(DevilFake::instance().served.begin(), size, static_cast<unsigned char*>(data));
+    std::vector<unsigned char> const& served = DevilFake::instance().served;
+    std::size_t const size = std::min(served.size(), size_of(width, height, format == IL_RGBA ? 4 : 3));
+    std::copy_n(served.begin(), size, static_cast<unsigned char*>(data));
     return static_cast<ILuint>(size);
 }
 

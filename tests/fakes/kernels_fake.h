@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "foundation/vector_types.h"
+
+#include <atomic>
 #include <string>
 
 namespace umbrixlib::test {
@@ -11,6 +14,10 @@ namespace umbrixlib::test {
 ///   Height2Normal       float: (0, 0, height); float3: leaves the image
 ///   Normal2Umbrix       adds `kLight` to x of its share
 ///   Height2DirectionalAO  writes (`kOpenX`, `kOpenY`, `kOpenZ`)
+///   ChangeDepth         adds the depth
+///   NormalScale         multiplies x by the scale
+///   BlendNormal         `faded` of the second and the first argument
+///   Blend               `faded` of the first and the second argument
 /// All others change nothing.
 struct KernelsFake {
     static constexpr float kFiltered = 0.125f;
@@ -24,7 +31,20 @@ struct KernelsFake {
     std::string const* status = nullptr;
     int const* progress = nullptr;
 
+    /// Calls of the whole-image kernels of a blend that are going on, and whether two ever met.
+    std::atomic<int> callers = 0;
+    std::atomic<bool> callers_met = false;
+
     static KernelsFake& instance();
+
+    static float faded(float from, float to, float percent)
+    {
+        return from + (to - from) * (percent / 100.0f);
+    }
+    static float3 faded(float3 from, float3 to, float percent)
+    {
+        return {faded(from.x, to.x, percent), faded(from.y, to.y, percent), faded(from.z, to.z, percent)};
+    }
 };
 
 } // namespace umbrixlib::test

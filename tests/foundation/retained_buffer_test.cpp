@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "umbrix/retained_buffer_internal.h"
+#include "foundation/retained_buffer_internal.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,435 @@
+// SPDX-License-Identifier: MIT
+// The stack as a list and its way from files to layers, with a stand-in for DevIL.
+#include "layers/nlayers.h"
+
+#include "boundary/message_box.h"
+#include "call_log.h"
+#include "devil_fake.h"
+
+#include <cstddef>
+#include <gmock/gmock.h>
+#include <omp.h>
+#include <type_traits>
+
+namespace {
+
+using testing::ElementsAre;
+using umbrixlib::test::CallLog;
+using umbrixlib::test::DevilFake;
+
+static_assert(!std::is_copy_constructible_v<NLayers> && !std::is_copy_assignable_v<NLayers>);
+static_assert(!std::is_polymorphic_v<NLayers>);
+static_assert(std::is_same_v<decltype(layer_size::height), int> && offsetof(layer_size, width) == 4);
+
+class NLayersStack : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        omp_set_num_threads(omp_get_num_procs());
+        DevilFake::instance().serve(1, 1, 24);
+    }
+
+    /// A file of @p width x @p height texels whose bytes are counted up from @p start.
+    static void provide(char const* name, int width, int height, int bits = 24, int start = 0)
+    {
+        DevilFake::File file{width, height, bits, {}};
+        file.bytes.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3);
+        for (std::size_t i = 0; i < file.bytes.size(); ++i) {
+            file.bytes[i] = static_cast<unsigned char>(static_cast<std::size_t>(start) + i);
+        }
+        DevilFake::instance().files[name] = file;
+    }
+
+    /// Adds a record, then the layer.
+    void add(char const* file)
+    {
+        records_.Add({});
+        stack_.AddLayer(file);
+    }
+    void add_normal(char const* file)
+    {
+        records_.Add({});
+        records_.tail->data.regenerate = true;
+        stack_.AddNormalLayer(file);
+    }
+
+    float* heights(int index) { return stack_.heights.Get(index); }
+
+    static float height_of(DevilFake::File const& file, int x, int y)
+    {
+        unsigned char const* const colour = file.bytes.data() + 3 * (y * file.width + x);
+        return static_cast<float>((colour[0] + colour[1] + colour[2]) / 3 / 255.0);
+    }
+
+    LinkedList<n_layer> records_;
+    NLayers stack_{&records_};
+};
+
+TEST_F(NLayersStack, FieldsStandInTheirOrder)
+{
+    auto const at = [this](auto const& field) {
+        return reinterpret_cast<char const*>(&field) - reinterpret_cast<char const*>(&stack_);
+    };
+    EXPECT_EQ(at(stack_.normals), 0);
+    EXPECT_LT(at(stack_.normals), at(stack_.heights));
+    EXPECT_LT(at(stack_.heights), at(stack_.sizes));
+    EXPECT_LT(at(stack_.sizes), at(stack_.records));
+    EXPECT_LT(at(stack_.records), at(stack_.result));
+    EXPECT_LT(at(stack_.result), at(stack_.height_result));
+}
+
+TEST_F(NLayersStack, AFreshStackIsEmptyAndHasPreparedDevil)
+{
+    CallLog::instance().clear();
+    {
+        NLayers const fresh(&records_);
+        EXPECT_EQ(fresh.records, &records_);
+        EXPECT_EQ(fresh.result, nullptr);
+        EXPECT_EQ(fresh.height_result, nullptr);
+        EXPECT_EQ(fresh.normals.count + fresh.heights.count + fresh.sizes.count, 0);
+    }
+    EXPECT_THAT(CallLog::instance().calls(), ElementsAre("ilInit()", "ilEnable(0x0620)", "ilEnable(0x0600)",
+                                                         "ilSetInteger(0x0600, 0x0602)"))
+        << "and its end does not touch DevIL";
+}
+
+TEST_F(NLayersStack, AddingReadsTheFileIntoTheBoundImage)
+{
+    provide("a.png", 3, 2);
+    auto const expected = ElementsAre("ilInit()", "ilEnable(0x0600)", "ilSetInteger(0x0600, 0x0602)",
+                                      "ilLoadImage(a.png)", "ilGetInteger(0x0DE4)", "ilGetInteger(0x0DE5)",
+                                      "ilGetInteger(0x0DE9)", "ilCopyPixels(3x2, 0x1907, 0x1401, #1)");
+    CallLog::instance().clear();
+    add("a.png");
+    EXPECT_THAT(CallLog::instance().calls(), expected);
+    CallLog::instance().clear();
+    add_normal("a.png");
+    EXPECT_THAT(CallLog::instance().calls(), expected);
+}
+
+TEST_F(NLayersStack, AHeightLayerHoldsTheMeansOfTheColours)
+{
+    provide("a.png", 3, 2, 32, 250);
+    add("a.png");
+    EXPECT_EQ(stack_.Count(), 1);
+    EXPECT_EQ(stack_.GetLayerWidth(0), 3);
+    EXPECT_EQ(stack_.GetLayerHeight(0), 2);
+    EXPECT_EQ(stack_.GetResultSize(), 6);
+    for (int y = 0; y < 2; ++y) {
+        for (int x = 0; x < 3; ++x) {
+            EXPECT_EQ(heights(0)[3 * y + x], height_of(DevilFake::instance().files["a.png"], x, y));
+        }
+    }
+    EXPECT_EQ(stack_.GetLayer(0)[5].z, 0.0f) << "normals wait for their generation";
+    EXPECT_TRUE(records_.GetRef(0)->regenerate);
+}
+
+TEST_F(NLayersStack, TheMeanOfThreeBytesIsTruncated)
+{
+    DevilFake::instance().files["a.png"] = {1, 1, 24, {1, 1, 2}};
+    add("a.png");
+    EXPECT_EQ(heights(0)[0], static_cast<float>(1 / 255.0));
+}
+
+TEST_F(NLayersStack, ASmallerImageRepeatsAndALargerOneIsCutOff)
+{
+    provide("base.png", 256, 128);
+    provide("small.png", 64, 64, 24, 3);
+    provide("odd.png", 100, 51, 24, 4);
+    provide("large.png", 300, 200, 24, 5);
+    add("base.png");
+    int index = 0;
+    for (char const* name : {"small.png", "odd.png", "large.png"}) {
+        add(name);
+        ++index;
+        EXPECT_EQ(stack_.GetLayerWidth(index), 256);
+        EXPECT_EQ(stack_.GetLayerHeight(index), 128);
+        DevilFake::File const& file = DevilFake::instance().files[name];
+        for (int y = 0; y < 128; ++y) {
+            for (int x = 0; x < 256; ++x) {
+                ASSERT_EQ(heights(index)[256 * y + x], height_of(file, x % file.width, y % file.height))
+                    << name << " " << x << " " << y;
+            }
+        }
+    }
+}
+
+TEST_F(NLayersStack, ANormalLayerKeepsItsOwnSize)
+{
+    provide("base.png", 4, 4);
+    provide("normal.png", 3, 2, 24, 100);
+    add("base.png");
+    add_normal("normal.png");
+    EXPECT_EQ(stack_.GetLayerWidth(1), 3);
+    EXPECT_EQ(stack_.GetLayerHeight(1), 2);
+    EXPECT_EQ(heights(1), nullptr);
+    EXPECT_FALSE(records_.GetRef(1)->regenerate);
+    auto const component = [](int byte) { return static_cast<float>(byte / 255.0 * 2.0 - 1.0); };
+    EXPECT_EQ(stack_.GetLayer(1)[4].x, component(112));
+    EXPECT_EQ(stack_.GetLayer(1)[4].y, component(113));
+    EXPECT_EQ(stack_.GetLayer(1)[4].z, component(114));
+}
+
+TEST_F(NLayersStack, AnImageOfOneByteATexelHasNoHeights)
+{
+    provide("grey.png", 4, 2, 8);
+    CallLog::instance().clear();
+    add("grey.png");
+    EXPECT_EQ(CallLog::instance().calls().back(), "ilCopyPixels(4x2, 0x1400, 0x1401, #1)");
+    add_normal("grey.png");
+    for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(heights(0)[i], 0.0f);
+        EXPECT_EQ(stack_.GetLayer(1)[i].x, 0.0f);
+    }
+    EXPECT_EQ(stack_.GetLayerWidth(1), 4);
+}
+
+TEST_F(NLayersStack, TwoBytesATexelAreReadAsColours)
+{
+    provide("grey_alpha.png", 4, 2, 16, 9);
+    add("grey_alpha.png");
+    EXPECT_EQ(heights(0)[7], height_of(DevilFake::instance().files["grey_alpha.png"], 3, 1));
+}
+
+TEST_F(NLayersStack, ABlankLayerTouchesNothing)
+{
+    records_.Add({});
+    records_.Add({});
+    records_.GetRef(0)->regenerate = true;
+    CallLog::instance().clear();
+    stack_.AddLayer("");
+    stack_.AddNormalLayer("");
+    EXPECT_TRUE(CallLog::instance().calls().empty());
+    EXPECT_EQ(stack_.Count(), 2);
+    for (int index : {0, 1}) {
+        EXPECT_EQ(stack_.GetLayer(index), nullptr);
+        EXPECT_EQ(heights(index), nullptr);
+        EXPECT_EQ(stack_.GetLayerWidth(index), 0);
+        EXPECT_EQ(stack_.GetLayerHeight(index), 0);
+    }
+    EXPECT_TRUE(records_.GetRef(0)->regenerate) << "left as it was";
+}
+
+int messages_shown = 0;
+
+TEST_F(NLayersStack, AFailedLoadTakesTheBoundImage)
+{
+    provide("a.png", 3, 2, 24, 40);
+    add("a.png");
+    auto const handler = set_message_handler([](char const*, char const*) { ++messages_shown; });
+    DevilFake::instance().load_result = 0;
+    add("missing.png");
+    add_normal("missing.png");
+    set_message_handler(handler);
+    EXPECT_EQ(messages_shown, 0);
+    EXPECT_EQ(stack_.Count(), 3);
+    EXPECT_EQ(heights(1)[5], heights(0)[5]);
+    EXPECT_EQ(stack_.GetLayerWidth(2), 3);
+}
+
+TEST_F(NLayersStack, SetLayerDataReplacesTheHeightsAndKeepsTheBuffers)
+{
+    provide("a.png", 3, 2);
+    provide("b.png", 2, 2, 24, 90);
+    add("a.png");
+    add("a.png");
+    records_.GetRef(1)->regenerate = false;
+    float* const heights_before = heights(1);
+    float3* const normals_before = stack_.GetLayer(1);
+    CallLog::instance().clear();
+    stack_.SetLayerData(1, "b.png");
+    EXPECT_THAT(CallLog::instance().calls(),
+                ElementsAre("ilInit()", "ilEnable(0x0620)", "ilEnable(0x0600)",
+                            "ilSetInteger(0x0600, 0x0602)", "ilLoadImage(b.png)", "ilGetInteger(0x0DE4)",
+                            "ilGetInteger(0x0DE5)", "ilGetInteger(0x0DE9)",
+                            "ilCopyPixels(2x2, 0x1907, 0x1401, #1)"));
+    EXPECT_EQ(heights(1), heights_before);
+    EXPECT_EQ(stack_.GetLayer(1), normals_before);
+    EXPECT_EQ(stack_.GetLayerWidth(1), 3);
+    EXPECT_EQ(heights(1)[5], height_of(DevilFake::instance().files["b.png"], 0, 1));
+    EXPECT_TRUE(records_.GetRef(1)->regenerate);
+}
+
+TEST_F(NLayersStack, SetLayerDataAppendsAtBothEndsAndStopsBehindTheList)
+{
+    provide("a.png", 3, 2);
+    for (int i = 0; i < 3; ++i) {
+        records_.Add({});
+    }
+    stack_.SetLayerData(-1, "a.png");
+    EXPECT_EQ(stack_.Count(), 1);
+    stack_.SetLayerData(1, "a.png");
+    EXPECT_EQ(stack_.Count(), 2);
+    CallLog::instance().clear();
+    stack_.SetLayerData(3, "a.png");
+    EXPECT_EQ(stack_.Count(), 2);
+    EXPECT_TRUE(CallLog::instance().calls().empty());
+    stack_.SetLayerData(-7, "");
+    EXPECT_EQ(stack_.GetLayer(2), nullptr) << "a blank layer, as AddLayer adds it";
+}
+
+TEST_F(NLayersStack, SetLayerDataTurnsANormalLayerIntoAHeightLayer)
+{
+    provide("base.png", 3, 2);
+    provide("small.png", 2, 1);
+    provide("large.png", 9, 9);
+    add("base.png");
+    add_normal("small.png");
+    add_normal("large.png");
+    float3* const small_before = stack_.GetLayer(1);
+    float3* const large_before = stack_.GetLayer(2);
+    float const seen = small_before[1].x;
+    stack_.SetLayerData(1, "base.png");
+    stack_.SetLayerData(2, "base.png");
+    for (int index : {1, 2}) {
+        EXPECT_EQ(stack_.GetLayerWidth(index), 3);
+        EXPECT_EQ(stack_.GetLayerHeight(index), 2);
+        EXPECT_EQ(heights(index)[5], heights(0)[5]);
+    }
+    EXPECT_NE(stack_.GetLayer(1), small_before) << "two texels have no room for six";
+    EXPECT_EQ(small_before[1].x, seen) << "what was replaced stays until Clear";
+    EXPECT_EQ(stack_.GetLayer(2), large_before);
+    stack_.GenerateLayers();
+}
+
+TEST_F(NLayersStack, ABlankFirstLayerHasNoSizeUntilSetLayerDataGivesIt)
+{
+    provide("a.png", 3, 2, 24, 7);
+    add("");
+    add("a.png");
+    EXPECT_EQ(stack_.GetLayerWidth(1), 0);
+    EXPECT_NE(stack_.GetLayer(1), nullptr) << "an empty buffer";
+    EXPECT_TRUE(records_.GetRef(1)->regenerate);
+    stack_.SetLayerData(1, "a.png");
+    EXPECT_EQ(stack_.GetLayerWidth(0), 3);
+    EXPECT_EQ(stack_.GetLayerHeight(0), 2);
+    EXPECT_EQ(stack_.GetLayer(0), nullptr) << "still without buffers";
+    EXPECT_EQ(stack_.GetLayerWidth(1), 3);
+    EXPECT_EQ(heights(1)[5], height_of(DevilFake::instance().files["a.png"], 2, 1));
+    add("a.png");
+    EXPECT_EQ(stack_.GetLayerHeight(2), 2) << "the stack has a size now";
+}
+
+TEST_F(NLayersStack, SetLayerDataOnABlankFirstLayerMakesItAHeightLayer)
+{
+    provide("a.png", 3, 2, 24, 7);
+    add("");
+    stack_.SetLayerData(0, "a.png");
+    EXPECT_EQ(stack_.GetLayerWidth(0), 3);
+    ASSERT_NE(stack_.GetLayer(0), nullptr);
+    EXPECT_EQ(heights(0)[4], height_of(DevilFake::instance().files["a.png"], 1, 1));
+}
+
+TEST_F(NLayersStack, AnEmptyBufferThatComesFirstGrowsWithTheStack)
+{
+    provide("a.png", 3, 2);
+    add("");
+    add("a.png");
+    add("a.png");
+    stack_.MoveLayerUp(1);
+    stack_.SetLayerData(2, "a.png");
+    EXPECT_EQ(stack_.GetLayerWidth(0), 3);
+    EXPECT_EQ(heights(0)[5], 0.0f) << "room for the new size, and nothing in it";
+    EXPECT_EQ(stack_.GetLayerWidth(1), 0);
+    stack_.GenerateLayers();
+    stack_.BlendLayers();
+    stack_.BlendHeightMap();
+    EXPECT_NE(stack_.height_result, nullptr);
+}
+
+TEST_F(NLayersStack, IndicesOutOfRangeGiveNothing)
+{
+    provide("a.png", 3, 2);
+    EXPECT_EQ(stack_.GetResultSize(), 0) << "an empty stack";
+    add("a.png");
+    for (int index : {-1, 1, 100}) {
+        EXPECT_EQ(stack_.GetLayer(index), nullptr);
+        EXPECT_EQ(stack_.GetLayerWidth(index), 0);
+        EXPECT_EQ(stack_.GetLayerHeight(index), 0);
+        stack_.RemoveLayer(index);
+        stack_.MoveLayerUp(index);
+        stack_.MoveLayerDown(index);
+    }
+    EXPECT_EQ(stack_.Count(), 1);
+}
+
+TEST_F(NLayersStack, MovingExchangesTheLayersAndLeavesTheRecords)
+{
+    provide("a.png", 3, 2);
+    provide("n.png", 5, 4);
+    add("a.png");
+    add_normal("n.png");
+    add("");
+    records_.GetRef(0)->name = "first";
+    float3* const a = stack_.GetLayer(0);
+    float3* const n = stack_.GetLayer(1);
+    stack_.MoveLayerUp(0);
+    stack_.MoveLayerDown(2);
+    EXPECT_EQ(stack_.GetLayer(0), a) << "the ends stay";
+    stack_.MoveLayerUp(1);
+    EXPECT_EQ(stack_.GetLayer(0), n);
+    EXPECT_EQ(stack_.GetLayerWidth(0), 5);
+    EXPECT_EQ(heights(0), nullptr);
+    EXPECT_EQ(stack_.GetLayer(1), a);
+    EXPECT_NE(heights(1), nullptr);
+    EXPECT_EQ(records_.GetRef(0)->name, "first");
+    stack_.MoveLayerDown(1);
+    EXPECT_EQ(stack_.GetLayer(1), nullptr);
+    EXPECT_EQ(stack_.GetLayer(2), a);
+    EXPECT_EQ(stack_.GetLayerWidth(2), 3);
+}
+
+TEST_F(NLayersStack, RemovingTakesTheEntriesOfOneLayer)
+{
+    provide("a.png", 3, 2);
+    provide("n.png", 5, 4);
+    add("a.png");
+    add_normal("n.png");
+    add("");
+    stack_.RemoveLayer(1);
+    EXPECT_EQ(stack_.Count(), 2);
+    EXPECT_EQ(stack_.heights.count, 2);
+    EXPECT_EQ(stack_.sizes.count, 2);
+    EXPECT_EQ(stack_.GetLayer(1), nullptr);
+    stack_.RemoveLayer(1);
+    stack_.RemoveLayer(0);
+    EXPECT_EQ(stack_.Count(), 0);
+    EXPECT_EQ(records_.count, 3) << "the caller's";
+}
+
+TEST_F(NLayersStack, ClearTakesLayersAndResultsAndKeepsTheRecords)
+{
+    stack_.Clear();
+    EXPECT_EQ(stack_.Count(), 0);
+    provide("a.png", 3, 2);
+    add("a.png");
+    stack_.BlendLayers();
+    stack_.BlendHeightMap();
+    EXPECT_NE(stack_.GetResult(), nullptr);
+    stack_.Clear();
+    EXPECT_EQ(stack_.GetResult(), nullptr);
+    EXPECT_EQ(stack_.height_result, nullptr);
+    EXPECT_EQ(stack_.heights.count + stack_.sizes.count + stack_.Count(), 0);
+    EXPECT_EQ(records_.count, 1);
+    stack_.AddLayer("a.png");
+    EXPECT_EQ(stack_.GetLayerWidth(0), 3) << "one object serves many images";
+}
+
+TEST_F(NLayersStack, LayersWithoutARecordAreLeftOut)
+{
+    provide("a.png", 3, 2);
+    stack_.AddLayer("a.png");
+    stack_.AddNormalLayer("a.png");
+    stack_.SetLayerData(0, "a.png");
+    stack_.GenerateLayers();
+    stack_.BlendHeightMap();
+    EXPECT_EQ(stack_.height_result, nullptr);
+    stack_.BlendLayers();
+    NLayers without_list(nullptr);
+    without_list.AddLayer("a.png");
+    without_list.BlendHeightMap();
+    without_list.BlendLayers();
+    EXPECT_EQ(without_list.Count(), 1);
+}
+
+} // namespace

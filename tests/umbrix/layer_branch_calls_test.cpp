@@ -1,0 +1,354 @@
+// SPDX-License-Identifier: MIT
+// How a layer stack enters a run of UmbrixFile, with stand-ins for DevIL and the kernels. The input is 4x4
+// texels; the bilateral filter adds 1/8, generated normals are (0, 0, height), light adds 1/4 to x.
+#include "umbrix/file_cpu.h"
+
+#include "call_log.h"
+#include "devil_fake.h"
+#include "kernels_fake.h"
+#include "layers/nlayers.h"
+#include "umbrix_test_options.h"
+
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <omp.h>
+
+namespace {
+
+using testing::Contains;
+using testing::Each;
+using testing::StartsWith;
+using umbrixlib::test::CallLog;
+using umbrixlib::test::DevilFake;
+using umbrixlib::test::KernelsFake;
+using umbrixlib::test::neutral_options;
+
+class UmbrixFileLayers : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        omp_set_dynamic(0);
+        omp_set_num_threads(omp_get_num_procs());
+        DevilFake& devil = DevilFake::instance();
+        devil.serve(4, 4, 32);
+        devil.files["in.png"] = {4, 4, 32, devil.served};
+        provide("same.png", 4, 4, 11);
+        provide("wide.png", 6, 2, 5);
+        provide("large.png", 8, 8, 3);
+        provide("flat.png", 4, 4, 0);
+    }
+
+    /// A grey picture whose texel i has the byte 10 + i * @p step, modulo 256.
+    static void provide(char const* name, int width, int height, int step)
+    {
+        DevilFake::File file{width, height, 24, {}};
+        for (int i = 0; i < width * height; ++i) {
+            file.bytes.insert(file.bytes.end(), 3, static_cast<unsigned char>(10 + i * step));
+        }
+        DevilFake::instance().files[name] = file;
+    }
+
+    void describe(std::initializer_list<char const*> files)
+    {
+        for (char const* const file : files) {
+            n_layer record;
+            record.filename = file;
+            record.n_scale = 1.0f;
+            record.normal_scale = 1.0f;
+            record.opacity = 100.0f;
+            layers_.Add(record);
+        }
+    }
+
+    bool run(umbrix_options& options, NLayers* stack)
+    {
+        CallLog::instance().clear();
+        return UmbrixFile("in.png", "out.tga", options, &layers_, stack, &status_, &progress_);
+    }
+
+    static umbrix_options kept_options()
+    {
+        umbrix_options options = neutral_options();
+        options.keep_buffers = true;
+        options.preserve = true;
+        return options;
+    }
+
+    static void release(umbrix_options& options)
+    {
+        delete[] options.ao_map;
+        delete[] options.normal_map;
+        delete[] options.height_copy;
+    }
+
+    static std::ptrdiff_t calls_starting_with(char const* start)
+    {
+        auto const& calls = CallLog::instance().calls();
+        return std::count_if(calls.begin(), calls.end(),
+                             [&](std::string const& call) { return call.rfind(start, 0) == 0; });
+    }
+
+    static float height_of(char const* file, std::size_t texel)
+    {
+        return static_cast<float>(DevilFake::instance().files[file].bytes[3 * texel] / 255.0);
+    }
+
+    /// Heights of @p file from 0 to 1, as the run stretches them.
+    static std::vector<float> stretched(char const* file, std::size_t texels)
+    {
+        std::vector<float> heights(texels);
+        for (std::size_t i = 0; i < texels; ++i) {
+            heights[i] = height_of(file, i);
+        }
+        auto const [low, high] = std::minmax_element(heights.begin(), heights.end());
+        double const lowest = double(*low);
+        double const range = double(static_cast<float>(double(*high) - lowest));
+        for (float& height : heights) {
+            height = static_cast<float>((double(height) - lowest) / range);
+        }
+        return heights;
+    }
+
+    LinkedList<n_layer> layers_;
+    std::string status_;
+    int progress_ = 0;
+};
+
+TEST_F(UmbrixFileLayers, AnEmptyStackIsFilledFromTheDescriptions)
+{
+    describe({"same.png", "wide.png"});
+    NLayers stack(&layers_);
+    umbrix_options options = neutral_options();
+    EXPECT_TRUE(run(options, &stack));
+    EXPECT_EQ(stack.Count(), 2);
+    EXPECT_EQ(stack.GetLayerWidth(1), 4) << "a height layer, of the first one's size";
+    auto const& calls = CallLog::instance().calls();
+    std::vector<std::string> const opening(calls.begin() + 4, calls.begin() + 8);
+    EXPECT_THAT(opening, testing::ElementsAre("ilLoadImage(in.png)", "ilGetInteger(0x0DE4)",
+                                              "ilGetInteger(0x0DE5)", "ilGetInteger(0x0DE9)"));
+    EXPECT_THAT(calls, Contains("ilLoadImage(same.png)"));
+    EXPECT_EQ(calls_starting_with("ilLoadImage("), 3);
+}
+
+TEST_F(UmbrixFileLayers, AStackOfTheSameNumberOfLayersIsNotRebuilt)
+{
+    describe({"same.png"});
+    NLayers stack(&layers_);
+    stack.AddLayer("wide.png");
+    float3 const* const before = stack.GetLayer(0);
+    umbrix_options options = neutral_options();
+    run(options, &stack);
+    EXPECT_EQ(stack.GetLayer(0), before);
+    EXPECT_EQ(calls_starting_with("ilLoadImage("), 1);
+}
+
+TEST_F(UmbrixFileLayers, AStackOfAnotherNumberIsClearedFirst)
+{
+    describe({"same.png"});
+    n_layer spare;
+    layers_.Add(spare);
+    NLayers stack(&layers_);
+    stack.AddLayer("wide.png");
+    layers_.Remove(1);
+    stack.AddLayer("wide.png");
+    umbrix_options options = neutral_options();
+    run(options, &stack);
+    EXPECT_EQ(stack.Count(), 1);
+    EXPECT_EQ(stack.GetLayerWidth(0), 4);
+}
+
+TEST_F(UmbrixFileLayers, NoDescriptionsEmptyTheStackAndTheRunIsOnTheImage)
+{
+    NLayers stack(&layers_);
+    stack.AddLayer("wide.png");
+    umbrix_options options = neutral_options();
+    options.blend_height = true;
+    options.height_map = options.generate_normal = true;
+    EXPECT_TRUE(run(options, &stack));
+    EXPECT_EQ(stack.Count(), 0);
+    EXPECT_FALSE(options.blend_height);
+    EXPECT_EQ(options.image_width, 4);
+    EXPECT_EQ(calls_starting_with("ilCopyPixels(4x4, 0x1908"), 1);
+}
+
+TEST_F(UmbrixFileLayers, NullListsAndStacksCountAsEmpty)
+{
+    umbrix_options options = neutral_options();
+    EXPECT_TRUE(UmbrixFile("in.png", "out.tga", options, nullptr, nullptr, &status_, &progress_));
+    EXPECT_TRUE(run(options, nullptr));
+    describe({"wide.png"});
+    options = kept_options();
+    options.generate_normal = true;
+    EXPECT_TRUE(run(options, nullptr));
+    EXPECT_EQ(options.image_width, 6) << "an empty stack was filled";
+    EXPECT_EQ(options.normal_map[3].z, height_of("wide.png", 3));
+    release(options);
+}
+
+TEST_F(UmbrixFileLayers, AFirstLayerOfAnotherSizeTakesOverTheMap)
+{
+    describe({"wide.png"});
+    NLayers stack(&layers_);
+    umbrix_options options = kept_options();
+    options.generate_normal = true;
+    EXPECT_TRUE(run(options, &stack));
+    EXPECT_TRUE(options.blend_height);
+    EXPECT_EQ(options.image_width, 6);
+    EXPECT_EQ(options.image_height, 2);
+    EXPECT_EQ(calls_starting_with("ilCopyPixels("), 1) << "the layer's, not the picture's";
+    EXPECT_EQ(calls_starting_with("ilTexImage(6x2x0, 4, 0x1908"), 1) << "channels come from the file";
+    EXPECT_EQ(std::vector<float>(options.height_copy, options.height_copy + 12), stretched("wide.png", 12));
+    for (std::size_t i = 0; i < 12; ++i) {
+        EXPECT_EQ(options.normal_map[i].z, height_of("wide.png", i))
+            << "of the layer, not of the map's heights";
+        EXPECT_EQ(DevilFake::instance().stored[4 * i + 3], 0) << "alpha was never written";
+    }
+    release(options);
+}
+
+TEST_F(UmbrixFileLayers, AFirstLayerOfTheImagesSizeLeavesTheChoiceToTheCaller)
+{
+    describe({"same.png"});
+    for (bool const blend_height : {false, true}) {
+        NLayers stack(&layers_);
+        umbrix_options options = kept_options();
+        options.generate_normal = true;
+        options.blend_height = blend_height;
+        EXPECT_TRUE(run(options, &stack));
+        EXPECT_EQ(options.blend_height, blend_height);
+        EXPECT_EQ(options.image_width, 4);
+        EXPECT_EQ(calls_starting_with("ilCopyPixels(4x4, 0x1908"), blend_height ? 0 : 1);
+        for (std::size_t i = 0; i < 16; ++i) {
+            EXPECT_EQ(options.normal_map[i].z, height_of("same.png", i)) << "normals come from the stack";
+        }
+        release(options);
+    }
+}
+
+TEST_F(UmbrixFileLayers, WithoutNormalGenerationTheHeightsFillTheImagesSize)
+{
+    for (char const* const file : {"same.png", "wide.png", "large.png"}) {
+        for (float const detail : {0.0f, 2.0f}) {
+            layers_.Remove(0);
+            describe({file});
+            layers_.GetRef(0)->L_Detail = detail;
+            NLayers stack(&layers_);
+            umbrix_options options = kept_options();
+            options.blend_height = true;
+            EXPECT_TRUE(run(options, &stack));
+            EXPECT_TRUE(options.blend_height);
+            EXPECT_EQ(options.image_width, 4);
+            EXPECT_EQ(options.image_height, 4);
+            auto const texels = static_cast<std::size_t>(stack.GetResultSize());
+            float const added = detail > 1.0f ? KernelsFake::kFiltered : 0.0f;
+            std::vector<float> heights(16, 0.0f);
+            for (std::size_t i = 0; i < std::min<std::size_t>(16, texels); ++i) {
+                heights[i] = height_of(file, i) + added;
+            }
+            auto const [low, high] = std::minmax_element(heights.begin(), heights.end());
+            double const lowest = double(*low);
+            double const range = double(static_cast<float>(double(*high) - lowest));
+            for (std::size_t i = 0; i < 16; ++i) {
+                EXPECT_EQ(options.height_copy[i], static_cast<float>((double(heights[i]) - lowest) / range))
+                    << file << " " << i;
+            }
+            release(options);
+        }
+    }
+}
+
+TEST_F(UmbrixFileLayers, PixelsAreThoseOfTheLastLayerLoaded)
+{
+    describe({"same.png"});
+    NLayers stack(&layers_);
+    umbrix_options options = neutral_options();
+    options.height_map = true;
+    options.keep_buffers = options.preserve = true;
+    run(options, &stack);
+    EXPECT_EQ(options.height_copy[0], height_of("same.png", 0)) << "copied behind the load of the layer";
+    release(options);
+}
+
+TEST_F(UmbrixFileLayers, AFlatStackDividesByZero)
+{
+    describe({"flat.png"});
+    NLayers stack(&layers_);
+    umbrix_options options = kept_options();
+    options.blend_height = true;
+    options.calc_type = calc_type_light_occlusion;
+    EXPECT_TRUE(run(options, &stack));
+    EXPECT_THAT(std::vector<float>(options.height_copy, options.height_copy + 16), Each(testing::IsNan()));
+    release(options);
+}
+
+TEST_F(UmbrixFileLayers, AStackWithoutHeightsStillRuns)
+{
+    describe({"same.png", ""});
+    NLayers stack(&layers_);
+    stack.AddNormalLayer("same.png");
+    stack.AddLayer("");
+    umbrix_options options = kept_options();
+    options.generate_normal = true;
+    options.blend_height = true;
+    EXPECT_TRUE(run(options, &stack));
+    EXPECT_THAT(options.height_copy[3], testing::IsNan()) << "nothing to stretch";
+    EXPECT_EQ(options.normal_map[3].x, stack.GetLayer(0)[3].x);
+    release(options);
+}
+
+TEST_F(UmbrixFileLayers, ABlankFirstLayerMakesAMapOfNoTexels)
+{
+    describe({"", "same.png"});
+    NLayers stack(&layers_);
+    umbrix_options options = neutral_options();
+    options.generate_normal = true;
+    options.calc_type = calc_type_light_occlusion;
+    EXPECT_TRUE(run(options, &stack));
+    EXPECT_EQ(options.image_width, 0);
+    EXPECT_EQ(calls_starting_with("ilTexImage(0x0x0, 4"), 1);
+}
+
+TEST_F(UmbrixFileLayers, TheLayersNormalsGoWhereGeneratedNormalsGo)
+{
+    describe({"same.png"});
+    NLayers stack(&layers_);
+    umbrix_options options = neutral_options();
+    options.generate_normal = true;
+    run(options, &stack);
+    EXPECT_EQ(calls_starting_with("NormalScale("), 1);
+    EXPECT_EQ(calls_starting_with("Height2Normal("), 1) << "for the layer";
+    EXPECT_EQ(status_, "Storing Results");
+    auto const& stored = DevilFake::instance().stored;
+    EXPECT_EQ(stored[0], 63) << "x of the light";
+    EXPECT_EQ(stored[4 * 7 + 2], static_cast<unsigned char>(double(height_of("same.png", 7)) * 255.0));
+}
+
+TEST_F(UmbrixFileLayers, ModeZeroWithoutAResultLeavesTheLayerOut)
+{
+    describe({"same.png", "wide.png"});
+    NLayers stack(&layers_);
+    umbrix_options options = kept_options();
+    options.generate_normal = true;
+    EXPECT_TRUE(run(options, &stack));
+    EXPECT_EQ(calls_starting_with("BlendNormal("), 0);
+    EXPECT_EQ(options.normal_map[5].z, height_of("same.png", 5));
+    release(options);
+    stack.BlendLayers();
+    EXPECT_TRUE(run(options, &stack));
+    EXPECT_EQ(calls_starting_with("BlendNormal("), 1);
+    release(options);
+}
+
+TEST_F(UmbrixFileLayers, TheStackKeepsItsLayersForTheNextFile)
+{
+    describe({"same.png"});
+    NLayers stack(&layers_);
+    umbrix_options options = neutral_options();
+    options.generate_normal = true;
+    run(options, &stack);
+    run(options, &stack);
+    EXPECT_EQ(calls_starting_with("ilLoadImage("), 1);
+    EXPECT_EQ(calls_starting_with("Height2Normal("), 0) << "generated once";
+}
+
+} // namespace
