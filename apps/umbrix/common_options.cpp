@@ -43,14 +43,15 @@ void add_number(CLI::App& command, char const* option, double& value, double min
 
 } // namespace
 
-void CommonOptions::declare_input(CLI::App& command, std::string const& description)
+CLI::Option* CommonOptions::declare_input(CLI::App& command, std::string const& description)
 {
-    command.add_option("INPUT", input, description)->required()->type_name("");
+    CLI::Option* const option = command.add_option("INPUT", input, description)->required()->type_name("");
     command.add_flag("-v,--verbose", verbose, "Say more about what is done")->group(kRun);
     add_number(command, "--timeout", timeout_seconds, 0.001, 86400,
                "Longest time that decoding a file may take [seconds; default 60]");
     add_number(command, "--max-texels", max_texels, 1, 4294836225.0,
                "Largest picture that is worked on [texels; default 268435456]");
+    return option;
 }
 
 void CommonOptions::declare_output(CLI::App& command, std::string const& default_name)

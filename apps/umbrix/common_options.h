@@ -21,7 +21,8 @@ struct CommonOptions {
     double timeout_seconds = 60;
     double max_texels = 268435456; // 2^28, 16384 x 16384
 
-    void declare_input(CLI::App& command, std::string const& description);
+    /// Returns the option of the input, which is required.
+    CLI::Option* declare_input(CLI::App& command, std::string const& description);
     void declare_output(CLI::App& command, std::string const& default_name);
 
     Supervision supervision(std::string const& command, std::string const& output_name,

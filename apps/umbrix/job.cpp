@@ -23,6 +23,7 @@ std::vector<std::uint8_t> pack(Job const& job)
         {"directions", job.directions},
         {"cell", job.cell},
         {"exposure", job.exposure},
+        {"stack", job.stack},
     };
     if (job.kind) {
         fields["kind"] = *job.kind;
@@ -50,6 +51,7 @@ Job unpack_job(std::vector<std::uint8_t> const& bytes)
     fields.at("directions").get_to(job.directions);
     fields.at("cell").get_to(job.cell);
     fields.at("exposure").get_to(job.exposure);
+    fields.at("stack").get_to(job.stack);
     return job;
 }
 

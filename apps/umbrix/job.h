@@ -2,6 +2,7 @@
 #pragma once
 
 #include "settings.h"
+#include "stack_description.h"
 
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
@@ -10,7 +11,7 @@
 
 namespace umbrix_cli {
 
-enum class Task { kMap, kNormal, kRelight, kInfo };
+enum class Task { kMap, kNormal, kRelight, kInfo, kStack };
 
 /// Everything that a worker is told. File names are bytes as the user gave them.
 struct Job {
@@ -29,6 +30,8 @@ struct Job {
     int directions = 0; ///< Of a turntable; 0: one picture.
     int cell = 0;       ///< Longest side of a picture of a turntable.
     double exposure = 0;
+
+    StackJob stack; ///< Stacks only. `input` is the stack file, and `output` is not used.
 };
 
 std::vector<std::uint8_t> pack(Job const& job);
@@ -39,5 +42,6 @@ nlohmann::json run_map_task(Job const& job);
 nlohmann::json run_normal_task(Job const& job);
 nlohmann::json run_relight_task(Job const& job);
 nlohmann::json run_info_task(Job const& job);
+nlohmann::json run_stack_task(Job const& job);
 
 } // namespace umbrix_cli

@@ -70,6 +70,7 @@ std::string_view stage_name(std::string_view text)
         {"Normal -> Umbrix", "light"},
         {"Height -> AO", "occlusion"},
         {"Storing Results", "storing"},
+        {kBlendingLayers, "blending layers"},
     };
     for (auto const& [from, to] : kNames) {
         if (text == from) {

@@ -5,6 +5,7 @@
 #include "map_command.h"
 #include "normal_command.h"
 #include "relight_command.h"
+#include "stack_command.h"
 #include "worker_process.h"
 
 #include <cstring>
@@ -75,7 +76,7 @@ int run_tool(int count, char** words)
     app.footer(kExitCodesHelp);
     app.require_subcommand(0, 1);
     std::vector<Declared> const commands =
-        declare_all<MapCommand, NormalCommand, RelightCommand, InfoCommand>(app);
+        declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, InfoCommand>(app);
     std::string const name = full_name(commands, count, words);
     try {
         app.parse(count, words);

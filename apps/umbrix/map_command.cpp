@@ -2,9 +2,9 @@
 #include "map_command.h"
 
 #include "failure.h"
+#include "map_usage.h"
 #include "normal_y_option.h"
 #include "option_table.h"
-#include "output_format.h"
 
 #include <fmt/format.h>
 
@@ -40,25 +40,10 @@ CLI::App* MapCommand::declare(CLI::App& app)
 
 void MapCommand::validate() const
 {
-    if (!settings_.light && !settings_.occlusion) {
-        throw Failure("--no-light", "with --no-occlusion nothing is left to make a map of",
-                      "leave one of them out", kWrongUsage);
-    }
-    if (settings_.min > settings_.max || settings_.h_min > settings_.h_max) {
-        bool const result = settings_.min > settings_.max;
-        throw Failure(result ? "--min" : "--h-min", "it is above the upper limit", "give a smaller one",
-                      kWrongUsage);
-    }
+    check_map_usage(settings_, common_.output);
     if (normal_y_ && height_map_) {
         throw Failure("--normal-y", "a height map has no green to point anywhere", "leave it out",
                       kWrongUsage);
-    }
-    if (settings_.height_in_alpha && !common_.output.empty()) {
-        OutputFormat const* const format = output_format(common_.output);
-        if (format != nullptr && !format->alpha) {
-            throw Failure(common_.output, fmt::format("{} files hold no alpha", format->extension),
-                          "give a name ending in .png, or leave --height-in-alpha out", kWrongUsage);
-        }
     }
 }
 

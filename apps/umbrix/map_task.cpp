@@ -2,35 +2,15 @@
 #include "encode.h"
 #include "intermediate.h"
 #include "job.h"
-#include "library_run.h"
+#include "map_picture.h"
 #include "prepared_input.h"
 #include "worker_channel.h"
 
-#include <algorithm>
-#include <fmt/format.h>
-#include <memory>
 #include <nlohmann/json.hpp>
-#include <umbrixlib.h>
 
 namespace umbrix_cli {
 
 namespace {
-
-/// What a run with `keep_buffers` leaves to its caller.
-struct KeptBuffers {
-    std::unique_ptr<float3[]> occlusion;
-    std::unique_ptr<float3[]> normals;
-    std::unique_ptr<float[]> heights;
-};
-
-void check_settings(Settings const& settings, PreparedInput const& input)
-{
-    if (settings.occlusion && (input.width < 2 || input.height < 2)) {
-        throw Failure("input",
-                      fmt::format("{} x {} texels have no relief to look at", input.width, input.height),
-                      "give at least 2 x 2, or --no-occlusion");
-    }
-}
 
 /// A normal map whose alpha is the same everywhere describes flat ground.
 bool has_relief_in_alpha(Picture const& picture)
@@ -72,37 +52,12 @@ void turn_green(Picture& normals)
     }
 }
 
-KeptBuffers run_pipeline(std::string const& source, std::string const& result, umbrix_options& options)
-{
-    run_library([&](std::string* status, int* progress) {
-        LinkedList<n_layer> layers;
-        return UmbrixFile(source, result, options, &layers, nullptr, status, progress);
-    });
-    if (!options.keep_buffers) {
-        return {};
-    }
-    return {std::unique_ptr<float3[]>(options.ao_map), std::unique_ptr<float3[]>(options.normal_map),
-            std::unique_ptr<float[]>(options.height_copy)};
-}
-
-/// Puts the heights into the alpha as they were read. The alpha that a run makes has them times the height
-/// scale, which leaves a usual relief only a few of the 256 steps.
-Picture with_heights_in_alpha(Picture const& map, float const* heights)
-{
-    Picture result = make_picture(map.width, map.height, 4);
-    for (std::size_t i = 0; i < map.texels(); ++i) {
-        std::copy_n(map.texel(i), 3, result.texel(i));
-        result.texel(i)[3] = static_cast<std::uint8_t>(std::clamp(heights[i], 0.0f, 1.0f) * 255.0f + 0.5f);
-    }
-    return result;
-}
-
 } // namespace
 
 nlohmann::json run_map_task(Job const& job)
 {
     PreparedInput input = prepare_input(job);
-    check_settings(job.settings, input);
+    check_relief_size(job.settings, input.width, input.height);
     OutputFormat const& format = *output_format(job.output);
     check_size(format, input.width, input.height);
     Kind const kind = job.kind.value_or(input.guess.kind);
@@ -113,17 +68,9 @@ nlohmann::json run_map_task(Job const& job)
         }
     }
 
-    Intermediate const files(job.scratch);
     send_phase(Phase::kMaking);
-    write_source(files.source, input.picture);
-    int const channels = input.picture.channels;
-    input.picture = {};
-    umbrix_options options = options_for(job.settings, kind, input.width);
-    KeptBuffers const kept = run_pipeline(files.source, files.result, options);
-    Picture map = read_result(files.result, input.width, input.height, channels);
-    if (job.settings.height_in_alpha) {
-        map = with_heights_in_alpha(map, kept.heights.get());
-    }
+    umbrix_options const options = options_for(job.settings, kind, input.width);
+    Picture const map = make_umbrix_map(std::move(input.picture), options, job.scratch);
     write_picture(job.output, format, map);
     return {{"width", input.width},
             {"height", input.height},

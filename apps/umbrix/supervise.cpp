@@ -114,10 +114,12 @@ private:
             }
         } else if (event.contains("stage")) {
             display_.show(event.at("stage"), event.at("permille"));
+        } else if (event.contains("file")) {
+            event.at("file").get_to(file_);
         } else if (event.contains("note")) {
             if (supervision_.verbose || !event.at("detail").get<bool>()) {
                 display_.clear();
-                fmt::print(stderr, "{}: note: {}: {}\n", supervision_.command, supervision_.input,
+                fmt::print(stderr, "{}: note: {}: {}\n", supervision_.command, input(),
                            event.at("note").get<std::string>());
             }
         } else if (event.contains("failure")) {
@@ -131,13 +133,15 @@ private:
 
     std::string subject(std::string const& name) const
     {
-        return name == "input" ? supervision_.input : name == "output" ? supervision_.output : name;
+        return name == "input" ? input() : name == "output" ? output() : name;
     }
+
+    std::string const& input() const { return file_.empty() ? supervision_.input : file_; }
+    std::string const& output() const { return file_.empty() ? supervision_.output : file_; }
 
     std::string const& file_at_work() const
     {
-        return phase_ == Phase::kReading || phase_ == Phase::kMaking ? supervision_.input
-                                                                     : supervision_.output;
+        return phase_ == Phase::kReading || phase_ == Phase::kMaking ? input() : output();
     }
 
     Failure took_too_long() const
@@ -153,13 +157,13 @@ private:
                                                     : fmt::format("exit code {}", WEXITSTATUS(status));
         switch (phase_) {
         case Phase::kReading:
-            return {supervision_.input, fmt::format("its decoder broke down ({})", how),
+            return {input(), fmt::format("its decoder broke down ({})", how),
                     "the file is damaged; save it again in a program that opens it"};
         case Phase::kMaking:
-            return {supervision_.input, fmt::format("the run broke down ({})", how),
+            return {input(), fmt::format("the run broke down ({})", how),
                     "a picture that is too large for the memory can be the reason; -v shows more"};
         default:
-            return {supervision_.output, fmt::format("writing it broke down ({})", how),
+            return {output(), fmt::format("writing it broke down ({})", how),
                     "choose another format with -o"};
         }
     }
@@ -172,6 +176,7 @@ private:
     bool chatter_open_ = true;
     std::string chatter_;
     std::string lines_;
+    std::string file_; ///< What the worker calls the file at work; empty if there is only one of a kind.
     std::optional<Failure> failure_;
     std::optional<nlohmann::json> result_;
 };

@@ -13,7 +13,7 @@ namespace umbrix_cli {
 /// What a supervised job needs besides itself.
 struct Supervision {
     std::string command; ///< Begins every message: "umbrix map".
-    std::string input;   ///< Names to be used for the worker's "input" and "output".
+    std::string input;   ///< Names to be used for the worker's "input" and "output", unless it says others.
     std::string output;
     double timeout_seconds; ///< For decoding a file.
     bool verbose;

@@ -26,6 +26,11 @@ void send_phase(Phase phase)
     send({{"phase", static_cast<int>(phase)}});
 }
 
+void send_file(std::string const& file)
+{
+    send({{"file", file}});
+}
+
 void send_progress(std::string_view stage, int permille)
 {
     send({{"stage", stage}, {"permille", permille}});

@@ -10,15 +10,17 @@
 
 /// @file
 /// The worker's side of the pipe: one JSON object a line, to the descriptor below. A line holds one of
-/// {"phase": number}, {"stage": text, "permille": number}, {"note": text, "detail": flag}, {"failure":
-/// {...}},
-/// {"result": {...}}. The last two end the job. Texts name files as "input" and "output".
+/// {"phase": number}, {"stage": text, "permille": number}, {"file": text}, {"note": text, "detail": flag},
+/// {"failure": {...}}, {"result": {...}}. The last two end the job. Texts name files as "input" and "output".
 
 namespace umbrix_cli {
 
 inline constexpr int kEventDescriptor = 3;
 
 void send_phase(Phase phase);
+
+/// From now on, messages about the "input" or the "output" name @p file; "" ends that. For jobs with several.
+void send_file(std::string const& file);
 void send_progress(std::string_view stage, int permille);
 
 /// Something that the user ought to know; with @p only_if_verbose, only if asked for.

@@ -43,6 +43,8 @@ nlohmann::json run(Job const& job)
         return run_normal_task(job);
     case Task::kRelight:
         return run_relight_task(job);
+    case Task::kStack:
+        return run_stack_task(job);
     case Task::kInfo:
         break;
     }

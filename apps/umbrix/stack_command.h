@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "command.h"
+#include "common_options.h"
+#include "defaults.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace umbrix_cli {
+
+/// `umbrix stack`: a normal map, a height map and an Umbrix map from layers that a TOML file describes.
+class StackCommand : public Command {
+public:
+    CLI::App* declare(CLI::App& app) override;
+    void run(Interrupts const& interrupts) override;
+
+private:
+    void validate() const;
+    void write_example() const;
+
+    CommonOptions common_;
+    Settings settings_ = kDefaults;
+    std::string height_output_; ///< Empty: not wanted.
+    std::string map_output_;    ///< Empty: not wanted.
+    bool map_from_layers_ = false;
+    bool new_ = false;
+};
+
+} // namespace umbrix_cli

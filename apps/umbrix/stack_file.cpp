@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: MIT
+#include "stack_file.h"
+
+#include "failure.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <fstream>
+#include <iterator>
+#include <string_view>
+#include <toml++/toml.h>
+
+namespace umbrix_cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::uintmax_t kLargestFile = 1024 * 1024;
+constexpr double kAny = 1e6;
+constexpr char const* kBlendNames[] = {"blend", "overlay", "multiply", "add"}; // in the library's order
+constexpr char const* kNewHint = "umbrix stack --new writes an example";
+
+/// A TOML value and the words that say where it stands.
+struct Entry {
+    std::string subject; ///< "stack.toml: layer 2: opacity".
+    toml::node const& node;
+
+    [[noreturn]] void refuse(std::string const& what, std::string const& advice) const
+    {
+        throw Failure(fmt::format("{} (line {})", subject, node.source().begin.line), what, advice);
+    }
+
+    std::string text(std::string const& advice) const
+    {
+        std::optional<std::string> const value = node.value_exact<std::string>();
+        if (!value) {
+            refuse("it is not a text in quotes", advice);
+        }
+        return *value;
+    }
+
+    float number(double minimum, double maximum) const
+    {
+        std::optional<double> const value = node.is_number() ? node.value<double>() : std::nullopt;
+        if (!value || !std::isfinite(*value)) {
+            refuse("it is not a number", fmt::format("give {} to {}", minimum, maximum));
+        }
+        if (*value < minimum || *value > maximum) {
+            refuse(fmt::format("{} is out of range", *value), fmt::format("give {} to {}", minimum, maximum));
+        }
+        return static_cast<float>(*value);
+    }
+};
+
+void read_file(Entry const& entry, StackLayer& layer)
+{
+    layer.file = entry.text("name a picture");
+    if (layer.file.empty()) {
+        entry.refuse("it is empty", "name a picture");
+    }
+}
+
+void read_kind(Entry const& entry, StackLayer& layer)
+{
+    constexpr char const* kAdvice = "give \"height\" or \"normal\"";
+    std::string const kind = entry.text(kAdvice);
+    if (kind != "height" && kind != "normal") {
+        entry.refuse(fmt::format("'{}' is no kind of layer", kind), kAdvice);
+    }
+    layer.is_normal_map = kind == "normal";
+}
+
+void read_blend(Entry const& entry, StackLayer& layer)
+{
+    constexpr char const* kAdvice = R"(give "blend", "overlay", "multiply" or "add")";
+    std::string const blend = entry.text(kAdvice);
+    auto const* const found = std::find(std::begin(kBlendNames), std::end(kBlendNames), blend);
+    if (found == std::end(kBlendNames)) {
+        entry.refuse(fmt::format("'{}' is no way to blend", blend), kAdvice);
+    }
+    layer.blend = static_cast<int>(found - std::begin(kBlendNames));
+}
+
+void read_edges(Entry const& entry, StackLayer& layer)
+{
+    toml::array const* const pair = entry.node.as_array();
+    if (pair == nullptr || pair->size() != 2) {
+        entry.refuse("it is not a pair of numbers", "give [convex, concave]");
+    }
+    layer.edge_a = Entry{entry.subject, (*pair)[0]}.number(-kAny, kAny);
+    layer.edge_b = Entry{entry.subject, (*pair)[1]}.number(-kAny, kAny);
+}
+
+/// A key of a layer, and how its value is taken in.
+struct LayerKey {
+    std::string_view name;
+    void (*read)(Entry const&, StackLayer&);
+    bool heights_only; ///< Without an effect on a normal layer.
+};
+
+constexpr LayerKey kLayerKeys[] = {
+    {"file", read_file, false},
+    {"kind", read_kind, false},
+    {"blend", read_blend, false},
+    {"opacity", [](Entry const& e, StackLayer& layer) { layer.opacity = e.number(-kAny, kAny); }, false},
+    {"n_scale", [](Entry const& e, StackLayer& layer) { layer.n_scale = e.number(-kAny, kAny); }, true},
+    {"detail", [](Entry const& e, StackLayer& layer) { layer.detail = e.number(0, 100); }, true},
+    {"gaussian", [](Entry const& e, StackLayer& layer) { layer.gaussian = e.number(0, 1000); }, true},
+    {"depth", [](Entry const& e, StackLayer& layer) { layer.depth = e.number(-100, 100); }, true},
+    {"edges", read_edges, true},
+};
+
+std::string key_names()
+{
+    std::string all;
+    for (LayerKey const& key : kLayerKeys) {
+        all += fmt::format("{}{}", all.empty() ? "" : ", ", key.name);
+    }
+    return all;
+}
+
+/// Reads the parts of one parsed file.
+class StackReader {
+public:
+    explicit StackReader(fs::path file) : file_(std::move(file)) {}
+
+    StackFile read(toml::table const& top)
+    {
+        toml::array const* layers = nullptr;
+        for (auto const& [key, node] : top) {
+            Entry const entry{fmt::format("{}: {}", file_.string(), key.str()), node};
+            if (key == "normal_scale") {
+                result_.description.normal_scale = entry.number(-kAny, kAny);
+            } else if (key == "layer") {
+                layers = node.as_array();
+                if (layers == nullptr || !layers->is_homogeneous(toml::node_type::table)) {
+                    entry.refuse("it is not a list of tables", "begin each layer with [[layer]]");
+                }
+            } else {
+                entry.refuse("there is no such key", "known at the top are normal_scale and [[layer]]");
+            }
+        }
+        if (layers == nullptr || layers->empty()) {
+            throw Failure(file_.string(), "it has no layers",
+                          fmt::format("begin each layer with [[layer]]; {}", kNewHint));
+        }
+        for (toml::node const& layer : *layers) {
+            read_layer(*layer.as_table());
+        }
+        return std::move(result_);
+    }
+
+private:
+    void read_layer(toml::table const& table)
+    {
+        StackLayer layer;
+        std::size_t const number = result_.description.layers.size() + 1;
+        layer.label = fmt::format("{}: layer {}", file_.string(), number);
+        for (auto const& [key, node] : table) {
+            Entry const entry{fmt::format("{}: {}", layer.label, key.str()), node};
+            auto const* const known =
+                std::find_if(std::begin(kLayerKeys), std::end(kLayerKeys),
+                             [&](LayerKey const& each) { return each.name == key.str(); });
+            if (known == std::end(kLayerKeys)) {
+                entry.refuse("there is no such key", "known are " + key_names());
+            }
+            known->read(entry, layer);
+        }
+        if (layer.file.empty()) {
+            throw Failure(layer.label + ": file", "it is missing", "name a picture");
+        }
+        layer.file = (file_.parent_path() / layer.file).string();
+        if (number == 1 && layer.is_normal_map) {
+            throw Failure(layer.label + ": kind", "the first layer has to be a height map",
+                          "put a height layer below, or give this one's heights");
+        }
+        note_what_has_no_effect(table, layer, number == 1);
+        result_.description.layers.push_back(std::move(layer));
+    }
+
+    void note_what_has_no_effect(toml::table const& table, StackLayer const& layer, bool first)
+    {
+        auto const note = [&](std::string_view key, std::string const& text) {
+            result_.notes.push_back(fmt::format("{}: {}: {}", layer.label, key, text));
+        };
+        for (std::string_view const key : {"blend", "opacity"}) {
+            if (first && table.contains(key)) {
+                note(key, "it has no effect, as nothing lies below the first layer");
+            }
+        }
+        if (!first && (layer.opacity < 0 || layer.opacity > 100)) {
+            note("opacity", fmt::format("{} is outside 0 to 100, which some ways to blend take as it is and "
+                                        "others limit",
+                                        layer.opacity));
+        }
+        for (LayerKey const& key : kLayerKeys) {
+            if (layer.is_normal_map && key.heights_only && table.contains(key.name)) {
+                note(key.name, "it has no effect on a normal layer");
+            }
+        }
+        bool const works = layer.edge_a > 0 && layer.edge_b > 0;
+        if (!layer.is_normal_map && !works && (layer.edge_a != 0 || layer.edge_b != 0)) {
+            note("edges", "they have no effect unless both are above 0");
+        }
+    }
+
+    fs::path file_;
+    StackFile result_;
+};
+
+std::string content_of(fs::path const& file)
+{
+    if (fs::file_size(file) > kLargestFile) {
+        throw Failure(file.string(), "it is too large for a stack file", kNewHint);
+    }
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+toml::table parse(fs::path const& file)
+{
+    try {
+        return toml::parse(content_of(file));
+    } catch (toml::parse_error const& error) {
+        toml::source_position const at = error.source().begin;
+        throw Failure(fmt::format("{}: line {}, column {}", file.string(), at.line, at.column),
+                      std::string(error.description()), kNewHint);
+    }
+}
+
+} // namespace
+
+StackFile read_stack_file(fs::path const& file)
+{
+    return StackReader(file).read(parse(file));
+}
+
+} // namespace umbrix_cli

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "stack_description.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace umbrix_cli {
+
+/// What a stack file says, and what its user ought to know about it.
+struct StackFile {
+    StackDescription description;
+    std::vector<std::string> notes; ///< Each begins with the layer and the key.
+};
+
+/// Reads a stack description in TOML. Relative names of pictures count from the folder of @p file. A Failure
+/// names the layer and the key at fault, or the line and the column of what is no TOML.
+StackFile read_stack_file(std::filesystem::path const& file);
+
+} // namespace umbrix_cli
