@@ -121,6 +121,11 @@ std::string key_names()
     return all;
 }
 
+bool is_table(toml::node const& node)
+{
+    return node.is_table();
+}
+
 /// Reads the parts of one parsed file.
 class StackReader {
 public:
@@ -135,7 +140,7 @@ public:
                 result_.description.normal_scale = entry.number(-kAny, kAny);
             } else if (key == "layer") {
                 layers = node.as_array();
-                if (layers == nullptr || !layers->is_homogeneous(toml::node_type::table)) {
+                if (layers == nullptr || !std::all_of(layers->begin(), layers->end(), is_table)) {
                     entry.refuse("it is not a list of tables", "begin each layer with [[layer]]");
                 }
             } else {

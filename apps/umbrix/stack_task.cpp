@@ -78,6 +78,10 @@ ReadyStack read_layers(Job const& job)
         Job decoding = job;
         decoding.input = layer.file;
         PreparedInput const picture = prepare_input(decoding);
+        if (!layer.is_normal_map && picture.guess.kind == Kind::kNormalMap) {
+            send_note("this looks like a normal map (" + picture.guess.reason +
+                      "); its brightness is taken for heights");
+        }
         if (stack.layers.empty()) {
             stack.width = picture.width;
             stack.height = picture.height;
