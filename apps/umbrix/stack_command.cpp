@@ -9,11 +9,11 @@
 #include "preflight.h"
 #include "stack_example.h"
 #include "stack_file.h"
+#include "stack_target.h"
 #include "temporary.h"
 
 #include <chrono>
 #include <fmt/format.h>
-#include <memory>
 
 namespace umbrix_cli {
 
@@ -40,53 +40,18 @@ void check_layer_files(StackDescription const& description)
     }
 }
 
-/// One of the pictures that a run makes.
-class Target {
-public:
-    Target(fs::path named, char const* what, std::string const& stack_file,
-           StackDescription const& description, bool overwrite)
-        : named_(std::move(named)), what_(what), target_(check_output(named_, stack_file, overwrite)),
-          overwrite_(overwrite)
-    {
-        std::error_code error;
-        for (StackLayer const& layer : description.layers) {
-            if (fs::equivalent(target_, layer.file, error)) {
-                throw Failure(named_.string(), "it is the picture of a layer, which would be lost",
-                              "give another name", kWrongUsage);
-            }
+void check_that_no_layer_is_lost(fs::path const& output, StackDescription const& description)
+{
+    std::error_code error;
+    for (StackLayer const& layer : description.layers) {
+        if (fs::equivalent(output, layer.file, error)) {
+            throw Failure(output.string(), "it is the picture of a layer, which would be lost",
+                          "give another name", kWrongUsage);
         }
     }
+}
 
-    fs::path const& named() const { return named_; }
-    char const* what() const { return what_; }
-
-    bool is_same_file(Target const& other) const
-    {
-        return fs::weakly_canonical(target_) == fs::weakly_canonical(other.target_);
-    }
-
-    /// Makes the temporary file that a worker writes.
-    StackOutput open()
-    {
-        OutputFormat const& format = *output_format(named_);
-        if (*format.warning != '\0') {
-            note(fmt::format("{}: {}", named_.string(), format.warning));
-        }
-        file_ = std::make_unique<OutputFile>(target_, format.extension);
-        return {file_->temporary().string(), named_.string()};
-    }
-
-    void move_into_place() { file_->move_into_place(overwrite_); }
-
-private:
-    fs::path named_;
-    char const* what_;
-    fs::path target_;
-    bool overwrite_;
-    std::unique_ptr<OutputFile> file_;
-};
-
-void check_that_names_differ(std::vector<Target> const& targets)
+void check_that_names_differ(std::vector<StackTarget> const& targets)
 {
     for (std::size_t i = 0; i < targets.size(); ++i) {
         for (std::size_t j = 0; j < i; ++j) {
@@ -164,6 +129,29 @@ void StackCommand::write_example() const
                file.string());
 }
 
+std::vector<StackTarget> StackCommand::targets_for(StackDescription const& description) const
+{
+    struct Named {
+        fs::path file;
+        char const* what;
+        StackOutput StackJob::*field;
+    };
+    fs::path const normals =
+        common_.output.empty() ? default_output(common_.input, "_Normal") : fs::path(common_.output);
+    std::vector<StackTarget> targets;
+    for (Named const& each : {Named{normals, "normal map", &StackJob::normals},
+                              Named{height_output_, "height map", &StackJob::heights},
+                              Named{map_output_, "Umbrix map", &StackJob::map}}) {
+        if (!each.file.empty()) {
+            check_that_no_layer_is_lost(each.file, description);
+            fs::path const target = check_output(each.file, common_.input, common_.overwrite);
+            targets.emplace_back(each.file, target, each.what, each.field);
+        }
+    }
+    check_that_names_differ(targets);
+    return targets;
+}
+
 void StackCommand::run(Interrupts const& interrupts)
 {
     if (new_) {
@@ -176,31 +164,18 @@ void StackCommand::run(Interrupts const& interrupts)
     StackFile const file = read_stack_file(common_.input);
     check_layer_files(file.description);
 
-    std::vector<Target> targets;
-    auto const add = [&](fs::path const& named, char const* what) {
-        targets.emplace_back(named, what, common_.input, file.description, common_.overwrite);
-        return targets.size() - 1;
-    };
-    fs::path const normals =
-        common_.output.empty() ? default_output(common_.input, "_Normal") : fs::path(common_.output);
-    Job job;
-    std::vector<StackOutput StackJob::*> fields{&StackJob::normals};
-    add(normals, "normal map");
-    if (!height_output_.empty()) {
-        add(height_output_, "height map");
-        fields.push_back(&StackJob::heights);
-    }
-    if (!map_output_.empty()) {
-        add(map_output_, "Umbrix map");
-        fields.push_back(&StackJob::map);
-    }
-    check_that_names_differ(targets);
+    std::vector<StackTarget> targets = targets_for(file.description);
     for (std::string const& each : file.notes) {
         note(each);
     }
 
-    for (std::size_t i = 0; i < targets.size(); ++i) {
-        job.stack.*fields[i] = targets[i].open();
+    Job job;
+    for (StackTarget& target : targets) {
+        OutputFormat const& format = *output_format(target.named());
+        if (*format.warning != '\0') {
+            note(fmt::format("{}: {}", target.named().string(), format.warning));
+        }
+        target.open(job.stack);
     }
     ScratchFolder const scratch;
     job.task = Task::kStack;
@@ -210,13 +185,15 @@ void StackCommand::run(Interrupts const& interrupts)
     job.settings = settings_;
     job.stack.description = file.description;
     job.stack.map_from_layers = map_from_layers_;
-    nlohmann::json const report = supervise(job, common_.supervision(kCommand, normals.string(), interrupts));
+    nlohmann::json const report =
+        supervise(job, common_.supervision(kCommand, targets.front().named().string(), interrupts));
     interrupts.check();
-    for (Target& target : targets) {
-        target.move_into_place();
+    // All pictures are whole and read back. A rename that fails now keeps the later ones from being replaced.
+    for (StackTarget& target : targets) {
+        target.move_into_place(common_.overwrite);
     }
     std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start;
-    for (Target const& target : targets) {
+    for (StackTarget const& target : targets) {
         fmt::print("wrote {}: {}, {} x {}, of {} layers, {:.1f} s\n", target.named().string(), target.what(),
                    report.at("width").get<int>(), report.at("height").get<int>(),
                    report.at("layers").get<int>(), taken.count());

@@ -4,8 +4,8 @@
 #include "command.h"
 #include "common_options.h"
 #include "defaults.h"
+#include "stack_target.h"
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -20,6 +20,7 @@ public:
 private:
     void validate() const;
     void write_example() const;
+    std::vector<StackTarget> targets_for(StackDescription const& description) const;
 
     CommonOptions common_;
     Settings settings_ = kDefaults;

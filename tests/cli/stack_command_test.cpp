@@ -299,6 +299,7 @@ TEST_F(StackCommand, RefusesWhatMakesNoSense)
         {{"stack", "s.toml", "-o", "n.toml"}, "n.toml"},
         {{"stack", "s.toml", "-o", "n.tga", "--height", "./n.tga"}, "./n.tga"},
         {{"stack", "s.toml", "-o", "n.tga", "--map", "hill.tga", "--overwrite"}, "hill.tga"},
+        {{"stack", "s.toml", "-o", "./hill.tga"}, "./hill.tga"},
         {{"stack", "--new", "-o", "n.tga"}, "--new"},
     };
     for (auto const& [arguments, subject] : kCases) {
@@ -323,6 +324,24 @@ TEST_F(StackCommand, WritesAllPicturesOrNone)
         EXPECT_EQ(files(), before);
         std::filesystem::remove(folder() / old);
     }
+}
+
+TEST_F(StackCommand, LeavesNothingBehindIfItIsInterrupted)
+{
+    write("large.tga", waves(256));
+    write_stack("[[layer]]\nfile = 'large.tga'\n");
+    std::set<std::string> const before = files();
+    RunningTool tool(folder(),
+                     {"stack", "s.toml", "-o", "n.tga", "--height", "h.tga", "--map", "m.tga", "--rays",
+                      "10000", "--progress", "lines"},
+                     with_scratch());
+    ASSERT_TRUE(tool.wait_for_text("occlusion"));
+    EXPECT_GT(files().size(), before.size());
+    tool.send(SIGINT);
+    Outcome const outcome = tool.finish();
+    EXPECT_EQ(outcome.code, 130);
+    EXPECT_NE(outcome.err.find("umbrix stack: interrupted; nothing was written\n"), std::string::npos);
+    EXPECT_EQ(files(), before);
 }
 
 TEST_F(StackCommand, ChecksTheSizeThatAnOutputCanHaveBeforeTheRun)

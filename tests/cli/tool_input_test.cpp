@@ -96,6 +96,23 @@ TEST_F(ToolInput, SurvivesADecoderThatDoesNotEnd)
     expect_refusal("endless.psd", "it was still being read after 0.3 s", {"--timeout", "0.3"});
 }
 
+TEST_F(ToolInput, IsNamedByItsLayerInAStack)
+{
+    write("good.psd", photoshop_file(5, 7));
+    write("crash.psd", photoshop_file(0x80000005U, 7));
+    write("endless.psd", photoshop_file(5, 0xff000007U));
+    for (std::string const name : {"crash.psd", "endless.psd"}) {
+        std::string const stack =
+            "[[layer]]\nfile = 'good.psd'\n[[layer]]\nfile = '" + name + "'\nblend = 'add'\n";
+        write("s.toml", Bytes(stack.begin(), stack.end()));
+        std::set<std::string> const before = files();
+        Outcome const outcome = run({"stack", "s.toml", "--timeout", "0.3"});
+        EXPECT_EQ(outcome.code, 1);
+        EXPECT_TRUE(complains_about(outcome, "umbrix stack", "s.toml: layer 2: file: " + name));
+        EXPECT_EQ(files(), before);
+    }
+}
+
 TEST_F(ToolInput, RefusesASizeThatIsNotSane)
 {
     Bytes tga = tga_bytes(0xffff, 0xffff, 3, Bytes(100, 1));
