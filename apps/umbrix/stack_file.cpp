@@ -121,6 +121,14 @@ std::string key_names()
     return all;
 }
 
+/// The key of that name, or null.
+LayerKey const* key_named(std::string_view name)
+{
+    auto const* const found = std::find_if(std::begin(kLayerKeys), std::end(kLayerKeys),
+                                           [&](LayerKey const& key) { return key.name == name; });
+    return found == std::end(kLayerKeys) ? nullptr : found;
+}
+
 bool is_table(toml::node const& node)
 {
     return node.is_table();
@@ -165,10 +173,8 @@ private:
         layer.label = fmt::format("{}: layer {}", file_.string(), number);
         for (auto const& [key, node] : table) {
             Entry const entry{fmt::format("{}: {}", layer.label, key.str()), node};
-            auto const* const known =
-                std::find_if(std::begin(kLayerKeys), std::end(kLayerKeys),
-                             [&](LayerKey const& each) { return each.name == key.str(); });
-            if (known == std::end(kLayerKeys)) {
+            LayerKey const* const known = key_named(key.str());
+            if (known == nullptr) {
                 entry.refuse("there is no such key", "known are " + key_names());
             }
             known->read(entry, layer);
