@@ -20,8 +20,9 @@ Picture bumps(int side)
     double const turn = 2.0 * std::numbers::pi / side;
     for (int y = 0; y < side; ++y) {
         for (int x = 0; x < side; ++x) {
-            double const height = 0.5 + 0.25 * std::sin(9.0 * turn * x) * std::cos(7.0 * turn * y) +
-                                  0.25 * std::sin(31.0 * turn * (x + y)) * std::sin(23.0 * turn * (x - 2 * y));
+            double const height =
+                0.5 + 0.25 * std::sin(9.0 * turn * x) * std::cos(7.0 * turn * y) +
+                0.25 * std::sin(31.0 * turn * (x + y)) * std::sin(23.0 * turn * (x - 2 * y));
             auto const grey = static_cast<unsigned char>(height * 255.0);
             picture.set(x, y, {grey, grey, grey});
         }
@@ -53,6 +54,11 @@ void whole_run(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * side * side);
 }
 
-BENCHMARK(whole_run)->Arg(1024)->Arg(2048)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+BENCHMARK(whole_run)
+    ->Arg(1024)
+    ->Arg(2048)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->MeasureProcessCPUTime();
 
 } // namespace
