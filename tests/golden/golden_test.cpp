@@ -29,7 +29,8 @@ struct Golden {
         Arguments words;
         std::istringstream in(command);
         for (std::string word; in >> word;) {
-            words.push_back(word.ends_with(".png") ? UMBRIX_TEXTURES "/" + word : word);
+            bool const shipped = word.ends_with(".png") || word.ends_with(".toml");
+            words.push_back(shipped ? UMBRIX_EXAMPLES "/" + word : word);
         }
         return words;
     }
@@ -108,7 +109,7 @@ TEST(GoldenList, CoversEveryExample)
 {
     auto const list = read_list();
     EXPECT_GE(list.size(), 8U);
-    for (auto const& texture : std::filesystem::directory_iterator(UMBRIX_TEXTURES)) {
+    for (auto const& texture : std::filesystem::directory_iterator(UMBRIX_EXAMPLES "/textures")) {
         std::string const name = texture.path().filename().string();
         EXPECT_TRUE(std::any_of(list.begin(), list.end(), [&](Golden const& golden) {
             return golden.command.find(name) != std::string::npos;
