@@ -42,11 +42,11 @@ umbrix_public_headers(public_headers)
 target_sources(umbrix PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/src FILES ${public_headers})
 
 install(TARGETS umbrix velloric coralith EXPORT UmbrixLibTargets
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-    FILE_SET HEADERS DESTINATION ${include_dir})
-install(EXPORT UmbrixLibTargets NAMESPACE UmbrixLib:: DESTINATION ${package_dir})
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library
+    FILE_SET HEADERS DESTINATION ${include_dir} COMPONENT development)
+install(EXPORT UmbrixLibTargets NAMESPACE UmbrixLib:: DESTINATION ${package_dir} COMPONENT development)
 
 configure_package_config_file(cmake/UmbrixLibConfig.cmake.in UmbrixLibConfig.cmake INSTALL_DESTINATION ${package_dir})
 # Before 1.0 each minor version may break what was there: 0.1 does not serve a user of 0.2, nor the reverse.
@@ -57,12 +57,14 @@ endif()
 write_basic_package_version_file(UmbrixLibConfigVersion.cmake COMPATIBILITY ${compatibility})
 install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/UmbrixLibConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/UmbrixLibConfigVersion.cmake
-    DESTINATION ${package_dir})
+    DESTINATION ${package_dir} COMPONENT development)
 
 # The prefix is told from the place of the file, so an installed tree may be moved.
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig
     OUTPUT_VARIABLE prefix_from_pkgconfig)
 configure_file(cmake/umbrix.pc.in umbrix.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/umbrix.pc DESTINATION ${pkgconfig_dir})
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/umbrix.pc
+    DESTINATION ${pkgconfig_dir} COMPONENT development)
 
-install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
+include(UmbrixDebian)

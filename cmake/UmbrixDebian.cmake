@@ -1,0 +1,31 @@
+# SPDX-License-Identifier: MIT
+# Debian packages by CPack: the libraries, what one needs to build against them, and the command line.
+set(abi ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME umbrixlib)
+set(CPACK_PACKAGE_CONTACT "The UmbrixLib developers <umbrixlib@localhost>")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_COMPONENTS_ALL library development tools)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
+# The libraries find each other in the tree they were built in; dpkg-shlibdeps reads what they need from outside.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
+    ${PROJECT_BINARY_DIR}/src ${PROJECT_BINARY_DIR}/velloric ${PROJECT_BINARY_DIR}/coralith)
+
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libumbrix${abi})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBRARY_DESCRIPTION "Tangent-space normal maps and Umbrix maps, shared libraries")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libumbrix-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libumbrix${abi} (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "Tangent-space normal maps and Umbrix maps, headers and package files")
+
+set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME umbrix)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "libumbrix${abi} (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_TOOLS_DESCRIPTION "Tangent-space normal maps and Umbrix maps, command line")
+
+include(CPack)

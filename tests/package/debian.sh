@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Packs the built tree into Debian packages, looks over what they hold and need, and runs the tool from their files.
+#   debian.sh BUILD WORK PICTURE
+set -euo pipefail
+build=$1 work=$2 picture=$3
+
+fail() {
+    echo "debian packages: $*" >&2
+    exit 1
+}
+
+# one_package NAME: the path of its .deb.
+one_package() {
+    local found
+    found=$(find "$work" -maxdepth 1 -name "$1_*.deb")
+    [ -f "$found" ] || fail "there is no one package $1"
+    echo "$found"
+}
+
+# expect_file PACKAGE PATTERN
+expect_file() {
+    grep -qE "$2" <<< "$(dpkg-deb --contents "$(one_package "$1")")" || fail "$1 holds nothing like $2"
+}
+
+# expect_dependency PACKAGE PATTERN
+expect_dependency() {
+    grep -qE "$2" <<< "$(dpkg-deb --field "$(one_package "$1")" Depends)" || fail "$1 does not depend on $2"
+}
+
+rm -rf "$work"
+mkdir -p "$work"
+(cd "$build" && cpack -G DEB -B "$work" > "$work/cpack.log" 2>&1) || { cat "$work/cpack.log" >&2; fail "cpack failed"; }
+
+library=$(basename "$(find "$work" -maxdepth 1 -name 'libumbrix[0-9]*.deb')")
+library=${library%%_*}
+for name in umbrix velloric coralith; do
+    expect_file "$library" "/lib$name\.so\.[0-9.]+$"
+    expect_file libumbrix-dev "/lib$name\.so ->"
+done
+expect_file "$library" /LICENSE
+expect_file libumbrix-dev /umbrixlib\.h
+expect_file libumbrix-dev /UmbrixLibConfig\.cmake
+expect_file libumbrix-dev /umbrix\.pc
+expect_file umbrix /usr/bin/umbrix
+expect_dependency "$library" libdevil
+expect_dependency umbrix "$library \(="
+expect_dependency libumbrix-dev "$library \(="
+
+root=$work/root
+for package in "$library" libumbrix-dev umbrix; do
+    dpkg-deb --extract "$(one_package "$package")" "$root"
+done
+"$root/usr/bin/umbrix" map "$picture" -o "$work/map.png" --rays 16
+[ -s "$work/map.png" ] || fail "the tool of the packages made no map"
