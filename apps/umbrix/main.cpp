@@ -5,6 +5,7 @@
 #include "map_command.h"
 #include "normal_command.h"
 #include "relight_command.h"
+#include "self_description_command.h"
 #include "stack_command.h"
 #include "worker_process.h"
 
@@ -76,7 +77,8 @@ int run_tool(int count, char** words)
     app.footer(kExitCodesHelp);
     app.require_subcommand(0, 1);
     std::vector<Declared> const commands =
-        declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, InfoCommand>(app);
+        declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, InfoCommand, CompletionCommand,
+                    ManualCommand>(app);
     std::string const name = full_name(commands, count, words);
     try {
         app.parse(count, words);
