@@ -4,7 +4,9 @@
 #include "decoded_image.h"
 #include "devil.h"
 #include "failure.h"
+#include "intermediate.h"
 #include "tga_file.h"
+#include "tiff_date.h"
 #include "worker_channel.h"
 
 #include <IL/il.h>
@@ -49,7 +51,7 @@ bool save(std::filesystem::path const& file, Picture const& picture)
                    static_cast<ILubyte>(picture.channels), format, IL_UNSIGNED_BYTE, bytes) != 0 &&
         ilSaveImage(file.c_str()) != 0;
     stop_devil();
-    return saved;
+    return saved && (!is_tiff(file) || fix_tiff_date(file));
 }
 
 /// Brings the file to the disk; a delayed "no space left" shows here.

@@ -91,10 +91,13 @@ TEST_F(ToolOutput, RefusesFormatsThatCannotBeWritten)
     EXPECT_EQ(files(), (std::set<std::string>{"hill.tga"}));
 }
 
+constexpr char const* kExtensions[] = {"png", "tga",  "tif", "tiff", "bmp", "psd", "sgi",
+                                       "rgb", "rgba", "bw",  "pcx",  "ppm", "pgm", "pbm",
+                                       "vtf", "jpg",  "jpe", "jpeg", "dds", "hdr"};
+
 TEST_F(ToolOutput, ReadsBackInEveryFormat)
 {
-    for (char const* extension : {"png", "tga", "tif", "tiff", "bmp", "psd", "sgi", "rgb",  "rgba", "bw",
-                                  "pcx", "ppm", "pgm", "pbm",  "vtf", "jpg", "jpe", "jpeg", "dds",  "hdr"}) {
+    for (char const* extension : kExtensions) {
         std::string const name = std::string("x.") + extension;
         Outcome const outcome = run({"normal", "hill.tga", "-o", name});
         EXPECT_EQ(outcome.code, 0) << name << outcome.err;
@@ -102,6 +105,22 @@ TEST_F(ToolOutput, ReadsBackInEveryFormat)
         EXPECT_EQ(warns, std::set<std::string>({"jpg", "jpe", "jpeg", "dds", "hdr"}).contains(extension))
             << name;
         EXPECT_EQ(run({"relight", name, "-o", "again.tga", "--overwrite"}).code, 0) << name;
+    }
+}
+
+TEST_F(ToolOutput, IsTheSameBytesAtAnotherTime)
+{
+    auto const write_all = [&](std::string const& stem) {
+        for (char const* extension : kExtensions) {
+            EXPECT_EQ(run({"normal", "hill.tga", "-o", stem + "." + extension}).code, 0) << extension;
+        }
+    };
+    write_all("first");
+    sleep(1); // the dates of files count seconds
+    write_all("second");
+    for (char const* extension : kExtensions) {
+        EXPECT_EQ(read(std::string("first.") + extension), read(std::string("second.") + extension))
+            << extension;
     }
 }
 
