@@ -38,6 +38,12 @@ TEST(Names, AreReachableUnqualified)
     brighten(&pixel, 1, 1, 0.25f);
     EXPECT_EQ(pixel.x, 0.75f);
     EXPECT_EQ(DeviceCount(), 0);
+    char text[] = "rock_n.tga";
+    EXPECT_EQ(toupper(text), "ROCK_N.TGA");
+    EXPECT_EQ(strrpos(text, '.'), 6);
+    int size = 0;
+    delete[] fill_array(size, 3, 1.0f);
+    EXPECT_EQ(size, 3);
 }
 
 TEST(Names, LeaveTheOverloadsOfTheStandardLibraryAlone)
