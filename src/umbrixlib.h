@@ -9,6 +9,7 @@
 #include "boundary/texture_kernels.h"
 #include "filters/blend.h"
 #include "filters/high_fidelity.h"
+#include "filters/kernel_gaussian.h"
 #include "filters/recursive_gaussian.h"
 #include "filters/tile_height.h"
 #include "filters/tone.h"

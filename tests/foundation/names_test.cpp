@@ -44,6 +44,9 @@ TEST(Names, AreReachableUnqualified)
     int size = 0;
     delete[] fill_array(size, 3, 1.0f);
     EXPECT_EQ(size, 3);
+    float weight = 0.0f;
+    blur(&weight, &weight, 1, 1, 1.0f, true);
+    EXPECT_EQ(weight, 0.0f);
 }
 
 TEST(Names, LeaveTheOverloadsOfTheStandardLibraryAlone)
