@@ -25,6 +25,13 @@ void seed_random(unsigned seed);
 /// Seconds since 1970.
 std::int64_t seconds_since_epoch();
 
+/// Stands between the names of a path.
+#if defined(_WIN32)
+inline constexpr char kSeparator = '\\';
+#else
+inline constexpr char kSeparator = '/';
+#endif
+
 /// Makes @p folder the current directory of the process. False if that fails.
 bool change_directory(char const* folder);
 
