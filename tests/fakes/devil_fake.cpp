@@ -43,6 +43,9 @@ int number(ILuint value)
 void record(std::string const& call)
 {
     CallLog::instance().record(call);
+    if (DevilFake::instance().on_call) {
+        DevilFake::instance().on_call(call);
+    }
 }
 
 std::size_t size_of(ILuint width, ILuint height, int channels)

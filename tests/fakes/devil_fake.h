@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -25,6 +26,7 @@ struct DevilFake {
     unsigned char save_result = 1;
     std::map<std::string, File> files;
     std::vector<unsigned char> served; ///< What `ilCopyPixels` writes, from its first byte on.
+    std::function<void(std::string const& call)> on_call; ///< If set, sees every call as it is recorded.
     std::vector<unsigned char> stored; ///< What the last `ilTexImage` or `ilSetPixels` was given.
 
     /// The one image of this executable.

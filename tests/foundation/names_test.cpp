@@ -47,6 +47,9 @@ TEST(Names, AreReachableUnqualified)
     float weight = 0.0f;
     blur(&weight, &weight, 1, 1, 1.0f, true);
     EXPECT_EQ(weight, 0.0f);
+    EXPECT_FALSE(UmbrixFolder("/missing folder", "*.tga", options, &layers, nullptr, nullptr, nullptr));
+    EXPECT_FALSE(FolderToNormal("/missing folder", "*.tga", 1.0f, 0.0f, false, 0, 0.0f, false, layers, false,
+                                false, nullptr, nullptr, nullptr));
 }
 
 TEST(Names, LeaveTheOverloadsOfTheStandardLibraryAlone)

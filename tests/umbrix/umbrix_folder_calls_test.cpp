@@ -1,0 +1,308 @@
+// SPDX-License-Identifier: MIT
+// The calls that the folder batch of Umbrix maps makes. The files are empty: stand-ins serve the pictures.
+#include "umbrix/folder.h"
+
+#include "call_log.h"
+#include "devil_fake.h"
+#include "kept_directory.h"
+#include "temporary_folder.h"
+#include "umbrix_test_options.h"
+
+#include <algorithm>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <omp.h>
+#include <stdexcept>
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using umbrixlib::test::CallLog;
+using umbrixlib::test::DevilFake;
+using umbrixlib::test::KeptDirectory;
+using umbrixlib::test::neutral_options;
+using umbrixlib::test::TemporaryFolder;
+using Calls = std::vector<std::string>;
+
+class UmbrixFolderCalls : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        omp_set_dynamic(0);
+        omp_set_num_threads(omp_get_num_procs());
+        CallLog::instance().clear();
+        DevilFake::instance().serve(4, 4, 32);
+        options_.cancel = &cancel_;
+    }
+    void TearDown() override { DevilFake::instance() = {}; }
+
+    void add_files(std::initializer_list<char const*> names) const
+    {
+        for (char const* const name : names) {
+            fs::create_directories((root_ / name).parent_path());
+            std::ofstream(root_ / name) << "x";
+        }
+    }
+
+    void describe(std::initializer_list<char const*> files)
+    {
+        for (char const* const file : files) {
+            n_layer record;
+            record.filename = file;
+            record.opacity = 100.0f;
+            layers_.Add(record);
+        }
+    }
+
+    bool run(char const* search, std::string const& path)
+    {
+        return UmbrixFolder(path, search, options_, &layers_, &current_, &status_, &progress_);
+    }
+    bool run(char const* search) { return run(search, root()); }
+
+    std::string root() const { return root_.path().string(); }
+
+    /// The recorded calls that start with one of @p starts, the root folder left out of the names.
+    Calls calls(std::initializer_list<char const*> starts) const
+    {
+        Calls found;
+        for (std::string call : CallLog::instance().calls()) {
+            bool const wanted = std::any_of(starts.begin(), starts.end(),
+                                            [&](char const* start) { return call.rfind(start, 0) == 0; });
+            if (wanted) {
+                if (std::size_t const at = call.find(root() + "/"); at != std::string::npos) {
+                    call.erase(at, root().size() + 1);
+                }
+                found.push_back(call);
+            }
+        }
+        return found;
+    }
+    Calls files() const { return calls({"ilLoadImage(", "ilSaveImage("}); }
+
+    /// Sets the stop flag when a call begins with @p start.
+    void cancel_at(std::string const& start)
+    {
+        DevilFake::instance().on_call = [this, start](std::string const& call) {
+            cancel_ = cancel_ || call.find(start) != std::string::npos;
+        };
+    }
+
+    TemporaryFolder root_;
+    KeptDirectory kept_;
+    umbrix_options options_ = neutral_options();
+    bool cancel_ = false;
+    LinkedList<n_layer> layers_;
+    std::string current_ = "before";
+    std::string status_ = "before";
+    int progress_ = 7;
+};
+
+TEST_F(UmbrixFolderCalls, EachFileIsConvertedBesideItself)
+{
+    add_files({"rock.tga", "stone wall_Height.TGA", "gr\xc3\xbcn_n.tga", "note.txt", "no_dot", "a_N.b.tga"});
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_THAT(files(),
+                ElementsAre("ilLoadImage(a_N.b.tga)", "ilSaveImage(a_Umbrix.tga)",
+                            "ilLoadImage(gr\xc3\xbcn_n.tga)", "ilSaveImage(gr\xc3\xbcn_Umbrix.tga)",
+                            "ilLoadImage(rock.tga)", "ilSaveImage(rock_Umbrix.tga)",
+                            "ilLoadImage(stone wall_Height.TGA)", "ilSaveImage(stone wall_Umbrix.TGA)"));
+}
+
+TEST_F(UmbrixFolderCalls, SubfoldersComeFirstAndFolderNamesAreNoTags)
+{
+    add_files({"a_N.tga", "Big Rocks/b_H.tga", "Big Rocks/x_n.d/c.tga", "z.tga/d.tga"});
+    options_.recurse = true;
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_THAT(files(),
+                ElementsAre("ilLoadImage(Big Rocks/x_n.d/c.tga)", "ilSaveImage(Big Rocks/x_n.d/c_Umbrix.tga)",
+                            "ilLoadImage(Big Rocks/b_H.tga)", "ilSaveImage(Big Rocks/b_Umbrix.tga)",
+                            "ilLoadImage(z.tga/d.tga)", "ilSaveImage(z.tga/d_Umbrix.tga)",
+                            "ilLoadImage(a_N.tga)", "ilSaveImage(a_Umbrix.tga)"));
+    EXPECT_EQ(fs::current_path(), fs::canonical(root_.path()));
+}
+
+TEST_F(UmbrixFolderCalls, WithoutRecurseFoldersAreLeftAlone)
+{
+    add_files({"a.tga", "sub/b.tga", "z.tga/d.tga"});
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_THAT(files(), ElementsAre("ilLoadImage(a.tga)", "ilSaveImage(a_Umbrix.tga)"));
+}
+
+TEST_F(UmbrixFolderCalls, TwoSourcesOfOneNameAndEarlierResultsAreInputsLikeAnyOther)
+{
+    add_files({"rock.tga", "rock_N.tga", "wall_Umbrix.tga"});
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_THAT(calls({"ilSaveImage("}),
+                ElementsAre("ilSaveImage(rock_Umbrix.tga)", "ilSaveImage(rock_Umbrix.tga)",
+                            "ilSaveImage(wall_Umbrix_Umbrix.tga)"));
+}
+
+TEST_F(UmbrixFolderCalls, TheFrontEndSeesWhatIsInWork)
+{
+    add_files({"a.tga", "sub/b.tga"});
+    options_.recurse = true;
+    Calls seen;
+    DevilFake::instance().on_call = [&](std::string const& call) {
+        if (call == "ilInit()" || call.rfind("ilLoadImage", 0) == 0) {
+            seen.push_back(call.substr(0, call.find('(')) + ": " + current_ + ", " + status_ + ", " +
+                           std::to_string(progress_));
+            progress_ = 55;
+        }
+    };
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_THAT(seen,
+                ElementsAre("ilInit: sub/, Processing, 7", "ilInit: b.tga, Processing, 0",
+                            "ilLoadImage: b.tga, Processing, 55", "ilInit: b.tga, Storing Results, 0",
+                            "ilInit: a.tga, Storing Results, 0", "ilLoadImage: a.tga, Storing Results, 55"));
+}
+
+TEST_F(UmbrixFolderCalls, WithNormalGenerationEveryLayerIsTheFileInWork)
+{
+    add_files({"a.tga", "b.tga"});
+    describe({"one.tga", "two.tga"});
+    options_.generate_normal = true;
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_THAT(files(), ElementsAre("ilLoadImage(a.tga)", "ilLoadImage(a.tga)", "ilLoadImage(a.tga)",
+                                     "ilSaveImage(a_Umbrix.tga)", "ilLoadImage(b.tga)", "ilLoadImage(b.tga)",
+                                     "ilLoadImage(b.tga)", "ilSaveImage(b_Umbrix.tga)"));
+    EXPECT_EQ(calls({"ilInit("}).size(), 8U) << "each file: its stack, two layers, the run";
+    EXPECT_EQ(calls({"Height2Normal("}).size(), 4U) << "the normals of each layer of each file";
+}
+
+TEST_F(UmbrixFolderCalls, WithoutNormalGenerationEachFilesStackIsFilledFromTheDescriptions)
+{
+    add_files({"a.tga", "b.tga"});
+    describe({"one.tga"});
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_THAT(files(),
+                ElementsAre("ilLoadImage(a.tga)", "ilLoadImage(one.tga)", "ilSaveImage(a_Umbrix.tga)",
+                            "ilLoadImage(b.tga)", "ilLoadImage(one.tga)", "ilSaveImage(b_Umbrix.tga)"));
+}
+
+TEST_F(UmbrixFolderCalls, NoLayersAndNoListAreTheSame)
+{
+    add_files({"a.tga"});
+    options_.generate_normal = true;
+    EXPECT_TRUE(run("*.tga"));
+    Calls const with_empty_list = files();
+    CallLog::instance().clear();
+    EXPECT_TRUE(UmbrixFolder(root(), "*.tga", options_, nullptr, &current_, &status_, &progress_));
+    EXPECT_EQ(files(), with_empty_list);
+    EXPECT_THAT(files(), ElementsAre("ilLoadImage(a.tga)", "ilSaveImage(a_Umbrix.tga)"));
+}
+
+TEST_F(UmbrixFolderCalls, AStopFlagSetBeforeTheCallIsFalseAndNothingIsDone)
+{
+    add_files({"a.tga"});
+    cancel_ = true;
+    fs::path const before = fs::current_path();
+    for (bool const recurse : {false, true}) {
+        options_.recurse = recurse;
+        EXPECT_FALSE(run("*.tga"));
+    }
+    EXPECT_THAT(CallLog::instance().calls(), IsEmpty());
+    EXPECT_EQ(fs::current_path(), before);
+    EXPECT_EQ(current_, "before");
+}
+
+TEST_F(UmbrixFolderCalls, AStopFlagSetDuringAFileEndsTheWalkBehindIt)
+{
+    add_files({"a.tga", "b.tga", "c.tga"});
+    cancel_at("ilLoadImage(" + root() + "/b.tga");
+    EXPECT_FALSE(run("*.tga"));
+    EXPECT_THAT(calls({"ilSaveImage("}),
+                ElementsAre("ilSaveImage(a_Umbrix.tga)", "ilSaveImage(b_Umbrix.tga)"));
+}
+
+TEST_F(UmbrixFolderCalls, AStopFlagSetDuringTheLastFileIsNotAskedAgain)
+{
+    add_files({"a.tga", "b.tga"});
+    cancel_at("ilLoadImage(" + root() + "/b.tga");
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_EQ(calls({"ilSaveImage("}).size(), 2U);
+}
+
+TEST_F(UmbrixFolderCalls, AStopFlagSetInASubfolderEndsTheWholeWalk)
+{
+    add_files({"a.tga", "sub/b.tga", "sub/c.tga"});
+    options_.recurse = true;
+    for (char const* const file : {"/sub/b.tga", "/sub/c.tga"}) {
+        cancel_ = false;
+        CallLog::instance().clear();
+        cancel_at("ilLoadImage(" + root() + file);
+        EXPECT_FALSE(run("*.tga")) << file;
+        EXPECT_EQ(calls({"ilSaveImage("}).back(), std::string("ilSaveImage(sub/") + file[5] + "_Umbrix.tga)");
+        EXPECT_EQ(fs::current_path(), fs::canonical(root_ / "sub")) << "where it was broken off";
+    }
+}
+
+TEST_F(UmbrixFolderCalls, WithoutAStopFlagTheWalkRunsToItsEnd)
+{
+    add_files({"a.tga", "b.tga"});
+    options_.cancel = nullptr;
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_EQ(calls({"ilSaveImage("}).size(), 2U);
+}
+
+TEST_F(UmbrixFolderCalls, AMissingFolderIsFalse)
+{
+    for (bool const recurse : {false, true}) {
+        options_.recurse = recurse;
+        EXPECT_FALSE(run("*.tga", root() + "/missing"));
+    }
+    EXPECT_THAT(CallLog::instance().calls(), IsEmpty());
+}
+
+TEST_F(UmbrixFolderCalls, ASubfolderThatIsGoneDoesNotStopTheWalk)
+{
+    add_files({"a.tga", "one/b.tga", "two/c.tga"});
+    options_.recurse = true;
+    DevilFake::instance().on_call = [&](std::string const&) { fs::remove_all(root_ / "two"); };
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_THAT(calls({"ilSaveImage("}),
+                ElementsAre("ilSaveImage(one/b_Umbrix.tga)", "ilSaveImage(a_Umbrix.tga)"));
+}
+
+TEST_F(UmbrixFolderCalls, ARelativePathServesWithoutRecurseOnly)
+{
+    add_files({"tree/a.tga", "tree/sub/b.tga"});
+    fs::current_path(root_.path());
+    EXPECT_TRUE(run("*.tga", "tree"));
+    EXPECT_THAT(files(), ElementsAre("ilLoadImage(tree/a.tga)", "ilSaveImage(tree/a_Umbrix.tga)"));
+    CallLog::instance().clear();
+    fs::current_path(root_.path());
+    options_.recurse = true;
+    EXPECT_FALSE(run("*.tga", "tree"));
+    EXPECT_THAT(files(), IsEmpty());
+}
+
+TEST_F(UmbrixFolderCalls, AFileWithoutADotRaises)
+{
+    add_files({"a.tga", "b_n", "c.tga"});
+    EXPECT_THROW(run("*.*"), std::out_of_range);
+    EXPECT_THAT(calls({"ilSaveImage("}), ElementsAre("ilSaveImage(a_Umbrix.tga)")) << "before it came up";
+    EXPECT_EQ(current_, "b_n");
+}
+
+TEST_F(UmbrixFolderCalls, AFileThatFailsDoesNotStopTheWalk)
+{
+    add_files({"a.tga", "b.tga"});
+    DevilFake::instance().load_result = 0;
+    DevilFake::instance().save_result = 0;
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_EQ(calls({"ilSaveImage("}).size(), 2U);
+}
+
+TEST_F(UmbrixFolderCalls, TheOptionsCarryOverFromFileToFile)
+{
+    add_files({"a.tga", "b.tga"});
+    DevilFake::instance().files[root() + "/b.tga"] = {6, 2, 24, {}};
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_EQ(options_.image_width, 6);
+    EXPECT_EQ(options_.image_height, 2);
+}
+
+} // namespace

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// The folder batch of Umbrix maps on real pictures.
+#include "umbrix/folder.h"
+
+#include "kept_directory.h"
+#include "picture_files.h"
+#include "temporary_folder.h"
+#include "umbrix/file_cpu.h"
+#include "umbrix_test_options.h"
+
+#include <gtest/gtest.h>
+#include <omp.h>
+#include <set>
+
+namespace {
+
+namespace fs = std::filesystem;
+using umbrixlib::test::Bytes;
+using umbrixlib::test::KeptDirectory;
+using umbrixlib::test::read_tga;
+using umbrixlib::test::TemporaryFolder;
+
+class UmbrixFolderFiles : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        omp_set_dynamic(0);
+        omp_set_num_threads(omp_get_num_procs());
+        options_.recurse = true;
+        options_.generate_normal = true;
+        options_.height_map = true;
+    }
+
+    void add_picture(char const* name, unsigned seed) const
+    {
+        fs::create_directories((root_ / name).parent_path());
+        Bytes bytes(8 * 8 * 4);
+        for (std::size_t i = 0; i < bytes.size(); ++i) {
+            bytes[i] = static_cast<std::uint8_t>((i * 37 + seed * 11) & 255U);
+        }
+        umbrixlib::test::write_file(root_ / name, umbrixlib::test::tga_bytes(8, 8, 4, bytes));
+    }
+
+    bool run(char const* search)
+    {
+        return UmbrixFolder(root_.path().string(), search, options_, &layers_, &current_, &status_,
+                            &progress_);
+    }
+
+    std::set<std::string> names() const
+    {
+        std::set<std::string> found;
+        for (auto const& entry : fs::recursive_directory_iterator(root_.path())) {
+            if (entry.is_regular_file()) {
+                found.insert(fs::relative(entry.path(), root_.path()).string());
+            }
+        }
+        return found;
+    }
+
+    /// The pixels alone: DevIL leaves the header's origin unset.
+    static Bytes pixels(fs::path const& file) { return read_tga(file).pixels; }
+
+    /// What one call for one file makes of @p source.
+    Bytes single(char const* source)
+    {
+        fs::path const output = other_ / "single.tga";
+        UmbrixFile((root_ / source).string(), output.string(), options_, &layers_, nullptr, &status_,
+                   &progress_);
+        return pixels(output);
+    }
+
+    TemporaryFolder root_;
+    TemporaryFolder other_;
+    KeptDirectory kept_;
+    umbrix_options options_ = umbrixlib::test::neutral_options();
+    LinkedList<n_layer> layers_;
+    std::string current_;
+    std::string status_;
+    int progress_ = 0;
+};
+
+TEST_F(UmbrixFolderFiles, ATreeOfThreeLevelsHasTheFilesOfSingleCalls)
+{
+    add_picture("rock_H.tga", 1);
+    add_picture("Old Walls_N.d/wall one.TGA", 2);
+    add_picture("Old Walls_N.d/\xc3\x84ste/bark_Height.tga", 3);
+    ASSERT_TRUE(run("*.tga"));
+    EXPECT_EQ(names(), (std::set<std::string>{"rock_H.tga", "rock_Umbrix.tga", "Old Walls_N.d/wall one.TGA",
+                                              "Old Walls_N.d/wall one_Umbrix.TGA",
+                                              "Old Walls_N.d/\xc3\x84ste/bark_Height.tga",
+                                              "Old Walls_N.d/\xc3\x84ste/bark_Umbrix.tga"}))
+        << "results made on the way are no inputs of the same walk";
+    EXPECT_EQ(pixels(root_ / "rock_Umbrix.tga"), single("rock_H.tga"));
+    EXPECT_EQ(pixels(root_ / "Old Walls_N.d/wall one_Umbrix.TGA"), single("Old Walls_N.d/wall one.TGA"));
+    EXPECT_EQ(pixels(root_ / "Old Walls_N.d/\xc3\x84ste/bark_Umbrix.tga"),
+              single("Old Walls_N.d/\xc3\x84ste/bark_Height.tga"));
+    EXPECT_FALSE(single("rock_H.tga").empty());
+}
+
+TEST_F(UmbrixFolderFiles, EachFilesLayerIsThatFile)
+{
+    add_picture("a.tga", 1);
+    add_picture("sub/b.tga", 2);
+    n_layer record;
+    record.n_scale = 1.0f;
+    record.normal_scale = 1.0f;
+    record.opacity = 100.0f;
+    layers_.Add(record);
+    ASSERT_TRUE(run("*.tga"));
+    for (char const* const name : {"a", "sub/b"}) {
+        layers_.GetRef(0)->filename = (root_ / (std::string(name) + ".tga").c_str()).string();
+        EXPECT_EQ(pixels(root_ / (std::string(name) + "_Umbrix.tga").c_str()),
+                  single((std::string(name) + ".tga").c_str()));
+    }
+}
+
+TEST_F(UmbrixFolderFiles, ASecondRunTakesTheResultsOfTheFirstForInputs)
+{
+    add_picture("a.tga", 1);
+    ASSERT_TRUE(run("*.tga"));
+    ASSERT_TRUE(run("*.tga"));
+    EXPECT_EQ(names(), (std::set<std::string>{"a.tga", "a_Umbrix.tga", "a_Umbrix_Umbrix.tga"}));
+}
+
+} // namespace
