@@ -38,6 +38,9 @@ TEST(Names, AreReachableUnqualified)
     brighten(&pixel, 1, 1, 0.25f);
     EXPECT_EQ(pixel.x, 0.75f);
     EXPECT_EQ(DeviceCount(), 0);
+    umbrix_list list;
+    EXPECT_EQ(list.get_rays(0), umbrix_data().rays);
+    EXPECT_EQ(list.get_node(0).filename, umbrix_node().filename);
 }
 
 TEST(Names, LeaveTheOverloadsOfTheStandardLibraryAlone)
