@@ -1,15 +1,21 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs the Debian packages that are missing. Usage: scripts/install_packages.sh [tests]
-# Without an argument: what the libraries and the command line need. With "tests": what the tests need besides.
+# Installs the Debian packages that are missing. Usage: scripts/install_packages.sh [tests] [fuzz]
+# Without an argument: what the libraries and the command line need. With "tests" and "fuzz": what the tests and the
+# fuzz targets need besides.
 set -euo pipefail
 
 packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev"
 test_packages="libgtest-dev libgmock-dev libpng-dev python3 dpkg-dev file binutils g++-mingw-w64-x86-64-posix groff-base zsh"
+fuzz_packages="clang libclang-rt-14-dev libomp-14-dev"
 
-if [ "${1-}" = tests ]; then
-    packages="$packages $test_packages"
-fi
+for group in "$@"; do
+    case $group in
+        tests) packages="$packages $test_packages" ;;
+        fuzz) packages="$packages $fuzz_packages" ;;
+        *) echo "There is no group of packages called $group" >&2; exit 2 ;;
+    esac
+done
 
 if ! command -v dpkg-query > /dev/null || ! command -v apt-get > /dev/null; then
     echo "This is no Debian system: taking it that what these packages hold is there: $packages" >&2

@@ -27,3 +27,4 @@
 #include "umbrix/grading.h"
 #include "umbrix/texel_umbrix.h"
 #include "umbrix/umbrix_options.h"
+#include "worklist/umbrix_list.h"

@@ -2,6 +2,7 @@
 #include "failure.h"
 #include "help_formatter.h"
 #include "info_command.h"
+#include "list_command.h"
 #include "map_command.h"
 #include "normal_command.h"
 #include "relight_command.h"
@@ -43,15 +44,20 @@ int complain(std::string const& who, Failure const& failure)
     return failure.code;
 }
 
-/// "umbrix map" as soon as the command line names the command.
-std::string full_name(std::vector<Declared> const& commands, int count, char** words)
+/// "umbrix map" or "umbrix list add" as soon as the command line names the command.
+std::string full_name(CLI::App& app, int count, char** words)
 {
-    for (Declared const& each : commands) {
-        if (count > 1 && each.app->get_name() == words[1]) {
-            return "umbrix " + each.app->get_name();
+    std::string name = app.get_name();
+    CLI::App* at = &app;
+    for (int i = 1; i < count; ++i) {
+        auto const named = at->get_subcommands([&](CLI::App* each) { return each->get_name() == words[i]; });
+        if (named.empty()) {
+            break;
         }
+        at = named.front();
+        name += " " + at->get_name();
     }
-    return "umbrix";
+    return name;
 }
 
 int run_command(Declared const& declared, std::string const& name)
@@ -77,9 +83,9 @@ int run_tool(int count, char** words)
     app.footer(kExitCodesHelp);
     app.require_subcommand(0, 1);
     std::vector<Declared> const commands =
-        declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, InfoCommand, CompletionCommand,
-                    ManualCommand>(app);
-    std::string const name = full_name(commands, count, words);
+        declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, ListCommand, InfoCommand,
+                    CompletionCommand, ManualCommand>(app);
+    std::string const name = full_name(app, count, words);
     try {
         app.parse(count, words);
     } catch (CLI::Success const& asked) {

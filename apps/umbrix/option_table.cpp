@@ -188,6 +188,12 @@ std::string describe(OptionRow const& row)
                        default_text(row));
 }
 
+std::string name_of_mode(Modes mode)
+{
+    int const number = mode;
+    return number >= 0 && number < 4 ? kModeNames[number] : fmt::format("{}", number);
+}
+
 void declare_options(CLI::App& command, Settings& settings, OptionUser user)
 {
     for (OptionRow const& row : kTable) {

@@ -36,6 +36,9 @@ std::span<OptionRow const> option_table();
 /// Help text of a row with its unit, range and default.
 std::string describe(OptionRow const& row);
 
+/// What --mode calls @p mode, or its number.
+std::string name_of_mode(Modes mode);
+
 /// Adds the options of @p user to @p command, which then writes @p settings.
 void declare_options(CLI::App& command, Settings& settings, OptionUser user);
 

@@ -29,17 +29,6 @@ void note(std::string const& text)
     fmt::print(stderr, "{}: note: {}\n", kCommand, text);
 }
 
-void check_layer_files(StackDescription const& description)
-{
-    for (StackLayer const& layer : description.layers) {
-        try {
-            check_input(layer.file);
-        } catch (Failure const& failure) {
-            throw Failure(layer.file_label(), failure.what(), failure.advice);
-        }
-    }
-}
-
 void check_that_no_layer_is_lost(fs::path const& output, StackDescription const& description)
 {
     std::error_code error;

@@ -2,6 +2,7 @@
 #include "stack_file.h"
 
 #include "failure.h"
+#include "preflight.h"
 
 #include <algorithm>
 #include <cmath>
@@ -246,6 +247,17 @@ toml::table parse(fs::path const& file)
 StackFile read_stack_file(fs::path const& file)
 {
     return StackReader(file).read(parse(file));
+}
+
+void check_layer_files(StackDescription const& description)
+{
+    for (StackLayer const& layer : description.layers) {
+        try {
+            check_input(layer.file);
+        } catch (Failure const& failure) {
+            throw Failure(layer.file_label(), failure.what(), failure.advice);
+        }
+    }
 }
 
 } // namespace umbrix_cli

@@ -19,4 +19,7 @@ struct StackFile {
 /// names the layer and the key at fault, or the line and the column of what is no TOML.
 StackFile read_stack_file(std::filesystem::path const& file);
 
+/// Throws a Failure unless there is a file for each layer.
+void check_layer_files(StackDescription const& description);
+
 } // namespace umbrix_cli

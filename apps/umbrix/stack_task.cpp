@@ -5,6 +5,7 @@
 #include "library_run.h"
 #include "map_picture.h"
 #include "prepared_input.h"
+#include "stack_record.h"
 #include "worker_channel.h"
 
 #include <algorithm>
@@ -98,27 +99,16 @@ ReadyStack read_layers(Job const& job)
     return stack;
 }
 
-/// The library's descriptions of the layers. There a record tells how the layer after its own joins; in a
-/// stack file a layer tells it of itself, so both values move one record down.
+/// The library's descriptions of the layers.
 LinkedList<n_layer> records_of(ReadyStack const& stack, Job const& job)
 {
     LinkedList<n_layer> records;
     for (std::size_t i = 0; i < stack.layers.size(); ++i) {
-        StackLayer const& layer = *stack.layers[i].description;
-        n_layer record;
+        StackLayer const* const next =
+            i + 1 < stack.layers.size() ? stack.layers[i + 1].description : nullptr;
+        n_layer record = record_of(*stack.layers[i].description, next, job.stack.description.normal_scale,
+                                   n_scale_of(job.settings, stack.width));
         record.filename = stack.layers[i].file;
-        if (i + 1 < stack.layers.size()) {
-            StackLayer const& next = *stack.layers[i + 1].description;
-            record.blend_mode = next.blend;
-            record.opacity = next.opacity;
-        }
-        record.n_scale = layer.n_scale.value_or(n_scale_of(job.settings, stack.width));
-        record.L_Detail = layer.detail;
-        record.gaussian = layer.gaussian;
-        record.depth = layer.depth;
-        record.normal_scale = job.stack.description.normal_scale;
-        record.edge_a = layer.edge_a;
-        record.edge_b = layer.edge_b;
         records.Add(record);
     }
     return records;

@@ -21,7 +21,7 @@ TEST_F(ToolUsage, HelpsWithEveryOption)
 {
     Outcome const help = run({"--help"});
     EXPECT_EQ(help.code, 0);
-    for (char const* text : {"map", "normal", "stack", "relight", "info", "0 done", "1 an input",
+    for (char const* text : {"map", "normal", "stack", "relight", "list", "info", "0 done", "1 an input",
                              "2 wrong usage", "130 interrupted"}) {
         EXPECT_NE(help.out.find(text), std::string::npos) << text;
     }
@@ -103,6 +103,16 @@ TEST_F(ToolUsage, RefusesWhatMakesNoSense)
         {"relight", "hill.tga", "--turntable", "0"},
         {"relight", "hill.tga", "--turntable", "2.5"},
         {"info", "hill.tga", "-o", "x.tga"},
+        {"list"},
+        {"list", "frobnicate"},
+        {"list", "show"},
+        {"list", "add", "x.ulist"},
+        {"list", "set", "x.ulist"},
+        {"list", "set", "x.ulist", "1"},
+        {"list", "set", "x.ulist", "first", "--rays", "3"},
+        {"list", "remove", "x.ulist"},
+        {"list", "add", "x.ulist", "hill.tga", "--rays", "0"},
+        {"list", "add", "x.ulist", "hill.tga", "--no-light", "--no-occlusion"},
     };
     for (Arguments const& arguments : wrong) {
         Outcome const outcome = run(arguments);

@@ -7,7 +7,7 @@ from pathlib import Path
 
 from source_tree import files
 
-ORDER = ["foundation", "boundary", "filters", "normals", "layers", "umbrix"]
+ORDER = ["foundation", "boundary", "filters", "normals", "layers", "umbrix", "worklist"]
 
 # (who includes, what is included). The boundary declares functions that take plain records of the pipelines; the folder
 # batch of normals drives a layer stack.

@@ -50,6 +50,9 @@ TEST(Names, AreReachableUnqualified)
     EXPECT_FALSE(UmbrixFolder("/missing folder", "*.tga", options, &layers, nullptr, nullptr, nullptr));
     EXPECT_FALSE(FolderToNormal("/missing folder", "*.tga", 1.0f, 0.0f, false, 0, 0.0f, false, layers, false,
                                 false, nullptr, nullptr, nullptr));
+    umbrix_list list;
+    EXPECT_EQ(list.get_rays(0), umbrix_data().rays);
+    EXPECT_EQ(list.get_node(0).filename, umbrix_node().filename);
 }
 
 TEST(Names, LeaveTheOverloadsOfTheStandardLibraryAlone)

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#include "list_export_command.h"
+
+#include "failure.h"
+#include "list_file.h"
+#include "list_toml.h"
+#include "temporary.h"
+
+#include <fmt/format.h>
+#include <fstream>
+
+namespace umbrix_cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+void write_text(fs::path const& file, std::string const& text, bool overwrite)
+{
+    std::error_code error;
+    if (!overwrite && fs::exists(fs::symlink_status(file, error))) {
+        throw Failure(file.string(), "it exists", "add --overwrite to replace it, or give another name");
+    }
+    OutputFile output(file, ".toml");
+    std::ofstream stream(output.temporary(), std::ios::binary);
+    stream << text;
+    stream.close();
+    if (!stream) {
+        throw Failure(file.string(), "it could not be written", "free some space or choose another folder");
+    }
+    output.move_into_place(overwrite);
+}
+
+} // namespace
+
+CLI::App* ListExportCommand::declare(CLI::App& app)
+{
+    CLI::App* const command =
+        app.add_subcommand("export", "Write a list as TOML, to be read, edited and imported again");
+    declare_list(*command, file_);
+    command->add_option("-o,--output", output_, "File to write [default: standard output]")
+        ->type_name("FILE");
+    command->add_flag("--overwrite", overwrite_, "Replace the output if it exists");
+    return command;
+}
+
+void ListExportCommand::run(Interrupts const& /*interrupts*/)
+{
+    umbrix_list list;
+    read_list(file_, list);
+    std::string const text = to_toml(list);
+    if (output_.empty()) {
+        fmt::print("{}", text);
+        return;
+    }
+    std::error_code error;
+    if (fs::equivalent(output_, file_, error)) {
+        throw Failure(output_, "it is the list, which would be lost", "give another name with -o",
+                      kWrongUsage);
+    }
+    write_text(output_, text, overwrite_);
+    fmt::print("wrote {}: {} of {}\n", output_, count_of_jobs(list.get_size()), file_);
+}
+
+} // namespace umbrix_cli

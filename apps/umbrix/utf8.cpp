@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#include "utf8.h"
+
+#include <fmt/format.h>
+
+namespace umbrix_cli {
+
+namespace {
+
+unsigned byte_at(std::string_view text, std::size_t at)
+{
+    return static_cast<unsigned char>(text[at]);
+}
+
+} // namespace
+
+std::size_t utf8_length(std::string_view text)
+{
+    if (text.empty()) {
+        return 0;
+    }
+    unsigned const first = byte_at(text, 0);
+    if (first < 0x80) {
+        return 1;
+    }
+    std::size_t const length = first >= 0xf5   ? 0
+                               : first >= 0xf0 ? 4
+                               : first >= 0xe0 ? 3
+                               : first >= 0xc2 ? 2
+                                               : 0;
+    if (length == 0 || text.size() < length) {
+        return 0;
+    }
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte_at(text, i) & 0xc0U) != 0x80) {
+            return 0;
+        }
+    }
+    unsigned const second = byte_at(text, 1);
+    bool const too_long = (first == 0xe0 && second < 0xa0) || (first == 0xf0 && second < 0x90);
+    bool const surrogate = first == 0xed && second >= 0xa0;
+    bool const too_large = first == 0xf4 && second >= 0x90;
+    return too_long || surrogate || too_large ? 0 : length;
+}
+
+bool is_utf8(std::string_view text)
+{
+    while (!text.empty()) {
+        std::size_t const length = utf8_length(text);
+        if (length == 0) {
+            return false;
+        }
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
+std::string printable(std::string_view text)
+{
+    std::string result;
+    while (!text.empty()) {
+        std::size_t const length = utf8_length(text);
+        unsigned const first = byte_at(text, 0);
+        // The control characters of Latin-1 are two bytes: C2 80 to C2 9F.
+        bool const control =
+            first < 0x20 || first == 0x7f || (first == 0xc2 && length == 2 && byte_at(text, 1) < 0xa0);
+        std::size_t const taken = length == 0 ? 1 : length;
+        for (std::size_t i = 0; i < taken; ++i) {
+            result +=
+                length == 0 || control ? fmt::format("\\x{:02X}", byte_at(text, i)) : std::string(1, text[i]);
+        }
+        text.remove_prefix(taken);
+    }
+    return result;
+}
+
+} // namespace umbrix_cli

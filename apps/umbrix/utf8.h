@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace umbrix_cli {
+
+/// Bytes of the character at the start of @p text, 1 to 4, or 0 if no valid UTF-8 stands there.
+std::size_t utf8_length(std::string_view text);
+
+bool is_utf8(std::string_view text);
+
+/// @p text for a terminal: control characters and what is no UTF-8 as \x1B.
+std::string printable(std::string_view text);
+
+} // namespace umbrix_cli
