@@ -19,6 +19,7 @@
 #include "normals/height_to_normal.h"
 #include "normals/texel_normals.h"
 #include "umbrix/file_cpu.h"
+#include "umbrix/file_gpu.h"
 #include "umbrix/grading.h"
 #include "umbrix/texel_umbrix.h"
 #include "umbrix/umbrix_options.h"
