@@ -23,6 +23,7 @@
 #include "normals/height_to_normal.h"
 #include "normals/texel_normals.h"
 #include "umbrix/file_cpu.h"
+#include "umbrix/file_gpu.h"
 #include "umbrix/folder.h"
 #include "umbrix/grading.h"
 #include "umbrix/texel_umbrix.h"

@@ -18,6 +18,8 @@ std::vector<std::uint8_t> pack(Job const& job)
         {"settings", to_json(job.settings)},
         {"kind", nullptr},
         {"normal_y", job.normal_y},
+        {"graphics", job.graphics},
+        {"compare_cpu", job.compare_cpu},
         {"azimuth_degrees", job.azimuth_degrees},
         {"elevation_degrees", job.elevation_degrees},
         {"directions", job.directions},
@@ -46,6 +48,8 @@ Job unpack_job(std::vector<std::uint8_t> const& bytes)
         job.kind = fields.at("kind").get<Kind>();
     }
     fields.at("normal_y").get_to(job.normal_y);
+    fields.at("graphics").get_to(job.graphics);
+    fields.at("compare_cpu").get_to(job.compare_cpu);
     fields.at("azimuth_degrees").get_to(job.azimuth_degrees);
     fields.at("elevation_degrees").get_to(job.elevation_degrees);
     fields.at("directions").get_to(job.directions);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "graphics_option.h"
 #include "settings.h"
 #include "stack_description.h"
 
@@ -11,7 +12,7 @@
 
 namespace umbrix_cli {
 
-enum class Task { kMap, kNormal, kRelight, kInfo, kStack };
+enum class Task { kMap, kNormal, kRelight, kInfo, kStack, kDevices };
 
 /// Everything that a worker is told. File names are bytes as the user gave them.
 struct Job {
@@ -23,6 +24,8 @@ struct Job {
     Settings settings{};
     std::optional<Kind> kind; ///< Empty: guess.
     NormalY normal_y = NormalY::kUp;
+    Graphics graphics;        ///< Maps only.
+    bool compare_cpu = false; ///< Tell how far the map is from one made on the processor.
 
     // Relighting only.
     double azimuth_degrees = 0;
@@ -43,5 +46,6 @@ nlohmann::json run_normal_task(Job const& job);
 nlohmann::json run_relight_task(Job const& job);
 nlohmann::json run_info_task(Job const& job);
 nlohmann::json run_stack_task(Job const& job);
+nlohmann::json run_devices_task();
 
 } // namespace umbrix_cli

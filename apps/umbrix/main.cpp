@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "devices_command.h"
 #include "failure.h"
+#include "graphics_option.h"
 #include "help_formatter.h"
 #include "info_command.h"
 #include "list_command.h"
@@ -10,6 +12,7 @@
 #include "stack_command.h"
 #include "worker_process.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fmt/format.h>
 #include <memory>
@@ -84,10 +87,12 @@ int run_tool(int count, char** words)
     app.require_subcommand(0, 1);
     std::vector<Declared> const commands =
         declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, ListCommand, InfoCommand,
-                    CompletionCommand, ManualCommand>(app);
+                    DevicesCommand, CompletionCommand, ManualCommand>(app);
     std::string const name = full_name(app, count, words);
     try {
-        app.parse(count, words);
+        std::vector<std::string> arguments = with_device_numbers({words + 1, words + count});
+        std::reverse(arguments.begin(), arguments.end()); // as CLI11 takes them
+        app.parse(std::move(arguments));
     } catch (CLI::Success const& asked) {
         return app.exit(asked);
     } catch (CLI::ParseError const& error) {

@@ -5,6 +5,7 @@
 #include "map_usage.h"
 #include "normal_y_option.h"
 #include "option_table.h"
+#include "picture_difference.h"
 
 #include <fmt/format.h>
 
@@ -34,6 +35,13 @@ CLI::App* MapCommand::declare(CLI::App& app)
     height->excludes(normal)->group("Input");
     normal->group("Input");
     declare_normal_y(*command, normal_y_, "Where green points in a normal map that is read")->group("Input");
+    CLI::Option* const gpu = declare_graphics(*command, graphics_);
+    command
+        ->add_flag("--compare-cpu", compare_cpu_,
+                   "With --gpu, make the map on the processor, too, and tell the largest difference of each "
+                   "channel")
+        ->group(gpu->get_group())
+        ->needs(gpu);
     declare_options(*command, settings_, kForMap);
     return command;
 }
@@ -41,9 +49,24 @@ CLI::App* MapCommand::declare(CLI::App& app)
 void MapCommand::validate() const
 {
     check_map_usage(settings_, common_.output);
+    check_graphics_usage(graphics_, settings_);
     if (normal_y_ && height_map_) {
         throw Failure("--normal-y", "a height map has no green to point anywhere", "leave it out",
                       kWrongUsage);
+    }
+}
+
+void MapCommand::print_relief(nlohmann::json const& report) const
+{
+    if (graphics_.device && !graphics_.match_cpu) {
+        fmt::print(", heights inverted and at full scale");
+    } else {
+        fmt::print(", relief {}", h_scale_of(settings_));
+    }
+    if (graphics_.device) {
+        nlohmann::json const& device = report.at("device");
+        fmt::print(", on {} ({})", device.at("name").get<std::string>(),
+                   device.at("backend").get<std::string>());
     }
 }
 
@@ -53,6 +76,8 @@ void MapCommand::run(Interrupts const& interrupts)
     Job job;
     job.task = Task::kMap;
     job.settings = settings_;
+    job.graphics = graphics_;
+    job.compare_cpu = compare_cpu_;
     job.normal_y = normal_y_.value_or(NormalY::kUp);
     if (height_map_ || normal_map_) {
         job.kind = height_map_ ? Kind::kHeightMap : Kind::kNormalMap;
@@ -68,7 +93,12 @@ void MapCommand::run(Interrupts const& interrupts)
     if (kind == Kind::kNormalMap) {
         fmt::print(", green {}", name_of(job.normal_y));
     }
-    fmt::print(", relief {}, {:.1f} s\n", h_scale_of(settings_), written.seconds);
+    print_relief(written.report);
+    fmt::print(", {:.1f} s\n", written.seconds);
+    if (compare_cpu_) {
+        fmt::print("largest difference from the map made without --gpu, of 255: {}\n",
+                   in_words(written.report.at("difference")));
+    }
 }
 
 } // namespace umbrix_cli

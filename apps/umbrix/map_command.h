@@ -4,6 +4,7 @@
 #include "command.h"
 #include "common_options.h"
 #include "defaults.h"
+#include "graphics_option.h"
 
 #include <optional>
 
@@ -17,12 +18,15 @@ public:
 
 private:
     void validate() const;
+    void print_relief(nlohmann::json const& report) const;
 
     CommonOptions common_;
     Settings settings_ = kDefaults;
     bool height_map_ = false;
     bool normal_map_ = false;
     std::optional<NormalY> normal_y_;
+    Graphics graphics_;
+    bool compare_cpu_ = false;
 };
 
 } // namespace umbrix_cli

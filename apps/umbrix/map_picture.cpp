@@ -2,6 +2,7 @@
 #include "map_picture.h"
 
 #include "failure.h"
+#include "graphics_run.h"
 #include "intermediate.h"
 #include "library_run.h"
 
@@ -21,26 +22,38 @@ struct KeptBuffers {
 };
 
 KeptBuffers run_pipeline(Intermediate const& files, umbrix_options& options, LinkedList<n_layer>* layers,
-                         NLayers* stack)
+                         NLayers* stack, std::optional<int> device)
 {
     run_library([&](std::string* status, int* progress) {
+        if (device) {
+            return UmbrixFile_GPU(gpu_options(*device), files.source, files.result, options, layers, stack,
+                                  status, progress);
+        }
         return UmbrixFile(files.source, files.result, options, layers, stack, status, progress);
     });
-    if (!options.keep_buffers) {
-        return {};
+    KeptBuffers kept;
+    if (options.keep_buffers) {
+        kept.occlusion.reset(options.ao_map);
+        kept.normals.reset(options.normal_map);
     }
-    return {std::unique_ptr<float3[]>(options.ao_map), std::unique_ptr<float3[]>(options.normal_map),
-            std::unique_ptr<float[]>(options.height_copy)};
+    if (options.keep_buffers || device) {
+        kept.heights.reset(options.height_copy);
+    }
+    if (device) {
+        note_fallback();
+    }
+    return kept;
 }
 
 /// Puts the heights into the alpha as they were read. The alpha that a run makes has them times the height
 /// scale, which leaves a usual relief only a few of the 256 steps.
-Picture with_heights_in_alpha(Picture const& map, float const* heights)
+Picture with_heights_in_alpha(Picture const& map, float const* heights, bool inverted)
 {
     Picture result = make_picture(map.width, map.height, 4);
     for (std::size_t i = 0; i < map.texels(); ++i) {
         std::copy_n(map.texel(i), 3, result.texel(i));
-        result.texel(i)[3] = static_cast<std::uint8_t>(std::clamp(heights[i], 0.0f, 1.0f) * 255.0f + 0.5f);
+        float const height = inverted ? 1.0f - heights[i] : heights[i];
+        result.texel(i)[3] = static_cast<std::uint8_t>(std::clamp(height, 0.0f, 1.0f) * 255.0f + 0.5f);
     }
     return result;
 }
@@ -56,7 +69,7 @@ void check_relief_size(Settings const& settings, int width, int height)
 }
 
 Picture make_umbrix_map(Picture source, umbrix_options options, std::filesystem::path const& folder,
-                        LinkedList<n_layer>* layers, NLayers* stack)
+                        LinkedList<n_layer>* layers, NLayers* stack, Graphics const& graphics)
 {
     Intermediate const files(folder);
     write_source(files.source, source);
@@ -64,9 +77,16 @@ Picture make_umbrix_map(Picture source, umbrix_options options, std::filesystem:
     int const height = source.height;
     int const channels = source.channels;
     source = {};
-    KeptBuffers const kept = run_pipeline(files, options, layers, stack);
+    if (graphics.match_cpu) {
+        match_processor(options, channels);
+    }
+    KeptBuffers const kept = run_pipeline(files, options, layers, stack, graphics.device);
     Picture map = read_result(files.result, width, height, channels);
-    return options.keep_buffers ? with_heights_in_alpha(map, kept.heights.get()) : map;
+    if (!options.keep_buffers) {
+        return map;
+    }
+    bool const inverted = graphics.device && heights_are_inverted(options, channels);
+    return with_heights_in_alpha(map, kept.heights.get(), inverted);
 }
 
 } // namespace umbrix_cli

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "graphics_option.h"
 #include "picture.h"
 #include "settings.h"
 
@@ -16,7 +17,9 @@ void check_relief_size(Settings const& settings, int width, int height);
 /// as they were read in its alpha.
 /// @param folder For the intermediate files.
 /// @param layers Descriptions of the layers that join the picture, or null; @p stack holds them.
+/// @param graphics The device that it is made on, or the processor.
 Picture make_umbrix_map(Picture source, umbrix_options options, std::filesystem::path const& folder,
-                        LinkedList<n_layer>* layers = nullptr, NLayers* stack = nullptr);
+                        LinkedList<n_layer>* layers = nullptr, NLayers* stack = nullptr,
+                        Graphics const& graphics = {});
 
 } // namespace umbrix_cli

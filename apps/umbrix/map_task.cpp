@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "encode.h"
+#include "graphics_run.h"
 #include "intermediate.h"
 #include "job.h"
 #include "map_picture.h"
+#include "picture_difference.h"
 #include "prepared_input.h"
 #include "worker_channel.h"
 
@@ -52,6 +54,17 @@ void turn_green(Picture& normals)
     }
 }
 
+/// The map, on the job's device; if asked for, @p report is told how far from the processor's it is.
+Picture make_map(Job const& job, Picture source, umbrix_options const& options, nlohmann::json& report)
+{
+    if (!job.compare_cpu) {
+        return make_umbrix_map(std::move(source), options, job.scratch, nullptr, nullptr, job.graphics);
+    }
+    Picture map = make_umbrix_map(source, options, job.scratch, nullptr, nullptr, job.graphics);
+    report["difference"] = largest_difference(map, make_umbrix_map(std::move(source), options, job.scratch));
+    return map;
+}
+
 } // namespace
 
 nlohmann::json run_map_task(Job const& job)
@@ -68,16 +81,20 @@ nlohmann::json run_map_task(Job const& job)
         }
     }
 
-    send_phase(Phase::kMaking);
     umbrix_options const options = options_for(job.settings, kind, input.width);
-    Picture const map = make_umbrix_map(std::move(input.picture), options, job.scratch);
+    nlohmann::json report = {{"width", input.width},
+                             {"height", input.height},
+                             {"kind", kind},
+                             {"guessed", !job.kind.has_value()},
+                             {"reason", input.guess.reason},
+                             {"n_scale", options.n_scale}};
+    if (job.graphics.device) {
+        report["device"] = open_device(job.graphics);
+    }
+    send_phase(Phase::kMaking);
+    Picture const map = make_map(job, std::move(input.picture), options, report);
     write_picture(job.output, format, map);
-    return {{"width", input.width},
-            {"height", input.height},
-            {"kind", kind},
-            {"guessed", !job.kind.has_value()},
-            {"reason", input.guess.reason},
-            {"n_scale", options.n_scale}};
+    return report;
 }
 
 } // namespace umbrix_cli

@@ -82,6 +82,7 @@ CLI::App* StackCommand::declare(CLI::App& app)
             "Make the map by the library's own way with layers, which leaves out the normals of layers "
             "that join by `blend`")
         ->group(kStack);
+    declare_graphics(*command, graphics_);
     declare_options(*command, settings_, kForMap);
     return command;
 }
@@ -99,8 +100,13 @@ void StackCommand::validate() const
         throw Failure("--map-from-layers", "without light the map has nothing of the layers' normals",
                       "leave it or --no-light out", kWrongUsage);
     }
+    if (graphics_.device && map_output_.empty()) {
+        throw Failure("--gpu", "it is for the map, and none is to be made", "name it with --map",
+                      kWrongUsage);
+    }
     if (!map_output_.empty()) {
         check_map_usage(settings_, map_output_);
+        check_graphics_usage(graphics_, settings_);
     }
 }
 
@@ -172,6 +178,7 @@ void StackCommand::run(Interrupts const& interrupts)
     job.scratch = scratch.path().string();
     job.max_texels = common_.max_texels;
     job.settings = settings_;
+    job.graphics = graphics_;
     job.stack.description = file.description;
     job.stack.map_from_layers = map_from_layers_;
     nlohmann::json const report =

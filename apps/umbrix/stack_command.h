@@ -4,6 +4,7 @@
 #include "command.h"
 #include "common_options.h"
 #include "defaults.h"
+#include "graphics_option.h"
 #include "stack_target.h"
 
 #include <string>
@@ -28,6 +29,7 @@ private:
     std::string map_output_;    ///< Empty: not wanted.
     bool map_from_layers_ = false;
     bool new_ = false;
+    Graphics graphics_;
 };
 
 } // namespace umbrix_cli

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "encode.h"
+#include "graphics_run.h"
 #include "intermediate.h"
 #include "job.h"
 #include "library_run.h"
@@ -184,7 +185,7 @@ Picture make_map_from_layers(Job const& job, ReadyStack const& stack)
     umbrix_options options = options_for(job.settings, Kind::kHeightMap, stack.width);
     options.blend_height = true;
     return make_umbrix_map(make_picture(stack.width, stack.height, 3), options, job.scratch, &records,
-                           &library_stack);
+                           &library_stack, job.graphics);
 }
 
 Picture make_map(Job const& job, ReadyStack const& stack, Blended const& blended)
@@ -193,7 +194,7 @@ Picture make_map(Job const& job, ReadyStack const& stack, Blended const& blended
         return make_map_from_layers(job, stack);
     }
     umbrix_options const options = options_for(job.settings, Kind::kNormalMap, stack.width);
-    return make_umbrix_map(with_alpha(blended), options, job.scratch);
+    return make_umbrix_map(with_alpha(blended), options, job.scratch, nullptr, nullptr, job.graphics);
 }
 
 void write_output(StackOutput const& output, Picture const& picture)
@@ -208,6 +209,9 @@ void write_output(StackOutput const& output, Picture const& picture)
 nlohmann::json run_stack_task(Job const& job)
 {
     ReadyStack const stack = read_layers(job);
+    if (job.graphics.device) {
+        open_device(job.graphics);
+    }
     send_phase(Phase::kMaking);
     Blended const blended = blend(job, stack);
     if (!job.stack.map.file.empty()) {

@@ -156,6 +156,9 @@ private:
         std::string const how = WIFSIGNALED(status) ? fmt::format("{}", strsignal(WTERMSIG(status)))
                                                     : fmt::format("exit code {}", WEXITSTATUS(status));
         switch (phase_) {
+        case Phase::kOpeningDevice:
+            return {"graphics driver", fmt::format("it broke down ({})", how),
+                    "update it, or leave --gpu out; -v shows more"};
         case Phase::kReading:
             return {input(), fmt::format("its decoder broke down ({})", how),
                     "the file is damaged; save it again in a program that opens it"};

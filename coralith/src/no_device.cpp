@@ -44,3 +44,13 @@ char const* DeviceName(int)
 {
     return nullptr;
 }
+
+char const* ActiveBackend()
+{
+    return "none";
+}
+
+char const* LastError()
+{
+    return "";
+}

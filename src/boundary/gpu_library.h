@@ -65,3 +65,9 @@ CORALITH_API void DirectionalAO_GPU(float* heights, int rows, int cols, int rays
 CORALITH_API int DeviceCount();
 /// Name of a device, valid for the life of the process; null if there is no such device.
 CORALITH_API char const* DeviceName(int device);
+/// Name of the backend behind the selected device, valid for the life of the process: "none" if there is no
+/// device.
+CORALITH_API char const* ActiveBackend();
+/// Why a stage last ran elsewhere than on the selected device, valid until the next call of a stage; "" if
+/// that never happened.
+CORALITH_API char const* LastError();

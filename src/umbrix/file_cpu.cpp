@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "umbrix/file_cpu.h"
 
-#include "boundary/image_io.h"
+#include "umbrix/file_frame_internal.h"
 #include "umbrix/file_run_internal.h"
 #include "umbrix/layer_branch_internal.h"
 
@@ -16,30 +16,18 @@ bool UmbrixFile(std::string input, std::string output, umbrix_options& options, 
 {
     int const thread_count = omp_get_num_procs();
     omp_set_nested(1);
-    prepare_devil(Overwrite::kAllow);
-    if (load_image(input.c_str()) == FileOutcome::kMessageShown) {
+    MapShape shape{};
+    if (!open_file(input, shape)) {
         return false;
     }
-    ImageSize const size = bound_image_size();
-    MapShape shape{size.height, size.width, bound_image_channels()};
     LayerBranch layer_branch(layers, stack);
-    layer_branch.follow_descriptions();
-    layer_branch.settle(options, shape);
-    options.image_height = shape.rows;
-    options.image_width = shape.cols;
+    join_layers(layer_branch, options, shape);
 
     FileRun run(options, layer_branch, thread_count, status, progress);
     run.fetch_image(shape);
-    run.run(output.find(".vtf") != std::string::npos);
+    run.run(has_reversed_rows(output));
     run.hand_over_image();
-    if (save_image(output.c_str()) == FileOutcome::kMessageShown) {
-        if (options.keep_buffers) {
-            delete[] options.ao_map;
-        }
-        return false;
-    }
-    shut_down_devil();
-    return true;
+    return close_file(output, options);
 }
 
 } // namespace umbrix_v0

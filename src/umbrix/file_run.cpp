@@ -4,7 +4,9 @@
 #include "foundation/rounding.h"
 #include "normals/filter_tables_internal.h"
 #include "normals/height_to_normal.h"
+#include "umbrix/file_frame_internal.h"
 #include "umbrix/grading.h"
+#include "umbrix/texel_steps_internal.h"
 
 #include <algorithm>
 #include <omp.h>
@@ -18,29 +20,6 @@ RetainedBuffer<float> retained_heights;
 RetainedBuffer<ray> retained_rays_a;
 RetainedBuffer<ray> retained_rays_b;
 RetainedBuffer<ray> retained_rays_c;
-
-float from_byte(unsigned char byte)
-{
-    return narrow(byte / 255.0);
-}
-
-void set_colour(float4& texel, float3 colour)
-{
-    texel.x = colour.x;
-    texel.y = colour.y;
-    texel.z = colour.z;
-}
-
-float product(float a, float b)
-{
-    return narrow(wide(a) * wide(b));
-}
-
-/// A colour of 0..1 as a component of a vector.
-float decoded(float colour)
-{
-    return narrow(wide(colour) * 2.0 - 1.0);
-}
 
 } // namespace
 
@@ -87,7 +66,7 @@ void FileRun::run(bool reverse_rows)
 {
     bool const normals_from_image = !options_.no_normal && !options_.generate_normal && !options_.height_map;
     bool const light = options_.generate_normal || (!options_.no_normal && !options_.height_map);
-    bool const occlusion = options_.calc_type == 2 || options_.calc_type == 5;
+    bool const occlusion = has_occlusion(options_.calc_type);
 
 #pragma omp parallel
     {
@@ -131,7 +110,7 @@ void FileRun::run(bool reverse_rows)
 
 void FileRun::hand_over_image()
 {
-    replace_image({shape_.cols, shape_.rows}, shape_.channels < 4 ? 3 : 4, pixels_.get());
+    hand_over_bytes(shape_, pixels_.get());
     pixels_.reset();
 }
 
@@ -166,56 +145,11 @@ void FileRun::take_heights_of_layers(int thread)
     // Behind the single stage is a barrier: no height is stretched before the range is known to all.
 #pragma omp single
     {
-        blend_layer_heights();
-        find_height_range();
+        blend_layer_heights(layers_.stack(), heights_, static_cast<std::size_t>(shape_.texels()));
+        height_range_ = find_height_range(heights_.data.get(), shape_.texels());
     }
-    for_own_texels(thread, [&](std::ptrdiff_t i) {
-        // Contract: heights all alike divide by a range of 0; zeros are expected. They come out as NaN. Test:
-        // UmbrixFileLayers.AFlatStackDividesByZero
-        float& height = heights_.data[i];
-        height = narrow((wide(height) - wide(lowest_)) / wide(height_range_));
-    });
-}
-
-/// The stack fills as many floats as its first layer has texels, which the caller's size need not be, and may
-/// put an array of that many in the place of the one that it is given.
-void FileRun::blend_layer_heights()
-{
-    NLayers& stack = layers_.stack();
-    auto const texels = static_cast<std::size_t>(shape_.texels());
-    auto const blended_texels =
-        static_cast<std::size_t>(stack.GetLayerHeight(0)) * static_cast<std::size_t>(stack.GetLayerWidth(0));
-    if (blended_texels > heights_.capacity) {
-        heights_ = {};
-        heights_.reserve(blended_texels);
-    }
-    float const* const before = heights_.data.get();
-    float* blended = heights_.data.release();
-    stack.BlendHeightMap(blended);
-    heights_.data.reset(blended);
-    if (blended != before) {
-        heights_.capacity = blended_texels;
-    }
-    if (heights_.capacity < texels) {
-        Buffer<float> whole;
-        whole.reserve(texels);
-        std::copy_n(blended, blended_texels, whole.data.get());
-        heights_ = std::move(whole);
-    }
-}
-
-void FileRun::find_height_range()
-{
-    if (shape_.texels() < 1) {
-        return;
-    }
-    float const* const heights = heights_.data.get();
-    float highest = lowest_ = heights[0];
-    for (std::ptrdiff_t i = 1; i < shape_.texels(); ++i) {
-        lowest_ = heights[i] < lowest_ ? heights[i] : lowest_;
-        highest = heights[i] > highest ? heights[i] : highest;
-    }
-    height_range_ = narrow(wide(highest) - wide(lowest_));
+    for_own_texels(thread,
+                   [&](std::ptrdiff_t i) { heights_.data[i] = height_range_.stretched(heights_.data[i]); });
 }
 
 void FileRun::keep_heights(int thread)
@@ -276,9 +210,7 @@ void FileRun::decode_normals(int thread)
 {
     announce(thread, "Retreving Normal Map");
     float3* const target = target_normals();
-    for_own_texels(thread, [&](std::ptrdiff_t i) {
-        target[i] = {decoded(result_[i].x), decoded(result_[i].y), decoded(result_[i].z)};
-    });
+    for_own_texels(thread, [&](std::ptrdiff_t i) { target[i] = decoded_normal(result_[i]); });
 }
 
 void FileRun::convert_to_light(int thread)
@@ -341,10 +273,8 @@ void FileRun::multiply_occlusion(int thread)
                              options_.v_tile, progress_);
     }
     for_own_texels(thread, [&](std::ptrdiff_t i) {
-        float3 const open = options_.ao_map[i];
-        float4& texel = result_[i];
-        set_colour(texel, {product(texel.x, open.x), product(texel.y, open.y), product(texel.z, open.z)});
-        texel.w = options_.preserve ? heights[i] : 1.0f;
+        multiply_colour(result_[i], options_.ao_map[i]);
+        result_[i].w = options_.preserve ? heights[i] : 1.0f;
     });
 }
 
@@ -381,7 +311,7 @@ void FileRun::store(int thread, bool reverse_rows)
 {
     if (reverse_rows) {
 #pragma omp single
-        store_bytes_reversed(result_.get(), shape_, pixels_.get(), progress_);
+        store_bytes_reversed(result_.get(), shape_, RowsFrom::kWidth, pixels_.get(), progress_);
     } else {
         store_bytes(result_.get(), shape_, pixels_.get(), thread, thread_count_);
     }

@@ -6,6 +6,7 @@
 #include "foundation/retained_buffer_internal.h"
 #include "foundation/vector_types.h"
 #include "umbrix/layer_branch_internal.h"
+#include "umbrix/layer_heights_internal.h"
 #include "umbrix/map_bytes_internal.h"
 #include "umbrix/umbrix_options.h"
 
@@ -41,8 +42,6 @@ public:
 private:
     void split_colours_and_heights(int thread);
     void take_heights_of_layers(int thread);
-    void blend_layer_heights();
-    void find_height_range();
     void keep_heights(int thread);
     void filter_heights(int thread);
     void pre_process();
@@ -79,8 +78,7 @@ private:
     std::unique_ptr<float4[]> result_;
     std::unique_ptr<float3[]> normals_; ///< Normals, then light.
     Buffer<float> heights_;
-    float lowest_ = 0.0f; ///< Of the layers' heights, as `height_range_` is.
-    float height_range_ = 0.0f;
+    HeightRange height_range_; ///< Of the layers' heights.
     Buffer<float> scratch_;
     ImageBytes pixels_;
     std::unique_ptr<float[]> spatial_table_;

@@ -32,22 +32,39 @@ int stored_channels(int channels)
     return channels > 3 ? 4 : 3;
 }
 
+/// Texel @p i of the map. With fewer bytes per pixel than colours only the last texel writes them all.
+void store_texel_of(float4 const* map, MapShape shape, unsigned char* bytes, std::ptrdiff_t i)
+{
+    int const stored = stored_channels(shape.channels);
+    int const own = std::min(stored, shape.channels);
+    store_texel(map[i], bytes + i * shape.channels, i + 1 < shape.texels() ? own : stored);
+}
+
 } // namespace
 
 void store_bytes(float4 const* map, MapShape shape, unsigned char* bytes, int thread, int threads)
 {
     std::ptrdiff_t const texels = shape.texels();
-    int const stored = stored_channels(shape.channels);
-    int const own = std::min(stored, shape.channels);
     for (std::ptrdiff_t i = thread; i < texels; i += threads) {
-        store_texel(map[i], bytes + i * shape.channels, i + 1 < texels ? own : stored);
+        store_texel_of(map, shape, bytes, i);
     }
 }
 
-void store_bytes_reversed(float4 const* map, MapShape shape, unsigned char* bytes, int* progress)
+void store_bytes(float4 const* map, MapShape shape, unsigned char* bytes)
 {
+    std::ptrdiff_t const texels = shape.texels();
+#pragma omp parallel for schedule(static)
+    for (std::ptrdiff_t i = 0; i < texels; ++i) {
+        store_texel_of(map, shape, bytes, i);
+    }
+}
+
+void store_bytes_reversed(float4 const* map, MapShape shape, RowsFrom rows_from, unsigned char* bytes,
+                          int* progress)
+{
+    int const last_row = (rows_from == RowsFrom::kWidth ? shape.cols : shape.rows) - 1;
     for (int row = 0; row < shape.rows; ++row) {
-        int const source_row = shape.cols - 1 - row;
+        int const source_row = last_row - row;
         bool const inside = source_row >= 0 && source_row < shape.rows;
         for (int col = 0; col < shape.cols; ++col) {
             float4 const texel =

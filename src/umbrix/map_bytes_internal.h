@@ -22,12 +22,22 @@ struct MapShape {
 /// last word on its own bytes.
 void store_bytes(float4 const* map, MapShape shape, unsigned char* bytes, int thread, int threads);
 
+/// All texels on the default team, to the same bytes.
+void store_bytes(float4 const* map, MapShape shape, unsigned char* bytes);
+
+/// What the rows of a reversed picture are counted from.
+enum class RowsFrom {
+    /// Contract: output row r comes from row cols - 1 - r, so the map is taken to be square. Counting from
+    /// the number of rows is expected; on another shape rows outside the map come out black. Test:
+    /// UmbrixFileStoring.AVtfPictureCountsItsRowsFromTheWidth
+    kWidth,
+    /// Output row r comes from row rows - 1 - r, which is right for every shape.
+    kHeight,
+};
+
 /// All of @p map as bytes, rows reversed, as a ".vtf" picture needs it. @p progress goes from 0 to below
 /// 1000.
-///
-/// Contract: output row r comes from row cols - 1 - r, so the map is taken to be square. Counting from the
-/// number of rows is expected; on another shape rows outside the map come out black. Test:
-/// UmbrixFileStoring.AVtfPictureCountsItsRowsFromTheWidth
-void store_bytes_reversed(float4 const* map, MapShape shape, unsigned char* bytes, int* progress);
+void store_bytes_reversed(float4 const* map, MapShape shape, RowsFrom rows_from, unsigned char* bytes,
+                          int* progress);
 
 } // namespace umbrixlib::detail

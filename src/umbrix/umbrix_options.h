@@ -78,7 +78,9 @@ struct umbrix_options {
     std::uint32_t reserved_54;
     float3* ao_map;     ///< Occlusion per texel. Dangles after a run without `keep_buffers`.
     float3* normal_map; ///< Normals per texel, only with `keep_buffers`.
-    float* height_copy; ///< Heights before filtering, only with `keep_buffers` and `preserve`.
+    /// Heights for the caller. `UmbrixFile`: before filtering, only with `keep_buffers` and `preserve`.
+    /// `UmbrixFile_GPU`: after every run, filtered; all 1 without `preserve`.
+    float* height_copy;
 };
 
 #define UMBRIX_PIN(field, offset) static_assert(offsetof(umbrix_options, field) == (offset), #field)

@@ -21,7 +21,7 @@ TEST_F(ToolUsage, HelpsWithEveryOption)
 {
     Outcome const help = run({"--help"});
     EXPECT_EQ(help.code, 0);
-    for (char const* text : {"map", "normal", "stack", "relight", "list", "info", "0 done", "1 an input",
+    for (char const* text : {"map", "normal", "stack", "relight", "list", "info", "devices", "0 done", "1 an input",
                              "2 wrong usage", "130 interrupted"}) {
         EXPECT_NE(help.out.find(text), std::string::npos) << text;
     }
@@ -29,6 +29,9 @@ TEST_F(ToolUsage, HelpsWithEveryOption)
     for (char const* option : {"--height-map",
                                "--normal-map",
                                "--normal-y",
+                               "--gpu [N]",
+                               "--match-cpu",
+                               "--compare-cpu",
                                "--[no-]light",
                                "--[no-]occlusion",
                                "--mode",

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "kernels_fake.h"
 
-#include "boundary/gpu_library.h"
 #include "boundary/texture_kernels.h"
 #include "call_log.h"
 
@@ -192,91 +191,4 @@ void Height2DirectionalAO(float3* occlusion, float* heights, int height, int wid
         occlusion[i] = {KernelsFake::kOpenX, KernelsFake::kOpenY, KernelsFake::kOpenZ};
     }
     *progress = 1000;
-}
-
-void SetDevice(int device)
-{
-    record_call("SetDevice", device);
-}
-
-void SetDest(float* buffer, int rows, int cols)
-{
-    record_call("SetDest:float", static_cast<void*>(buffer), rows, cols);
-}
-
-void SetDest(float3* buffer, int rows, int cols)
-{
-    record_call("SetDest:float3", static_cast<void*>(buffer), rows, cols);
-}
-
-void SetDest(float4* buffer, int rows, int cols)
-{
-    record_call("SetDest:float4", static_cast<void*>(buffer), rows, cols);
-}
-
-void SetSrc(float* buffer, int rows, int cols)
-{
-    record_call("SetSrc:float", static_cast<void*>(buffer), rows, cols);
-}
-
-void SetSrc(float3* buffer, int rows, int cols)
-{
-    record_call("SetSrc:float3", static_cast<void*>(buffer), rows, cols);
-}
-
-void GetDest(float* buffer, int rows, int cols)
-{
-    record_call("GetDest:float", static_cast<void*>(buffer), rows, cols);
-}
-
-void GetDest(float3* buffer, int rows, int cols)
-{
-    record_call("GetDest:float3", static_cast<void*>(buffer), rows, cols);
-}
-
-void GetDest(float4* buffer, int rows, int cols)
-{
-    record_call("GetDest:float4", static_cast<void*>(buffer), rows, cols);
-}
-
-void DeleteDest()
-{
-    record_call("DeleteDest");
-}
-
-void DeleteSrc()
-{
-    record_call("DeleteSrc");
-}
-
-bool PreProcess_GPU(GPU_opt gpu, float* heights, int rows, int cols, umbrix_options&)
-{
-    record_call("PreProcess_GPU", gpu.device, static_cast<void*>(heights), rows, cols);
-    return true;
-}
-
-bool PostProcess_GPU(GPU_opt gpu, float4* map, int rows, int cols, umbrix_options&)
-{
-    record_call("PostProcess_GPU", gpu.device, static_cast<void*>(map), rows, cols);
-    return true;
-}
-
-bool HeightToNormal_GPU(GPU_opt gpu, float* heights, int rows, int cols, float n_scale, float gaussian,
-                        float L_Detail, float depth, std::string*, int*)
-{
-    record_call("HeightToNormal_GPU", gpu.device, static_cast<void*>(heights), rows, cols, n_scale, gaussian,
-                L_Detail, depth);
-    return true;
-}
-
-void UmbrixNormal_GPU(GPU_opt gpu, float3* normals, int mode, int rows, int cols)
-{
-    record_call("UmbrixNormal_GPU", gpu.device, static_cast<void*>(normals), mode, rows, cols);
-}
-
-void DirectionalAO_GPU(float* heights, int rows, int cols, int rays, float alpha_limit, float theta_limit,
-                       float radius, int device, bool h_tile, bool v_tile, bool at_once, int ao_value, int*)
-{
-    record_call("DirectionalAO_GPU", static_cast<void*>(heights), rows, cols, rays, alpha_limit, theta_limit,
-                radius, device, h_tile, v_tile, at_once, ao_value);
 }

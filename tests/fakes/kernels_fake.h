@@ -8,8 +8,8 @@
 
 namespace umbrixlib::test {
 
-/// Stands in for the texture kernels and the graphics library in an executable that links `kernels_fake.cpp`:
-/// records every call. A kernel does the least that lets a test see where its result goes:
+/// Stands in for the texture kernels in an executable that links `kernels_fake.cpp`: records every call. A
+/// kernel does the least that lets a test see where its result goes:
 ///   BilateralFilter     copies the source, plus `kFiltered`
 ///   Height2Normal       float: (0, 0, height); float3: leaves the image
 ///   Normal2Umbrix       adds `kLight` to x of its share

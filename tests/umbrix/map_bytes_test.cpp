@@ -3,6 +3,7 @@
 
 #include "random_image.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <limits>
 #include <vector>
@@ -10,6 +11,7 @@
 namespace {
 
 using umbrixlib::detail::MapShape;
+using umbrixlib::detail::RowsFrom;
 using umbrixlib::detail::store_bytes;
 using umbrixlib::detail::store_bytes_reversed;
 using Bytes = std::vector<unsigned char>;
@@ -54,6 +56,9 @@ TEST(UmbrixFileStoring, DoesNotDependOnTheThreads)
             store_bytes(map.data(), shape, many.data(), thread, 4);
         }
         EXPECT_EQ(one, many) << channels;
+        Bytes team(35 * 12 + 8, 0xEE);
+        store_bytes(map.data(), shape, team.data());
+        EXPECT_EQ(one, team) << channels;
     }
 }
 
@@ -65,7 +70,7 @@ TEST(UmbrixFileStoring, AVtfPictureCountsItsRowsFromTheWidth)
     map[2].x = 0.4f;
     Bytes bytes(8 * 3, 0xEE);
     int progress = 0;
-    store_bytes_reversed(map.data(), {4, 2, 3}, bytes.data(), &progress);
+    store_bytes_reversed(map.data(), {4, 2, 3}, RowsFrom::kWidth, bytes.data(), &progress);
     EXPECT_EQ(bytes[0], 102);
     EXPECT_EQ(bytes[6], 51);
     EXPECT_EQ(Bytes(bytes.begin() + 12, bytes.end()), Bytes(12, 0)) << "black";
@@ -78,9 +83,28 @@ TEST(UmbrixFileStoring, AWideVtfPictureLeavesItsFirstRowsUnread)
     std::vector<float4> const map(8, float4{1.0f, 1.0f, 1.0f, 1.0f});
     Bytes bytes(8 * 3, 0xEE);
     int progress = 0;
-    store_bytes_reversed(map.data(), {2, 4, 3}, bytes.data(), &progress);
+    store_bytes_reversed(map.data(), {2, 4, 3}, RowsFrom::kWidth, bytes.data(), &progress);
     EXPECT_EQ(bytes, Bytes(24, 0));
     EXPECT_EQ(progress, 500);
+}
+
+TEST(UmbrixFileStoring, RowsCountedFromTheHeightAreRightForEveryShape)
+{
+    auto const map = umbrixlib::test::random_image<float4>(12, 3);
+    for (MapShape const shape :
+         {MapShape{3, 4, 3}, MapShape{4, 3, 4}, MapShape{12, 1, 3}, MapShape{1, 12, 4}}) {
+        Bytes upright(12 * 4, 0xEE);
+        Bytes reversed = upright;
+        int progress = 0;
+        store_bytes(map.data(), shape, upright.data());
+        store_bytes_reversed(map.data(), shape, RowsFrom::kHeight, reversed.data(), &progress);
+        auto const row = static_cast<std::ptrdiff_t>(shape.cols) * shape.channels;
+        for (int r = 0; r < shape.rows; ++r) {
+            EXPECT_TRUE(std::equal(upright.begin() + r * row, upright.begin() + (r + 1) * row,
+                                   reversed.begin() + (shape.rows - 1 - r) * row));
+        }
+        EXPECT_EQ(progress, int(double(float(shape.rows - 1)) / double(float(shape.rows)) * 1000.0));
+    }
 }
 
 } // namespace

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "umbrix/layer_branch_internal.h"
+#include "umbrix/map_bytes_internal.h"
+#include "umbrix/umbrix_options.h"
+
+#include <string>
+
+namespace umbrixlib::detail {
+
+/// What precedes and what follows the stages of a run on one file, on every road alike.
+
+/// Loads @p input into DevIL's bound image and reads its @p shape.
+/// @return False after a message box.
+bool open_file(std::string const& input, MapShape& shape);
+
+/// Lets the stack follow its descriptions, then settles the run's size in @p shape and `blend_height` and the
+/// size fields in @p options.
+void join_layers(LayerBranch& layers, umbrix_options& options, MapShape& shape);
+
+/// Puts the bytes of the finished map into the bound image.
+void hand_over_bytes(MapShape shape, unsigned char* bytes);
+
+/// Saves the bound image and shuts DevIL down.
+/// @return False after a message box; then DevIL stays up, and a kept `ao_map` is released.
+bool close_file(std::string const& output, umbrix_options& options);
+
+/// Whether a file of that name gets its rows reversed.
+bool has_reversed_rows(std::string const& output);
+
+} // namespace umbrixlib::detail

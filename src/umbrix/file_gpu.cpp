@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#include "umbrix/file_gpu.h"
+
+#include "umbrix/file_frame_internal.h"
+#include "umbrix/file_gpu_run_internal.h"
+#include "umbrix/layer_branch_internal.h"
+
+inline namespace umbrix_v0 {
+
+using namespace umbrixlib::detail;
+
+bool UmbrixFile_GPU(GPU_opt gpu, std::string input, std::string output, umbrix_options& options,
+                    LinkedList<n_layer>* layers, NLayers* stack, std::string* status, int* progress)
+{
+    MapShape shape{};
+    if (!open_file(input, shape)) {
+        return false;
+    }
+    LayerBranch layer_branch(layers, stack);
+    join_layers(layer_branch, options, shape);
+
+    FileGpuRun run(gpu, options, layer_branch, shape, status, progress);
+    run.fetch_image();
+    run.run(has_reversed_rows(output));
+    run.hand_over_image();
+    return close_file(output, options);
+}
+
+} // namespace umbrix_v0
