@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "boundary/gpu_library.h"
 #include "foundation/export.h"
 #include "foundation/list.h"
 #include "foundation/n_layer.h"
+#include "layers/nlayers.h"
 #include "umbrix/umbrix_options.h"
 
 #include <string>
@@ -34,5 +36,17 @@ inline namespace umbrix_v0 {
 UMBRIX_API bool UmbrixFolder(std::string path, std::string search, umbrix_options& options,
                              LinkedList<n_layer>* layers, std::string* current, std::string* status,
                              int* progress);
+
+/// `UmbrixFolder` with `UmbrixFile_GPU`, on the device that @p gpu names.
+///
+/// @param stack The caller's stack for all files. Before each file it is cleared and that file added to it,
+/// once
+///              for each description and whatever `options.generate_normal` says; null for none.
+///
+/// The calls of the graphics library come from the calling thread. `height_copy` of the last file is left to
+/// the caller, as `UmbrixFile_GPU` says; all else as for `UmbrixFolder`.
+UMBRIX_API bool UmbrixFolder_GPU(GPU_opt gpu, std::string path, std::string search, umbrix_options& options,
+                                 LinkedList<n_layer>* layers, NLayers* stack, std::string* current,
+                                 std::string* status, int* progress);
 
 } // namespace umbrix_v0

@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+// The calls that the graphics form of the folder batch makes. The walk itself is that of UmbrixFolder.
+#include "umbrix/folder.h"
+
+#include "call_log.h"
+#include "devil_fake.h"
+#include "graphics_fake.h"
+#include "kept_directory.h"
+#include "temporary_folder.h"
+#include "umbrix_test_options.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using umbrixlib::test::CallLog;
+using umbrixlib::test::DevilFake;
+using umbrixlib::test::GraphicsFake;
+using umbrixlib::test::KeptDirectory;
+using umbrixlib::test::neutral_options;
+using umbrixlib::test::TemporaryFolder;
+using Calls = std::vector<std::string>;
+
+class UmbrixFolderGpuCalls : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        CallLog::instance().clear();
+        GraphicsFake::instance().reset();
+        DevilFake::instance().serve(4, 4, 32);
+        options_.cancel = &cancel_;
+    }
+    void TearDown() override
+    {
+        DevilFake::instance() = {};
+        delete[] options_.height_copy;
+    }
+
+    void add_files(std::initializer_list<char const*> names) const
+    {
+        for (char const* const name : names) {
+            std::filesystem::create_directories((root_ / name).parent_path());
+            std::ofstream(root_ / name) << "x";
+        }
+    }
+
+    void describe(int records)
+    {
+        for (int i = 0; i < records; ++i) {
+            layers_.Add(n_layer());
+        }
+    }
+
+    bool run(NLayers* stack)
+    {
+        // Each file leaves its height_copy to the caller; here the next file's takes its place.
+        DevilFake::instance().on_call = [this](std::string const& call) {
+            if (call.rfind("ilSaveImage", 0) == 0) {
+                delete[] options_.height_copy;
+                options_.height_copy = nullptr;
+            }
+            cancel_ = cancel_ || (!cancel_at_.empty() && call.find(cancel_at_) != std::string::npos);
+        };
+        GPU_opt const gpu = {true, 3, 17};
+        return UmbrixFolder_GPU(gpu, root_.path().string(), "*.tga", options_, &layers_, stack, &current_,
+                                &status_, &progress_);
+    }
+
+    /// The recorded calls that start with one of @p starts, the root folder left out of the names.
+    Calls calls(std::initializer_list<char const*> starts) const
+    {
+        Calls found;
+        for (std::string call : CallLog::instance().calls()) {
+            bool const wanted = std::any_of(starts.begin(), starts.end(),
+                                            [&](char const* start) { return call.rfind(start, 0) == 0; });
+            std::string const root = root_.path().string() + "/";
+            if (std::size_t const at = call.find(root); wanted && at != std::string::npos) {
+                call.erase(at, root.size());
+            }
+            if (wanted) {
+                found.push_back(call);
+            }
+        }
+        return found;
+    }
+    Calls files() const { return calls({"ilLoadImage(", "ilSaveImage("}); }
+
+    TemporaryFolder root_;
+    KeptDirectory kept_;
+    umbrix_options options_ = neutral_options();
+    bool cancel_ = false;
+    std::string cancel_at_;
+    LinkedList<n_layer> layers_;
+    std::string current_;
+    std::string status_;
+    int progress_ = 0;
+};
+
+TEST_F(UmbrixFolderGpuCalls, EveryFileGoesThroughTheGraphicsLibrarySubfoldersFirst)
+{
+    add_files({"a_N.tga", "sub/b_Height.tga"});
+    options_.recurse = true;
+    EXPECT_TRUE(run(nullptr));
+    EXPECT_THAT(files(), ElementsAre("ilLoadImage(sub/b_Height.tga)", "ilSaveImage(sub/b_Umbrix.tga)",
+                                     "ilLoadImage(a_N.tga)", "ilSaveImage(a_Umbrix.tga)"));
+    EXPECT_EQ(calls({"PreProcess_GPU("}).size(), 2U);
+    EXPECT_EQ(calls({"PostProcess_GPU("}).size(), 2U);
+    EXPECT_EQ(calls({"SetDevice(3)"}).size(), calls({"SetDevice("}).size()) << "the device of the record";
+    EXPECT_THAT(GraphicsFake::instance().faults, IsEmpty());
+    EXPECT_FALSE(GraphicsFake::instance().has_slots());
+}
+
+TEST_F(UmbrixFolderGpuCalls, TheStackIsFilledWithTheFileWhateverTheOptionsSay)
+{
+    for (bool const generate_normal : {false, true}) {
+        CallLog::instance().clear();
+        options_.generate_normal = generate_normal;
+        add_files({"a.tga", "b.tga"});
+        layers_ = LinkedList<n_layer>();
+        describe(2);
+        NLayers stack(&layers_);
+        EXPECT_TRUE(run(&stack));
+        Calls const loads = calls({"ilLoadImage("});
+        EXPECT_EQ(std::count(loads.begin(), loads.end(), "ilLoadImage(a.tga)"), 3)
+            << "two layers, and the run";
+        EXPECT_EQ(std::count(loads.begin(), loads.end(), "ilLoadImage(b.tga)"), 3);
+        EXPECT_EQ(loads.size(), 6U);
+        EXPECT_EQ(stack.Count(), 2) << "it was cleared between the files";
+    }
+}
+
+TEST_F(UmbrixFolderGpuCalls, WithoutDescriptionsTheStackIsStillCleared)
+{
+    add_files({"a.tga"});
+    LinkedList<n_layer> others;
+    others.Add(n_layer());
+    NLayers stack(&others);
+    stack.AddLayer("before.tga");
+    ASSERT_EQ(stack.Count(), 1);
+    EXPECT_TRUE(run(&stack));
+    EXPECT_EQ(stack.Count(), 0);
+    EXPECT_THAT(files(),
+                ElementsAre("ilLoadImage(before.tga)", "ilLoadImage(a.tga)", "ilSaveImage(a_Umbrix.tga)"));
+}
+
+TEST_F(UmbrixFolderGpuCalls, TheStopFlagEndsTheWalkBetweenFiles)
+{
+    add_files({"a.tga", "b.tga", "c.tga"});
+    cancel_at_ = "ilLoadImage(" + root_.path().string() + "/b.tga";
+    EXPECT_FALSE(run(nullptr));
+    EXPECT_THAT(calls({"ilSaveImage("}),
+                ElementsAre("ilSaveImage(a_Umbrix.tga)", "ilSaveImage(b_Umbrix.tga)"));
+    CallLog::instance().clear();
+    EXPECT_FALSE(run(nullptr)) << "set before the call";
+    EXPECT_THAT(CallLog::instance().calls(), IsEmpty());
+}
+
+} // namespace
