@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include "batch_command.h"
 #include "failure.h"
 #include "help_formatter.h"
 #include "info_command.h"
 #include "map_command.h"
 #include "normal_command.h"
+#include "put_text.h"
 #include "relight_command.h"
 #include "stack_command.h"
 #include "worker_process.h"
@@ -38,7 +40,8 @@ std::vector<Declared> declare_all(CLI::App& app)
 
 int complain(std::string const& who, Failure const& failure)
 {
-    fmt::print(stderr, "{}: error: {}: {}; {}\n", who, failure.subject, failure.what(), failure.advice);
+    put_text(stderr,
+             fmt::format("{}: error: {}: {}; {}\n", who, failure.subject, failure.what(), failure.advice));
     return failure.code;
 }
 
@@ -61,8 +64,8 @@ int run_command(Declared const& declared, std::string const& name)
         return kDone;
     } catch (Failure const& failure) {
         return complain(name, failure);
-    } catch (Interrupted const&) {
-        fmt::print(stderr, "{}: interrupted; nothing was written\n", name);
+    } catch (Interrupted const& interrupted) {
+        put_text(stderr, fmt::format("{}: interrupted; {}\n", name, interrupted.state));
         return kInterrupted;
     }
 }
@@ -76,14 +79,14 @@ int run_tool(int count, char** words)
     app.footer(kExitCodesHelp);
     app.require_subcommand(0, 1);
     std::vector<Declared> const commands =
-        declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, InfoCommand>(app);
+        declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, InfoCommand, BatchCommand>(app);
     std::string const name = full_name(commands, count, words);
     try {
         app.parse(count, words);
     } catch (CLI::Success const& asked) {
         return app.exit(asked);
     } catch (CLI::ParseError const& error) {
-        fmt::print(stderr, "{}: error: {}; see {} --help\n", name, error.what(), name);
+        put_text(stderr, fmt::format("{}: error: {}; see {} --help\n", name, error.what(), name));
         return kWrongUsage;
     }
     for (Declared const& each : commands) {
@@ -91,7 +94,7 @@ int run_tool(int count, char** words)
             return run_command(each, name);
         }
     }
-    fmt::print(stderr, "umbrix: error: no command is given; see umbrix --help\n");
+    put_text(stderr, "umbrix: error: no command is given; see umbrix --help\n");
     return kWrongUsage;
 }
 
@@ -107,7 +110,8 @@ int main(int count, char** words)
         }
         return umbrix_cli::run_tool(count, words);
     } catch (std::exception const& error) {
-        fmt::print(stderr, "umbrix: error: {}; this should not happen, please report it\n", error.what());
+        umbrix_cli::put_text(stderr,
+                 fmt::format("umbrix: error: {}; this should not happen, please report it\n", error.what()));
         return umbrix_cli::kInputFailed;
     }
 }
