@@ -4,13 +4,11 @@
 #include "naming.h"
 #include "option_table.h"
 #include "output_format.h"
-#include "preflight.h"
-#include "temporary.h"
 #include "text.h"
 
 #include <CLI/Error.hpp>
-#include <chrono>
 #include <fmt/format.h>
+#include <utility>
 
 namespace umbrix_cli {
 
@@ -46,12 +44,17 @@ void add_number(CLI::App& command, char const* option, double& value, double min
 CLI::Option* CommonOptions::declare_input(CLI::App& command, std::string const& description)
 {
     CLI::Option* const option = command.add_option("INPUT", input, description)->required()->type_name("");
+    declare_limits(command);
+    return option;
+}
+
+void CommonOptions::declare_limits(CLI::App& command)
+{
     command.add_flag("-v,--verbose", verbose, "Say more about what is done")->group(kRun);
     add_number(command, "--timeout", timeout_seconds, 0.001, 86400,
                "Longest time that decoding a file may take [seconds; default 60]");
     add_number(command, "--max-texels", max_texels, 1, 4294836225.0,
                "Largest picture that is worked on [texels; default 268435456]");
-    return option;
 }
 
 void CommonOptions::declare_output(CLI::App& command, std::string const& default_name)
@@ -62,14 +65,18 @@ void CommonOptions::declare_output(CLI::App& command, std::string const& default
         ->type_name("FILE")
         ->group(kFiles);
     command.add_flag("--overwrite", overwrite, "Replace the output if it exists")->group(kFiles);
+    declare_progress(command, "Show progress as a bar, as lines, not at all, or as a bar where there is "
+                              "a terminal and else as lines");
+}
+
+void CommonOptions::declare_progress(CLI::App& command, std::string const& description)
+{
     std::function<void(std::string const&)> const parse = [this](std::string const& text) {
         progress = parse_style(text);
     };
     command
         .add_option_function<std::string>(
-            "--progress", parse,
-            "Show progress as a bar, as lines, not at all, or as a bar where there is "
-            "a terminal and else as lines [auto, bar, lines, none; default auto]")
+            "--progress", parse, fmt::format("{} [auto, bar, lines, none; default auto]", description))
         ->type_name("HOW")
         ->group(kRun);
 }
@@ -77,33 +84,24 @@ void CommonOptions::declare_output(CLI::App& command, std::string const& default
 Supervision CommonOptions::supervision(std::string const& command, std::string const& output_name,
                                        Interrupts const& interrupts) const
 {
-    return {command, input, output_name, timeout_seconds, verbose, progress, interrupts};
+    return {command, {input, output_name, timeout_seconds}, verbose, progress, interrupts};
 }
 
 Written make_picture_file(std::string const& command, CommonOptions const& options, Job job,
                           std::string const& suffix, Interrupts const& interrupts)
 {
-    auto const start = std::chrono::steady_clock::now();
-    check_input(options.input);
     std::filesystem::path const named = options.output.empty() ? default_output(options.input, suffix)
                                                                : std::filesystem::path(options.output);
-    std::filesystem::path const target = check_output(named, options.input, options.overwrite);
+    PictureFile file(options.input, named, options.overwrite);
     OutputFormat const& format = *output_format(named);
     if (*format.warning != '\0') {
         fmt::print(stderr, "{}: note: {}: {}\n", command, named.string(), format.warning);
     }
-
-    OutputFile file(target, format.extension);
-    ScratchFolder const scratch;
-    job.input = options.input;
-    job.output = file.temporary().string();
-    job.scratch = scratch.path().string();
     job.max_texels = options.max_texels;
+    file.name_files(job);
     nlohmann::json report = supervise(job, options.supervision(command, named.string(), interrupts));
     interrupts.check();
-    file.move_into_place(options.overwrite);
-    std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start;
-    return {named, std::move(report), taken.count()};
+    return file.complete(std::move(report));
 }
 
 } // namespace umbrix_cli

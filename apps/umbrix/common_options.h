@@ -2,11 +2,11 @@
 #pragma once
 
 #include "job.h"
+#include "picture_file.h"
 #include "progress_display.h"
 #include "supervise.h"
 
 #include <CLI/App.hpp>
-#include <filesystem>
 #include <string>
 
 namespace umbrix_cli {
@@ -25,15 +25,12 @@ struct CommonOptions {
     CLI::Option* declare_input(CLI::App& command, std::string const& description);
     void declare_output(CLI::App& command, std::string const& default_name);
 
+    // Parts of the two above, for commands with inputs and outputs of another kind.
+    void declare_limits(CLI::App& command);
+    void declare_progress(CLI::App& command, std::string const& description);
+
     Supervision supervision(std::string const& command, std::string const& output_name,
                             Interrupts const& interrupts) const;
-};
-
-/// A finished file and the worker's report about it.
-struct Written {
-    std::filesystem::path output;
-    nlohmann::json report;
-    double seconds;
 };
 
 /// Runs a job that makes one picture: all checks first, then a worker that writes under a temporary name

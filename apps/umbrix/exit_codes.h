@@ -8,7 +8,7 @@ enum ExitCode : int {
     kDone = 0,         ///< Done.
     kInputFailed = 1,  ///< A file could not be read, worked on or written.
     kWrongUsage = 2,   ///< The command line asks for something that no file could make possible.
-    kInterrupted = 130 ///< Stopped by Ctrl-C, a request to end or a closed terminal; nothing was written.
+    kInterrupted = 130 ///< Stopped by Ctrl-C, a request to end or a closed terminal; nothing is half done.
 };
 
 inline constexpr char const* kExitCodesHelp =

@@ -23,6 +23,8 @@ struct Failure : std::runtime_error {
 };
 
 /// Thrown where an interrupt is noticed.
-struct Interrupted {};
+struct Interrupted {
+    std::string state = "nothing was written"; ///< What there is now, for the user.
+};
 
 } // namespace umbrix_cli

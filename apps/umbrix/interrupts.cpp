@@ -38,4 +38,14 @@ void Interrupts::check() const
     }
 }
 
+bool Interrupts::take() const
+{
+    bool arrived = false;
+    signalfd_siginfo ignored = {};
+    while (read(descriptor_, &ignored, sizeof ignored) > 0) {
+        arrived = true;
+    }
+    return arrived;
+}
+
 } // namespace umbrix_cli

@@ -20,6 +20,10 @@ public:
     /// Throws Interrupted if an interrupt has arrived.
     void check() const;
 
+    /// Whether an interrupt has arrived, which then counts as seen: the next call and check() wait for
+    /// another. Several that came in between count as one.
+    bool take() const;
+
 private:
     int descriptor_;
 };

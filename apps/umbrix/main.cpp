@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "batch_command.h"
 #include "devices_command.h"
 #include "failure.h"
 #include "graphics_option.h"
@@ -7,6 +8,7 @@
 #include "list_command.h"
 #include "map_command.h"
 #include "normal_command.h"
+#include "put_text.h"
 #include "relight_command.h"
 #include "self_description_command.h"
 #include "stack_command.h"
@@ -43,7 +45,8 @@ std::vector<Declared> declare_all(CLI::App& app)
 
 int complain(std::string const& who, Failure const& failure)
 {
-    fmt::print(stderr, "{}: error: {}: {}; {}\n", who, failure.subject, failure.what(), failure.advice);
+    put_text(stderr,
+             fmt::format("{}: error: {}: {}; {}\n", who, failure.subject, failure.what(), failure.advice));
     return failure.code;
 }
 
@@ -71,8 +74,8 @@ int run_command(Declared const& declared, std::string const& name)
         return kDone;
     } catch (Failure const& failure) {
         return complain(name, failure);
-    } catch (Interrupted const&) {
-        fmt::print(stderr, "{}: interrupted; nothing was written\n", name);
+    } catch (Interrupted const& interrupted) {
+        put_text(stderr, fmt::format("{}: interrupted; {}\n", name, interrupted.state));
         return kInterrupted;
     }
 }
@@ -86,8 +89,8 @@ int run_tool(int count, char** words)
     app.footer(kExitCodesHelp);
     app.require_subcommand(0, 1);
     std::vector<Declared> const commands =
-        declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, ListCommand, InfoCommand,
-                    DevicesCommand, CompletionCommand, ManualCommand>(app);
+        declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, BatchCommand, ListCommand,
+                    InfoCommand, DevicesCommand, CompletionCommand, ManualCommand>(app);
     std::string const name = full_name(app, count, words);
     try {
         std::vector<std::string> arguments = with_device_numbers({words + 1, words + count});
@@ -96,7 +99,7 @@ int run_tool(int count, char** words)
     } catch (CLI::Success const& asked) {
         return app.exit(asked);
     } catch (CLI::ParseError const& error) {
-        fmt::print(stderr, "{}: error: {}; see {} --help\n", name, error.what(), name);
+        put_text(stderr, fmt::format("{}: error: {}; see {} --help\n", name, error.what(), name));
         return kWrongUsage;
     }
     for (Declared const& each : commands) {
@@ -104,7 +107,7 @@ int run_tool(int count, char** words)
             return run_command(each, name);
         }
     }
-    fmt::print(stderr, "umbrix: error: no command is given; see umbrix --help\n");
+    put_text(stderr, "umbrix: error: no command is given; see umbrix --help\n");
     return kWrongUsage;
 }
 
@@ -120,7 +123,9 @@ int main(int count, char** words)
         }
         return umbrix_cli::run_tool(count, words);
     } catch (std::exception const& error) {
-        fmt::print(stderr, "umbrix: error: {}; this should not happen, please report it\n", error.what());
+        umbrix_cli::put_text(
+            stderr,
+            fmt::format("umbrix: error: {}; this should not happen, please report it\n", error.what()));
         return umbrix_cli::kInputFailed;
     }
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "progress_display.h"
 
+#include "put_text.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <fmt/format.h>
@@ -29,11 +31,11 @@ void ProgressDisplay::show(std::string const& stage, int permille)
         auto const filled = static_cast<std::size_t>(kBarWidth * share / 1000);
         std::string bar(kBarWidth, '.');
         std::fill_n(bar.begin(), filled, '#');
-        fmt::print(stderr, "{}[{}] {:3}% {}", kClearLine, bar, share / 10, stage);
-        std::fflush(stderr);
+        put_text(stderr, fmt::format("{}[{}] {:3}% {}", kClearLine, bar, share / 10, stage));
         drawn_ = true;
     } else if (style_ == Style::kLines && (stage != stage_ || share / 100 > tenth_)) {
-        fmt::print(stderr, "{}{}\n", stage, share < 100 ? "" : fmt::format(" {}%", share / 100 * 10));
+        put_text(stderr,
+                 fmt::format("{}{}\n", stage, share < 100 ? "" : fmt::format(" {}%", share / 100 * 10)));
         stage_ = stage;
         tenth_ = share / 100;
     }
@@ -42,8 +44,7 @@ void ProgressDisplay::show(std::string const& stage, int permille)
 void ProgressDisplay::clear()
 {
     if (drawn_) {
-        fmt::print(stderr, "{}", kClearLine);
-        std::fflush(stderr);
+        put_text(stderr, kClearLine);
         drawn_ = false;
     }
 }

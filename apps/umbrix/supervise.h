@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "conversation.h"
 #include "interrupts.h"
 #include "job.h"
 #include "progress_display.h"
@@ -13,9 +14,7 @@ namespace umbrix_cli {
 /// What a supervised job needs besides itself.
 struct Supervision {
     std::string command; ///< Begins every message: "umbrix map".
-    std::string input;   ///< Names to be used for the worker's "input" and "output", unless it says others.
-    std::string output;
-    double timeout_seconds; ///< For decoding a file.
+    Briefing briefing;
     bool verbose;
     ProgressDisplay::Style progress;
     Interrupts const& interrupts;

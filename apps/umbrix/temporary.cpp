@@ -4,12 +4,15 @@
 #include "failure.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace umbrix_cli {
 
@@ -17,7 +20,50 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char const* kPattern = ".umbrix-XXXXXX";
+constexpr char const* kOutput = ".umbrix-";
+constexpr char const* kScratch = "umbrix-";
+constexpr char const* kRandom = "XXXXXX"; // which the system fills in
+
+constexpr int kFailed = -1;
+constexpr int kTryAgain = -2;
+
+/// Eight digits for the name of this machine.
+std::string machine_tag()
+{
+    char name[256] = {};
+    gethostname(name, sizeof name - 1);
+    std::uint32_t hash = 2166136261U; // FNV-1a
+    for (char const* letter = name; *letter != '\0'; ++letter) {
+        hash = (hash ^ static_cast<unsigned char>(*letter)) * 16777619U;
+    }
+    return fmt::format("{:08x}-", hash);
+}
+
+struct Made {
+    fs::path path;
+    std::unique_ptr<TemporaryLock> lock; ///< Null if nothing could be made; errno tells why.
+};
+
+/// Makes something with a name after @p pattern, and locks it. @p make is given the pattern, fills in its
+/// kRandom and returns a descriptor, or kFailed with errno, or kTryAgain.
+template <typename Make>
+Made make_locked(std::string const& pattern, Make&& make)
+{
+    for (;;) {
+        std::string name = pattern;
+        int const descriptor = make(name.data());
+        if (descriptor == kFailed) {
+            return {};
+        }
+        if (descriptor == kTryAgain) {
+            continue;
+        }
+        auto lock = std::make_unique<TemporaryLock>(descriptor);
+        if (lock->hold(name)) {
+            return {name, std::move(lock)};
+        }
+    }
+}
 
 /// The access rights that the output will have: those of the file it replaces, or of any new file.
 mode_t rights_for(fs::path const& target)
@@ -43,19 +89,56 @@ bool rename_to_new_name(fs::path const& from, fs::path const& to)
     return link(from.c_str(), to.c_str()) == 0 && unlink(from.c_str()) == 0;
 }
 
+/// Fills in @p name, as make_locked has it.
+int make_folder(char* name)
+{
+    if (mkdtemp(name) == nullptr) {
+        return kFailed;
+    }
+    int const folder = open(name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder >= 0) {
+        return folder;
+    }
+    if (errno == ENOENT) {
+        return kTryAgain; // taken for a leftover
+    }
+    rmdir(name);
+    return kFailed;
+}
+
 } // namespace
+
+std::string output_prefix()
+{
+    return kOutput + machine_tag();
+}
+
+std::string scratch_prefix()
+{
+    return kScratch + machine_tag();
+}
+
+bool is_temporary_name(fs::path const& file)
+{
+    return file.filename().string().starts_with(kOutput);
+}
 
 OutputFile::OutputFile(fs::path target, std::string const& extension) : target_(std::move(target))
 {
-    std::string name = (target_.parent_path() / kPattern).string() + extension;
-    int const file = mkostemps(name.data(), static_cast<int>(extension.size()), O_CLOEXEC);
-    if (file < 0) {
+    Made made = make_locked(
+        (target_.parent_path() / output_prefix()).string() + kRandom + extension, [&](char* name) {
+            int const file = mkostemps(name, static_cast<int>(extension.size()), O_CLOEXEC);
+            if (file >= 0) {
+                fchmod(file, rights_for(target_));
+            }
+            return file;
+        });
+    if (!made.lock) {
         throw Failure(target_.string(), std::string("its folder takes no new file: ") + std::strerror(errno),
                       "choose another folder with -o");
     }
-    fchmod(file, rights_for(target_));
-    close(file);
-    temporary_ = name;
+    temporary_ = std::move(made.path);
+    lock_ = std::move(made.lock);
 }
 
 OutputFile::~OutputFile()
@@ -81,13 +164,17 @@ ScratchFolder::ScratchFolder()
 {
     std::error_code error;
     fs::path const parent = fs::temp_directory_path(error);
-    std::string name = (parent / "umbrix-XXXXXX").string();
-    if (error || mkdtemp(name.data()) == nullptr) {
+    Made made;
+    if (!error) {
+        made = make_locked((parent / scratch_prefix()).string() + kRandom, make_folder);
+    }
+    if (!made.lock) {
         throw Failure(error ? "TMPDIR" : parent.string(),
                       "no folder for intermediate files can be made there",
                       "set TMPDIR to a folder that takes files");
     }
-    path_ = name;
+    path_ = std::move(made.path);
+    lock_ = std::move(made.lock);
 }
 
 ScratchFolder::~ScratchFolder()

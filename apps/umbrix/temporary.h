@@ -1,10 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "temporary_lock.h"
+
 #include <filesystem>
+#include <memory>
 #include <string>
 
 namespace umbrix_cli {
+
+/// What the names of this machine's OutputFiles and ScratchFolders begin with. The machine is in them because
+/// not every shared folder shares its locks with other machines, too.
+std::string output_prefix();
+std::string scratch_prefix();
+
+/// Whether a file is called like an OutputFile of any machine.
+bool is_temporary_name(std::filesystem::path const& file);
 
 /// An empty file with a hidden name of its own beside the output that it is to become. Removed with the
 /// object unless it was moved into place.
@@ -26,6 +37,7 @@ public:
 private:
     std::filesystem::path target_;
     std::filesystem::path temporary_;
+    std::unique_ptr<TemporaryLock> lock_;
     bool placed_ = false;
 };
 
@@ -41,6 +53,7 @@ public:
 
 private:
     std::filesystem::path path_;
+    std::unique_ptr<TemporaryLock> lock_;
 };
 
 } // namespace umbrix_cli

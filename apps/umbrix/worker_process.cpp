@@ -4,11 +4,13 @@
 #include "failure.h"
 #include "worker_channel.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <spawn.h>
 #include <string_view>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -76,7 +78,7 @@ void put_job(Pipe& pipe, std::vector<std::uint8_t> const& job)
 
 } // namespace
 
-WorkerProcess::WorkerProcess(std::vector<std::uint8_t> const& job)
+WorkerProcess::WorkerProcess(std::vector<std::uint8_t> const& job, ProcessorSet const* processors)
 {
     Pipe input;
     Pipe events;
@@ -102,8 +104,11 @@ WorkerProcess::WorkerProcess(std::vector<std::uint8_t> const& job)
     posix_spawn_file_actions_adddup2(&files, chatter_end, STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&files, chatter_end, STDERR_FILENO);
     posix_spawn_file_actions_adddup2(&files, event_end, kEventDescriptor);
-    int const error = posix_spawn(&process_, "/proc/self/exe", &files, nullptr, arguments.data(),
-                                  worker_environment().data());
+    int const error = [&] {
+        ProcessorScope const scope(processors);
+        return posix_spawn(&process_, "/proc/self/exe", &files, nullptr, arguments.data(),
+                           worker_environment().data());
+    }();
     posix_spawn_file_actions_destroy(&files);
     for (int const end : {job_end, event_end, chatter_end}) {
         close(end);
@@ -134,9 +139,11 @@ void WorkerProcess::kill()
 int WorkerProcess::wait()
 {
     int status = 0;
-    while (waitpid(process_, &status, 0) < 0 && errno == EINTR) {
+    rusage used = {};
+    while (wait4(process_, &status, 0, &used) < 0 && errno == EINTR) {
     }
     process_ = -1;
+    peak_kib_ = used.ru_maxrss;
     return status;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "processor_share.h"
+
 #include <cstdint>
 #include <string>
 #include <sys/types.h>
@@ -18,7 +20,8 @@ inline constexpr char const* kWorkerArgument = "--run-worker-job";
 /// latest.
 class WorkerProcess {
 public:
-    explicit WorkerProcess(std::vector<std::uint8_t> const& job);
+    /// @param processors That it may use; null for those of this process.
+    explicit WorkerProcess(std::vector<std::uint8_t> const& job, ProcessorSet const* processors = nullptr);
     ~WorkerProcess(); ///< Ends it at once if it still runs.
     WorkerProcess(WorkerProcess const&) = delete;
     WorkerProcess& operator=(WorkerProcess const&) = delete;
@@ -29,10 +32,14 @@ public:
     void kill();
     int wait(); ///< Its status, as waitpid has it.
 
+    /// Largest memory that it held, in KiB; after wait().
+    long peak_kib() const { return peak_kib_; }
+
 private:
     pid_t process_ = -1;
     int events_ = -1;
     int chatter_ = -1;
+    long peak_kib_ = 0;
 };
 
 /// Life of the worker: takes the job from standard input, does it, says how it went. The exit code for main.

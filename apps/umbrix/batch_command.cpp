@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: MIT
+#include "batch_command.h"
+
+#include "failure.h"
+#include "map_usage.h"
+#include "normal_y_option.h"
+#include "option_table.h"
+#include "processor_share.h"
+#include "put_text.h"
+#include "stale_temporaries.h"
+#include "worker_pool.h"
+
+#include <CLI/Error.hpp>
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <fmt/format.h>
+#include <functional>
+#include <set>
+#include <unistd.h>
+#include <utility>
+
+namespace umbrix_cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char const* kFiles = "Files";
+constexpr char const* kRun = "Run";
+constexpr double kMostJobs = 1024;
+
+/// As many as there are processors, but no more than have 2 GiB of memory each, which a worker on a picture
+/// of 4096 x 4096 stays below.
+std::size_t default_jobs()
+{
+    constexpr double kMemoryOfOne = 2.0 * 1024 * 1024 * 1024;
+    double const memory =
+        static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
+    auto const fitting = static_cast<std::size_t>(std::max(memory / kMemoryOfOne, 1.0));
+    return std::min(processor_count(), fitting);
+}
+
+void remove_what_killed_runs_left(std::vector<BatchFile> const& files)
+{
+    std::set<fs::path> folders;
+    for (BatchFile const& file : files) {
+        folders.insert(file.target.has_parent_path() ? file.target.parent_path() : fs::path("."));
+    }
+    std::for_each(folders.begin(), folders.end(), remove_stale_outputs);
+    remove_stale_scratch();
+}
+
+/// The files that there is something to do for. Those without and the failures go to @p report.
+std::vector<BatchFile> without_skipped(BatchPlan const& plan, OutputPolicy policy, BatchReport& report)
+{
+    for (Failure const& failure : plan.failures) {
+        BatchResult result;
+        result.source = failure.subject;
+        result.state = BatchState::kFailed;
+        result.reason = failure.what();
+        report.add(std::move(result));
+    }
+    std::vector<BatchFile> pending;
+    for (BatchFile const& file : plan.files) {
+        if (auto const reason = reason_to_skip(file, policy)) {
+            report.add_skipped(file.source, file.target, *reason);
+        } else {
+            pending.push_back(file);
+        }
+    }
+    return pending;
+}
+
+} // namespace
+
+CLI::App* BatchCommand::declare(CLI::App& app)
+{
+    command_ = app.add_subcommand("batch", "Make the maps of all pictures in folders, several at a time");
+    declare_files(*command_);
+    declare_input(*command_);
+    command_
+        ->add_flag("--json", json_, "Write a JSON object a line for each file as it ends, and one in the end")
+        ->group(kRun);
+    std::function<void(std::string const&)> const parse_jobs = [this](std::string const& text) {
+        jobs_ = parse_number("--jobs", text, 1, kMostJobs);
+        if (jobs_ != std::floor(jobs_)) {
+            throw CLI::ValidationError("--jobs", fmt::format("{} is not a whole number", text));
+        }
+    };
+    command_
+        ->add_option_function<std::string>(
+            "-j,--jobs", parse_jobs,
+            fmt::format("Files at a time, which share the processors [1 to {}; default one for each "
+                        "processor and 2 GiB of memory]",
+                        kMostJobs))
+        ->type_name("N")
+        ->group(kRun);
+    common_.declare_limits(*command_);
+    common_.declare_progress(*command_, "Show progress as a bar, as lines, not at all, or as a bar where "
+                                        "there is a terminal and else not");
+    declare_options(*command_, settings_, kForMap);
+    return command_;
+}
+
+void BatchCommand::declare_files(CLI::App& command)
+{
+    command
+        .add_option("FOLDER", search_.places,
+                    "Folders, files, or patterns for either, such as 'textures/*/rock*.tga'")
+        ->required()
+        ->type_name("...");
+    command
+        .add_option("--pattern", search_.pattern,
+                    "Only files with such a name, in any letter case: '*_H.tga'. Without, or with an open "
+                    "extension as in '*_H.*', only what is called like a picture is taken from folders")
+        ->type_name("GLOB")
+        ->group(kFiles);
+    command.add_flag("-r,--recurse", search_.recurse, "Look into the folders in folders, too")->group(kFiles);
+    command
+        .add_flag("--include-outputs", include_outputs_,
+                  "Take outputs of earlier runs as inputs, too; they are told by their names")
+        ->group(kFiles);
+    command
+        .add_option("--suffix", suffix_,
+                    "What is put after the name [default _Umbrix for maps and _Normal for normal maps]")
+        ->type_name("TEXT")
+        ->group(kFiles);
+    command
+        .add_option("--keep-tree", keep_tree_,
+                    "Write into this folder instead, in folders of the same names; it is made if need be")
+        ->type_name("DIR")
+        ->group(kFiles);
+    auto* const overwrite = command.add_flag("--overwrite", common_.overwrite,
+                                             "Replace outputs that exist [default: skip their inputs]");
+    auto* const update =
+        command.add_flag("--update", update_, "Replace outputs that are older than their inputs");
+    overwrite->excludes(update)->group(kFiles);
+    update->group(kFiles);
+    command.add_flag("-n,--dry-run", dry_run_, "Only print what would be made of what")->group(kFiles);
+}
+
+void BatchCommand::declare_input(CLI::App& command)
+{
+    auto* const map = command.add_flag("--map", map_, "Make Umbrix maps [default]");
+    auto* const normal = command.add_flag("--normal", normal_, "Make normal maps");
+    map->excludes(normal);
+    auto* const height_map =
+        command.add_flag("--height-map", height_map_, "All are height maps [default: guess each]");
+    auto* const normal_map =
+        command.add_flag("--normal-map", normal_map_, "All are normal maps [default: guess each]");
+    height_map->excludes(normal_map)->group("Input");
+    normal_map->group("Input");
+    declare_normal_y(command, normal_y_, "Where green points in normal maps that are read or written")
+        ->group("Input");
+}
+
+void BatchCommand::validate() const
+{
+    if (suffix_ && suffix_->find('/') != std::string::npos) {
+        throw Failure("--suffix", "it cannot have a / in it", "name another folder with --keep-tree",
+                      kWrongUsage);
+    }
+    if (normal_) {
+        forbid_map_options();
+    } else {
+        check_map_usage(settings_, "");
+    }
+    if (normal_y_ && height_map_) {
+        throw Failure("--normal-y", "a height map has no green to point anywhere", "leave it out",
+                      kWrongUsage);
+    }
+}
+
+void BatchCommand::forbid_map_options() const
+{
+    auto const forbid = [this](std::string const& option) {
+        if (command_->get_option(option)->count() > 0) {
+            throw Failure(option, "normal maps are made without it", "leave it out, or leave --normal out",
+                          kWrongUsage);
+        }
+    };
+    forbid("--height-map");
+    forbid("--normal-map");
+    for (OptionRow const& row : option_table()) {
+        if ((row.users & kForMap) != 0 && (row.users & kForNormal) == 0) {
+            forbid(fmt::format("--{}", row.name));
+        }
+    }
+}
+
+BatchChoice BatchCommand::choice() const
+{
+    BatchChoice choice;
+    choice.search = search_;
+    choice.search.avoided = include_outputs_ ? "" : keep_tree_;
+    choice.include_outputs = include_outputs_;
+    choice.suffix = suffix_.value_or(normal_ ? "_Normal" : "_Umbrix");
+    choice.keep_tree = keep_tree_;
+    choice.policy = common_.overwrite ? OutputPolicy::kReplace
+                    : update_         ? OutputPolicy::kUpdate
+                                      : OutputPolicy::kKeep;
+    return choice;
+}
+
+BatchOrders BatchCommand::orders() const
+{
+    BatchOrders orders;
+    orders.job.task = normal_ ? Task::kNormal : Task::kMap;
+    orders.job.settings = settings_;
+    orders.job.max_texels = common_.max_texels;
+    orders.job.normal_y = normal_y_.value_or(NormalY::kUp);
+    if (height_map_ || normal_map_) {
+        orders.job.kind = height_map_ ? Kind::kHeightMap : Kind::kNormalMap;
+    }
+    orders.policy = choice().policy;
+    orders.timeout_seconds = common_.timeout_seconds;
+    orders.verbose = common_.verbose;
+    orders.json = json_;
+    orders.progress = common_.progress;
+    if (orders.progress == ProgressDisplay::Style::kAuto && isatty(STDERR_FILENO) == 0) {
+        orders.progress = ProgressDisplay::Style::kNone;
+    }
+    return orders;
+}
+
+void BatchCommand::run(Interrupts const& interrupts)
+{
+    validate();
+    auto const start = std::chrono::steady_clock::now();
+    BatchPlan const plan = plan_batch(choice());
+    if (common_.verbose && plan.outputs_left_out > 0) {
+        put_text(stderr, fmt::format("umbrix batch: note: {} outputs of earlier runs are left out\n",
+                                     plan.outputs_left_out));
+    }
+    BatchOrders const orders = this->orders();
+    BatchReport report(json_);
+    std::vector<BatchFile> const pending = without_skipped(plan, orders.policy, report);
+    bool complete = true;
+    if (dry_run_) {
+        for (BatchFile const& file : pending) {
+            report.plan(file.source, file.target);
+        }
+    } else {
+        remove_what_killed_runs_left(plan.files);
+        BatchRun run(pending, orders, report);
+        std::size_t const workers = jobs_ > 0 ? static_cast<std::size_t>(jobs_) : default_jobs();
+        complete = run_pool(pending.size(), workers, run, interrupts);
+    }
+    std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start;
+    BatchSummary const summary = report.finish(plan.files.size() + plan.failures.size(), taken.count());
+    if (!complete && summary.left > 0) {
+        throw Interrupted{fmt::format("{} files are left; {}", summary.left,
+                                      common_.overwrite ? "with --overwrite the same command begins anew"
+                                                        : "the same command goes on with them")};
+    }
+    if (std::ferror(stdout) != 0) {
+        throw Failure("standard output", "it did not take all of the results", "the files are not affected");
+    }
+    if (summary.failed > 0) {
+        throw Failure(fmt::format("{} of {} files", summary.failed, plan.files.size() + plan.failures.size()),
+                      "they failed", "the results tell why");
+    }
+}
+
+} // namespace umbrix_cli

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "batch_run.h"
+#include "command.h"
+#include "common_options.h"
+#include "defaults.h"
+
+#include <optional>
+#include <string>
+
+namespace umbrix_cli {
+
+/// `umbrix batch`: what `umbrix map` or `umbrix normal` makes, of every file of a folder, several at a time.
+class BatchCommand : public Command {
+public:
+    CLI::App* declare(CLI::App& app) override;
+    void run(Interrupts const& interrupts) override;
+
+private:
+    void declare_files(CLI::App& command);
+    void declare_input(CLI::App& command);
+    void validate() const;
+    void forbid_map_options() const;
+    BatchChoice choice() const;
+    BatchOrders orders() const;
+
+    CLI::App* command_ = nullptr;
+    CommonOptions common_;
+    Settings settings_ = kDefaults;
+    Search search_;
+    std::optional<std::string> suffix_;
+    std::string keep_tree_;
+    double jobs_ = 0; ///< 0: not given.
+    bool update_ = false;
+    bool include_outputs_ = false;
+    bool dry_run_ = false;
+    bool json_ = false;
+    bool map_ = false;
+    bool normal_ = false;
+    bool height_map_ = false;
+    bool normal_map_ = false;
+    std::optional<NormalY> normal_y_;
+};
+
+} // namespace umbrix_cli

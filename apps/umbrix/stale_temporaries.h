@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+
+namespace umbrix_cli {
+
+/// Removes the OutputFiles in @p folder that were left by processes of this machine and user that were
+/// killed. Those of processes at work stay, and so does everything else.
+void remove_stale_outputs(std::filesystem::path const& folder);
+
+/// The same for ScratchFolders.
+void remove_stale_scratch();
+
+} // namespace umbrix_cli
