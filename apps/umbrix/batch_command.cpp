@@ -5,73 +5,18 @@
 #include "map_usage.h"
 #include "normal_y_option.h"
 #include "option_table.h"
-#include "processor_share.h"
 #include "put_text.h"
-#include "stale_temporaries.h"
-#include "worker_pool.h"
 
-#include <CLI/Error.hpp>
-#include <algorithm>
-#include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <fmt/format.h>
-#include <functional>
-#include <set>
-#include <unistd.h>
 #include <utility>
 
 namespace umbrix_cli {
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr char const* kFiles = "Files";
 constexpr char const* kRun = "Run";
-constexpr double kMostJobs = 1024;
-
-/// As many as there are processors, but no more than have 2 GiB of memory each, which a worker on a picture
-/// of 4096 x 4096 stays below.
-std::size_t default_jobs()
-{
-    constexpr double kMemoryOfOne = 2.0 * 1024 * 1024 * 1024;
-    double const memory =
-        static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
-    auto const fitting = static_cast<std::size_t>(std::max(memory / kMemoryOfOne, 1.0));
-    return std::min(processor_count(), fitting);
-}
-
-void remove_what_killed_runs_left(std::vector<BatchFile> const& files)
-{
-    std::set<fs::path> folders;
-    for (BatchFile const& file : files) {
-        folders.insert(file.target.has_parent_path() ? file.target.parent_path() : fs::path("."));
-    }
-    std::for_each(folders.begin(), folders.end(), remove_stale_outputs);
-    remove_stale_scratch();
-}
-
-/// The files that there is something to do for. Those without and the failures go to @p report.
-std::vector<BatchFile> without_skipped(BatchPlan const& plan, OutputPolicy policy, BatchReport& report)
-{
-    for (Failure const& failure : plan.failures) {
-        BatchResult result;
-        result.source = failure.subject;
-        result.state = BatchState::kFailed;
-        result.reason = failure.what();
-        report.add(std::move(result));
-    }
-    std::vector<BatchFile> pending;
-    for (BatchFile const& file : plan.files) {
-        if (auto const reason = reason_to_skip(file, policy)) {
-            report.add_skipped(file.source, file.target, *reason);
-        } else {
-            pending.push_back(file);
-        }
-    }
-    return pending;
-}
 
 } // namespace
 
@@ -83,20 +28,7 @@ CLI::App* BatchCommand::declare(CLI::App& app)
     command_
         ->add_flag("--json", json_, "Write a JSON object a line for each file as it ends, and one in the end")
         ->group(kRun);
-    std::function<void(std::string const&)> const parse_jobs = [this](std::string const& text) {
-        jobs_ = parse_number("--jobs", text, 1, kMostJobs);
-        if (jobs_ != std::floor(jobs_)) {
-            throw CLI::ValidationError("--jobs", fmt::format("{} is not a whole number", text));
-        }
-    };
-    command_
-        ->add_option_function<std::string>(
-            "-j,--jobs", parse_jobs,
-            fmt::format("Files at a time, which share the processors [1 to {}; default one for each "
-                        "processor and 2 GiB of memory]",
-                        kMostJobs))
-        ->type_name("N")
-        ->group(kRun);
+    declare_workers(*command_, workers_)->group(kRun);
     common_.declare_limits(*command_);
     common_.declare_progress(*command_, "Show progress as a bar, as lines, not at all, or as a bar where "
                                         "there is a terminal and else not");
@@ -207,61 +139,40 @@ BatchChoice BatchCommand::choice() const
 BatchOrders BatchCommand::orders() const
 {
     BatchOrders orders;
-    orders.job.task = normal_ ? Task::kNormal : Task::kMap;
-    orders.job.settings = settings_;
-    orders.job.max_texels = common_.max_texels;
-    orders.job.normal_y = normal_y_.value_or(NormalY::kUp);
+    orders.command = "umbrix batch";
+    Job job;
+    job.task = normal_ ? Task::kNormal : Task::kMap;
+    job.settings = settings_;
+    job.max_texels = common_.max_texels;
+    job.normal_y = normal_y_.value_or(NormalY::kUp);
     if (height_map_ || normal_map_) {
-        orders.job.kind = height_map_ ? Kind::kHeightMap : Kind::kNormalMap;
+        job.kind = height_map_ ? Kind::kHeightMap : Kind::kNormalMap;
     }
+    orders.job_for = [job](BatchFile const& file) {
+        if (job.task == Task::kMap) {
+            check_map_usage(job.settings, file.target.string());
+        }
+        return job;
+    };
     orders.policy = choice().policy;
     orders.timeout_seconds = common_.timeout_seconds;
     orders.verbose = common_.verbose;
     orders.json = json_;
+    orders.workers = workers_.count();
+    orders.dry_run = dry_run_;
     orders.progress = common_.progress;
-    if (orders.progress == ProgressDisplay::Style::kAuto && isatty(STDERR_FILENO) == 0) {
-        orders.progress = ProgressDisplay::Style::kNone;
-    }
     return orders;
 }
 
 void BatchCommand::run(Interrupts const& interrupts)
 {
     validate();
-    auto const start = std::chrono::steady_clock::now();
     BatchPlan const plan = plan_batch(choice());
     if (common_.verbose && plan.outputs_left_out > 0) {
         put_text(stderr, fmt::format("umbrix batch: note: {} outputs of earlier runs are left out\n",
                                      plan.outputs_left_out));
     }
-    BatchOrders const orders = this->orders();
-    BatchReport report(json_);
-    std::vector<BatchFile> const pending = without_skipped(plan, orders.policy, report);
-    bool complete = true;
-    if (dry_run_) {
-        for (BatchFile const& file : pending) {
-            report.plan(file.source, file.target);
-        }
-    } else {
-        remove_what_killed_runs_left(plan.files);
-        BatchRun run(pending, orders, report);
-        std::size_t const workers = jobs_ > 0 ? static_cast<std::size_t>(jobs_) : default_jobs();
-        complete = run_pool(pending.size(), workers, run, interrupts);
-    }
-    std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start;
-    BatchSummary const summary = report.finish(plan.files.size() + plan.failures.size(), taken.count());
-    if (!complete && summary.left > 0) {
-        throw Interrupted{fmt::format("{} files are left; {}", summary.left,
-                                      common_.overwrite ? "with --overwrite the same command begins anew"
-                                                        : "the same command goes on with them")};
-    }
-    if (std::ferror(stdout) != 0) {
-        throw Failure("standard output", "it did not take all of the results", "the files are not affected");
-    }
-    if (summary.failed > 0) {
-        throw Failure(fmt::format("{} of {} files", summary.failed, plan.files.size() + plan.failures.size()),
-                      "they failed", "the results tell why");
-    }
+    run_batch(plan, orders(), interrupts);
 }
 
 } // namespace umbrix_cli

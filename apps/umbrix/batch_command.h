@@ -5,6 +5,7 @@
 #include "command.h"
 #include "common_options.h"
 #include "defaults.h"
+#include "workers_option.h"
 
 #include <optional>
 #include <string>
@@ -31,7 +32,7 @@ private:
     Search search_;
     std::optional<std::string> suffix_;
     std::string keep_tree_;
-    double jobs_ = 0; ///< 0: not given.
+    WorkersOption workers_;
     bool update_ = false;
     bool include_outputs_ = false;
     bool dry_run_ = false;

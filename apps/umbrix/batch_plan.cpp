@@ -112,15 +112,20 @@ BatchPlan plan_batch(BatchChoice const& choice)
     if (plan.files.empty() && plan.failures.empty()) {
         throw nothing_found(choice, plan);
     }
-    check_that_targets_differ(plan.files);
-    check_that_no_source_is_lost(plan.files, choice.policy);
+    check_targets(plan.files, choice.policy);
     return plan;
+}
+
+void check_targets(std::vector<BatchFile> const& files, OutputPolicy policy)
+{
+    check_that_targets_differ(files);
+    check_that_no_source_is_lost(files, policy);
 }
 
 std::optional<std::string> reason_to_skip(BatchFile const& file, OutputPolicy policy)
 {
     std::error_code error;
-    if (policy == OutputPolicy::kReplace || !fs::is_regular_file(file.target, error)) {
+    if (policy == OutputPolicy::kReplace || file.outdated || !fs::is_regular_file(file.target, error)) {
         return std::nullopt;
     }
     if (policy == OutputPolicy::kKeep) {

@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "batch_run.h"
 
-#include "map_usage.h"
 #include "picture_file.h"
 #include "put_text.h"
+#include "stale_temporaries.h"
 
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
 #include <fmt/format.h>
+#include <set>
+#include <unistd.h>
 #include <utility>
 
 namespace umbrix_cli {
@@ -14,20 +19,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char const* kCommand = "umbrix batch";
-
 /// One file at work.
 class PictureTask : public PoolTask {
 public:
-    PictureTask(BatchFile const& file, BatchOrders const& orders)
-        : file_(file), orders_(orders),
-          picture_(file.source, file.target, orders.policy != OutputPolicy::kKeep)
+    PictureTask(BatchFile const& file, Job job, BatchOrders const& orders)
+        : file_(file), job_(std::move(job)), orders_(orders),
+          picture_(file.source, file.target, file.outdated || orders.policy != OutputPolicy::kKeep)
     {
     }
 
     Job job() const override
     {
-        Job job = orders_.job;
+        Job job = job_;
         picture_.name_files(job);
         return job;
     }
@@ -41,6 +44,7 @@ public:
 
 private:
     BatchFile const& file_;
+    Job job_;
     BatchOrders const& orders_;
     PictureFile picture_;
 };
@@ -84,10 +88,81 @@ std::string kind_of(nlohmann::json const& report)
     return report.at("kind").get<Kind>() == Kind::kHeightMap ? "height map" : "normal map";
 }
 
+/// The files that there is something to do for. Those without and the failures go to @p report.
+std::vector<BatchFile> without_skipped(BatchPlan const& plan, OutputPolicy policy, BatchReport& report)
+{
+    for (Failure const& failure : plan.failures) {
+        BatchResult result;
+        result.source = failure.subject;
+        result.state = BatchState::kFailed;
+        result.reason = failure.what();
+        report.add(std::move(result));
+    }
+    std::vector<BatchFile> pending;
+    for (BatchFile const& file : plan.files) {
+        if (auto const reason = reason_to_skip(file, policy)) {
+            report.add_skipped(file.source, file.target, *reason);
+        } else {
+            pending.push_back(file);
+        }
+    }
+    return pending;
+}
+
+/// Lines for each of many files would bury the results.
+ProgressDisplay::Style style_of_many(ProgressDisplay::Style asked)
+{
+    bool const nobody_looks = asked == ProgressDisplay::Style::kAuto && isatty(STDERR_FILENO) == 0;
+    return nobody_looks ? ProgressDisplay::Style::kNone : asked;
+}
+
+void remove_what_killed_runs_left(std::vector<BatchFile> const& files)
+{
+    std::set<fs::path> folders;
+    for (BatchFile const& file : files) {
+        folders.insert(file.target.has_parent_path() ? file.target.parent_path() : fs::path("."));
+    }
+    std::for_each(folders.begin(), folders.end(), remove_stale_outputs);
+    remove_stale_scratch();
+}
+
 } // namespace
 
+void run_batch(BatchPlan const& plan, BatchOrders const& orders, Interrupts const& interrupts)
+{
+    auto const start = std::chrono::steady_clock::now();
+    BatchReport report(orders.json);
+    std::vector<BatchFile> const pending = without_skipped(plan, orders.policy, report);
+    bool complete = true;
+    if (orders.dry_run) {
+        for (BatchFile const& file : pending) {
+            report.plan(file.source, file.target);
+        }
+    } else {
+        remove_what_killed_runs_left(plan.files);
+        BatchRun run(pending, orders, report);
+        complete = run_pool(pending.size(), orders.workers, run, interrupts);
+    }
+    std::size_t const total = plan.files.size() + plan.failures.size();
+    std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start;
+    BatchSummary const summary = report.finish(total, taken.count());
+    if (!complete && summary.left > 0) {
+        throw Interrupted{fmt::format("{} files are left; {}", summary.left,
+                                      orders.policy == OutputPolicy::kReplace
+                                          ? "with --overwrite the same command begins anew"
+                                          : "the same command goes on with them")};
+    }
+    if (std::ferror(stdout) != 0) {
+        throw Failure("standard output", "it did not take all of the results", "the files are not affected");
+    }
+    if (summary.failed > 0) {
+        throw Failure(fmt::format("{} of {} files", summary.failed, total), "they failed",
+                      "the results tell why");
+    }
+}
+
 BatchRun::BatchRun(std::vector<BatchFile> files, BatchOrders const& orders, BatchReport& report)
-    : files_(std::move(files)), orders_(orders), report_(report), display_(orders.progress)
+    : files_(std::move(files)), orders_(orders), report_(report), display_(style_of_many(orders.progress))
 {
 }
 
@@ -100,11 +175,9 @@ std::unique_ptr<PoolTask> BatchRun::open(std::size_t index)
         ++finished_;
         return nullptr;
     }
-    if (orders_.job.task == Task::kMap) {
-        check_map_usage(orders_.job.settings, file.target.string());
-    }
+    Job job = orders_.job_for(file);
     make_folder_of(file.target);
-    auto task = std::make_unique<PictureTask>(file, orders_);
+    auto task = std::make_unique<PictureTask>(file, std::move(job), orders_);
     display_.show(fmt::format("{} of {} {}", index + 1, files_.size(), short_name(file.source)),
                   static_cast<int>(finished_ * 1000 / files_.size()));
     return task;
@@ -119,7 +192,7 @@ void BatchRun::note(std::size_t index, std::string const& file, std::string cons
         notes_[index].push_back(text);
     } else {
         display_.clear();
-        put_text(stderr, fmt::format("{}: note: {}: {}\n", kCommand, file, text));
+        put_text(stderr, fmt::format("{}: note: {}: {}\n", orders_.command, file, text));
     }
 }
 
@@ -150,7 +223,10 @@ void BatchRun::end(PoolEnding const& ending)
     }
     display_.clear();
     if (orders_.verbose && !ending.chatter.empty()) {
-        put_text(stderr, fmt::format("{}: {}:\n{}\n", kCommand, file.source.string(), ending.chatter));
+        put_text(stderr, fmt::format("{}: {}:\n{}\n", orders_.command, file.source.string(), ending.chatter));
+    }
+    if (orders_.ended) {
+        orders_.ended(file, result);
     }
     report_.add(std::move(result));
     ++finished_;
@@ -162,7 +238,8 @@ void BatchRun::stopping(std::size_t running)
     if (running > 0) {
         put_text(stderr,
                  fmt::format("{}: stopping when {} at work {} finished; press Ctrl-C again to stop at once\n",
-                             kCommand, running == 1 ? "the file" : fmt::format("the {} files", running),
+                             orders_.command,
+                             running == 1 ? "the file" : fmt::format("the {} files", running),
                              running == 1 ? "is" : "are"));
     }
 }

@@ -25,6 +25,7 @@ std::vector<std::uint8_t> pack(Job const& job)
         {"directions", job.directions},
         {"cell", job.cell},
         {"exposure", job.exposure},
+        {"list_job", job.list_job},
         {"stack", job.stack},
     };
     if (job.kind) {
@@ -55,6 +56,7 @@ Job unpack_job(std::vector<std::uint8_t> const& bytes)
     fields.at("directions").get_to(job.directions);
     fields.at("cell").get_to(job.cell);
     fields.at("exposure").get_to(job.exposure);
+    fields.at("list_job").get_to(job.list_job);
     fields.at("stack").get_to(job.stack);
     return job;
 }

@@ -12,7 +12,7 @@
 
 namespace umbrix_cli {
 
-enum class Task { kMap, kNormal, kRelight, kInfo, kStack, kDevices };
+enum class Task { kMap, kNormal, kRelight, kInfo, kStack, kDevices, kListJob };
 
 /// Everything that a worker is told. File names are bytes as the user gave them.
 struct Job {
@@ -34,6 +34,8 @@ struct Job {
     int cell = 0;       ///< Longest side of a picture of a turntable.
     double exposure = 0;
 
+    std::vector<std::uint8_t> list_job; ///< Jobs of work lists only, as `pack_list_job` writes them.
+
     StackJob stack; ///< Stacks only. `input` is the stack file, and `output` is not used.
 };
 
@@ -47,5 +49,6 @@ nlohmann::json run_relight_task(Job const& job);
 nlohmann::json run_info_task(Job const& job);
 nlohmann::json run_stack_task(Job const& job);
 nlohmann::json run_devices_task();
+nlohmann::json run_list_job_task(Job const& job);
 
 } // namespace umbrix_cli

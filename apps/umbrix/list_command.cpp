@@ -6,6 +6,7 @@
 #include "list_export_command.h"
 #include "list_import_command.h"
 #include "list_remove_command.h"
+#include "list_run_command.h"
 #include "list_set_command.h"
 #include "list_show_command.h"
 
@@ -29,7 +30,7 @@ CLI::App* ListCommand::declare(CLI::App& app)
         app.add_subcommand("list", "Keep a work list: jobs for many files, in a file of their own");
     command->require_subcommand(1, 1);
     for (auto& each : make_all<ListShowCommand, ListAddCommand, ListRemoveCommand, ListSetCommand,
-                               ListExportCommand, ListImportCommand>()) {
+                               ListRunCommand, ListExportCommand, ListImportCommand>()) {
         CLI::App* const action = each->declare(*command);
         action->footer(kExitCodesHelp);
         actions_.push_back({action, std::move(each)});

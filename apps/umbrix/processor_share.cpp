@@ -2,6 +2,7 @@
 #include "processor_share.h"
 
 #include <algorithm>
+#include <unistd.h>
 
 namespace umbrix_cli {
 
@@ -50,6 +51,15 @@ std::vector<ProcessorSet> share_processors(std::size_t parts)
 std::size_t processor_count()
 {
     return std::max<std::size_t>(usable_processors().size(), 1);
+}
+
+std::size_t default_workers()
+{
+    constexpr double kMemoryOfOne = 2.0 * 1024 * 1024 * 1024;
+    double const memory =
+        static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
+    auto const fitting = static_cast<std::size_t>(std::max(memory / kMemoryOfOne, 1.0));
+    return std::min(processor_count(), fitting);
 }
 
 ProcessorScope::ProcessorScope(ProcessorSet const* share)

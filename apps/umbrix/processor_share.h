@@ -17,6 +17,10 @@ std::vector<ProcessorSet> share_processors(std::size_t parts);
 /// How many processors this process may use, at least 1.
 std::size_t processor_count();
 
+/// Workers at a time, if the user does not say: as many as there are processors, but no more than have 2 GiB
+/// of memory each, which a worker on a picture of 4096 x 4096 stays below.
+std::size_t default_workers();
+
 /// While it lives, what the calling thread starts runs on the given processors only. A program that is
 /// started so sees no others, also when it sizes its teams of threads.
 class ProcessorScope {

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "command.h"
+#include "common_options.h"
+#include "graphics_option.h"
+#include "list_log.h"
+#include "workers_option.h"
+
+#include <string>
+
+namespace umbrix_cli {
+
+/// `umbrix list run`: does the jobs of a list.
+class ListRunCommand : public Command {
+public:
+    CLI::App* declare(CLI::App& app) override;
+    void run(Interrupts const& interrupts) override;
+
+private:
+    CommonOptions common_;
+    std::string file_;
+    Shard shard_;
+    WorkersOption workers_;
+    Graphics graphics_;
+    bool recurse_ = false;
+    bool dry_run_ = false;
+    bool json_ = false;
+};
+
+} // namespace umbrix_cli
