@@ -46,6 +46,9 @@ install(TARGETS umbrix velloric coralith EXPORT UmbrixLibTargets
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     FILE_SET HEADERS DESTINATION ${include_dir})
+if(TARGET coralith_cuda) # opened at run time by the library beside it
+    install(TARGETS coralith_cuda LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
 install(EXPORT UmbrixLibTargets NAMESPACE UmbrixLib:: DESTINATION ${package_dir})
 
 configure_package_config_file(cmake/UmbrixLibConfig.cmake.in UmbrixLibConfig.cmake INSTALL_DESTINATION ${package_dir})

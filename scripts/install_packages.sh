@@ -4,8 +4,8 @@
 # Without an argument: what the libraries and the command line need. With "tests": what the tests need besides.
 set -euo pipefail
 
-packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev"
-test_packages="libgtest-dev libgmock-dev libpng-dev python3"
+packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev opencl-c-headers"
+test_packages="libgtest-dev libgmock-dev libpng-dev python3 pocl-opencl-icd ocl-icd-libopencl1 oclgrind"
 
 if [ "${1-}" = tests ]; then
     packages="$packages $test_packages"

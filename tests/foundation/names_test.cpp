@@ -37,7 +37,7 @@ TEST(Names, AreReachableUnqualified)
     float4 pixel = {0.5f, 0.5f, 0.5f, 1.0f};
     brighten(&pixel, 1, 1, 0.25f);
     EXPECT_EQ(pixel.x, 0.75f);
-    EXPECT_EQ(DeviceCount(), 0);
+    EXPECT_GE(DeviceCount(), 1);
 }
 
 TEST(Names, LeaveTheOverloadsOfTheStandardLibraryAlone)
