@@ -46,6 +46,9 @@ install(TARGETS umbrix velloric coralith EXPORT UmbrixLibTargets
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library
     FILE_SET HEADERS DESTINATION ${include_dir} COMPONENT development)
+if(TARGET coralith_cuda) # opened at run time by the library beside it
+    install(TARGETS coralith_cuda LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
+endif()
 install(EXPORT UmbrixLibTargets NAMESPACE UmbrixLib:: DESTINATION ${package_dir} COMPONENT development)
 
 configure_package_config_file(cmake/UmbrixLibConfig.cmake.in UmbrixLibConfig.cmake INSTALL_DESTINATION ${package_dir})

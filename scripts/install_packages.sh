@@ -5,8 +5,10 @@
 # fuzz targets need besides.
 set -euo pipefail
 
-packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev"
-test_packages="libgtest-dev libgmock-dev libpng-dev python3 dpkg-dev file binutils g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel"
+packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev
+    opencl-c-headers"
+test_packages="libgtest-dev libgmock-dev libpng-dev python3 pocl-opencl-icd ocl-icd-libopencl1 oclgrind dpkg-dev file binutils
+    g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel"
 fuzz_packages="clang libclang-rt-14-dev libomp-14-dev"
 
 for group in "$@"; do

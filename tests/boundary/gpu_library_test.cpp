@@ -2,47 +2,57 @@
 #include "boundary/gpu_library.h"
 
 #include <gtest/gtest.h>
+#include <string>
 #include <vector>
 
 namespace {
 
-TEST(GpuLibrary, AnswersThatThereIsNoDevice)
+constexpr int kHost = -1; // any number that is no device's
+
+TEST(GpuLibrary, CountsTheHostAmongItsDevices)
 {
-    EXPECT_EQ(DeviceCount(), 0);
-    EXPECT_EQ(DeviceName(0), nullptr);
+    int const count = DeviceCount();
+    ASSERT_GE(count, 1);
+    for (int device = 0; device < count; ++device) {
+        EXPECT_NE(DeviceName(device), nullptr);
+    }
+    EXPECT_EQ(DeviceName(count), nullptr);
+    EXPECT_EQ(DeviceName(-1), nullptr);
+    SetDevice(count - 1);
+    EXPECT_STREQ(ActiveBackend(), "host");
 }
 
-TEST(GpuLibrary, StagesSayThatTheyDidNotRunAndLeaveBuffersAlone)
+TEST(GpuLibrary, TheHostRunsAStageThroughItsSlot)
 {
-    GPU_opt const gpu = {};
     umbrix_options options = {};
-    std::vector<float> heights(4, 0.5f);
-    std::vector<float3> normals(4, float3{0.1f, 0.2f, 0.3f});
-    std::vector<float4> map(4, float4{0.1f, 0.2f, 0.3f, 0.4f});
-    std::string status = "before";
-    int progress = 7;
-    SetDevice(0);
+    options.h_contrast = -1.0f;
+    options.h_max = 255;
+    std::vector<float> heights = {0.1f, 0.2f, 0.8f, 0.9f};
+    SetDevice(kHost);
     SetDest(heights.data(), 2, 2);
-    SetDest(normals.data(), 2, 2);
-    SetDest(map.data(), 2, 2);
-    SetSrc(heights.data(), 2, 2);
-    SetSrc(normals.data(), 2, 2);
-    EXPECT_FALSE(PreProcess_GPU(gpu, heights.data(), 2, 2, options));
-    EXPECT_FALSE(PostProcess_GPU(gpu, map.data(), 2, 2, options));
-    EXPECT_FALSE(HeightToNormal_GPU(gpu, heights.data(), 2, 2, 1.0f, 0.0f, 0.0f, 0.0f, &status, &progress));
-    UmbrixNormal_GPU(gpu, normals.data(), 0, 2, 2);
-    DirectionalAO_GPU(heights.data(), 2, 2, 4, 90.0f, 90.0f, 0.5f, 0, true, true, true, 0, &progress);
+    EXPECT_TRUE(PreProcess_GPU({}, heights.data(), 2, 2, options));
+    EXPECT_EQ(heights[3], 0.9f) << "the result waits in the slot";
     GetDest(heights.data(), 2, 2);
-    GetDest(normals.data(), 2, 2);
-    GetDest(map.data(), 2, 2);
+    DeleteDest();
+    EXPECT_EQ(heights, (std::vector<float>{0.5f, 0.5f, 0.5f, 0.5f})) << "mid-grey";
+}
+
+TEST(GpuLibrary, WithoutAResultTheBufferStaysAndTheReasonIsAtHand)
+{
+    std::vector<std::string> static lines;
+    report_handler const before = SetReportHandler([](char const* line) { lines.emplace_back(line); });
+    EXPECT_EQ(before, nullptr);
+    std::vector<float3> normals(4, float3{0.1f, 0.2f, 0.3f});
     DeleteDest();
     DeleteDest();
     DeleteSrc();
-    EXPECT_EQ(heights[3], 0.5f);
+    GetDest(normals.data(), 2, 2);
     EXPECT_EQ(normals[3].z, 0.3f);
-    EXPECT_EQ(map[3].w, 0.4f);
-    EXPECT_EQ(status, "before");
-    EXPECT_EQ(progress, 7);
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0], LastError());
+    GetDest(normals.data(), 2, 2);
+    EXPECT_EQ(lines.size(), 1U) << "said once";
+    EXPECT_NE(SetReportHandler(nullptr), nullptr);
 }
 
 } // namespace

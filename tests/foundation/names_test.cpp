@@ -37,7 +37,6 @@ TEST(Names, AreReachableUnqualified)
     float4 pixel = {0.5f, 0.5f, 0.5f, 1.0f};
     brighten(&pixel, 1, 1, 0.25f);
     EXPECT_EQ(pixel.x, 0.75f);
-    EXPECT_EQ(DeviceCount(), 0);
     char text[] = "rock_n.tga";
     EXPECT_EQ(toupper(text), "ROCK_N.TGA");
     EXPECT_EQ(strrpos(text, '.'), 6);
@@ -53,6 +52,7 @@ TEST(Names, AreReachableUnqualified)
     umbrix_list list;
     EXPECT_EQ(list.get_rays(0), umbrix_data().rays);
     EXPECT_EQ(list.get_node(0).filename, umbrix_node().filename);
+    EXPECT_GE(DeviceCount(), 1);
 }
 
 TEST(Names, LeaveTheOverloadsOfTheStandardLibraryAlone)

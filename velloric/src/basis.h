@@ -20,5 +20,7 @@ inline constexpr float3 kBasisB = {static_cast<float>(-kInverseSqrt6), static_ca
                                    static_cast<float>(kInverseSqrt3)};
 inline constexpr float3 kBasisC = {static_cast<float>(kSqrtThreeHalves), 0.0f,
                                    static_cast<float>(kInverseSqrt3)};
+/// kBasisC divided by its length: (3, 0, sqrt(2)) / sqrt(11).
+inline constexpr float3 kUnitBasisC = {0.904534033733290872f, 0.0f, 0.426401432711220868f};
 
 } // namespace velloric

@@ -12,9 +12,7 @@ using umbrixlib::detail::wide;
 using velloric::kBasisA;
 using velloric::kBasisB;
 using velloric::kBasisC;
-
-/// kBasisC divided by its length: (3, 0, sqrt(2)) / sqrt(11).
-constexpr float3 kUnitBasisC = {0.904534033733290872f, 0.0f, 0.426401432711220868f};
+using velloric::kUnitBasisC;
 
 /// Light that falls along @p basis on a surface with @p normal. The products are exact and the sum is taken
 /// in the order of `normal2umbrix`; the caller rounds it once.
