@@ -31,14 +31,19 @@ CORALITH_API void SetDevice(int device);
 
 /// Prepares the destination slot of an element type from a host buffer.
 CORALITH_API void SetDest(float* buffer, int rows, int cols);
+/// @overload
 CORALITH_API void SetDest(float3* buffer, int rows, int cols);
+/// @overload
 CORALITH_API void SetDest(float4* buffer, int rows, int cols);
 /// Prepares the source slot of an element type from a host buffer.
 CORALITH_API void SetSrc(float* buffer, int rows, int cols);
+/// @overload
 CORALITH_API void SetSrc(float3* buffer, int rows, int cols);
 /// Copies the result of the last stage into a host buffer; without one the buffer is left alone.
 CORALITH_API void GetDest(float* buffer, int rows, int cols);
+/// @overload
 CORALITH_API void GetDest(float3* buffer, int rows, int cols);
+/// @overload
 CORALITH_API void GetDest(float4* buffer, int rows, int cols);
 /// Gives up all destination slots. Nothing to give up is no error.
 CORALITH_API void DeleteDest();
