@@ -1,20 +1,26 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs the Debian packages that are missing. Usage: scripts/install_packages.sh [tests] [fuzz]
-# Without an argument: what the libraries and the command line need. With "tests" and "fuzz": what the tests and the
-# fuzz targets need besides.
+# Installs the Debian packages that are missing. Usage: scripts/install_packages.sh [tests|fuzz|bench|docs]...
+# Without an argument: what the libraries and the command line need. With "tests", "fuzz" and "bench": what these need
+# besides. With "docs" alone: what the site of the documents needs, and nothing else.
 set -euo pipefail
 
-packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev
-    opencl-c-headers"
+build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libfmt-dev libcli11-dev nlohmann-json3-dev
+    libtomlplusplus-dev opencl-c-headers"
+docs_packages="doxygen"
 test_packages="libgtest-dev libgmock-dev libpng-dev python3 pocl-opencl-icd ocl-icd-libopencl1 oclgrind dpkg-dev file binutils
-    g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel"
+    g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel $docs_packages"
 fuzz_packages="clang libclang-rt-14-dev libomp-14-dev"
+bench_packages="libpng-dev libopencv-dev libembree-dev cimg-dev python3"
 
+packages=$build_packages
+[ "$*" != docs ] || packages=
 for group in "$@"; do
     case $group in
         tests) packages="$packages $test_packages" ;;
         fuzz) packages="$packages $fuzz_packages" ;;
+        bench) packages="$packages $bench_packages" ;;
+        docs) packages="$packages $docs_packages" ;;
         *) echo "There is no group of packages called $group" >&2; exit 2 ;;
     esac
 done

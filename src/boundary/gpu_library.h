@@ -45,15 +45,20 @@ CORALITH_API void SetDevice(int device);
 /// Fills the destination slot of an element type from a host buffer. A slot that is taken is overwritten.
 /// Null leaves it as it is.
 CORALITH_API void SetDest(float* buffer, int rows, int cols);
+/// @overload
 CORALITH_API void SetDest(float3* buffer, int rows, int cols);
+/// @overload
 CORALITH_API void SetDest(float4* buffer, int rows, int cols);
 /// Fills the source slot of an element type from a host buffer.
 CORALITH_API void SetSrc(float* buffer, int rows, int cols);
+/// @overload
 CORALITH_API void SetSrc(float3* buffer, int rows, int cols);
 /// Copies the destination slot of an element type into a host buffer. With no slot of this type and size the
 /// buffer is left alone, and that is reported.
 CORALITH_API void GetDest(float* buffer, int rows, int cols);
+/// @overload
 CORALITH_API void GetDest(float3* buffer, int rows, int cols);
+/// @overload
 CORALITH_API void GetDest(float4* buffer, int rows, int cols);
 /// Gives up all destination slots. Nothing to give up is no error.
 CORALITH_API void DeleteDest();

@@ -9,10 +9,11 @@ inline namespace umbrix_v0 {
 template <typename T>
 class LinkedList {
 public:
+    /// One record of the list and its neighbours, null at the ends.
     struct node {
-        T data;
-        node* next;
-        node* prev;
+        T data;     ///< The record.
+        node* next; ///< Towards the tail.
+        node* prev; ///< Towards the head.
     };
 
     LinkedList() = default;
@@ -76,9 +77,9 @@ public:
     /// As `Remove(0)`. The caller guarantees at least one node.
     T RemoveFirst() { return unlink(head); }
 
-    node* head = nullptr;
-    node* tail = nullptr;
-    int count = 0;
+    node* head = nullptr; ///< First node, null if empty.
+    node* tail = nullptr; ///< Last node, null if empty.
+    int count = 0;        ///< Number of records.
 
 private:
     void append_all(LinkedList const& source)

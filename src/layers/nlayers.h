@@ -10,8 +10,8 @@ inline namespace umbrix_v0 {
 
 /// Size of a layer, in texels.
 struct layer_size {
-    int height = 0;
-    int width = 0;
+    int height = 0; ///< Rows.
+    int width = 0;  ///< Columns.
 };
 
 /// Ordered stack of height and normal layers, from which one normal map and one height map are blended.
@@ -74,7 +74,7 @@ public:
     /// Exchanges layer @p index with the one after it.
     void MoveLayerDown(int index);
 
-    int Count();
+    int Count();                   ///< Number of layers.
     float3* GetLayer(int index);   ///< Normals, the stack's; null if blank or out of range.
     int GetLayerWidth(int index);  ///< 0 out of range.
     int GetLayerHeight(int index); ///< 0 out of range.

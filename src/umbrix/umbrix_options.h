@@ -56,28 +56,28 @@ struct umbrix_options {
     bool normal_flag_2;       ///< Handed to `HeightToNormal`, which does not read it.
     int mode;                 ///< Handed to `HeightToNormal`, which does not read it.
 
-    bool recurse;              ///< A folder batch descends into subfolders.
-    bool* cancel;              ///< Stop flag polled by a folder batch.
-    std::uint32_t reserved_37; ///< Holds its place for the graphics library, as all `reserved` fields do.
-    int image_width;           ///< Written by a run: its width.
-    int image_height;          ///< Written by a run: its height.
-    float3 basis_a;            ///< Basis vector of the band at azimuth 120, output channel z.
-    float3 basis_b;            ///< Basis vector of the band at azimuth 240, output channel y.
-    float3 basis_c;            ///< Basis vector of the band at azimuth 0, output channel x.
-    std::uint32_t reserved_43;
-    float3** table_a; ///< Working fields of `height2umbrix`, dangling after it returned.
-    float3** table_b;
-    float3** table_c;
-    float3* dir_a;
-    float3* dir_b;
-    float3* dir_c;
-    std::uint32_t reserved_50;
-    bool normal_flag_3; ///< Handed to `HeightToNormal`, which does not read it.
-    std::uint32_t reserved_52[2];
+    bool recurse;                 ///< A folder batch descends into subfolders.
+    bool* cancel;                 ///< Stop flag polled by a folder batch.
+    std::uint32_t reserved_37;    ///< Holds its place for the graphics library, as all `reserved` fields do.
+    int image_width;              ///< Written by a run: its width.
+    int image_height;             ///< Written by a run: its height.
+    float3 basis_a;               ///< Basis vector of the band at azimuth 120, output channel z.
+    float3 basis_b;               ///< Basis vector of the band at azimuth 240, output channel y.
+    float3 basis_c;               ///< Basis vector of the band at azimuth 0, output channel x.
+    std::uint32_t reserved_43;    ///< Not read.
+    float3** table_a;             ///< Working field of `height2umbrix`, dangling after it returned.
+    float3** table_b;             ///< As `table_a`.
+    float3** table_c;             ///< As `table_a`.
+    float3* dir_a;                ///< As `table_a`.
+    float3* dir_b;                ///< As `table_a`.
+    float3* dir_c;                ///< As `table_a`.
+    std::uint32_t reserved_50;    ///< Not read.
+    bool normal_flag_3;           ///< Handed to `HeightToNormal`, which does not read it.
+    std::uint32_t reserved_52[2]; ///< Not read.
     bool keep_buffers; ///< Leave the three buffers below to the caller, who frees them with array delete.
-    std::uint32_t reserved_54;
-    float3* ao_map;     ///< Occlusion per texel. Dangles after a run without `keep_buffers`.
-    float3* normal_map; ///< Normals per texel, only with `keep_buffers`.
+    std::uint32_t reserved_54; ///< Not read.
+    float3* ao_map;            ///< Occlusion per texel. Dangles after a run without `keep_buffers`.
+    float3* normal_map;        ///< Normals per texel, only with `keep_buffers`.
     /// Heights for the caller. `UmbrixFile`: before filtering, only with `keep_buffers` and `preserve`.
     /// `UmbrixFile_GPU`: after every run, filtered; all 1 without `preserve`.
     float* height_copy;
