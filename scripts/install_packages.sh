@@ -1,15 +1,18 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs the Debian packages that are missing. Usage: scripts/install_packages.sh [tests]
-# Without an argument: what the libraries and the command line need. With "tests": what the tests need besides.
+# Installs the Debian packages that are missing. Usage: scripts/install_packages.sh [tests|bench]
+# Without an argument: what the libraries and the command line need. With "tests": what the tests need besides. With
+# "bench": what the benchmarks need besides, the libraries that ours is compared with among it.
 set -euo pipefail
 
 packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev"
 test_packages="libgtest-dev libgmock-dev libpng-dev python3"
+bench_packages="libembree-dev libopencv-dev cimg-dev libpng-dev python3"
 
-if [ "${1-}" = tests ]; then
-    packages="$packages $test_packages"
-fi
+case "${1-}" in
+    tests) packages="$packages $test_packages" ;;
+    bench) packages="$packages $bench_packages" ;;
+esac
 
 if ! command -v dpkg-query > /dev/null || ! command -v apt-get > /dev/null; then
     echo "This is no Debian system: taking it that what these packages hold is there: $packages" >&2
