@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Measures the speed of everything that has a bar, and prints one table: bar, figure, whether it holds. Installs what
+# is missing, the libraries that ours is compared with among it, and builds first.
+# Usage: scripts/bench.sh [--quick] [--write-docs]
+#   --quick       fewer maps, sets, rows and rounds: five minutes instead of twenty, and less exact
+#   --write-docs  puts the tables into docs/performance.md
+# The figures are those of the machine as it is: let it do nothing else meanwhile.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+quick=""
+docs=""
+for word in "$@"; do
+    case "$word" in
+        --quick) quick=--quick ;;
+        --write-docs) docs="--docs docs/performance.md" ;;
+        *)
+            sed -n '3,8s/^# //p' "$0" >&2
+            exit 2
+            ;;
+    esac
+done
+
+scripts/install_packages.sh bench
+cmake --preset bench -DUMBRIX_BENCH_COMPARE=ON
+cmake --build --preset bench --parallel "$(nproc)"
+
+programs=build/bench/bench
+records=build/bench/records.jsonl
+unset OMP_NUM_THREADS
+: > "$records"
+for program in machine_limits compare/compare_occlusion compare/compare_gaussian compare/compare_bilateral \
+    compare/compare_normals compare/compare_tone layer_blends occlusion_threads occlusion_scaling whole_file \
+    start_up memory; do
+    echo "$(date +%T) measuring: ${program#compare/}" >&2
+    "$programs/$program" $quick >> "$records"
+done
+
+echo
+# shellcheck disable=SC2086 # the options are meant to fall into words
+python3 -B bench/tables/make_tables.py "$records" build/bench --date "$(date -u +%F)" $quick $docs
