@@ -16,7 +16,8 @@ namespace velloric {
 /// One step of a ray inside a block.
 struct RayStep {
     std::int32_t offset; ///< From the block's first step to this one, in elements of the plane.
-    std::uint32_t rise; ///< Levels climbed up to the block's next step, `repeated` by the lattice; 0 at its last.
+    std::uint32_t
+        rise; ///< Levels climbed up to the block's next step, `repeated` by the lattice; 0 at its last.
 
     int levels() const { return static_cast<int>(rise & 0xffffU); } ///< Of 16-bit levels.
 };
@@ -44,8 +45,8 @@ struct ReducedRay {
     float steps_per_level;  ///< Enough steps to climb one level.
 };
 
-/// Rays that are reduced to the same lattice, neighbours in azimuth next to each other so that they pass over the same
-/// strips of memory.
+/// Rays that are reduced to the same lattice, neighbours in azimuth next to each other so that they pass over
+/// the same strips of memory.
 struct RayBundle {
     std::vector<RayStep> steps;
     std::vector<RayBlock> blocks;
@@ -54,8 +55,8 @@ struct RayBundle {
 
 /// Rays of one band, each in the form that suits it.
 struct RayShare {
-    RayBundle bytes; ///< Reduced to steps in 8-bit levels.
-    RayBundle words; ///< Reduced to steps in 16-bit levels.
+    RayBundle bytes;      ///< Reduced to steps in 8-bit levels.
+    RayBundle words;      ///< Reduced to steps in 16-bit levels.
     std::vector<ray> odd; ///< Rays that no reduction fits: they sink, leap, or are not numbers.
 
     std::size_t rays() const { return bytes.rays.size() + words.rays.size() + odd.size(); }

@@ -38,8 +38,8 @@ public:
     }
     /// A climb that is beyond every height of the map comes out as some level above `most_climb()`.
     int climb(float z) const { return static_cast<int>(std::min(static_cast<double>(z) * scale_, 65536.0)); }
-    /// Whether a step with climb @p z may be compared in levels: it is so far from a whole number of them that
-    /// rounding decides nothing.
+    /// Whether a step with climb @p z may be compared in levels: it is so far from a whole number of them
+    /// that rounding decides nothing.
     bool certain(float z) const
     {
         double const levels = static_cast<double>(z) * scale_;
@@ -68,7 +68,8 @@ private:
 
     /// The fewest levels that @p heights, some of the map's, are.
     static std::optional<ByteLattice> spaced(Relief const& relief, std::vector<double> const& heights);
-    /// How far the heights of the map, of which @p heights are some, are at most from their levels, in levels.
+    /// How far the heights of the map, of which @p heights are some, are at most from their levels, in
+    /// levels.
     double largest_error(Relief const& relief, std::vector<double> const& heights) const;
 
     double origin_;

@@ -22,10 +22,10 @@ public:
     using Level = std::int16_t;
 
     static constexpr bool kSettles = true; ///< Rays may be left in doubt, to be settled in floats.
-    static constexpr int kNever = 0;      ///< Level of what never blocks: outside the map, or not a number.
-    static constexpr int kLowest = 8;     ///< Level of the lowest height.
-    static constexpr int kSurely = 3;     ///< D from here on: blocked.
-    static constexpr int kSurelyNot = -2; ///< D up to here: not blocked.
+    static constexpr int kNever = 0;       ///< Level of what never blocks: outside the map, or not a number.
+    static constexpr int kLowest = 8;      ///< Level of the lowest height.
+    static constexpr int kSurely = 3;      ///< D from here on: blocked.
+    static constexpr int kSurelyNot = -2;  ///< D up to here: not blocked.
     /// Own level of texels that are open to every ray; above all others.
     static constexpr int kAlwaysOpen = 32700;
 

@@ -124,7 +124,8 @@ private:
             add_odd(tile, turn.share.odd, blocked);
         }
         for (int row = 0; row < tile.rows; ++row) {
-            float* const results = &occlusion_[static_cast<long long>(tile.row + row) * relief_.cols].x + channel;
+            float* const results =
+                &occlusion_[static_cast<long long>(tile.row + row) * relief_.cols].x + channel;
             finish_row(blocked[row], results + 3 * static_cast<long long>(tile.column), tile.columns, turn);
         }
     }
@@ -135,7 +136,8 @@ private:
             for (int column = 0; column < tile.columns; ++column) {
                 for (ray const& each : odd) {
                     bool const escapes = ray_escapes(relief_, each, tile.row + row, tile.column + column);
-                    blocked[row][column] = static_cast<std::uint16_t>(blocked[row][column] + (escapes ? 0 : 1));
+                    blocked[row][column] =
+                        static_cast<std::uint16_t>(blocked[row][column] + (escapes ? 0 : 1));
                 }
             }
         }

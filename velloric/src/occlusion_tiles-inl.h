@@ -50,8 +50,8 @@ HWY_INLINE int smallest_lane(D /*d*/, hn::Vec<D> v)
         hn::Repartition<std::uint16_t, D> const du; // the form that some processors have an instruction for
         auto const words = hn::BitCast(du, v);
         if constexpr (sizeof(hn::TFromD<D>) == 1) {
-            return hn::GetLane(hn::MinOfLanes(
-                du, hn::Min(hn::And(words, hn::Set(du, 0xff)), hn::ShiftRight<8>(words))));
+            return hn::GetLane(
+                hn::MinOfLanes(du, hn::Min(hn::And(words, hn::Set(du, 0xff)), hn::ShiftRight<8>(words))));
         } else {
             return hn::GetLane(hn::MinOfLanes(du, words));
         }
@@ -77,8 +77,8 @@ struct Words {
     static HWY_INLINE V climb_far(V level, int levels)
     {
         hn::RebindToUnsigned<D> const du;
-        return hn::BitCast(D(), hn::SaturatedSub(hn::BitCast(du, level),
-                                                 hn::Set(du, static_cast<std::uint16_t>(levels))));
+        return hn::BitCast(
+            D(), hn::SaturatedSub(hn::BitCast(du, level), hn::Set(du, static_cast<std::uint16_t>(levels))));
     }
     /// The smaller of @p lowest and the own levels of lanes that are not surely blocked.
     static HWY_INLINE V lowest_undecided(V lowest, V own, V most)
