@@ -10,7 +10,6 @@
 // the windows that hold them.
 #include "bilateral_row.h"
 #include "boundary/texture_kernels.h"
-#include "exponential.h"
 #include "foundation/rounding.h"
 
 #include <algorithm>
@@ -25,8 +24,6 @@ namespace {
 
 using umbrixlib::detail::to_int;
 using umbrixlib::detail::wide;
-
-constexpr std::size_t kRangeEntries = 256;
 
 /// An image of @p kChannels interleaved floats, of which one at a time is looked at.
 template <std::size_t kChannels, typename Float>
@@ -50,13 +47,6 @@ std::vector<float> spatial_weights(float const* spatial, std::size_t radius)
         }
     }
     return weights;
-}
-
-bool is_gaussian(float const* range)
-{
-    float known[kRangeEntries] = {};
-    GenerateExp(kRangeSigma, known);
-    return std::memcmp(range, known, sizeof known) == 0;
 }
 
 /// Copies a row, continued by wrapping on both sides.
@@ -87,7 +77,7 @@ void filter_rows(Channel<kChannels, float const> source, Channel<kChannels, floa
     std::vector<float> const weights = spatial_weights(spatial, radius);
     std::vector<float> copies((rows_at_once + 2 * radius) * stride);
     std::vector<float> result(padded_width);
-    BilateralWindow window = {copies.data(), stride, radius, weights.data(), range, is_gaussian(range)};
+    BilateralWindow window = {copies.data(), stride, radius, weights.data(), range, is_gaussian_range(range)};
 
     for (std::size_t first = begin; first < end; first += rows_at_once) {
         std::size_t const count = std::min(rows_at_once, end - first);
