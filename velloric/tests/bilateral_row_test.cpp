@@ -4,6 +4,7 @@
 /// so the loop is handed a table that it must not read.
 
 #include "bilateral_row.h"
+#include "bilateral_sheet.h"
 
 #include "bilateral_filter_reference.h"
 #include "boundary/texture_kernels.h"
@@ -89,6 +90,22 @@ TEST(BilateralRow, MakesTheWeightsOfTheUsualTable)
         EXPECT_SAME_BITS(of_other, row_filtered(image, spatial, other, false));
         EXPECT_SAME_BITS(of_usual, row_filtered(image, spatial, usual, false));
     });
+}
+
+TEST(BilateralSheet, IsFilteredUnlessItsWindowIsLarge)
+{
+    for (std::size_t const radius : {std::size_t{1}, std::size_t{10}, std::size_t{11}}) {
+        std::size_t const stride = velloric::kBilateralBlock * 2 + 4 * radius;
+        std::vector<float> const texels((2 * radius + 1) * stride);
+        std::vector<float> const spatial((radius + 1) * (2 * radius + 1), 1.0f);
+        umbrixlib::test::for_every_target([&](char const* target) {
+            std::vector<float> results(velloric::kBilateralBlock, 1.0f);
+            bool const done = velloric::filter_sheet({texels.data(), stride, radius, spatial.data(), 1, 5,
+                                                      results.data(), velloric::kBilateralBlock});
+            EXPECT_EQ(done, radius < 11 && multiplies_and_adds_at_once(target)) << target << ", " << radius;
+            EXPECT_EQ(results[4], done ? 0.0f : 1.0f);
+        });
+    }
 }
 
 TEST(BilateralRow, KnowsTheUsualTableFromAnyOther)
