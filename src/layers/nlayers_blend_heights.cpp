@@ -5,9 +5,11 @@
 #include "boundary/texture_kernels.h"
 #include "filters/blend_internal.h"
 #include "filters/recursive_gaussian.h"
+#include "layers/height_overlay.h"
 #include "layers/layer_access_internal.h"
 #include "normals/filter_tables_internal.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace umbrixlib::detail {
@@ -106,21 +108,25 @@ void filter_layer(float const* layer, n_layer const& record, bool blurs, layer_s
 
 /// blend = cross-fade from blend to @p second of (layer, blend), which gives a double.
 template <typename Second>
-void fade(float* blend, float const* layer, layer_size size, float fraction, bool on_all_threads,
-          Second second)
+void fade(float* blend, float const* layer, layer_size size, float fraction, Second second)
 {
     std::ptrdiff_t const texels = texels_of(size);
     double const t = wide(fraction);
-#pragma omp parallel for schedule(static) if (on_all_threads)
+#pragma omp parallel for schedule(static)
     for (std::ptrdiff_t i = 0; i < texels; ++i) {
         blend[i] = cross_fade(second(layer[i], blend[i]), blend[i], t);
     }
 }
 
-/// The overlay of l on b, weighted by b itself, which is not limited to 0..1.
-double overlaid(float l, float b)
+void overlay(float* blend, float const* layer, layer_size size, float fraction, bool on_all_threads)
 {
-    return wide(narrow(wide(screen_of(l, b)) * wide(b) + wide(product_of(l, b)) * (1.0 - wide(b))));
+    constexpr std::ptrdiff_t kBlock = 4096; // texels that a thread takes at once
+    std::ptrdiff_t const texels = texels_of(size);
+#pragma omp parallel for schedule(static) if (on_all_threads)
+    for (std::ptrdiff_t at = 0; at < texels; at += kBlock) {
+        overlay_heights(blend + at, layer + at, fraction,
+                        static_cast<std::size_t>(std::min(kBlock, texels - at)));
+    }
 }
 
 /// Folds @p layer into @p blend. @p before is the record of the layer before this one, @p own its own.
@@ -132,20 +138,20 @@ void join(float* blend, float const* layer, layer_size size, n_layer const& befo
     // NLayersHeights.OpacityIsLimitedInBlendAndOverlayOnly
     switch (before.blend_mode) {
     case kLayerBlend:
-        fade(blend, layer, size, limited_fraction_of(before.opacity), true,
+        fade(blend, layer, size, limited_fraction_of(before.opacity),
              [](float l, float /*b*/) { return wide(l); });
         break;
     case kLayerOverlay:
-        fade(blend, layer, size,
-             limited_fraction_of(rules.overlay_by_own_opacity ? own.opacity : before.opacity),
-             rules.overlay_on_all_threads, overlaid);
+        overlay(blend, layer, size,
+                limited_fraction_of(rules.overlay_by_own_opacity ? own.opacity : before.opacity),
+                rules.overlay_on_all_threads);
         break;
     case kLayerMultiply:
-        fade(blend, layer, size, fraction_of(before.opacity), true,
+        fade(blend, layer, size, fraction_of(before.opacity),
              [](float l, float b) { return wide(l) * wide(b); });
         break;
     default:
-        fade(blend, layer, size, fraction_of(before.opacity), true,
+        fade(blend, layer, size, fraction_of(before.opacity),
              [](float l, float b) { return wide(l) + wide(b); });
         break;
     }

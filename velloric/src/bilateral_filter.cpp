@@ -9,8 +9,8 @@
 // texel whose weights do not sum up to more than 0 keeps its value. Values that are not numbers spread over
 // the windows that hold them.
 #include "bilateral_row.h"
+#include "bilateral_sheet.h"
 #include "boundary/texture_kernels.h"
-#include "exponential.h"
 #include "foundation/rounding.h"
 
 #include <algorithm>
@@ -25,8 +25,6 @@ namespace {
 
 using umbrixlib::detail::to_int;
 using umbrixlib::detail::wide;
-
-constexpr std::size_t kRangeEntries = 256;
 
 /// An image of @p kChannels interleaved floats, of which one at a time is looked at.
 template <std::size_t kChannels, typename Float>
@@ -52,13 +50,6 @@ std::vector<float> spatial_weights(float const* spatial, std::size_t radius)
     return weights;
 }
 
-bool is_gaussian(float const* range)
-{
-    float known[kRangeEntries] = {};
-    GenerateExp(kRangeSigma, known);
-    return std::memcmp(range, known, sizeof known) == 0;
-}
-
 /// Copies a row, continued by wrapping on both sides.
 template <std::size_t kChannels>
 void copy_wrapped(float const* row, std::size_t width, std::size_t border, float* copy)
@@ -82,23 +73,32 @@ void filter_rows(Channel<kChannels, float const> source, Channel<kChannels, floa
 {
     std::size_t const width = source.width;
     std::size_t const padded_width = (width + kBilateralBlock - 1) / kBilateralBlock * kBilateralBlock;
-    std::size_t const stride = padded_width + 2 * radius;
-    std::size_t const rows_at_once = std::min(end - begin, std::max<std::size_t>(2 * radius, 32));
+    std::size_t const border = 2 * radius;
+    std::size_t const stride = padded_width + 2 * border + kBilateralBlock;
+    // Many times the rows that are only read by the windows' edges; for large windows, memory counts more.
+    std::size_t const worth_while = std::max<std::size_t>(std::min<std::size_t>(8 * radius, 80), 2 * radius);
+    std::size_t const rows_at_once = std::min(end - begin, std::max<std::size_t>(worth_while, 32));
     std::vector<float> const weights = spatial_weights(spatial, radius);
     std::vector<float> copies((rows_at_once + 2 * radius) * stride);
-    std::vector<float> result(padded_width);
-    BilateralWindow window = {copies.data(), stride, radius, weights.data(), range, is_gaussian(range)};
+    std::vector<float> results(rows_at_once * padded_width);
+    BilateralWindow window = {copies.data(), stride, radius, weights.data(), range, is_gaussian_range(range)};
 
     for (std::size_t first = begin; first < end; first += rows_at_once) {
         std::size_t const count = std::min(rows_at_once, end - first);
         std::size_t const rows_before = source.height - radius % source.height;
         for (std::size_t i = 0; i < count + 2 * radius; ++i) {
-            copy_wrapped<kChannels>(source.row((first + rows_before + i) % source.height), width, radius,
+            copy_wrapped<kChannels>(source.row((first + rows_before + i) % source.height), width, border,
                                     copies.data() + i * stride);
         }
+        bool const done =
+            window.range_is_gaussian && filter_sheet({copies.data(), stride, radius, weights.data(), count,
+                                                      width, results.data(), padded_width});
         for (std::size_t i = 0; i < count; ++i) {
-            window.texels = copies.data() + i * stride;
-            filter_row(window, result.data(), width);
+            float* const result = &results[i * padded_width];
+            if (!done) {
+                window.texels = copies.data() + i * stride + radius;
+                filter_row(window, result, width);
+            }
             float* const row = destination.row(first + i);
             for (std::size_t x = 0; x < width; ++x) {
                 row[x * kChannels] = result[x];

@@ -16,8 +16,13 @@ struct BilateralWindow {
     std::size_t radius;     ///< The window has 2 * radius + 1 rows and columns.
     float const* spatial;   ///< radius + 1 rows, by |dy|, of 2 * radius + 1 weights, by dx.
     float const* range;     ///< 256 weights by difference.
-    bool range_is_gaussian; ///< `range` is what `GenerateExp(128, range)` leaves in a table of zeros.
+    bool range_is_gaussian; ///< As of `is_gaussian_range`. Where multiplying and adding are one
+                            ///< instruction, `range` is not read then.
 };
+
+/// Whether @p range is what `GenerateExp(128, range)` leaves in a table of zeros, so that `filter_row` may
+/// make its weights instead of fetching them.
+bool is_gaussian_range(float const* range);
 
 /// Filters @p width texels of one row into @p result. A texel whose weights do not sum up to more than 0
 /// keeps its value.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "blend_row.h"
 #include "boundary/texture_kernels.h"
 #include "foundation/rounding.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace {
@@ -46,17 +48,21 @@ void combine_pixel(float3 const& first, float3 const& second, float3& result, do
               combine(first.z, second.z, share)};
 }
 
-template <Combine combine>
-void combine_all(double share, float3 const* first, float3 const* second, float3* result, int height,
-                 int width)
+using BlendRow = void (*)(float const* first, float const* second, float* result, std::size_t count,
+                          double share);
+
+/// Every channel is blended by itself, so the maps are rows of floats.
+void combine_all(BlendRow blend_row, double share, float3 const* first, float3 const* second, float3* result,
+                 int height, int width)
 {
     if (height < 1 || width < 1) {
         return;
     }
+    constexpr std::size_t kBlock = 4096; // pixels that a thread takes at once
     std::size_t const count = static_cast<std::size_t>(height) * static_cast<std::size_t>(width);
 #pragma omp parallel for schedule(static)
-    for (std::size_t i = 0; i < count; ++i) {
-        combine_pixel<combine>(first[i], second[i], result[i], share);
+    for (std::size_t at = 0; at < count; at += kBlock) {
+        blend_row(&first[at].x, &second[at].x, &result[at].x, 3 * std::min(kBlock, count - at), share);
     }
 }
 
@@ -78,8 +84,8 @@ void combine_share(double share, float3 const* first, float3 const* second, floa
 void Blend(BlendType type, float opacity, float3* first, float3* second, float3* result, int height,
            int width)
 {
-    auto const apply = type == BlendType_Overlay ? combine_all<overlay_fade> : combine_all<cross_fade>;
-    apply(share(opacity), first, second, result, height, width);
+    auto const row = type == BlendType_Overlay ? velloric::overlay_fade_row : velloric::cross_fade_row;
+    combine_all(row, share(opacity), first, second, result, height, width);
 }
 
 void Blend(BlendType type, float opacity, float3* first, float3* second, float3* result, int height,
@@ -94,5 +100,5 @@ void Blend(BlendType type, float opacity, float3* first, float3* second, float3*
 // BlendNormal.OpacityIsTheWeightOfFirst
 void BlendNormal(float opacity, float3* first, float3* second, float3* result, int height, int width)
 {
-    combine_all<cross_fade>(share(opacity), second, first, result, height, width);
+    combine_all(velloric::cross_fade_row, share(opacity), second, first, result, height, width);
 }

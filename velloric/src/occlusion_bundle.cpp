@@ -16,14 +16,15 @@ namespace {
 using umbrixlib::detail::narrow;
 using umbrixlib::detail::wide;
 
-constexpr std::size_t kMostRays = 32767;                 ///< Of a bundle: their count fits 16 bits.
-constexpr std::size_t kManySteps = std::size_t{1} << 21; ///< A bundle that has so many takes no further ray.
+constexpr std::size_t kMostRays = 32767;                 ///< Of a share: their count fits 16 bits.
+constexpr std::size_t kManySteps = std::size_t{1} << 21; ///< A share that has so many takes no further ray.
 constexpr int kMostStepsOfRay = 1 << 20;                 ///< A ray with more is odd.
 constexpr int kMostRows = 1 << 29;                       ///< A step further out could overflow a position.
 constexpr std::uint8_t kNearSteps = 8;                   ///< Of a ray's first block: most rays end in it.
 constexpr std::uint8_t kFarSteps = 16;                   ///< Of the others.
 
 /// Adds the steps of one ray to a bundle, block by block.
+template <class Lattice>
 class BlockWriter {
 public:
     BlockWriter(RayBundle& bundle, std::ptrdiff_t plane_stride) : bundle_(bundle), stride_(plane_stride) {}
@@ -40,7 +41,7 @@ public:
         int const down = row - block.row;
         int const right = column - block.column;
         if (block.steps != 0) {
-            bundle_.steps.back().rise = RayStep::twice(climb - last_climb_);
+            bundle_.steps.back().rise = Lattice::repeated(climb - last_climb_);
         }
         bundle_.steps.push_back({static_cast<std::int32_t>(down * stride_ + right), 0});
         last_climb_ = climb;
@@ -57,7 +58,7 @@ private:
     bool full(int row) const
     {
         return !block_open_ || bundle_.blocks.back().steps == most_steps_ ||
-               std::abs(row - bundle_.blocks.back().row) > LatticePlane::kMostRowsSpanned;
+               std::abs(row - bundle_.blocks.back().row) > kMostRowsSpanned;
     }
 
     RayBundle& bundle_;
@@ -74,6 +75,7 @@ bool outside_from_everywhere(int offset, int size, bool wraps)
 }
 
 /// Reduces @p step into @p bundle; false if the ray is odd, and nothing is added then.
+template <class Lattice>
 bool reduce(ray const& step, Relief const& relief, Lattice const& lattice, std::ptrdiff_t stride,
             RayBundle& bundle)
 {
@@ -87,9 +89,14 @@ bool reduce(ray const& step, Relief const& relief, Lattice const& lattice, std::
 
     std::size_t const blocks_before = bundle.blocks.size();
     std::size_t const steps_before = bundle.steps.size();
+    auto const take_back = [&] {
+        bundle.blocks.resize(blocks_before);
+        bundle.steps.resize(steps_before);
+        return false;
+    };
     std::size_t end_certain = SIZE_MAX;
     RaySteps const steps(step, relief);
-    BlockWriter writer(bundle, stride);
+    BlockWriter<Lattice> writer(bundle, stride);
     int last_column = 0;
     for (int j = 1; j <= relief.ray_length; ++j) {
         int const row = steps.rows(j);
@@ -99,14 +106,12 @@ bool reduce(ray const& step, Relief const& relief, Lattice const& lattice, std::
         if (row > relief.ray_length || row < -relief.ray_length || column == INT_MIN ||
             outside_from_everywhere(row, relief.rows, relief.rows_wrap) ||
             outside_from_everywhere(column, relief.cols, relief.columns_wrap) ||
-            climb > lattice.most_climb()) {
+            (climb > lattice.most_climb() && lattice.certain(z))) {
             break;
         }
         bool const leaps = std::abs(static_cast<long long>(column) - last_column) > 1;
-        if (leaps || std::abs(row) > kMostRows || j > kMostStepsOfRay) {
-            bundle.blocks.resize(blocks_before);
-            bundle.steps.resize(steps_before);
-            return false;
+        if (leaps || std::abs(row) > kMostRows || j > kMostStepsOfRay || !lattice.certain(z)) {
+            return take_back();
         }
         writer.add(j, row, column, climb);
         last_column = column;
@@ -115,6 +120,9 @@ bool reduce(ray const& step, Relief const& relief, Lattice const& lattice, std::
             break;
         }
         if (reach_counts && end_certain == SIZE_MAX && wide(z) >= wide(relief.reach) - doubt) {
+            if (!Lattice::kSettles) {
+                return take_back();
+            }
             end_certain = bundle.blocks.size();
             writer.close();
         }
@@ -143,18 +151,22 @@ RayReducer::RayReducer(ray const* rays, int count) : rays_(rays, rays + count)
     });
 }
 
-RayBundle RayReducer::next(Relief const& relief, Lattice const* lattice, std::ptrdiff_t plane_stride)
+RayShare RayReducer::next(Relief const& relief, Lattices const& lattices, std::ptrdiff_t plane_stride)
 {
-    RayBundle bundle;
-    while (!done() && bundle.rays.size() + bundle.odd.size() < kMostRays &&
-           bundle.steps.size() < kManySteps) {
+    RayShare share;
+    auto const reduced = [&](ray const& step) {
+        return all_numbers(step) &&
+               ((lattices.bytes && reduce(step, relief, *lattices.bytes, plane_stride, share.bytes)) ||
+                (lattices.words && reduce(step, relief, *lattices.words, plane_stride, share.words)));
+    };
+    while (!done() && share.rays() < kMostRays &&
+           share.bytes.steps.size() + share.words.steps.size() < kManySteps) {
         ray const& step = rays_[next_++];
-        if (lattice == nullptr || !all_numbers(step) ||
-            !reduce(step, relief, *lattice, plane_stride, bundle)) {
-            bundle.odd.push_back(step);
+        if (!reduced(step)) {
+            share.odd.push_back(step);
         }
     }
-    return bundle;
+    return share;
 }
 
 } // namespace velloric

@@ -2,11 +2,13 @@
 #pragma once
 
 #include "boundary/texture_kernels.h"
+#include "occlusion_byte_lattice.h"
 #include "occlusion_lattice.h"
 #include "occlusion_relief.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace velloric {
@@ -14,10 +16,10 @@ namespace velloric {
 /// One step of a ray inside a block.
 struct RayStep {
     std::int32_t offset; ///< From the block's first step to this one, in elements of the plane.
-    std::uint32_t rise;  ///< Levels climbed up to the block's next step, twice in 16 bits; 0 at its last.
+    std::uint32_t
+        rise; ///< Levels climbed up to the block's next step, `repeated` by the lattice; 0 at its last.
 
-    static std::uint32_t twice(int levels) { return static_cast<std::uint32_t>(levels) * 0x10001U; }
-    int levels() const { return static_cast<int>(rise & 0xffffU); }
+    int levels() const { return static_cast<int>(rise & 0xffffU); } ///< Of 16-bit levels.
 };
 
 /// Consecutive steps of a ray that are compared at one go.
@@ -43,23 +45,37 @@ struct ReducedRay {
     float steps_per_level;  ///< Enough steps to climb one level.
 };
 
-/// Some rays of one band, reduced, neighbours in azimuth next to each other so that they pass over the same
-/// strips of memory.
+/// Rays that are reduced to the same lattice, neighbours in azimuth next to each other so that they pass over
+/// the same strips of memory.
 struct RayBundle {
     std::vector<RayStep> steps;
     std::vector<RayBlock> blocks;
     std::vector<ReducedRay> rays;
-    std::vector<ray> odd; ///< Rays that no reduction fits: they sink, leap, or are not numbers.
 };
 
-/// The rays of one band, handed out in bundles of bounded size.
+/// Rays of one band, each in the form that suits it.
+struct RayShare {
+    RayBundle bytes;      ///< Reduced to steps in 8-bit levels.
+    RayBundle words;      ///< Reduced to steps in 16-bit levels.
+    std::vector<ray> odd; ///< Rays that no reduction fits: they sink, leap, or are not numbers.
+
+    std::size_t rays() const { return bytes.rays.size() + words.rays.size() + odd.size(); }
+};
+
+/// The lattices that a map has.
+struct Lattices {
+    std::optional<Lattice> words; ///< None if heights are infinite.
+    std::optional<ByteLattice> bytes;
+};
+
+/// The rays of one band, handed out in shares of bounded size.
 class RayReducer {
 public:
     RayReducer(ray const* rays, int count);
 
     bool done() const { return next_ == rays_.size(); }
-    /// The next bundle. Without a @p lattice all its rays are odd.
-    RayBundle next(Relief const& relief, Lattice const* lattice, std::ptrdiff_t plane_stride);
+    /// The next share. Without a lattice all its rays are odd.
+    RayShare next(Relief const& relief, Lattices const& lattices, std::ptrdiff_t plane_stride);
 
 private:
     std::vector<ray> rays_;

@@ -19,10 +19,13 @@ namespace velloric {
 /// ray. Only what lies between is settled in floats.
 class Lattice {
 public:
-    static constexpr int kNever = 0;      ///< Level of what never blocks: outside the map, or not a number.
-    static constexpr int kLowest = 8;     ///< Level of the lowest height.
-    static constexpr int kSurely = 3;     ///< D from here on: blocked.
-    static constexpr int kSurelyNot = -2; ///< D up to here: not blocked.
+    using Level = std::int16_t;
+
+    static constexpr bool kSettles = true; ///< Rays may be left in doubt, to be settled in floats.
+    static constexpr int kNever = 0;       ///< Level of what never blocks: outside the map, or not a number.
+    static constexpr int kLowest = 8;      ///< Level of the lowest height.
+    static constexpr int kSurely = 3;      ///< D from here on: blocked.
+    static constexpr int kSurelyNot = -2;  ///< D up to here: not blocked.
     /// Own level of texels that are open to every ray; above all others.
     static constexpr int kAlwaysOpen = 32700;
 
@@ -37,10 +40,10 @@ public:
         top_ = height(relief.top);
     }
 
-    std::int16_t height(float h) const
+    Level height(float h) const
     {
         double const above = (static_cast<double>(h) - origin_) * scale_;
-        return static_cast<std::int16_t>(above >= 0.0 ? static_cast<int>(above) + kLowest : kNever);
+        return static_cast<Level>(above >= 0.0 ? static_cast<int>(above) + kLowest : kNever);
     }
     /// A climb that is beyond every height of the map comes out as some level above `most_climb()`.
     int climb(float z) const { return static_cast<int>(std::min(static_cast<double>(z) * scale_, 65536.0)); }
@@ -50,6 +53,11 @@ public:
     /// After a climb above this no step can block a ray, or be in doubt.
     int most_climb() const { return top_ + 4; }
     double scale() const { return scale_; }
+    /// Whether a step with climb @p z may be compared in levels.
+    static bool certain(float /*z*/) { return true; } // what is in doubt comes out of the comparison
+
+    /// The bits of RayStep::rise for a rise of @p levels.
+    static std::uint32_t repeated(int levels) { return static_cast<std::uint32_t>(levels) * 0x10001U; }
 
 private:
     double origin_;

@@ -22,14 +22,12 @@ constexpr int kLongestSide = 1 << 24; ///< Of a map that fits the plane's 32-bit
 
 constexpr int kWorthThreads = 1000; ///< So many rays are reduced sooner by several threads.
 
-/// The bundle of one band in one round.
+/// The share of one band in one round.
 struct Turn {
-    RayBundle bundle;
+    RayShare share;
     bool pending; ///< The band still had rays.
     bool first;
     bool last;
-
-    int rays() const { return static_cast<int>(bundle.rays.size() + bundle.odd.size()); }
 };
 
 /// Everything that the tiles have in common.
@@ -46,8 +44,8 @@ public:
         bool const fits =
             relief.magnitude <= FLT_MAX && relief.rows < kLongestSide && relief.cols < kLongestSide;
         if (fits) {
-            lattice_.emplace(relief);
-            plane_.emplace(relief, *lattice_, group_columns());
+            lattices_.words.emplace(relief);
+            lattices_.bytes = ByteLattice::of(relief);
         }
         progress.expect(static_cast<long long>(tiles()) * 3 * rays);
     }
@@ -58,7 +56,7 @@ public:
                            [](RayReducer const& each) { return each.done(); });
     }
 
-    /// Walks the next bundle of each band. The counts of a band whose rays take several rounds wait in its
+    /// Walks the next share of each band. The counts of a band whose rays take several rounds wait in its
     /// channel of the result.
     void next_round(bool first)
     {
@@ -69,22 +67,37 @@ public:
             RayReducer& reducer = reducers_[band];
             Turn& turn = turns[band];
             turn.pending = !reducer.done();
-            turn.bundle =
-                reducer.next(relief_, lattice_ ? &*lattice_ : nullptr, plane_ ? plane_->stride() : 0);
+            turn.share = reducer.next(relief_, lattices_, plane_stride(relief_));
             turn.first = first;
             turn.last = reducer.done();
         }
+        make_planes(turns);
 #pragma omp parallel for schedule(dynamic)
         for (int part = 0; part < tiles() * 3; ++part) {
             Turn const& turn = turns[static_cast<std::size_t>(part % 3)];
             if (turn.pending) {
                 finish_tile(tile(part / 3), turn, part % 3);
-                progress_.add(turn.rays(), omp_get_thread_num() == 0);
+                progress_.add(static_cast<int>(turn.share.rays()), omp_get_thread_num() == 0);
             }
         }
     }
 
 private:
+    /// The planes that the shares need and that are not there yet.
+    void make_planes(std::array<Turn, 3> const& turns)
+    {
+        auto const any = [&](RayBundle RayShare::*bundle) {
+            return std::any_of(turns.begin(), turns.end(),
+                               [&](Turn const& each) { return !(each.share.*bundle).rays.empty(); });
+        };
+        if (!words_ && any(&RayShare::words)) {
+            words_.emplace(relief_, *lattices_.words, group_columns());
+        }
+        if (!bytes_ && any(&RayShare::bytes)) {
+            bytes_.emplace(relief_, *lattices_.bytes, byte_group_columns());
+        }
+    }
+
     int tiles() const
     {
         return tiles_across_ * tiles_down_;
@@ -100,25 +113,51 @@ private:
 
     void finish_tile(Tile const& tile, Turn const& turn, int channel) const
     {
-        alignas(64) TileCounts blocked;
-        if (turn.bundle.rays.empty()) {
-            std::fill_n(&blocked[0][0], kTileRows * kTileColumns, std::uint16_t{0});
-        } else {
-            count_blocked(relief_, *lattice_, *plane_, turn.bundle, tile, blocked);
+        alignas(64) TileCounts blocked = {};
+        if (!turn.share.words.rays.empty()) {
+            count_blocked(relief_, *lattices_.words, *words_, turn.share.words, tile, blocked);
+        }
+        if (!turn.share.bytes.rays.empty()) {
+            count_blocked(relief_, *lattices_.bytes, *bytes_, turn.share.bytes, tile, blocked);
+        }
+        if (!turn.share.odd.empty()) {
+            add_odd(tile, turn.share.odd, blocked);
         }
         for (int row = 0; row < tile.rows; ++row) {
+            float* const results =
+                &occlusion_[static_cast<long long>(tile.row + row) * relief_.cols].x + channel;
+            finish_row(blocked[row], results + 3 * static_cast<long long>(tile.column), tile.columns, turn);
+        }
+    }
+
+    void add_odd(Tile const& tile, std::vector<ray> const& odd, TileCounts& blocked) const
+    {
+        for (int row = 0; row < tile.rows; ++row) {
             for (int column = 0; column < tile.columns; ++column) {
-                int const y = tile.row + row;
-                int const x = tile.column + column;
-                float3& texel = occlusion_[static_cast<long long>(y) * relief_.cols + x];
-                float& result = channel == 0 ? texel.x : channel == 1 ? texel.y : texel.z;
-                std::uint32_t count = turn.first ? 0 : std::bit_cast<std::uint32_t>(result);
-                count += blocked[row][column];
-                for (ray const& odd : turn.bundle.odd) {
-                    count += ray_escapes(relief_, odd, y, x) ? 0 : 1;
+                for (ray const& each : odd) {
+                    bool const escapes = ray_escapes(relief_, each, tile.row + row, tile.column + column);
+                    blocked[row][column] =
+                        static_cast<std::uint16_t>(blocked[row][column] + (escapes ? 0 : 1));
                 }
-                result = turn.last ? share_of_open(count) : std::bit_cast<float>(count);
             }
+        }
+    }
+
+    /// Every third of @p results is one of the channel.
+    void finish_row(std::uint16_t const* blocked, float* results, int columns, Turn const& turn) const
+    {
+        auto const rays = static_cast<float>(rays_);
+        if (turn.first && turn.last) { // at most as many rays as floats can count
+            for (int column = 0; column < columns; ++column) {
+                results[3 * column] = static_cast<float>(rays_ - blocked[column]) / rays;
+            }
+            return;
+        }
+        for (int column = 0; column < columns; ++column) {
+            float& result = results[3 * column];
+            std::uint32_t const count =
+                (turn.first ? 0 : std::bit_cast<std::uint32_t>(result)) + blocked[column];
+            result = turn.last ? share_of_open(count) : std::bit_cast<float>(count);
         }
     }
 
@@ -133,8 +172,9 @@ private:
     float3* occlusion_;
     Progress& progress_;
     std::array<RayReducer, 3> reducers_;
-    std::optional<Lattice> lattice_;
-    std::optional<LatticePlane> plane_;
+    Lattices lattices_;
+    std::optional<LatticePlane<Lattice>> words_;
+    std::optional<LatticePlane<ByteLattice>> bytes_;
     int tiles_across_;
     int tiles_down_;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "occlusion_byte_lattice.h"
 #include "occlusion_lattice.h"
 #include "occlusion_relief.h"
 
@@ -10,33 +11,34 @@
 
 namespace velloric {
 
+constexpr int kGroupRows = 8;         ///< Rows of texels that are handled together.
+constexpr int kMostGroupColumns = 32; ///< Columns likewise, at most.
+constexpr int kMostRowsSpanned = 48;  ///< Rows between the first and the last step of a block, at most.
+constexpr int kMostColumnsSpanned = 15;
+
+/// From one row of a map's plane to the next, in elements; the same for all lattices.
+std::ptrdiff_t plane_stride(Relief const& relief);
+
 /// Lattice levels of the whole map with a margin that repeats it, or never blocks, so that a block of steps
 /// is compared without a test for the border; and the largest level in any window of it.
 ///
 /// The margins hold one block of steps around a group of texels. Further out the map repeats itself: the
 /// first step of a block is brought back onto the map by whole periods. That keeps the plane near the size of
 /// the map for rays of any length.
+///
+/// @tparam Lattice The form of the levels.
+template <class Lattice>
 class LatticePlane {
 public:
-    static constexpr int kRowMargin = 56;
-    static constexpr int kColumnMargin = 48;
-    static constexpr int kCell = 8; ///< Windows are made of cells of 8 by 8 texels.
-
-    static constexpr int kGroupRows = 8;         ///< Rows of texels that are handled together.
-    static constexpr int kMostGroupColumns = 32; ///< Columns likewise, at most.
-    static constexpr int kMostRowsSpanned =
-        48; ///< Rows between the first and the last step of a block, at most.
-    static constexpr int kMostColumnsSpanned = 15;
-    static_assert(kRowMargin >= kMostRowsSpanned + kGroupRows && kRowMargin % kCell == 0);
-    static_assert(kColumnMargin >= kMostColumnsSpanned + kMostGroupColumns + 1 && kColumnMargin % kCell == 0);
+    using Level = typename Lattice::Level;
 
     /// @param group_columns Columns of the groups that will be compared.
     LatticePlane(Relief const& relief, Lattice const& lattice, int group_columns);
 
     /// The level at a texel of the map or of the margin.
-    std::int16_t const* at(int row, int column) const { return origin_ + row * stride_ + column; }
+    Level const* at(int row, int column) const { return origin_ + row * stride_ + column; }
     /// The texel that @p level, as of `at`, belongs to.
-    void locate(std::int16_t const* level, int& row, int& column) const
+    void locate(Level const* level, int& row, int& column) const
     {
         std::ptrdiff_t const index = level - levels_.data();
         row = static_cast<int>(index / stride_) - kRowMargin;
@@ -62,7 +64,14 @@ public:
     }
 
 private:
+    static constexpr int kRowMargin = 56;
+    static constexpr int kColumnMargin = 48;
+    static constexpr int kCell = 8; ///< Windows are made of cells of 8 by 8 texels.
     static constexpr int kWindowHeights = 8;
+    static_assert(kRowMargin >= kMostRowsSpanned + kGroupRows && kRowMargin % kCell == 0);
+    static_assert(kColumnMargin >= kMostColumnsSpanned + kMostGroupColumns + 1 && kColumnMargin % kCell == 0);
+
+    friend std::ptrdiff_t plane_stride(Relief const& relief);
 
     void fill(Relief const& relief, Lattice const& lattice);
     void find_maxima(int window_cells);
@@ -70,9 +79,12 @@ private:
     int padded_rows_;
     std::ptrdiff_t stride_;
     std::size_t cell_stride_;
-    std::vector<std::int16_t> levels_;
-    std::int16_t const* origin_;
-    std::vector<std::int16_t> windows_[kWindowHeights]; ///< By height in cells, less one.
+    std::vector<Level> levels_;
+    Level const* origin_;
+    std::vector<Level> windows_[kWindowHeights]; ///< By height in cells, less one.
 };
+
+extern template class LatticePlane<Lattice>;
+extern template class LatticePlane<ByteLattice>;
 
 } // namespace velloric

@@ -18,7 +18,8 @@ struct Relief {
     float lowest;    ///< Smallest height; infinity if no height is a number.
     float magnitude; ///< Largest absolute height.
 
-    float height_at(int y, int x) const { return heights[static_cast<long long>(y) * cols + x]; }
+    float const* row(int y) const { return heights + static_cast<long long>(y) * cols; }
+    float height_at(int y, int x) const { return row(y)[x]; }
 };
 
 /// Fills the three extremes of @p relief from its heights. Heights that are not numbers do not count.

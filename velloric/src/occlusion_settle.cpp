@@ -23,8 +23,8 @@ public:
 
     bool blocks(int number, int row, int column) const
     {
-        int const source_row = LatticePlane::source(row, relief_.rows, relief_.rows_wrap);
-        int const source_column = LatticePlane::source(column, relief_.cols, relief_.columns_wrap);
+        int const source_row = LatticePlane<Lattice>::source(row, relief_.rows, relief_.rows_wrap);
+        int const source_column = LatticePlane<Lattice>::source(column, relief_.cols, relief_.columns_wrap);
         return relief_.height_at(source_row, source_column) >= height_of_ray(number);
     }
 
@@ -39,7 +39,7 @@ private:
 
 } // namespace
 
-bool is_blocked(Relief const& relief, LatticePlane const& plane, RayBundle const& bundle,
+bool is_blocked(Relief const& relief, LatticePlane<Lattice> const& plane, RayBundle const& bundle,
                 ReducedRay const& ray, int y, int x)
 {
     constexpr int kSurely = Lattice::kSurely - Lattice::kSurelyNot - 1;

@@ -20,14 +20,18 @@ struct Tile {
     int columns;
 };
 
-/// Blocked rays of one bundle at each texel of a tile.
+/// Blocked rays at each texel of a tile.
 using TileCounts = std::uint16_t[kTileRows][kTileColumns];
 
-/// Columns of texels that the processor's vectors compare together.
+/// Columns of texels that the processor's vectors compare together in 16-bit levels.
 int group_columns();
+/// The same in 8-bit levels.
+int byte_group_columns();
 
-/// Counts the reduced rays of @p bundle that are blocked at each texel of @p tile. The odd rays are left out.
-void count_blocked(Relief const& relief, Lattice const& lattice, LatticePlane const& plane,
+/// Adds the rays of @p bundle that are blocked at each texel of @p tile to @p blocked.
+void count_blocked(Relief const& relief, Lattice const& lattice, LatticePlane<Lattice> const& plane,
+                   RayBundle const& bundle, Tile const& tile, TileCounts& blocked);
+void count_blocked(Relief const& relief, ByteLattice const& lattice, LatticePlane<ByteLattice> const& plane,
                    RayBundle const& bundle, Tile const& tile, TileCounts& blocked);
 
 } // namespace velloric

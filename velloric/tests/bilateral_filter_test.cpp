@@ -90,6 +90,19 @@ TEST(BilateralFilter, EqualsItsDefinitionWithTheUsualWeights)
     }
 }
 
+TEST(BilateralFilter, EqualsItsDefinitionOverSeveralStripsAndSheets)
+{
+    // Radius 10 is the largest whose pairs of texels share a weight.
+    for (float const radius : {1.0f, 2.0f, 6.0f, 10.0f, 11.0f}) {
+        for (Values const values : {Values::kUnit, Values::kHostile}) {
+            Size const size{radius < 6.0f ? 70 : 90, 2 * 128 + 5};
+            auto const source = random_image<float>(
+                static_cast<std::size_t>(size.height) * static_cast<std::size_t>(size.width), 31, values);
+            expect_definition(source, size, radius, usual_weights(radius));
+        }
+    }
+}
+
 TEST(BilateralFilter, EqualsItsDefinitionOnDifferencesBeyondTheTable)
 {
     for (Values const values : {Values::kSigned, Values::kHostile}) {

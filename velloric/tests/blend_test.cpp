@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "boundary/texture_kernels.h"
+#include "every_target.h"
 #include "kernel_shapes.h"
 #include "random_image.h"
 #include "same_bits.h"
@@ -143,6 +144,44 @@ TEST(Blend, SlicesAreTheTexelsOfTheirThread)
                 Image result(35, untouched);
                 Blend(type, 60.0f, first.data(), second.data(), result.data(), 5, 7, thread, threads);
                 EXPECT_SAME_BITS(expected, result);
+            }
+        }
+    }
+}
+
+/// The definition, one value after the other.
+float defined(BlendType type, float opacity, float first, float second)
+{
+    double const a = static_cast<double>(first);
+    double const b = static_cast<double>(second);
+    double const share = static_cast<double>(static_cast<float>(static_cast<double>(opacity) / 100.0));
+    double const overlay = a <= 0.5 ? 2.0 * a * b : 1.0 - 2.0 * (1.0 - a) * (1.0 - b);
+    double const target = type == BlendType_Overlay ? overlay : b;
+    return static_cast<float>(target * share + a * (1.0 - share));
+}
+
+TEST(Blend, EqualsItsDefinitionOnEverySetOfInstructions)
+{
+    for (std::size_t const count : {1U, 2U, 3U, 5U, 8U, 13U, 500U, 4097U}) {
+        for (Values const values : {Values::kUnit, Values::kHostile}) {
+            auto const first = random_image<float3>(count, 20, values);
+            auto const second = random_image<float3>(count, 21, values);
+            for (BlendType const type : {BlendType_Blend, BlendType_Overlay}) {
+                for (float const opacity : {0.0f, 33.0f, 100.0f}) {
+                    Image expected;
+                    for (std::size_t i = 0; i < count; ++i) {
+                        auto const of = [&](float a, float b) { return defined(type, opacity, a, b); };
+                        expected.push_back({of(first[i].x, second[i].x), of(first[i].y, second[i].y),
+                                            of(first[i].z, second[i].z)});
+                    }
+                    umbrixlib::test::for_every_target([&](char const* target) {
+                        EXPECT_SAME_BITS(expected, blended(type, opacity, first, second))
+                            << target << ", " << count << " texels, type " << type << ", " << opacity;
+                        if (type == BlendType_Blend) {
+                            EXPECT_SAME_BITS(expected, normals_blended(opacity, second, first)) << target;
+                        }
+                    });
+                }
             }
         }
     }

@@ -9,6 +9,7 @@
 #include "random_image.h"
 #include "same_bits.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
@@ -80,7 +81,8 @@ void expect_equal(Job const& job, std::string const& what)
     std::vector<float3> const shares = expected(job);
     int turn = 0;
     umbrixlib::test::for_every_target([&](char const* target) {
-        int const threads = 1 + turn++ % 3;
+        constexpr int kThreads[] = {1, 2, 3, 8};
+        int const threads = kThreads[turn++ % 4];
         omp_set_num_threads(threads);
         EXPECT_SAME_BITS(shares, computed(job))
             << what << ", " << job.rows << " rows, " << job.cols << " columns, " << job.a.size()
@@ -106,8 +108,13 @@ enum class Relief {
     kHills,
     kHuge,
     kSpike,
+    kPicture,
+    kPictureWithHoles,
+    kPictureOutOfLine,
+    kPictureBelowZero,
+    kDenormalSteps,
 };
-constexpr int kReliefs = 15;
+constexpr int kReliefs = 20;
 
 std::vector<float> relief(Relief kind, int rows, int cols, float scale, std::mt19937& random)
 {
@@ -168,9 +175,25 @@ std::vector<float> relief(Relief kind, int rows, int cols, float scale, std::mt1
             case Relief::kSpike:
                 h = x == cols / 2 && y == rows / 2 ? 1.0f : 0.01f * h;
                 break;
+            case Relief::kPicture: // 8 bits, of which a smooth picture may use a few
+            case Relief::kPictureWithHoles:
+            case Relief::kPictureOutOfLine:
+                h = std::round((random() % 4 == 0 ? h : wave) * 255.0f) / 255.0f;
+                if (kind == Relief::kPictureWithHoles && random() % 7 == 0) {
+                    h = kNaN;
+                } else if (kind == Relief::kPictureOutOfLine && random() % 50 == 0) {
+                    h = std::nextafter(h, 2.0f) + (random() % 20 == 0 ? 1e-4f : 0.0f);
+                }
+                break;
+            case Relief::kPictureBelowZero:
+                h = std::round(h * 100.0f) / 100.0f - 1.75f;
+                break;
+            case Relief::kDenormalSteps:
+                h = std::round(h * 200.0f) * 1.4e-45f;
+                break;
             }
-            bool const scaled =
-                kind != Relief::kDenormals && kind != Relief::kHuge && kind != Relief::kHighAboveZero;
+            bool const scaled = kind != Relief::kDenormals && kind != Relief::kHuge &&
+                                kind != Relief::kHighAboveZero && kind != Relief::kDenormalSteps;
             heights.push_back(scaled ? h * scale : h);
         }
     }
@@ -232,14 +255,71 @@ TEST(DirectionalAO, EqualsTheRayWalkWhereTheReachEndsRays)
 {
     std::mt19937 random(99);
     for (unsigned flags = 0; flags < 8; ++flags) {
-        Job job = random_job(Relief::kHills, flags, random);
-        for (float& h : job.heights) {
-            h *= 4.0f;
+        for (Relief const kind : {Relief::kHills, Relief::kPicture}) {
+            Job job = random_job(kind, flags, random);
+            for (float& h : job.heights) {
+                h *= 4.0f;
+            }
+            // The reach falls exactly on a step of the first ray of band C, the hardest place for a shortcut.
+            job.radius = static_cast<float>(static_cast<double>(job.c[0].z) * 5.0);
+            expect_equal(job, "reach on a step");
         }
-        // The reach falls exactly on a step of the first ray of band C, the hardest place for a shortcut.
-        job.radius = static_cast<float>(static_cast<double>(job.c[0].z) * 5.0);
-        expect_equal(job, "reach on a step");
     }
+}
+
+TEST(DirectionalAO, EqualsTheRayWalkWhereClimbsAreWholeLevels)
+{
+    std::mt19937 random(61);
+    for (unsigned flags = 0; flags < 8; ++flags) {
+        Job job = random_job(Relief::kPicture, flags, random);
+        float const lowest = *std::min_element(job.heights.begin(), job.heights.end());
+        float const highest = *std::max_element(job.heights.begin(), job.heights.end());
+        float const range = highest - lowest;
+        std::size_t const pit = job.heights.size() / 2 | 1U;
+        std::fill_n(job.heights.begin() + static_cast<std::ptrdiff_t>(pit - 1), 2, lowest);
+        job.heights[pit] = highest;
+        // Whole levels at each step, at every third, and next to whole levels; the whole range; level rays.
+        float const texel = 1.0f / static_cast<float>(job.cols);
+        for (std::vector<ray>* bundle : {&job.a, &job.b, &job.c}) {
+            std::size_t number = 0;
+            for (ray& step : *bundle) {
+                auto const levels = static_cast<float>(random() % 9) / (number % 2 == 0 ? 1.0f : 3.0f);
+                float const z = number < 3 ? range : levels * range / 255.0f;
+                float const y = number < 3 ? 0.0f : step.y;
+                step = {step.x > 0.0f ? texel : -texel, y,
+                        number % 3 == 0   ? z
+                        : number % 3 == 1 ? std::nextafter(z, 0.0f)
+                                          : std::nextafter(z, 2.0f * z)};
+                ++number;
+            }
+        }
+        expect_equal(job, "whole levels");
+    }
+}
+
+TEST(DirectionalAO, EqualsTheRayWalkOnPicturesOfSeveralTiles)
+{
+    std::mt19937 random(8);
+    for (Relief const kind : {Relief::kPicture, Relief::kPictureWithHoles}) {
+        for (unsigned const flags : {0U, 7U}) {
+            Job job;
+            job.rows = 139;
+            job.cols = 271;
+            job.heights = relief(kind, job.rows, job.cols, 0.2f, random);
+            job.radius = 0.9f;
+            set_tiling(job, flags);
+            generate_rays(job, 6, 130.0f, 100.0f);
+            expect_equal(job, "picture of several tiles");
+        }
+    }
+}
+
+TEST(DirectionalAO, EqualsTheRayWalkWithMoreRaysThanNarrowCountersHold)
+{
+    std::mt19937 random(13);
+    Job job = random_job(Relief::kPicture, 7, random);
+    generate_rays(job, 700, 130.0f, 20.0f);
+    expect_equal(job, "many rays");
 }
 
 TEST(DirectionalAO, EqualsTheRayWalkWithMoreRaysThanOneBundleHolds)
