@@ -4,6 +4,7 @@
 #include "info_command.h"
 #include "map_command.h"
 #include "normal_command.h"
+#include "preset_command.h"
 #include "relight_command.h"
 #include "stack_command.h"
 #include "worker_process.h"
@@ -76,7 +77,7 @@ int run_tool(int count, char** words)
     app.footer(kExitCodesHelp);
     app.require_subcommand(0, 1);
     std::vector<Declared> const commands =
-        declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, InfoCommand>(app);
+        declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, InfoCommand, PresetCommand>(app);
     std::string const name = full_name(commands, count, words);
     try {
         app.parse(count, words);
@@ -85,6 +86,8 @@ int run_tool(int count, char** words)
     } catch (CLI::ParseError const& error) {
         fmt::print(stderr, "{}: error: {}; see {} --help\n", name, error.what(), name);
         return kWrongUsage;
+    } catch (Failure const& failure) { // a preset is read while the command line is
+        return complain(name, failure);
     }
     for (Declared const& each : commands) {
         if (each.app->parsed()) {

@@ -20,8 +20,7 @@ private:
 
     CommonOptions common_;
     Settings settings_ = kDefaults;
-    bool height_map_ = false;
-    bool normal_map_ = false;
+    std::optional<Kind> kind_;
     std::optional<NormalY> normal_y_;
 };
 
