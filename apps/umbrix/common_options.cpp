@@ -43,9 +43,10 @@ void add_number(CLI::App& command, char const* option, double& value, double min
 
 } // namespace
 
-CLI::Option* CommonOptions::declare_input(CLI::App& command, std::string const& description)
+CLI::Option* CommonOptions::declare_input(CLI::App& command, std::string const& description,
+                                          std::string const& name)
 {
-    CLI::Option* const option = command.add_option("INPUT", input, description)->required()->type_name("");
+    CLI::Option* const option = command.add_option(name, input, description)->required()->type_name("");
     command.add_flag("-v,--verbose", verbose, "Say more about what is done")->group(kRun);
     add_number(command, "--timeout", timeout_seconds, 0.001, 86400,
                "Longest time that decoding a file may take [seconds; default 60]");
@@ -62,6 +63,11 @@ void CommonOptions::declare_output(CLI::App& command, std::string const& default
         ->type_name("FILE")
         ->group(kFiles);
     command.add_flag("--overwrite", overwrite, "Replace the output if it exists")->group(kFiles);
+    declare_progress(command);
+}
+
+void CommonOptions::declare_progress(CLI::App& command)
+{
     std::function<void(std::string const&)> const parse = [this](std::string const& text) {
         progress = parse_style(text);
     };

@@ -22,8 +22,10 @@ struct CommonOptions {
     double max_texels = 268435456; // 2^28, 16384 x 16384
 
     /// Returns the option of the input, which is required.
-    CLI::Option* declare_input(CLI::App& command, std::string const& description);
+    CLI::Option* declare_input(CLI::App& command, std::string const& description,
+                               std::string const& name = "INPUT");
     void declare_output(CLI::App& command, std::string const& default_name);
+    void declare_progress(CLI::App& command); ///< Part of declare_output().
 
     Supervision supervision(std::string const& command, std::string const& output_name,
                             Interrupts const& interrupts) const;

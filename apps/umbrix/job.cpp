@@ -23,6 +23,8 @@ std::vector<std::uint8_t> pack(Job const& job)
         {"directions", job.directions},
         {"cell", job.cell},
         {"exposure", job.exposure},
+        {"normals", job.normals},
+        {"fit_gaussian", job.fit_gaussian},
         {"stack", job.stack},
     };
     if (job.kind) {
@@ -51,6 +53,8 @@ Job unpack_job(std::vector<std::uint8_t> const& bytes)
     fields.at("directions").get_to(job.directions);
     fields.at("cell").get_to(job.cell);
     fields.at("exposure").get_to(job.exposure);
+    fields.at("normals").get_to(job.normals);
+    fields.at("fit_gaussian").get_to(job.fit_gaussian);
     fields.at("stack").get_to(job.stack);
     return job;
 }

@@ -11,7 +11,7 @@
 
 namespace umbrix_cli {
 
-enum class Task { kMap, kNormal, kRelight, kInfo, kStack };
+enum class Task { kMap, kNormal, kRelight, kInfo, kStack, kFit };
 
 /// Everything that a worker is told. File names are bytes as the user gave them.
 struct Job {
@@ -31,6 +31,10 @@ struct Job {
     int cell = 0;       ///< Longest side of a picture of a turntable.
     double exposure = 0;
 
+    // Fitting only. `input` is the height map, and `output` is not used.
+    std::string normals; ///< The normal map.
+    bool fit_gaussian = false;
+
     StackJob stack; ///< Stacks only. `input` is the stack file, and `output` is not used.
 };
 
@@ -43,5 +47,6 @@ nlohmann::json run_normal_task(Job const& job);
 nlohmann::json run_relight_task(Job const& job);
 nlohmann::json run_info_task(Job const& job);
 nlohmann::json run_stack_task(Job const& job);
+nlohmann::json run_fit_task(Job const& job);
 
 } // namespace umbrix_cli

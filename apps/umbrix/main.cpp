@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "failure.h"
+#include "fit_command.h"
 #include "help_formatter.h"
 #include "info_command.h"
 #include "map_command.h"
@@ -77,7 +78,8 @@ int run_tool(int count, char** words)
     app.footer(kExitCodesHelp);
     app.require_subcommand(0, 1);
     std::vector<Declared> const commands =
-        declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, InfoCommand, PresetCommand>(app);
+        declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, InfoCommand, FitCommand,
+                    PresetCommand>(app);
     std::string const name = full_name(commands, count, words);
     try {
         app.parse(count, words);

@@ -49,8 +49,8 @@ constexpr OptionRow kTable[] = {
      "Strength of the normals: slope where the heights differ by 1 over two texels; auto fits the height "
      "scale"},
     {"gaussian", kRelief, &Settings::gaussian, 0, kMaxSigma, " texels, 0 is off",
-     kForMap | kForNormal, "Sigma of the blur before normals are made"},
-    {"detail", kRelief, &Settings::detail, 0, 100, " texels, up to 1 is off", kForMap | kForNormal,
+     kForMap | kForNormal | kForFit, "Sigma of the blur before normals are made"},
+    {"detail", kRelief, &Settings::detail, 0, 100, " texels, up to 1 is off", kForMap | kForNormal | kForFit,
      "Radius of the bilateral filter before normals are made; `normal` runs it without using its result"},
 
     {"occlusion", kOcclusion, &Settings::occlusion, 0, 0, "", kForMap,

@@ -18,7 +18,7 @@ using SettingsField =
 
 /// The commands that have an option. Those of kForPresets alone are keys of a preset that commands declare in
 /// their own words: what the input is, and where green points in it.
-enum OptionUser : unsigned { kForPresets = 0, kForMap = 1, kForNormal = 2, kForRelight = 4 };
+enum OptionUser : unsigned { kForPresets = 0, kForMap = 1, kForNormal = 2, kForRelight = 4, kForFit = 8 };
 
 /// One option of a run. The table of them yields the parsing, the help, the presets and the job that a worker
 /// is sent.

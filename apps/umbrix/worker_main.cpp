@@ -45,6 +45,8 @@ nlohmann::json run(Job const& job)
         return run_relight_task(job);
     case Task::kStack:
         return run_stack_task(job);
+    case Task::kFit:
+        return run_fit_task(job);
     case Task::kInfo:
         break;
     }

@@ -21,7 +21,7 @@ TEST_F(ToolUsage, HelpsWithEveryOption)
 {
     Outcome const help = run({"--help"});
     EXPECT_EQ(help.code, 0);
-    for (char const* text : {"map", "normal", "stack", "relight", "info", "preset", "0 done",
+    for (char const* text : {"map", "normal", "stack", "relight", "info", "fit", "preset", "0 done",
                              "1 an input", "2 wrong usage", "130 interrupted"}) {
         EXPECT_NE(help.out.find(text), std::string::npos) << text;
     }
