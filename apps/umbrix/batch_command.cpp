@@ -2,6 +2,7 @@
 #include "batch_command.h"
 
 #include "failure.h"
+#include "kind_option.h"
 #include "map_usage.h"
 #include "normal_y_option.h"
 #include "option_table.h"
@@ -30,8 +31,7 @@ CLI::App* BatchCommand::declare(CLI::App& app)
         ->group(kRun);
     declare_workers(*command_, workers_)->group(kRun);
     common_.declare_limits(*command_);
-    common_.declare_progress(*command_, "Show progress as a bar, as lines, not at all, or as a bar where "
-                                        "there is a terminal and else not");
+    common_.declare_progress(*command_, "not");
     declare_options(*command_, settings_, kForMap);
     return command_;
 }
@@ -78,12 +78,7 @@ void BatchCommand::declare_input(CLI::App& command)
     auto* const map = command.add_flag("--map", map_, "Make Umbrix maps [default]");
     auto* const normal = command.add_flag("--normal", normal_, "Make normal maps");
     map->excludes(normal);
-    auto* const height_map =
-        command.add_flag("--height-map", height_map_, "All are height maps [default: guess each]");
-    auto* const normal_map =
-        command.add_flag("--normal-map", normal_map_, "All are normal maps [default: guess each]");
-    height_map->excludes(normal_map)->group("Input");
-    normal_map->group("Input");
+    declare_kind(command, kind_);
     declare_normal_y(command, normal_y_, "Where green points in normal maps that are read or written")
         ->group("Input");
 }
@@ -99,7 +94,7 @@ void BatchCommand::validate() const
     } else {
         check_map_usage(settings_, "");
     }
-    if (normal_y_ && height_map_) {
+    if (normal_y_ && kind_ == Kind::kHeightMap) {
         throw Failure("--normal-y", "a height map has no green to point anywhere", "leave it out",
                       kWrongUsage);
     }
@@ -144,10 +139,8 @@ BatchOrders BatchCommand::orders() const
     job.task = normal_ ? Task::kNormal : Task::kMap;
     job.settings = settings_;
     job.max_texels = common_.max_texels;
-    job.normal_y = normal_y_.value_or(NormalY::kUp);
-    if (height_map_ || normal_map_) {
-        job.kind = height_map_ ? Kind::kHeightMap : Kind::kNormalMap;
-    }
+    job.normal_y = normal_y_.value_or(settings_.normal_y);
+    job.kind = kind_ ? kind_ : settings_.kind;
     orders.job_for = [job](BatchFile const& file) {
         if (job.task == Task::kMap) {
             check_map_usage(job.settings, file.target.string());

@@ -39,8 +39,7 @@ private:
     bool json_ = false;
     bool map_ = false;
     bool normal_ = false;
-    bool height_map_ = false;
-    bool normal_map_ = false;
+    std::optional<Kind> kind_;
     std::optional<NormalY> normal_y_;
 };
 

@@ -41,9 +41,10 @@ void add_number(CLI::App& command, char const* option, double& value, double min
 
 } // namespace
 
-CLI::Option* CommonOptions::declare_input(CLI::App& command, std::string const& description)
+CLI::Option* CommonOptions::declare_input(CLI::App& command, std::string const& description,
+                                          std::string const& name)
 {
-    CLI::Option* const option = command.add_option("INPUT", input, description)->required()->type_name("");
+    CLI::Option* const option = command.add_option(name, input, description)->required()->type_name("");
     declare_limits(command);
     return option;
 }
@@ -65,18 +66,20 @@ void CommonOptions::declare_output(CLI::App& command, std::string const& default
         ->type_name("FILE")
         ->group(kFiles);
     command.add_flag("--overwrite", overwrite, "Replace the output if it exists")->group(kFiles);
-    declare_progress(command, "Show progress as a bar, as lines, not at all, or as a bar where there is "
-                              "a terminal and else as lines");
+    declare_progress(command);
 }
 
-void CommonOptions::declare_progress(CLI::App& command, std::string const& description)
+void CommonOptions::declare_progress(CLI::App& command, std::string const& elsewhere)
 {
     std::function<void(std::string const&)> const parse = [this](std::string const& text) {
         progress = parse_style(text);
     };
     command
         .add_option_function<std::string>(
-            "--progress", parse, fmt::format("{} [auto, bar, lines, none; default auto]", description))
+            "--progress", parse,
+            fmt::format("Show progress as a bar, as lines, not at all, or as a bar where there is a terminal "
+                        "and else {} [auto, bar, lines, none; default auto]",
+                        elsewhere))
         ->type_name("HOW")
         ->group(kRun);
 }

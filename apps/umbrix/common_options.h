@@ -22,12 +22,14 @@ struct CommonOptions {
     double max_texels = 268435456; // 2^28, 16384 x 16384
 
     /// Returns the option of the input, which is required.
-    CLI::Option* declare_input(CLI::App& command, std::string const& description);
+    CLI::Option* declare_input(CLI::App& command, std::string const& description,
+                               std::string const& name = "INPUT");
     void declare_output(CLI::App& command, std::string const& default_name);
 
     // Parts of the two above, for commands with inputs and outputs of another kind.
     void declare_limits(CLI::App& command);
-    void declare_progress(CLI::App& command, std::string const& description);
+    /// Part of declare_output(). @p elsewhere: what stands in for the bar where there is no terminal.
+    void declare_progress(CLI::App& command, std::string const& elsewhere = "as lines");
 
     Supervision supervision(std::string const& command, std::string const& output_name,
                             Interrupts const& interrupts) const;

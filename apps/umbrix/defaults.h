@@ -8,6 +8,9 @@ namespace umbrix_cli {
 /// What a run does unless told otherwise. The values are those of a fresh work list item, except where such a
 /// run would show a first-time user a poor picture; those lines say which value they replace and why.
 inline constexpr Settings kDefaults{
+    .kind = std::nullopt,
+    .normal_y = NormalY::kUp,
+
     .light = true,
     // Instead of light only: occlusion is what sets an Umbrix map apart from a normal map.
     .occlusion = true,

@@ -26,6 +26,8 @@ std::vector<std::uint8_t> pack(Job const& job)
         {"cell", job.cell},
         {"exposure", job.exposure},
         {"list_job", job.list_job},
+        {"normals", job.normals},
+        {"fit_gaussian", job.fit_gaussian},
         {"stack", job.stack},
     };
     if (job.kind) {
@@ -57,6 +59,8 @@ Job unpack_job(std::vector<std::uint8_t> const& bytes)
     fields.at("cell").get_to(job.cell);
     fields.at("exposure").get_to(job.exposure);
     fields.at("list_job").get_to(job.list_job);
+    fields.at("normals").get_to(job.normals);
+    fields.at("fit_gaussian").get_to(job.fit_gaussian);
     fields.at("stack").get_to(job.stack);
     return job;
 }

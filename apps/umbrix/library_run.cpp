@@ -71,6 +71,7 @@ std::string_view stage_name(std::string_view text)
         {"Height -> AO", "occlusion"},
         {"Storing Results", "storing"},
         {kBlendingLayers, "blending layers"},
+        {kFittingRelief, "fitting"},
     };
     for (auto const& [from, to] : kNames) {
         if (text == from) {

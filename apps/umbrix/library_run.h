@@ -6,8 +6,9 @@
 
 namespace umbrix_cli {
 
-/// Stage that a caller names who has the library blend layers, as the library itself does not.
+/// Stages that callers name, as the library itself does not.
 inline constexpr char const* kBlendingLayers = "Blending Layers";
+inline constexpr char const* kFittingRelief = "Fitting Relief";
 
 /// Runs @p work, one call into the library, on a thread of its own, and sends its progress while it runs.
 /// Throws a Failure if the machine does not give it all its threads, or if the library showed an error box.

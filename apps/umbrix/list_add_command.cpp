@@ -58,6 +58,11 @@ ListAddCommand::NewJob ListAddCommand::job_for(std::string const& source, Interr
     job.search_str = pattern_for(source);
     SourceLook const look =
         look_at_source(source, options_.settings, options_.kind(), Surroundings{kCommand, interrupts});
+    if (look.kind == Kind::kNormalMap && options_.settings.normal_y == NormalY::kDown) {
+        throw Failure("--preset", "its green points down, and a job of a list takes green for up",
+                      "turn the green of the picture over, or leave the direction out of the preset",
+                      kWrongUsage);
+    }
     static_cast<umbrix_data&>(job) = data_for(options_.settings, look.kind, look.width);
     job.filename = name_in_list(source);
     added.told = fmt::format("{}: {}{}", source, look.kind == Kind::kHeightMap ? "height map" : "normal map",

@@ -3,6 +3,7 @@
 
 #include "common_options.h"
 #include "failure.h"
+#include "kind_option.h"
 #include "list_settings.h"
 #include "option_table.h"
 #include "preflight.h"
@@ -53,10 +54,7 @@ void JobOptions::declare(CLI::App& command)
     command.add_option("--search", search, "In a folder: the files to work on [default *.*, all]")
         ->type_name("PATTERN")
         ->group(kSource);
-    auto* const height = command.add_flag("--height-map", height_map, "It is a height map [default: guess]");
-    auto* const normal = command.add_flag("--normal-map", normal_map, "It is a normal map [default: guess]");
-    height->excludes(normal)->group(kSource);
-    normal->group(kSource);
+    declare_kind(command, kind_);
     command
         .add_option(
             "--layers", layers,
@@ -75,10 +73,14 @@ bool JobOptions::is_given(char const* option) const
 std::set<std::string> JobOptions::given() const
 {
     std::set<std::string> names;
+    bool const all = is_given("preset");
     for (OptionRow const& row : option_table()) {
-        if ((row.users & kForMap) != 0 && is_given(row.name)) {
+        if ((row.users & kForMap) != 0 && (all || is_given(row.name))) {
             names.insert(row.name);
         }
+    }
+    if (all && settings.kind) {
+        names.insert("height-map");
     }
     for (char const* name : {"height-map", "normal-map"}) {
         if (is_given(name)) {
@@ -90,10 +92,7 @@ std::set<std::string> JobOptions::given() const
 
 std::optional<Kind> JobOptions::kind() const
 {
-    if (!height_map && !normal_map) {
-        return std::nullopt;
-    }
-    return height_map ? Kind::kHeightMap : Kind::kNormalMap;
+    return kind_ ? kind_ : settings.kind;
 }
 
 SourceLook look_at_source(fs::path const& source, Settings const& settings, std::optional<Kind> kind,

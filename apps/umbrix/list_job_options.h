@@ -15,8 +15,6 @@ namespace umbrix_cli {
 /// What `umbrix list add` and `umbrix list set` can be told about a job.
 struct JobOptions {
     Settings settings = kDefaults;
-    bool height_map = false;
-    bool normal_map = false;
     std::string search;
     std::string layers; ///< Stack file.
 
@@ -30,6 +28,7 @@ struct JobOptions {
 
 private:
     CLI::App* command_ = nullptr;
+    std::optional<Kind> kind_;
 };
 
 /// What has to be known of a job's source and its layers before the job can be written down.

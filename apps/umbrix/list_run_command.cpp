@@ -62,8 +62,7 @@ CLI::App* ListRunCommand::declare(CLI::App& app)
         ->group(kRun);
     declare_workers(*command, workers_)->group(kRun);
     common_.declare_limits(*command);
-    common_.declare_progress(*command, "Show progress as a bar, as lines, not at all, or as a bar where "
-                                       "there is a terminal and else not");
+    common_.declare_progress(*command, "not");
     declare_graphics(*command, graphics_);
     return command;
 }

@@ -62,6 +62,8 @@ umbrix_data data_for(Settings const& settings, Kind kind, int width)
 Settings settings_of(umbrix_data const& data)
 {
     return {
+        .kind = kind_of(data),
+        .normal_y = NormalY::kUp,
         .light = !data.no_normal,
         .occlusion = data.calc_type == calc_type_light_occlusion || data.calc_type == calc_type_occlusion,
         .generate_normal = data.generate_normal,

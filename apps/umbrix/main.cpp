@@ -2,12 +2,14 @@
 #include "batch_command.h"
 #include "devices_command.h"
 #include "failure.h"
+#include "fit_command.h"
 #include "graphics_option.h"
 #include "help_formatter.h"
 #include "info_command.h"
 #include "list_command.h"
 #include "map_command.h"
 #include "normal_command.h"
+#include "preset_command.h"
 #include "put_text.h"
 #include "relight_command.h"
 #include "self_description_command.h"
@@ -90,7 +92,8 @@ int run_tool(int count, char** words)
     app.require_subcommand(0, 1);
     std::vector<Declared> const commands =
         declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, BatchCommand, ListCommand,
-                    InfoCommand, DevicesCommand, CompletionCommand, ManualCommand>(app);
+                    InfoCommand, FitCommand, PresetCommand, DevicesCommand, CompletionCommand, ManualCommand>(
+            app);
     std::string const name = full_name(app, count, words);
     try {
         std::vector<std::string> arguments = with_device_numbers({words + 1, words + count});
@@ -101,6 +104,8 @@ int run_tool(int count, char** words)
     } catch (CLI::ParseError const& error) {
         put_text(stderr, fmt::format("{}: error: {}; see {} --help\n", name, error.what(), name));
         return kWrongUsage;
+    } catch (Failure const& failure) { // a preset is read while the command line is
+        return complain(name, failure);
     }
     for (Declared const& each : commands) {
         if (each.app->parsed()) {

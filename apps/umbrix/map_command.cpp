@@ -2,6 +2,7 @@
 #include "map_command.h"
 
 #include "failure.h"
+#include "kind_option.h"
 #include "map_usage.h"
 #include "normal_y_option.h"
 #include "option_table.h"
@@ -28,12 +29,7 @@ CLI::App* MapCommand::declare(CLI::App& app)
         app.add_subcommand("map", "Make an Umbrix map: light from three directions, with occlusion");
     common_.declare_output(*command, "INPUT_Umbrix beside the input");
     common_.declare_input(*command, "Height map, or normal map with the heights in its alpha");
-    auto* const height =
-        command->add_flag("--height-map", height_map_, "The input is a height map [default: guess]");
-    auto* const normal =
-        command->add_flag("--normal-map", normal_map_, "The input is a normal map [default: guess]");
-    height->excludes(normal)->group("Input");
-    normal->group("Input");
+    declare_kind(*command, kind_);
     declare_normal_y(*command, normal_y_, "Where green points in a normal map that is read")->group("Input");
     CLI::Option* const gpu = declare_graphics(*command, graphics_);
     command
@@ -50,7 +46,7 @@ void MapCommand::validate() const
 {
     check_map_usage(settings_, common_.output);
     check_graphics_usage(graphics_, settings_);
-    if (normal_y_ && height_map_) {
+    if (normal_y_ && kind_ == Kind::kHeightMap) {
         throw Failure("--normal-y", "a height map has no green to point anywhere", "leave it out",
                       kWrongUsage);
     }
@@ -78,10 +74,8 @@ void MapCommand::run(Interrupts const& interrupts)
     job.settings = settings_;
     job.graphics = graphics_;
     job.compare_cpu = compare_cpu_;
-    job.normal_y = normal_y_.value_or(NormalY::kUp);
-    if (height_map_ || normal_map_) {
-        job.kind = height_map_ ? Kind::kHeightMap : Kind::kNormalMap;
-    }
+    job.normal_y = normal_y_.value_or(settings_.normal_y);
+    job.kind = kind_ ? kind_ : settings_.kind;
     Written const written = make_picture_file(kCommand, common_, job, "_Umbrix", interrupts);
     Kind const kind = written.report.at("kind").get<Kind>();
     bool const guessed = written.report.at("guessed").get<bool>();

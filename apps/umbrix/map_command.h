@@ -22,8 +22,7 @@ private:
 
     CommonOptions common_;
     Settings settings_ = kDefaults;
-    bool height_map_ = false;
-    bool normal_map_ = false;
+    std::optional<Kind> kind_;
     std::optional<NormalY> normal_y_;
     Graphics graphics_;
     bool compare_cpu_ = false;

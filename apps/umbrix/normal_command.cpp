@@ -25,7 +25,7 @@ void NormalCommand::run(Interrupts const& interrupts)
     Job job;
     job.task = Task::kNormal;
     job.settings = settings_;
-    job.normal_y = normal_y_.value_or(NormalY::kUp);
+    job.normal_y = normal_y_.value_or(settings_.normal_y);
     Written const written = make_picture_file("umbrix normal", common_, job, "_Normal", interrupts);
     fmt::print("wrote {}: normal map, {} x {}, green {}, n-scale {:.4g}, {:.1f} s\n", written.output.string(),
                written.report.at("width").get<int>(), written.report.at("height").get<int>(),

@@ -2,8 +2,10 @@
 #include "option_table.h"
 
 #include "defaults.h"
+#include "preset_option.h"
 
 #include <CLI/Error.hpp>
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <fmt/format.h>
@@ -13,6 +15,7 @@ namespace umbrix_cli {
 
 namespace {
 
+constexpr char const* kInput = "Input";
 constexpr char const* kLight = "Light";
 constexpr char const* kRelief = "Relief";
 constexpr char const* kOcclusion = "Occlusion";
@@ -22,6 +25,11 @@ constexpr char const* kResult = "Grading of the map, in this order";
 constexpr double kMaxSigma = 1000.0;
 
 constexpr OptionRow kTable[] = {
+    {"kind", kInput, &Settings::kind, 0, 0, "", kForPresets,
+     "What `map` takes its input for; auto looks at the picture and its name"},
+    {"normal-y", kInput, &Settings::normal_y, 0, 0, "", kForPresets,
+     "Where green points in a normal map: up (OpenGL) or down (DirectX)"},
+
     {"light", kLight, &Settings::light, 0, 0, "", kForMap,
      "Put the light of the three directions into the map"},
     {"generate-normal", kLight, &Settings::generate_normal, 0, 0, "", kForMap,
@@ -40,9 +48,9 @@ constexpr OptionRow kTable[] = {
     {"n-scale", kRelief, &Settings::n_scale, -1e6, 1e6, "", kForMap | kForNormal,
      "Strength of the normals: slope where the heights differ by 1 over two texels; auto fits the height "
      "scale"},
-    {"gaussian", kRelief, &Settings::gaussian, 0, kMaxSigma, " texels, 0 is off", kForMap | kForNormal,
-     "Sigma of the blur before normals are made"},
-    {"detail", kRelief, &Settings::detail, 0, 100, " texels, up to 1 is off", kForMap | kForNormal,
+    {"gaussian", kRelief, &Settings::gaussian, 0, kMaxSigma, " texels, 0 is off",
+     kForMap | kForNormal | kForFit, "Sigma of the blur before normals are made"},
+    {"detail", kRelief, &Settings::detail, 0, 100, " texels, up to 1 is off", kForMap | kForNormal | kForFit,
      "Radius of the bilateral filter before normals are made; `normal` runs it without using its result"},
 
     {"occlusion", kOcclusion, &Settings::occlusion, 0, 0, "", kForMap,
@@ -76,17 +84,8 @@ constexpr OptionRow kTable[] = {
 };
 
 constexpr char const* kModeNames[] = {"projection", "unit", "flat", "squared"};
-
-Modes parse_mode(std::string const& text)
-{
-    for (int mode = 0; mode < 4; ++mode) {
-        if (text == kModeNames[mode]) {
-            return static_cast<Modes>(mode);
-        }
-    }
-    throw CLI::ValidationError("--mode",
-                               fmt::format("'{}' is not a mode; give {}", text, fmt::join(kModeNames, ", ")));
-}
+constexpr char const* kKindNames[] = {"auto", "height", "normal"};
+constexpr char const* kDirectionNames[] = {"up", "down"};
 
 template <typename... Bodies>
 struct Overloaded : Bodies... {
@@ -121,10 +120,24 @@ public:
         settings_.*field = text_ == "auto" ? std::nullopt : std::optional(static_cast<float>(number()));
     }
 
-    void operator()(Modes Settings::*field) const { settings_.*field = parse_mode(text_); }
+    void operator()(Modes Settings::*) const { parse_choice(); }
+    void operator()(std::optional<Kind> Settings::*) const { parse_choice(); }
+    void operator()(NormalY Settings::*) const { parse_choice(); }
 
 private:
     std::string option() const { return fmt::format("--{}", row_.name); }
+
+    void parse_choice() const
+    {
+        auto const names = choices(row_);
+        auto const found = std::find(names.begin(), names.end(), text_);
+        if (found == names.end()) {
+            throw CLI::ValidationError(
+                option(), fmt::format("'{}' is not a {}; give {}", text_, row_.name, fmt::join(names, ", ")));
+        }
+        choose(row_, settings_, static_cast<int>(found - names.begin()));
+    }
+
     double number() const { return parse_number(option(), text_, row_.minimum, row_.maximum); }
 
     OptionRow const& row_;
@@ -134,21 +147,15 @@ private:
 
 std::string default_text(OptionRow const& row)
 {
-    return std::visit(Overloaded{
-                          [](bool Settings::*field) { return std::string(kDefaults.*field ? "on" : "off"); },
-                          [](int Settings::*field) { return fmt::format("{}", kDefaults.*field); },
-                          [](float Settings::*field) { return fmt::format("{}", kDefaults.*field); },
-                          [](std::optional<float> Settings::*) { return std::string("auto"); },
-                          [](Modes Settings::*field) {
-                              return std::string(kModeNames[static_cast<int>(kDefaults.*field)]);
-                          },
-                      },
-                      row.field);
+    if (auto const* flag = std::get_if<bool Settings::*>(&row.field)) {
+        return kDefaults.**flag ? "on" : "off";
+    }
+    return value_text(row, kDefaults);
 }
 
 char const* value_name(OptionRow const& row)
 {
-    if (std::holds_alternative<Modes Settings::*>(row.field)) {
+    if (!choices(row).empty()) {
         return "MODE";
     }
     return std::holds_alternative<int Settings::*>(row.field) ? "N" : "X";
@@ -181,8 +188,8 @@ std::string describe(OptionRow const& row)
     if (std::holds_alternative<bool Settings::*>(row.field)) {
         return fmt::format("{} [default {}]", row.help, default_text(row));
     }
-    if (std::holds_alternative<Modes Settings::*>(row.field)) {
-        return fmt::format("{} [{}; default {}]", row.help, fmt::join(kModeNames, ", "), default_text(row));
+    if (auto const names = choices(row); !names.empty()) {
+        return fmt::format("{} [{}; default {}]", row.help, fmt::join(names, ", "), default_text(row));
     }
     return fmt::format("{} [{} to {}{}; default {}]", row.help, row.minimum, row.maximum, row.unit,
                        default_text(row));
@@ -194,8 +201,55 @@ std::string name_of_mode(Modes mode)
     return number >= 0 && number < 4 ? kModeNames[number] : fmt::format("{}", number);
 }
 
+std::span<char const* const> choices(OptionRow const& row)
+{
+    using Names = std::span<char const* const>;
+    return std::visit(Overloaded{
+                          [](auto) { return Names(); },
+                          [](Modes Settings::*) { return Names(kModeNames); },
+                          [](std::optional<Kind> Settings::*) { return Names(kKindNames); },
+                          [](NormalY Settings::*) { return Names(kDirectionNames); },
+                      },
+                      row.field);
+}
+
+void choose(OptionRow const& row, Settings& settings, int choice)
+{
+    std::visit(Overloaded{
+                   [](auto) {},
+                   [&](Modes Settings::*field) { settings.*field = static_cast<Modes>(choice); },
+                   [&](std::optional<Kind> Settings::*field) {
+                       settings.*field =
+                           choice == 0 ? std::nullopt : std::optional(static_cast<Kind>(choice - 1));
+                   },
+                   [&](NormalY Settings::*field) { settings.*field = static_cast<NormalY>(choice); },
+               },
+               row.field);
+}
+
+std::string value_text(OptionRow const& row, Settings const& settings)
+{
+    return std::visit(Overloaded{
+                          [&](auto Settings::*field) { return fmt::format("{}", settings.*field); },
+                          [&](std::optional<float> Settings::*field) {
+                              return (settings.*field).has_value() ? fmt::format("{}", *(settings.*field))
+                                                                   : "auto";
+                          },
+                          [&](Modes Settings::*field) { return std::string(kModeNames[settings.*field]); },
+                          [&](std::optional<Kind> Settings::*field) {
+                              auto const kind = settings.*field;
+                              return std::string(kKindNames[kind ? static_cast<int>(*kind) + 1 : 0]);
+                          },
+                          [&](NormalY Settings::*field) {
+                              return std::string(kDirectionNames[static_cast<int>(settings.*field)]);
+                          },
+                      },
+                      row.field);
+}
+
 void declare_options(CLI::App& command, Settings& settings, OptionUser user)
 {
+    declare_preset(command, settings);
     for (OptionRow const& row : kTable) {
         if ((row.users & user) != 0) {
             declare(command, settings, row);
@@ -209,7 +263,7 @@ nlohmann::json to_json(Settings const& settings)
     for (OptionRow const& row : kTable) {
         std::visit(Overloaded{
                        [&](auto Settings::*field) { fields[row.name] = settings.*field; },
-                       [&](std::optional<float> Settings::*field) {
+                       [&]<typename Value>(std::optional<Value> Settings::*field) {
                            fields[row.name] = (settings.*field).has_value()
                                                   ? nlohmann::json(*(settings.*field))
                                                   : nlohmann::json(nullptr);
@@ -227,9 +281,9 @@ Settings settings_from_json(nlohmann::json const& fields)
         nlohmann::json const& value = fields.at(row.name);
         std::visit(Overloaded{
                        [&](auto Settings::*field) { value.get_to(settings.*field); },
-                       [&](std::optional<float> Settings::*field) {
+                       [&]<typename Value>(std::optional<Value> Settings::*field) {
                            settings.*field =
-                               value.is_null() ? std::nullopt : std::optional(value.get<float>());
+                               value.is_null() ? std::nullopt : std::optional(value.get<Value>());
                        },
                    },
                    row.field);

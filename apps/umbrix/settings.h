@@ -6,9 +6,23 @@
 
 namespace umbrix_cli {
 
-/// What a run can be told on the command line, in the library's units. An empty number is worked out from the
-/// others.
+/// What the input is taken for.
+enum class Kind { kHeightMap, kNormalMap };
+
+/// Direction of green in a normal map: kUp where green grows as the surface turns to the top of the picture.
+enum class NormalY { kUp, kDown };
+
+/// What a run can be told on the command line and in a preset, in the library's units. An empty number is
+/// worked out from the others, an empty kind from the input.
+///
+/// Of the library's record it leaves out what no run on a picture reads (the threads, the silence, the mode
+/// and the flags of normals), what is a run's own (sizes, buffers, the stop flag), what a command decides
+/// (layers, folders), and the basis vectors: the occlusion looks along fixed directions whatever they are,
+/// and who reads a map counts on the usual ones.
 struct Settings {
+    std::optional<Kind> kind;
+    NormalY normal_y;
+
     bool light;
     bool occlusion;
     bool generate_normal;
@@ -42,12 +56,6 @@ struct Settings {
     float brightness;
     float smooth;
 };
-
-/// What the input is taken for.
-enum class Kind { kHeightMap, kNormalMap };
-
-/// Direction of green in a normal map: kUp where green grows as the surface turns to the top of the picture.
-enum class NormalY { kUp, kDown };
 
 /// Height scale of the occlusion: `h_scale`, or the relief.
 float h_scale_of(Settings const& settings);

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "stack_example.h"
 
-#include "failure.h"
 #include "stack_example_text.h"
-#include "temporary.h"
+#include "text_file.h"
 
 #include <algorithm>
-#include <fstream>
 #include <string>
 
 namespace umbrix_cli {
@@ -67,20 +65,10 @@ std::string with_folder(std::string text, std::string const& folder)
 bool write_example_stack(fs::path const& file, bool overwrite)
 {
     std::error_code error;
-    if (!overwrite && fs::exists(fs::symlink_status(file, error))) {
-        throw Failure(file.string(), "it exists", "add --overwrite to replace it, or give another name");
-    }
     fs::path const folder = fs::weakly_canonical(fs::absolute(file).parent_path(), error);
     std::string const textures = textures_for(folder);
     bool const found = !textures.empty() && needs_no_escape(textures);
-    OutputFile output(file, ".toml");
-    std::ofstream stream(output.temporary(), std::ios::binary);
-    stream << (found ? with_folder(kStackExample, textures) : kStackExample);
-    stream.close();
-    if (!stream) {
-        throw Failure(file.string(), "it could not be written", "free some space or choose another folder");
-    }
-    output.move_into_place(overwrite);
+    write_text_file(file, found ? with_folder(kStackExample, textures) : kStackExample, overwrite);
     return found;
 }
 

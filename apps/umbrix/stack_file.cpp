@@ -3,14 +3,12 @@
 
 #include "failure.h"
 #include "preflight.h"
+#include "toml_reading.h"
 
 #include <algorithm>
-#include <cmath>
 #include <fmt/format.h>
-#include <fstream>
 #include <iterator>
 #include <string_view>
-#include <toml++/toml.h>
 
 namespace umbrix_cli {
 
@@ -18,42 +16,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uintmax_t kLargestFile = 1024 * 1024;
 constexpr double kAny = 1e6;
 constexpr char const* kBlendNames[] = {"blend", "overlay", "multiply", "add"}; // in the library's order
 constexpr char const* kNewHint = "umbrix stack --new writes an example";
 
-/// A TOML value and the words that say where it stands.
-struct Entry {
-    std::string subject; ///< "stack.toml: layer 2: opacity".
-    toml::node const& node;
+using Entry = TomlEntry;
 
-    [[noreturn]] void refuse(std::string const& what, std::string const& advice) const
-    {
-        throw Failure(fmt::format("{} (line {})", subject, node.source().begin.line), what, advice);
-    }
-
-    std::string text(std::string const& advice) const
-    {
-        std::optional<std::string> const value = node.value_exact<std::string>();
-        if (!value) {
-            refuse("it is not a text in quotes", advice);
-        }
-        return *value;
-    }
-
-    float number(double minimum, double maximum) const
-    {
-        std::optional<double> const value = node.is_number() ? node.value<double>() : std::nullopt;
-        if (!value || !std::isfinite(*value)) {
-            refuse("it is not a number", fmt::format("give {} to {}", minimum, maximum));
-        }
-        if (*value < minimum || *value > maximum) {
-            refuse(fmt::format("{} is out of range", *value), fmt::format("give {} to {}", minimum, maximum));
-        }
-        return static_cast<float>(*value);
-    }
-};
+float number(Entry const& entry, double minimum, double maximum)
+{
+    return static_cast<float>(entry.number(minimum, maximum));
+}
 
 void read_file(Entry const& entry, StackLayer& layer)
 {
@@ -90,8 +62,8 @@ void read_edges(Entry const& entry, StackLayer& layer)
     if (pair == nullptr || pair->size() != 2) {
         entry.refuse("it is not a pair of numbers", "give [convex, concave]");
     }
-    layer.edge_a = Entry{entry.subject, (*pair)[0]}.number(-kAny, kAny);
-    layer.edge_b = Entry{entry.subject, (*pair)[1]}.number(-kAny, kAny);
+    layer.edge_a = number(Entry{entry.subject, (*pair)[0]}, -kAny, kAny);
+    layer.edge_b = number(Entry{entry.subject, (*pair)[1]}, -kAny, kAny);
 }
 
 /// A key of a layer, and how its value is taken in.
@@ -105,11 +77,11 @@ constexpr LayerKey kLayerKeys[] = {
     {"file", read_file, false},
     {"kind", read_kind, false},
     {"blend", read_blend, false},
-    {"opacity", [](Entry const& e, StackLayer& layer) { layer.opacity = e.number(-kAny, kAny); }, false},
-    {"n_scale", [](Entry const& e, StackLayer& layer) { layer.n_scale = e.number(-kAny, kAny); }, true},
-    {"detail", [](Entry const& e, StackLayer& layer) { layer.detail = e.number(0, 100); }, true},
-    {"gaussian", [](Entry const& e, StackLayer& layer) { layer.gaussian = e.number(0, 1000); }, true},
-    {"depth", [](Entry const& e, StackLayer& layer) { layer.depth = e.number(-100, 100); }, true},
+    {"opacity", [](Entry const& e, StackLayer& layer) { layer.opacity = number(e, -kAny, kAny); }, false},
+    {"n_scale", [](Entry const& e, StackLayer& layer) { layer.n_scale = number(e, -kAny, kAny); }, true},
+    {"detail", [](Entry const& e, StackLayer& layer) { layer.detail = number(e, 0, 100); }, true},
+    {"gaussian", [](Entry const& e, StackLayer& layer) { layer.gaussian = number(e, 0, 1000); }, true},
+    {"depth", [](Entry const& e, StackLayer& layer) { layer.depth = number(e, -100, 100); }, true},
     {"edges", read_edges, true},
 };
 
@@ -146,7 +118,7 @@ public:
         for (auto const& [key, node] : top) {
             Entry const entry{fmt::format("{}: {}", file_.string(), key.str()), node};
             if (key == "normal_scale") {
-                result_.description.normal_scale = entry.number(-kAny, kAny);
+                result_.description.normal_scale = number(entry, -kAny, kAny);
             } else if (key == "layer") {
                 layers = node.as_array();
                 if (layers == nullptr || !std::all_of(layers->begin(), layers->end(), is_table)) {
@@ -222,31 +194,11 @@ private:
     StackFile result_;
 };
 
-std::string content_of(fs::path const& file)
-{
-    if (fs::file_size(file) > kLargestFile) {
-        throw Failure(file.string(), "it is too large for a stack file", kNewHint);
-    }
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
-toml::table parse(fs::path const& file)
-{
-    try {
-        return toml::parse(content_of(file));
-    } catch (toml::parse_error const& error) {
-        toml::source_position const at = error.source().begin;
-        throw Failure(fmt::format("{}: line {}, column {}", file.string(), at.line, at.column),
-                      std::string(error.description()), kNewHint);
-    }
-}
-
 } // namespace
 
 StackFile read_stack_file(fs::path const& file)
 {
-    return StackReader(file).read(parse(file));
+    return StackReader(file).read(parse_toml_file(file, "a stack file", kNewHint));
 }
 
 void check_layer_files(StackDescription const& description)

@@ -49,6 +49,8 @@ nlohmann::json run(Job const& job)
         return run_devices_task();
     case Task::kListJob:
         return run_list_job_task(job);
+    case Task::kFit:
+        return run_fit_task(job);
     case Task::kInfo:
         break;
     }

@@ -21,8 +21,8 @@ TEST_F(ToolUsage, HelpsWithEveryOption)
 {
     Outcome const help = run({"--help"});
     EXPECT_EQ(help.code, 0);
-    for (char const* text : {"map", "normal", "stack", "relight", "batch", "list", "info", "devices",
-                             "0 done", "1 an input", "2 wrong usage", "130 interrupted"}) {
+    for (char const* text : {"map", "normal", "stack", "relight", "batch", "list", "info", "fit", "preset",
+                             "devices", "0 done", "1 an input", "2 wrong usage", "130 interrupted"}) {
         EXPECT_NE(help.out.find(text), std::string::npos) << text;
     }
     std::string const map = run({"map", "--help"}).out;
@@ -64,7 +64,8 @@ TEST_F(ToolUsage, HelpsWithEveryOption)
                                "--progress",
                                "--output",
                                "--overwrite",
-                               "--[no-]generate-normal"}) {
+                               "--[no-]generate-normal",
+                               "--preset"}) {
         std::size_t const at = map.find(option);
         ASSERT_NE(at, std::string::npos) << option;
     }
