@@ -32,6 +32,13 @@ CLI::App* BatchCommand::declare(CLI::App& app)
     declare_workers(*command_, workers_)->group(kRun);
     common_.declare_limits(*command_);
     common_.declare_progress(*command_, "not");
+    declare_graphics(*command_, graphics_);
+    command_
+        ->add_flag(
+            "--plain", plain_,
+            "Have the library walk one folder itself: it replaces outputs, takes those of earlier runs as "
+            "inputs and tells of no failure; the kind and --n-scale have to be given")
+        ->group(kRun);
     declare_options(*command_, settings_, kForMap);
     return command_;
 }
@@ -93,6 +100,7 @@ void BatchCommand::validate() const
         forbid_map_options();
     } else {
         check_map_usage(settings_, "");
+        check_graphics_usage(graphics_, settings_);
     }
     if (normal_y_ && kind_ == Kind::kHeightMap) {
         throw Failure("--normal-y", "a height map has no green to point anywhere", "leave it out",
@@ -108,6 +116,8 @@ void BatchCommand::forbid_map_options() const
                           kWrongUsage);
         }
     };
+    forbid("--gpu");
+    forbid("--match-cpu");
     forbid("--height-map");
     forbid("--normal-map");
     for (OptionRow const& row : option_table()) {
@@ -141,6 +151,7 @@ BatchOrders BatchCommand::orders() const
     job.max_texels = common_.max_texels;
     job.normal_y = normal_y_.value_or(settings_.normal_y);
     job.kind = kind_ ? kind_ : settings_.kind;
+    job.graphics = graphics_;
     orders.job_for = [job](BatchFile const& file) {
         if (job.task == Task::kMap) {
             check_map_usage(job.settings, file.target.string());
@@ -157,9 +168,48 @@ BatchOrders BatchCommand::orders() const
     return orders;
 }
 
+PlainWalk BatchCommand::plain_walk() const
+{
+    auto const forbid = [this](char const* option) {
+        if (command_->get_option(option)->count() > 0) {
+            throw Failure(option, "the library's own walk does not know it",
+                          "leave it out, or leave --plain out", kWrongUsage);
+        }
+    };
+    for (char const* option :
+         {"--normal", "--suffix", "--keep-tree", "--overwrite", "--update", "--dry-run", "--json", "--jobs",
+          "--include-outputs", "--normal-y", "--match-cpu", "--height-in-alpha"}) {
+        forbid(option);
+    }
+    std::error_code error;
+    if (search_.places.size() != 1 || !std::filesystem::is_directory(search_.places.front(), error)) {
+        throw Failure("--plain", "it takes one folder", "name a folder that exists", kWrongUsage);
+    }
+    std::optional<Kind> const kind = kind_ ? kind_ : settings_.kind;
+    bool const makes_normals =
+        kind && settings_.light && (*kind == Kind::kHeightMap || settings_.generate_normal);
+    if (!kind || (makes_normals && !settings_.n_scale)) {
+        throw Failure(
+            "--plain", "the library guesses nothing",
+            kind ? fmt::format("add --n-scale: for pictures 1024 texels wide {}", n_scale_of(settings_, 1024))
+                 : "add --height-map or --normal-map",
+            kWrongUsage);
+    }
+    return {std::filesystem::canonical(search_.places.front()),
+            search_.pattern.empty() ? "*.*" : search_.pattern,
+            search_.recurse,
+            settings_,
+            *kind,
+            graphics_};
+}
+
 void BatchCommand::run(Interrupts const& interrupts)
 {
     validate();
+    if (plain_) {
+        run_plain_walk(plain_walk(), interrupts);
+        return;
+    }
     BatchPlan const plan = plan_batch(choice());
     if (common_.verbose && plan.outputs_left_out > 0) {
         put_text(stderr, fmt::format("umbrix batch: note: {} outputs of earlier runs are left out\n",

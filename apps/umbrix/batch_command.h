@@ -5,6 +5,8 @@
 #include "command.h"
 #include "common_options.h"
 #include "defaults.h"
+#include "graphics_option.h"
+#include "plain_walk.h"
 #include "workers_option.h"
 
 #include <optional>
@@ -25,6 +27,7 @@ private:
     void forbid_map_options() const;
     BatchChoice choice() const;
     BatchOrders orders() const;
+    PlainWalk plain_walk() const;
 
     CLI::App* command_ = nullptr;
     CommonOptions common_;
@@ -37,6 +40,8 @@ private:
     bool include_outputs_ = false;
     bool dry_run_ = false;
     bool json_ = false;
+    bool plain_ = false;
+    Graphics graphics_;
     bool map_ = false;
     bool normal_ = false;
     std::optional<Kind> kind_;

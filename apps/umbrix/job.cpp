@@ -26,6 +26,8 @@ std::vector<std::uint8_t> pack(Job const& job)
         {"cell", job.cell},
         {"exposure", job.exposure},
         {"list_job", job.list_job},
+        {"search", job.search},
+        {"recurse", job.recurse},
         {"normals", job.normals},
         {"fit_gaussian", job.fit_gaussian},
         {"stack", job.stack},
@@ -59,6 +61,8 @@ Job unpack_job(std::vector<std::uint8_t> const& bytes)
     fields.at("cell").get_to(job.cell);
     fields.at("exposure").get_to(job.exposure);
     fields.at("list_job").get_to(job.list_job);
+    fields.at("search").get_to(job.search);
+    fields.at("recurse").get_to(job.recurse);
     fields.at("normals").get_to(job.normals);
     fields.at("fit_gaussian").get_to(job.fit_gaussian);
     fields.at("stack").get_to(job.stack);

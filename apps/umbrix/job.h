@@ -12,7 +12,7 @@
 
 namespace umbrix_cli {
 
-enum class Task { kMap, kNormal, kRelight, kInfo, kStack, kFit, kDevices, kListJob };
+enum class Task { kMap, kNormal, kRelight, kInfo, kStack, kFit, kDevices, kListJob, kFolder };
 
 /// Everything that a worker is told. File names are bytes as the user gave them.
 struct Job {
@@ -36,6 +36,10 @@ struct Job {
 
     std::vector<std::uint8_t> list_job; ///< Jobs of work lists only, as `pack_list_job` writes them.
 
+    // The library's own walk of a folder only. `input` is the folder, and `output` is not used.
+    std::string search; ///< Pattern of the files.
+    bool recurse = false;
+
     // Fitting only. `input` is the height map, and `output` is not used.
     std::string normals; ///< The normal map.
     bool fit_gaussian = false;
@@ -54,6 +58,7 @@ nlohmann::json run_info_task(Job const& job);
 nlohmann::json run_stack_task(Job const& job);
 nlohmann::json run_devices_task();
 nlohmann::json run_list_job_task(Job const& job);
+nlohmann::json run_folder_task(Job const& job);
 nlohmann::json run_fit_task(Job const& job);
 
 } // namespace umbrix_cli

@@ -50,7 +50,13 @@ void fill_layers(umbrix_node& job, fs::path const& file)
     }
 }
 
-ListPiece piece_of(umbrix_node job, fs::path const& file)
+/// A map of the graphics processor is another one than that of the processor; all devices make the same.
+std::uint8_t road_of(Graphics const& graphics)
+{
+    return static_cast<std::uint8_t>(graphics.device ? (graphics.match_cpu ? 2 : 1) : 0);
+}
+
+ListPiece piece_of(umbrix_node job, fs::path const& file, Graphics const& graphics)
 {
     bool const of_folder = job.filename != file.string();
     if (of_folder && job.generate_normal) {
@@ -63,7 +69,9 @@ ListPiece piece_of(umbrix_node job, fs::path const& file)
     for (auto const* each = job.layers.head; each != nullptr; each = each->next) {
         read.emplace_back(each->data.filename);
     }
-    piece.digest = digest_of(piece.job, read);
+    std::vector<std::uint8_t> made_of = piece.job;
+    made_of.push_back(road_of(graphics));
+    piece.digest = digest_of(made_of, read);
     return piece;
 }
 
@@ -78,7 +86,7 @@ ListPlan plan_list(umbrix_list& list, ListChoice const& choice, ListLog const& l
         }
         umbrix_node const job = list.get_node(i);
         for (BatchFile file : files_of(job, choice, plan.batch.failures)) {
-            ListPiece piece = piece_of(job, file.source);
+            ListPiece piece = piece_of(job, file.source, choice.graphics);
             std::uint64_t const maker = log.maker_of(file.target);
             file.outdated = maker != 0 && maker != piece.digest;
             file.origin = plan.pieces.size();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "batch_plan.h"
+#include "graphics_option.h"
 #include "list_log.h"
 
 #include <cstdint>
@@ -15,6 +16,7 @@ struct ListChoice {
     Shard shard;
     bool recurse = false; ///< Look into the folders in folders.
     OutputPolicy policy = OutputPolicy::kKeep;
+    Graphics graphics;
 };
 
 /// A file of a job: what a worker is told, and what the log remembers.

@@ -7,6 +7,7 @@
 #include "list_plan.h"
 #include "list_settings.h"
 #include "map_usage.h"
+#include "option_table.h"
 
 #include <CLI/Error.hpp>
 #include <charconv>
@@ -73,7 +74,7 @@ void ListRunCommand::run(Interrupts const& interrupts)
     read_list(file_, list);
     ListLog log(file_, shard_);
     ListChoice const choice{shard_, recurse_,
-                            common_.overwrite ? OutputPolicy::kReplace : OutputPolicy::kKeep};
+                            common_.overwrite ? OutputPolicy::kReplace : OutputPolicy::kKeep, graphics_};
     ListPlan const plan = plan_list(list, choice, log);
 
     BatchOrders orders;
@@ -92,6 +93,7 @@ void ListRunCommand::run(Interrupts const& interrupts)
         job.max_texels = common_.max_texels;
         job.graphics = graphics_;
         Settings const settings = settings_of(unpack_list_job(job.list_job));
+        check_ranges(settings, file.source.string());
         check_map_usage(settings, file.target.string());
         check_graphics_usage(graphics_, settings);
         return job;

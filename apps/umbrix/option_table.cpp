@@ -2,6 +2,7 @@
 #include "option_table.h"
 
 #include "defaults.h"
+#include "failure.h"
 #include "preset_option.h"
 
 #include <CLI/Error.hpp>
@@ -289,6 +290,29 @@ Settings settings_from_json(nlohmann::json const& fields)
                    row.field);
     }
     return settings;
+}
+
+void check_ranges(Settings const& settings, std::string const& subject)
+{
+    for (OptionRow const& row : kTable) {
+        auto const check = [&](double value) {
+            if (!(value >= row.minimum && value <= row.maximum)) { // what is no number, too
+                throw Failure(subject, fmt::format("its {} is {}, out of the range", row.name, value),
+                              fmt::format("give {} to {} with umbrix list set", row.minimum, row.maximum));
+            }
+        };
+        std::visit(Overloaded{
+                       [](auto) {},
+                       [&](int Settings::*field) { check(settings.*field); },
+                       [&](float Settings::*field) { check(static_cast<double>(settings.*field)); },
+                       [&](std::optional<float> Settings::*field) {
+                           if (settings.*field) {
+                               check(static_cast<double>(*(settings.*field)));
+                           }
+                       },
+                   },
+                   row.field);
+    }
 }
 
 double parse_number(std::string const& option, std::string const& text, double minimum, double maximum)

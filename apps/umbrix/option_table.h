@@ -60,6 +60,10 @@ void declare_options(CLI::App& command, Settings& settings, OptionUser user);
 nlohmann::json to_json(Settings const& settings);
 Settings settings_from_json(nlohmann::json const& fields);
 
+/// Throws a Failure about @p subject unless all numbers are in the ranges of their options. For settings that
+/// came from elsewhere than the command line.
+void check_ranges(Settings const& settings, std::string const& subject);
+
 /// A finite number in @p minimum..@p maximum, or CLI::ValidationError with a sentence about @p option.
 double parse_number(std::string const& option, std::string const& text, double minimum, double maximum);
 

@@ -47,6 +47,8 @@ nlohmann::json run(Job const& job)
         return run_stack_task(job);
     case Task::kDevices:
         return run_devices_task();
+    case Task::kFolder:
+        return run_folder_task(job);
     case Task::kListJob:
         return run_list_job_task(job);
     case Task::kFit:

@@ -120,7 +120,7 @@ Discovery discover_cuda(std::string const& path)
             continue;
         }
         Device device;
-        device.name = std::string(description.name) + " (CUDA)";
+        device.name = description.name;
         device.backend = "CUDA";
         device.is_graphics_card = true;
         device.address = PciAddress{description.pci_domain, description.pci_bus, description.pci_device};

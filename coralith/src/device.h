@@ -22,7 +22,7 @@ struct PciAddress {
 
 /// A device that stages can run on. Opened at its first use.
 struct Device {
-    std::string name;    ///< With its interface, as in "Name of the card (OpenCL)".
+    std::string name;    ///< As its driver has it.
     std::string backend; ///< "OpenCL" or "CUDA".
     bool is_graphics_card = false;
     std::optional<PciAddress> address;

@@ -95,7 +95,7 @@ void add_device(std::shared_ptr<OpenClApi const> const& owner, cl_device_id id, 
     cl_device_type type = 0;
     value_of(api, id, CL_DEVICE_TYPE, type);
     Device device;
-    device.name = text_of(api, id, CL_DEVICE_NAME) + " (OpenCL)";
+    device.name = text_of(api, id, CL_DEVICE_NAME);
     device.backend = "OpenCL";
     device.is_graphics_card = (type & CL_DEVICE_TYPE_GPU) != 0;
     device.address = address_of(api, id);

@@ -16,7 +16,7 @@ StageRunner::StageRunner(Discovery found) : notes_(std::move(found.notes)), proc
         names_.push_back(device.name);
         entries_.push_back({std::move(device), nullptr, false, {}});
     }
-    names_.emplace_back("Processor (host)");
+    names_.emplace_back("Processor");
 }
 
 char const* StageRunner::device_name(int device) const

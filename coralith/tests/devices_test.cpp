@@ -66,7 +66,7 @@ TEST(CoralithDevices, TheHostIsTheLastAndStandsForEveryUnknownNumber)
     coralith::StageRunner& runner = session.runner();
     EXPECT_EQ(runner.device_count(), 3);
     EXPECT_STREQ(runner.device_name(0), "card");
-    EXPECT_STREQ(runner.device_name(2), "Processor (host)");
+    EXPECT_STREQ(runner.device_name(2), "Processor");
     EXPECT_EQ(runner.device_name(3), nullptr);
     EXPECT_EQ(runner.device_name(-1), nullptr);
     EXPECT_STREQ(runner.active_backend(), "OpenCL") << "device 0 without a selection";

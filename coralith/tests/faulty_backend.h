@@ -84,7 +84,7 @@ private:
 inline Device faulty_device(Plan& plan, Device const& inner)
 {
     Device device = inner;
-    device.name = "Faulty card (OpenCL)";
+    device.name = "Faulty card";
     device.backend = "OpenCL";
     device.open = [&plan, open = inner.open](std::string& why) -> std::unique_ptr<Backend> {
         ++plan.opened;

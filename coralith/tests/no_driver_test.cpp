@@ -18,7 +18,7 @@ TEST(CoralithWithoutDriver, TheHostIsTheOnlyDeviceAndRunsTheStages)
 {
     SetReportHandler([](char const* line) { lines.emplace_back(line); });
     ASSERT_EQ(DeviceCount(), 1);
-    EXPECT_STREQ(DeviceName(0), "Processor (host)");
+    EXPECT_STREQ(DeviceName(0), "Processor");
     EXPECT_EQ(DeviceName(1), nullptr);
     EXPECT_STREQ(ActiveBackend(), "host");
     for (int i = 0; i < 2; ++i) {

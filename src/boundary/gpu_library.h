@@ -98,8 +98,7 @@ CORALITH_API void DirectionalAO_GPU(float* heights, int rows, int cols, int rays
 /// Number of devices, the host among them: at least 1. May be called from any thread, as `DeviceName`,
 /// `LastError` and `SetReportHandler`.
 CORALITH_API int DeviceCount();
-/// Name of a device with its interface, such as "Name of the card (OpenCL)", valid for the life of the
-/// process; null if there is no such device.
+/// Name of a device as its driver has it, valid for the life of the process; null if there is no such device.
 CORALITH_API char const* DeviceName(int device);
 /// What the next stage would run on: "OpenCL", "CUDA" or "host".
 CORALITH_API char const* ActiveBackend();

@@ -269,7 +269,7 @@ TEST_F(PresetCommand, KeepsAFileUnlessToldOtherwise)
     Bytes const before = read("p.toml");
     Outcome const kept = run({"preset", "save", "p.toml", "--rays", "17"});
     EXPECT_EQ(kept.code, 1);
-    EXPECT_TRUE(complains_about(kept, "umbrix preset", "p.toml"));
+    EXPECT_TRUE(complains_about(kept, "umbrix preset save", "p.toml"));
     EXPECT_EQ(read("p.toml"), before);
     // A preset may be its own base.
     EXPECT_EQ(run({"preset", "save", "p.toml", "--preset", "p.toml", "--min", "3", "--overwrite"}).code, 0);
