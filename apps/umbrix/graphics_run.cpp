@@ -5,8 +5,8 @@
 #include "worker_channel.h"
 
 #include <cmath>
-#include <cstring>
 #include <fmt/format.h>
+#include <string>
 
 namespace umbrix_cli {
 
@@ -14,6 +14,9 @@ namespace {
 
 /// What the library calls its backend that runs on the processor.
 constexpr char const* kHostBackend = "host";
+
+/// The library's last report when the device was opened: what it says of other devices is none of the run's.
+std::string report_at_opening;
 
 } // namespace
 
@@ -33,6 +36,7 @@ nlohmann::json open_device(Graphics const& graphics)
     SetDevice(device);
     std::string const backend = ActiveBackend();
     std::string const name = DeviceName(device);
+    report_at_opening = LastError();
     if (backend == kHostBackend) {
         send_note(
             fmt::format("device {}, {}, is the processor itself, so --gpu saves no time", device, name));
@@ -46,7 +50,7 @@ nlohmann::json open_device(Graphics const& graphics)
 
 void note_fallback()
 {
-    if (std::strlen(LastError()) != 0) {
+    if (report_at_opening != LastError()) {
         send_note(fmt::format("the processor took over from the graphics processor: {}", LastError()));
     }
 }
