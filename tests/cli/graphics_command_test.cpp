@@ -101,7 +101,7 @@ TEST_F(Graphics, DevicesAreListedWithNumberNameAndBackend)
 
 TEST_F(Graphics, DevicesAreListedAsJson)
 {
-    Outcome const outcome = run_with(kCards, {"devices", "--json"}, {{"STAND_IN_ERROR", "out of luck"}});
+    Outcome const outcome = run_with(kCards, {"devices", "--json"}, {{"STAND_IN_SKIPPED", "out of luck"}});
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     nlohmann::json const report = nlohmann::json::parse(outcome.out);
     ASSERT_EQ(report.at("devices").size(), 3U);
@@ -267,6 +267,14 @@ TEST_F(Graphics, AFallbackIsNotedWithItsReason)
         outcome.err.find("the processor took over from the graphics processor: the card was pulled out"),
         std::string::npos)
         << outcome.err;
+}
+
+TEST_F(Graphics, WhatIsReportedOfOtherDevicesIsNoFallback)
+{
+    Outcome const outcome =
+        run_with(kCards, {"map", "hill.tga", "--gpu"}, {{"STAND_IN_SKIPPED", "another card is too old"}});
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(outcome.err.find("took over"), std::string::npos) << outcome.err;
 }
 
 TEST_F(Graphics, ADriverThatBreaksDownEndsInOneSentence)

@@ -2,10 +2,13 @@
 // The query interface of a graphics library that is preloaded into a program under test. The environment says
 // what it has:
 //   STAND_IN_DEVICES  "name=backend;name=backend;..."; without it there are none
-//   STAND_IN_ERROR    reason for a fallback
+//   STAND_IN_SKIPPED  what is reported before any stage runs
+//   STAND_IN_ERROR    reason for a fallback, reported by the first stage
 //   STAND_IN_CRASH    ends the program as a broken driver does
+#include "call_log.h"
 #include "graphics_fake.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <sstream>
@@ -69,6 +72,11 @@ char const* ActiveBackend()
 
 char const* LastError()
 {
+    static std::string const skipped = variable("STAND_IN_SKIPPED");
     static std::string const error = variable("STAND_IN_ERROR");
-    return error.c_str();
+    auto const calls = CallLog::instance().calls();
+    bool const began = std::any_of(calls.begin(), calls.end(), [](std::string const& call) {
+        return call.rfind("PreProcess_GPU", 0) == 0;
+    });
+    return began && !error.empty() ? error.c_str() : skipped.c_str();
 }
