@@ -54,8 +54,9 @@ TEST_F(BatchCommand, LosesNothingButTheFileThatBreaksItsDecoder)
     std::string const table = outcome.out;
     EXPECT_EQ(table.rfind("done     in/1 good.tga -> in/1 good_Umbrix.tga, from a height map, ", 0), 0U)
         << table;
-    EXPECT_NE(table.find("\nfailed   in/2 crash.psd: its decoder broke down (Segmentation fault)\n"
-                         "failed   in/3 letter.png: it is damaged, or not an image of a known format\n"
+    EXPECT_NE(table.find("\nfailed   in/2 crash.psd: its decoder broke down ("), std::string::npos)
+        << table; // a sanitizer ends it in another way
+    EXPECT_NE(table.find("\nfailed   in/3 letter.png: it is damaged, or not an image of a known format\n"
                          "failed   in/4 empty.tga: it is empty\n"
                          "failed   in/5 endless.psd: it was still being read after 3 s\n"
                          "2 done, 0 skipped, 4 failed; "),

@@ -127,8 +127,9 @@ TEST_F(Graphics, TheListOfThisMachineIsWhole)
 {
     Outcome const outcome = run({"devices", "--json"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
+    nlohmann::json const report = nlohmann::json::parse(outcome.out);
     int number = 0;
-    for (nlohmann::json const& device : nlohmann::json::parse(outcome.out).at("devices")) {
+    for (nlohmann::json const& device : report.at("devices")) {
         EXPECT_EQ(device.at("number"), number);
         EXPECT_FALSE(device.at("name").get<std::string>().empty());
         EXPECT_NE(device.at("backend"), "none");

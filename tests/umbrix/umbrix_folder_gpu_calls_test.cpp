@@ -117,12 +117,11 @@ TEST_F(UmbrixFolderGpuCalls, EveryFileGoesThroughTheGraphicsLibrarySubfoldersFir
 
 TEST_F(UmbrixFolderGpuCalls, TheStackIsFilledWithTheFileWhateverTheOptionsSay)
 {
+    describe(2);
     for (bool const generate_normal : {false, true}) {
         CallLog::instance().clear();
         options_.generate_normal = generate_normal;
         add_files({"a.tga", "b.tga"});
-        layers_ = LinkedList<n_layer>();
-        describe(2);
         NLayers stack(&layers_);
         EXPECT_TRUE(run(&stack));
         Calls const loads = calls({"ilLoadImage("});
