@@ -40,8 +40,11 @@ void DevicesCommand::run(Interrupts const& interrupts)
     Job job;
     job.task = Task::kDevices;
     constexpr double kNoDecoding = 60;
-    nlohmann::json const report = supervise(job, {"umbrix devices", "graphics library", "", kNoDecoding,
-                                                  verbose_, ProgressDisplay::Style::kNone, interrupts});
+    nlohmann::json const report = supervise(job, {"umbrix devices",
+                                                  {"graphics library", "", kNoDecoding},
+                                                  verbose_,
+                                                  ProgressDisplay::Style::kNone,
+                                                  interrupts});
     if (json_) {
         fmt::print("{}\n", report.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
     } else {

@@ -27,8 +27,11 @@ nlohmann::json info_of(fs::path const& picture, Surroundings const& surroundings
     job.task = Task::kInfo;
     job.input = picture.string();
     job.max_texels = limits.max_texels;
-    return supervise(job, {surroundings.command, job.input, "", limits.timeout_seconds, false,
-                           ProgressDisplay::Style::kNone, surroundings.interrupts});
+    return supervise(job, {surroundings.command,
+                           {job.input, "", limits.timeout_seconds},
+                           false,
+                           ProgressDisplay::Style::kNone,
+                           surroundings.interrupts});
 }
 
 void demand_all_of_a_folder(fs::path const& folder, Settings const& settings, std::optional<Kind> kind)

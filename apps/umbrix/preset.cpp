@@ -100,8 +100,9 @@ Preset preset_from(toml::table const& table, std::string const& subject)
     auto const rows = option_table();
     for (auto const& [key, node] : table) {
         TomlEntry const entry{fmt::format("{}: {}", subject, key.str()), node};
+        std::string_view const name = key.str(); // clang 14 captures no structured binding
         auto const row = std::find_if(rows.begin(), rows.end(),
-                                      [&](OptionRow const& each) { return preset_key(each) == key.str(); });
+                                      [&](OptionRow const& each) { return preset_key(each) == name; });
         if (key == kDescription) {
             preset.description = entry.text("give one line of text");
             if (!is_one_line(preset.description)) {
