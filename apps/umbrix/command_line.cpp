@@ -15,6 +15,7 @@
 #include "relight_command.h"
 #include "self_description_command.h"
 #include "stack_command.h"
+#include "utf8.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -75,7 +76,8 @@ Asked CommandLine::parse(std::vector<std::string> const& words)
         asked.out = out.str();
         return asked;
     } catch (CLI::ParseError const& error) {
-        asked.complaint = fmt::format("{0}: error: {1}; see {0} --help\n", asked.name, error.what());
+        asked.complaint =
+            printable(fmt::format("{0}: error: {1}; see {0} --help", asked.name, error.what())) + "\n";
         asked.code = kWrongUsage;
         return asked;
     } catch (Failure const& failure) { // a preset is read while the command line is
@@ -96,7 +98,9 @@ Asked CommandLine::parse(std::vector<std::string> const& words)
 
 std::string complaint_about(Failure const& failure, std::string const& name)
 {
-    return fmt::format("{}: error: {}: {}; {}\n", name, failure.subject, failure.what(), failure.advice);
+    return printable(
+               fmt::format("{}: error: {}: {}; {}", name, failure.subject, failure.what(), failure.advice)) +
+           "\n";
 }
 
 } // namespace umbrix_cli

@@ -47,7 +47,7 @@ private:
     std::vector<Declared> commands_;
 };
 
-/// The line that tells of @p failure.
+/// The line that tells of @p failure, whatever is in the words that it quotes.
 std::string complaint_about(Failure const& failure, std::string const& name);
 
 } // namespace umbrix_cli

@@ -7,6 +7,7 @@
 #include "suggestion.h"
 #include "text_file.h"
 #include "toml_reading.h"
+#include "utf8.h"
 
 #include <algorithm>
 #include <cmath>
@@ -190,10 +191,7 @@ std::string preset_text(Preset const& preset)
 
 bool is_one_line(std::string_view text)
 {
-    return std::none_of(text.begin(), text.end(), [](char c) {
-        auto const byte = static_cast<unsigned char>(c);
-        return byte < 0x20 || byte == 0x7f;
-    });
+    return !has_control_characters(text);
 }
 
 void check_preset_output(std::string const& file, bool overwrite)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "utf8.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace umbrix_cli {
@@ -10,6 +11,14 @@ namespace {
 unsigned byte_at(std::string_view text, std::size_t at)
 {
     return static_cast<unsigned char>(text[at]);
+}
+
+/// Whether @p text starts with a control character. Those of Latin-1 are two bytes: C2 80 to C2 9F.
+bool starts_with_control(std::string_view text)
+{
+    unsigned const first = byte_at(text, 0);
+    return first < 0x20 || first == 0x7f ||
+           (first == 0xc2 && utf8_length(text) == 2 && byte_at(text, 1) < 0xa0);
 }
 
 } // namespace
@@ -55,15 +64,23 @@ bool is_utf8(std::string_view text)
     return true;
 }
 
+bool has_control_characters(std::string_view text)
+{
+    while (!text.empty()) {
+        if (starts_with_control(text)) {
+            return true;
+        }
+        text.remove_prefix(std::max<std::size_t>(utf8_length(text), 1));
+    }
+    return false;
+}
+
 std::string printable(std::string_view text)
 {
     std::string result;
     while (!text.empty()) {
         std::size_t const length = utf8_length(text);
-        unsigned const first = byte_at(text, 0);
-        // The control characters of Latin-1 are two bytes: C2 80 to C2 9F.
-        bool const control =
-            first < 0x20 || first == 0x7f || (first == 0xc2 && length == 2 && byte_at(text, 1) < 0xa0);
+        bool const control = starts_with_control(text);
         std::size_t const taken = length == 0 ? 1 : length;
         for (std::size_t i = 0; i < taken; ++i) {
             result +=

@@ -11,6 +11,10 @@ std::size_t utf8_length(std::string_view text);
 
 bool is_utf8(std::string_view text);
 
+/// Whether there are control characters in @p text, those of Latin-1 (U+0080 to U+009F) and line breaks among
+/// them.
+bool has_control_characters(std::string_view text);
+
 /// @p text for a terminal: control characters and what is no UTF-8 as \x1B.
 std::string printable(std::string_view text);
 

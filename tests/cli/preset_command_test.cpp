@@ -225,6 +225,8 @@ TEST_F(PresetCommand, RefusesWithTheFileTheLineAndTheKey)
              Fault{"kind = 'stone'\n", "p.toml: kind (line 1): 'stone' is not known; give \"auto\""},
              Fault{"[rays]\nn = 1\n", "p.toml: rays (line 1): it is not a number; give"},
              Fault{"description = \"a\\nb\"\n", "p.toml: description (line 1): it has line breaks"},
+             Fault{"description = \"a\\u0085b\"\n", "p.toml: description (line 1): it has line breaks"},
+             Fault{"description = \"a\\u009b2J\"\n", "p.toml: description (line 1): it has line breaks"},
              Fault{"rays = 1\nrays = 2\n", "p.toml: line 2, column "},
              Fault{"rays = \n", "p.toml: line 1, column "},
          }) {

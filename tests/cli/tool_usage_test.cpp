@@ -127,6 +127,24 @@ TEST_F(ToolUsage, RefusesWhatMakesNoSense)
     EXPECT_EQ(files(), (std::set<std::string>{"hill.tga"}));
 }
 
+TEST_F(ToolUsage, QuotesControlCharactersAsNumbers)
+{
+    auto const complaint = [&](Arguments const& arguments) { return run(arguments).err; };
+    auto const bytes = [](std::string const& text) { return Bytes(text.begin(), text.end()); };
+    write("s.toml", bytes("[[layer]]\nfile = 'hill.tga'\nkind = \"\\u001b[2J\\u0085\"\n"));
+    EXPECT_EQ(complaint({"stack", "s.toml"})
+                  .find("umbrix stack: error: s.toml: layer 1: kind (line 3): "
+                        "'\\x1B[2J\\xC2\\x85' is no kind of layer; "),
+              0U);
+    EXPECT_NE(complaint({"map", "hill.tga", "--\x1b[2J\n\xff"}).find(" --\\x1B[2J\\x0A\\xFF; see "),
+              std::string::npos);
+    EXPECT_EQ(complaint({"map", "a\nb.tga"}).find("umbrix map: error: a\\x0Ab.tga: "), 0U);
+    write("p.toml", bytes("light = fal\n"));
+    std::string const cut_off = complaint({"map", "hill.tga", "--preset", "p.toml"});
+    EXPECT_NE(cut_off.find("'fal\\x0A'; "), std::string::npos) << cut_off;
+    EXPECT_EQ(cut_off.find('\n'), cut_off.size() - 1) << cut_off;
+}
+
 TEST_F(ToolUsage, ShowsProgressAsAsked)
 {
     auto const progress = [&](char const* style) {
