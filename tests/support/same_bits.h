@@ -1,26 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "float_bits.h"
 #include "foundation/vector_types.h"
 
-#include <cmath>
-#include <cstdint>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <vector>
 
 namespace umbrixlib::test {
-
-/// Bits of a float; every value that is not a number counts as the same one.
-inline std::uint32_t bits_of(float value)
-{
-    if (std::isnan(value)) {
-        return 0x7fc00000U;
-    }
-    std::uint32_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
 
 /// Success if @p count floats have the same bits, else the first few that differ.
 inline testing::AssertionResult same_bits(float const* expected, float const* actual, std::size_t count)

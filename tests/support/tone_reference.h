@@ -118,6 +118,9 @@ template <typename Pixel>
 std::vector<Pixel> smooth(std::vector<Pixel> const& source, int height, int width)
 {
     auto const wrapped = [](int at, int side) {
+        if (side == 1) {
+            return 0;
+        }
         while (at > side - 1) {
             at -= side - 1;
         }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "blend_reference.h"
 #include "boundary/texture_kernels.h"
 #include "every_target.h"
 #include "kernel_shapes.h"
@@ -149,17 +150,6 @@ TEST(Blend, SlicesAreTheTexelsOfTheirThread)
     }
 }
 
-/// The definition, one value after the other.
-float defined(BlendType type, float opacity, float first, float second)
-{
-    double const a = static_cast<double>(first);
-    double const b = static_cast<double>(second);
-    double const share = static_cast<double>(static_cast<float>(static_cast<double>(opacity) / 100.0));
-    double const overlay = a <= 0.5 ? 2.0 * a * b : 1.0 - 2.0 * (1.0 - a) * (1.0 - b);
-    double const target = type == BlendType_Overlay ? overlay : b;
-    return static_cast<float>(target * share + a * (1.0 - share));
-}
-
 TEST(Blend, EqualsItsDefinitionOnEverySetOfInstructions)
 {
     for (std::size_t const count : {1U, 2U, 3U, 5U, 8U, 13U, 500U, 4097U}) {
@@ -170,7 +160,9 @@ TEST(Blend, EqualsItsDefinitionOnEverySetOfInstructions)
                 for (float const opacity : {0.0f, 33.0f, 100.0f}) {
                     Image expected;
                     for (std::size_t i = 0; i < count; ++i) {
-                        auto const of = [&](float a, float b) { return defined(type, opacity, a, b); };
+                        auto const of = [&](float a, float b) {
+                            return velloric::reference::blended(type, opacity, a, b);
+                        };
                         expected.push_back({of(first[i].x, second[i].x), of(first[i].y, second[i].y),
                                             of(first[i].z, second[i].z)});
                     }

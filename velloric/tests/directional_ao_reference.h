@@ -44,11 +44,11 @@ inline StepTable step_table(ray const& step, int rows, int cols, int length)
 /// The share of rays that get away from texel (@p x, @p y). Both sides of the map above 1 and @p length above
 /// 0, without which the walk would not end or would read past its tables.
 inline float trace_rays(float const* heights, int rows, int cols, int y, int x,
-                        std::vector<StepTable> const& tables, float max_height, float reach, int length,
-                        bool tile, bool h_tile, bool v_tile)
+                        std::vector<StepTable> const& tables, float scale, float max_height, float reach,
+                        int length, bool tile, bool h_tile, bool v_tile)
 {
-    float const h0 = heights[static_cast<std::ptrdiff_t>(y) * cols + x];
-    float const top = max_height;
+    float const h0 = narrow(wide(heights[static_cast<std::ptrdiff_t>(y) * cols + x]) * wide(scale));
+    float const top = narrow(wide(max_height) * wide(scale));
     float const ceiling_from_reach = narrow(wide(h0) + wide(reach));
     if (h0 == top) {
         return 1.0f;
@@ -87,7 +87,7 @@ inline float trace_rays(float const* heights, int rows, int cols, int y, int x,
             while (col < 0) {
                 col += cols - 1;
             }
-            if (wide(heights[row * cols + col]) >= wide(ray_height)) {
+            if (wide(heights[row * cols + col]) * wide(scale) >= wide(ray_height)) {
                 break;
             }
             ++j;
@@ -125,8 +125,8 @@ public:
 private:
     float share(std::vector<StepTable> const& tables, int y, int x) const
     {
-        return trace_rays(heights_, rows_, cols_, y, x, tables, max_height_, reach_, length_, tile_, h_tile_,
-                          v_tile_);
+        return trace_rays(heights_, rows_, cols_, y, x, tables, 1.0f, max_height_, reach_, length_, tile_,
+                          h_tile_, v_tile_);
     }
 
     float const* heights_;
