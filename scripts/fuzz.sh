@@ -12,13 +12,20 @@ cmake --preset fuzz
 cmake --build --preset fuzz --parallel "$(nproc)" --target fuzz_targets
 
 export UBSAN_OPTIONS=${UBSAN_OPTIONS-print_stacktrace=1}
+export OMP_WAIT_POLICY=${OMP_WAIT_POLICY-passive} # a thread that spins takes the time of the next run
 findings=build/fuzz/findings
 mkdir -p "$findings"
+broken=""
 for target in build/fuzz/tests/fuzz/*_fuzz; do
     name=$(basename "$target")
     corpus=build/fuzz/corpus/$name
     mkdir -p "$corpus"
     echo "$name: $seconds seconds"
     "$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=1024 -print_final_stats=1 \
-        -artifact_prefix="$findings/$name-" "$corpus" "tests/fuzz/seeds/$name"
+        -artifact_prefix="$findings/$name-" "$corpus" "tests/fuzz/seeds/$name" ||
+        broken="$broken $name"
 done
+if [ -n "$broken" ]; then
+    echo "Findings of$broken: see $findings" >&2
+    exit 1
+fi

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+// Any bytes as a stack file: a description that can be worked on, or one sentence that tells why not.
+#include "command_line.h"
+#include "demand.h"
+#include "failure.h"
+#include "memory_file.h"
+#include "one_line.h"
+#include "stack_file.h"
+
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using umbrixlib::fuzz::demand;
+using umbrixlib::fuzz::demand_one_line;
+using namespace umbrix_cli;
+
+bool is_finite(StackLayer const& layer)
+{
+    for (float const value : {layer.opacity, layer.n_scale.value_or(0.0f), layer.detail, layer.gaussian,
+                              layer.depth, layer.edge_a, layer.edge_b}) {
+        if (!std::isfinite(value)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void check(StackFile const& file)
+{
+    StackDescription const& description = file.description;
+    demand(!description.layers.empty(), "a stack has layers");
+    demand(!description.layers[0].is_normal_map, "the first layer is a height map");
+    demand(std::isfinite(description.normal_scale), "normal_scale is a number");
+    for (StackLayer const& layer : description.layers) {
+        demand(is_finite(layer), "the numbers of a layer are numbers");
+        demand(layer.blend >= 0 && layer.blend < 4, "the blend is known");
+        demand(!layer.file.empty(), "a layer has a file");
+    }
+    for (std::string const& note : file.notes) {
+        demand_one_line(note + "\n");
+    }
+    // What a worker is told is all of it.
+    StackJob job;
+    job.description = description;
+    nlohmann::json const told = job;
+    nlohmann::json const heard = nlohmann::json::parse(told.dump());
+    demand(nlohmann::json(heard.get<StackJob>()) == told, "a worker hears what it is told");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t size)
+{
+    static umbrixlib::test::MemoryFile const file;
+    file.set_content(bytes, size);
+    try {
+        check(read_stack_file(file.name()));
+    } catch (Failure const& failure) {
+        demand_one_line(complaint_about(failure, "umbrix stack"));
+    }
+    return 0;
+}
