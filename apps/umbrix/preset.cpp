@@ -151,6 +151,9 @@ std::string preset_value(OptionRow const& row, Settings const& settings)
 {
     std::string const text = value_text(row, settings);
     bool const word = !choices(row).empty() || text == "auto";
+    if (text == "-0") {
+        return "-0.0"; // without a point it would be a whole number, and the sign lost
+    }
     return word ? fmt::format("\"{}\"", text) : text;
 }
 

@@ -2,6 +2,7 @@
 /// Presets: `umbrix preset`, and --preset of the other commands, run as a user runs them.
 #include "tool.h"
 
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <span>
 
@@ -290,6 +291,14 @@ TEST_F(PresetCommand, KeepsADescriptionWithOddLetters)
     std::string const description = "wet \"slate\" \\ \xC3\xA4\xE2\x82\xAC";
     ASSERT_EQ(run({"preset", "save", "p.toml", "--description", description}).code, 0);
     EXPECT_EQ(shown("p.toml").at("description"), description);
+}
+
+TEST_F(PresetCommand, KeepsTheSignOfZero)
+{
+    ASSERT_EQ(run({"preset", "save", "p.toml", "--n-scale=-0"}).code, 0);
+    ASSERT_EQ(run({"preset", "save", "again.toml", "--preset", "p.toml"}).code, 0);
+    EXPECT_EQ(read("again.toml"), read("p.toml"));
+    EXPECT_TRUE(std::signbit(shown("again.toml").at("options").at("n_scale").get<double>()));
 }
 
 TEST_F(PresetCommand, ShowsATableWithWhatDiffers)
