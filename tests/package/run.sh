@@ -4,6 +4,7 @@
 #   run.sh install BUILD PREFIX               installs and looks over what is there
 #   run.sh find_package|pkg_config PREFIX WORK
 #   run.sh add_subdirectory SOURCE WORK       against the sources, nothing installed
+#   run.sh embed PREFIX WORK EXAMPLES         the example of a front end, on pictures of the examples
 # CXX is the compiler, SANITIZE the sanitizers of the build, both from the environment.
 set -euo pipefail
 
@@ -40,6 +41,37 @@ consume() {
     "$work/consumer" || fail "the consumer found a wrong result"
 }
 
+# Builds the example of a front end, runs it on two pictures, and stops it in the middle of forty.
+embed() {
+    local prefix=$1 work=$2 examples=$3
+    rm -rf "$work"
+    cmake -S "$examples/embed" -B "$work" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_BUILD_TYPE=Release \
+        ${SANITIZE:+-DCMAKE_CXX_FLAGS="-fsanitize=$SANITIZE"}
+    cmake --build "$work"
+
+    mkdir "$work/one" "$work/forty"
+    printf '[[layer]]\nfile = "%s"\n' "$examples/textures/cobbles_height.png" > "$work/colours.toml"
+    "$prefix/bin/umbrix" stack "$work/colours.toml" -o "$work/normals.png" --height "$work/one/cobbles_height.tga"
+    "$work/embed" "$work/one" '*_height.tga' || fail "the example of a front end ended with $?"
+    "$prefix/bin/umbrix" info "$work/one/cobbles_Umbrix.tga" | tee "$work/info.txt"
+    grep -qE 'red +0 to 2[0-9]{2}' "$work/info.txt" || fail "the example of a front end made a map without relief"
+
+    local i code=0 made
+    for i in {1..40}; do
+        cp "$work/one/cobbles_height.tga" "$work/forty/cobbles${i}_height.tga"
+    done
+    "$work/embed" "$work/forty" '*_height.tga' &
+    until compgen -G "$work/forty/*_Umbrix.tga" > /dev/null; do
+        kill -0 $! || fail "the example of a front end made nothing"
+        sleep 0.01
+    done
+    kill -INT $!
+    wait $! || code=$?
+    made=$(find "$work/forty" -name '*_Umbrix.tga' | wc -l)
+    echo "stopped behind $made of 40 pictures, exit code $code"
+    [ "$code" -eq 130 ] && [ "$made" -lt 40 ] || fail "the example of a front end does not stop"
+}
+
 case ${1-} in
 install)
     install_tree "$2" "$3"
@@ -55,6 +87,9 @@ pkg_config)
     ;;
 add_subdirectory)
     consume "$3" add_subdirectory -DUMBRIX_SOURCE="$2"
+    ;;
+embed)
+    embed "$2" "$3" "$4"
     ;;
 *)
     fail "unknown step '${1-}'"
