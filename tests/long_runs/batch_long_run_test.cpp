@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+// `umbrix batch` over two thousand files: what the batch and its workers hold does not grow.
+#include "process_use.h"
+#include "tool.h"
+
+#include <atomic>
+#include <gtest/gtest.h>
+#include <map>
+#include <thread>
+
+namespace {
+
+using umbrixlib::test::height_map;
+using umbrixlib::test::Outcome;
+using umbrixlib::test::ProcessUse;
+using umbrixlib::test::RunningTool;
+using umbrixlib::test::ToolTest;
+using umbrixlib::test::use_of;
+
+constexpr int kFiles = 2000;
+constexpr long kSlackKib = 2048;
+
+std::vector<pid_t> children_of(pid_t process)
+{
+    std::ifstream children("/proc/" + std::to_string(process) + "/task/" + std::to_string(process) +
+                           "/children");
+    return {std::istream_iterator<pid_t>(children), {}};
+}
+
+/// The middle of what was seen of one kind of process: a worker that is just being started still looks like
+/// the batch.
+ProcessUse middle_of(std::vector<ProcessUse> seen)
+{
+    auto const middle = [&](long ProcessUse::*part) {
+        auto const at = seen.begin() + static_cast<std::ptrdiff_t>(seen.size() / 2);
+        std::nth_element(seen.begin(), at, seen.end(),
+                         [&](ProcessUse const& a, ProcessUse const& b) { return a.*part < b.*part; });
+        return *at.*part;
+    };
+    return seen.empty() ? ProcessUse{}
+                        : ProcessUse{middle(&ProcessUse::resident_kib), middle(&ProcessUse::handles),
+                                     middle(&ProcessUse::threads)};
+}
+
+void print(char const* who, ProcessUse const& early, ProcessUse const& late)
+{
+    std::printf("%s: in the first tenth %ld KiB, %ld handles, %ld threads; in the last tenth %ld, %ld, %ld\n",
+                who, early.resident_kib, early.handles, early.threads, late.resident_kib, late.handles,
+                late.threads);
+}
+
+using BatchLongRun = ToolTest;
+
+TEST_F(BatchLongRun, TwoThousandFilesGrowNothing)
+{
+    for (int i = 0; i < kFiles; ++i) {
+        write(std::to_string(i) + "_height.tga",
+              height_map(32, 32, [i](int x, int y) { return x * 7 + y * 5 + i; }));
+    }
+    RunningTool batch(folder(), {"batch", ".", "--jobs", "2", "--rays", "4", "--progress", "none"},
+                      with_scratch());
+    std::atomic<bool> running = true;
+    std::vector<ProcessUse> batch_seen[2];
+    std::vector<ProcessUse> worker_seen[2];
+    std::size_t most_workers = 0;
+    std::thread watcher([&] {
+        for (; running; std::this_thread::sleep_for(std::chrono::milliseconds(20))) {
+            std::size_t done = 0;
+            for (auto const& entry : std::filesystem::directory_iterator(folder())) {
+                done += entry.path().filename().string().find("_Umbrix.tga") != std::string::npos;
+            }
+            bool const early = done >= 10 && done < kFiles / 10;
+            bool const late = done >= kFiles - kFiles / 10;
+            if (!early && !late) {
+                continue;
+            }
+            batch_seen[late].push_back(use_of(batch.process()));
+            std::vector<pid_t> const workers = children_of(batch.process());
+            most_workers = std::max(most_workers, workers.size());
+            for (pid_t const worker : workers) {
+                worker_seen[late].push_back(use_of(worker));
+            }
+        }
+    });
+    Outcome const outcome = batch.finish();
+    running = false;
+    watcher.join();
+
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(files().size(), 2U * kFiles);
+    ProcessUse const batch_early = middle_of(batch_seen[0]);
+    ProcessUse const batch_late = middle_of(batch_seen[1]);
+    ProcessUse const worker_early = middle_of(worker_seen[0]);
+    ProcessUse const worker_late = middle_of(worker_seen[1]);
+    print("batch", batch_early, batch_late);
+    print("worker", worker_early, worker_late);
+    std::printf("workers at most: %zu\n", most_workers);
+    ASSERT_GT(batch_early.resident_kib, 0);
+    ASSERT_GT(batch_late.resident_kib, 0);
+    EXPECT_LE(batch_late.resident_kib, batch_early.resident_kib + kSlackKib);
+    EXPECT_LE(batch_late.handles, batch_early.handles);
+    EXPECT_LE(batch_late.threads, batch_early.threads);
+    EXPECT_LE(worker_late.resident_kib, worker_early.resident_kib + kSlackKib);
+    EXPECT_LE(worker_late.handles, worker_early.handles);
+    EXPECT_LE(worker_late.threads, worker_early.threads);
+    EXPECT_LE(most_workers, 3U);
+}
+
+} // namespace
