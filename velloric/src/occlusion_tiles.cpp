@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "occlusion_tiles.h"
 
+#include "vector_targets.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "occlusion_tiles-inl.h"
 #include <hwy/foreach_target.h>
