@@ -6,6 +6,7 @@
 #include "foundation/rounding.h"
 #include "layers/layer_access_internal.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace umbrixlib::detail {
@@ -39,9 +40,11 @@ float height_of(LayerImage const& image, std::ptrdiff_t texel)
 }
 
 /// Lays @p image out over @p heights from the first texel on: repeated where it ends, cut off at @p target.
+/// An image of no texels gives zeros.
 void tile_heights(LayerImage const& image, float* heights, layer_size target)
 {
     if (texels_of(image.size) <= 0) {
+        std::fill_n(heights, texels_of(target), 0.0f);
         return;
     }
 #pragma omp parallel for schedule(static)
