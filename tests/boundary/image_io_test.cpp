@@ -8,7 +8,9 @@
 
 #include <IL/il.h>
 #include <algorithm>
+#include <cstring>
 #include <gtest/gtest.h>
+#include <ostream>
 
 namespace {
 
@@ -116,6 +118,83 @@ TEST_F(ImageIo, AlphaIsDroppedOrKeptAsAskedFor)
     EXPECT_EQ(rgb[12], 0) << "three bytes a texel";
 }
 
+/// A kind of pixel that DevIL may have bound.
+struct Depth {
+    int channels;
+    ILenum format, type;
+    int bytes;
+};
+
+void PrintTo(Depth const& depth, std::ostream* out)
+{
+    *out << depth.channels << " channels, " << depth.bytes << " bytes a pixel";
+}
+
+class ImageIoDepths : public ImageIo, public testing::WithParamInterface<Depth> {
+protected:
+    /// Binds white pixels of the depth.
+    static void bind_white(ImageSize size)
+    {
+        Depth const& depth = GetParam();
+        std::vector<unsigned char> pixels(static_cast<std::size_t>(size.width * size.height * depth.bytes),
+                                          0xff);
+        if (depth.type == IL_FLOAT) {
+            std::vector<float> const ones(pixels.size() / sizeof(float), 1.0f);
+            std::memcpy(pixels.data(), ones.data(), pixels.size());
+        }
+        ilTexImage(static_cast<ILuint>(size.width), static_cast<ILuint>(size.height), 1,
+                   static_cast<ILubyte>(depth.channels), depth.format, depth.type, pixels.data());
+    }
+
+    /// The first @p count bytes that a copy writes; it must write no others.
+    static std::vector<unsigned char> copied(ImageSize size, PixelFormat format, std::size_t count)
+    {
+        constexpr unsigned char kUntouched = 0xa5;
+        std::vector<unsigned char> bytes(count + 64, kUntouched);
+        copy_pixels(size, format, bytes.data());
+        EXPECT_TRUE(std::all_of(bytes.begin() + static_cast<std::ptrdiff_t>(count), bytes.end(),
+                                [](unsigned char b) { return b == kUntouched; }));
+        bytes.resize(count);
+        return bytes;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    OfEveryKind, ImageIoDepths,
+    testing::Values(Depth{1, IL_LUMINANCE, IL_UNSIGNED_BYTE, 1},
+                    Depth{2, IL_LUMINANCE_ALPHA, IL_UNSIGNED_BYTE, 2}, Depth{3, IL_RGB, IL_UNSIGNED_BYTE, 3},
+                    Depth{4, IL_RGBA, IL_UNSIGNED_BYTE, 4}, Depth{1, IL_LUMINANCE, IL_UNSIGNED_SHORT, 2},
+                    Depth{2, IL_LUMINANCE_ALPHA, IL_UNSIGNED_SHORT, 4},
+                    Depth{3, IL_RGB, IL_UNSIGNED_SHORT, 6}, Depth{4, IL_RGBA, IL_UNSIGNED_SHORT, 8},
+                    Depth{1, IL_LUMINANCE, IL_FLOAT, 4}, Depth{2, IL_LUMINANCE_ALPHA, IL_FLOAT, 8},
+                    Depth{3, IL_RGB, IL_FLOAT, 12}, Depth{4, IL_RGBA, IL_FLOAT, 16}));
+
+TEST_P(ImageIoDepths, ColoursComeAsBytesInTheFormatAskedFor)
+{
+    for (ImageSize const size : {ImageSize{5, 3}, {1, 7}, {7, 1}, {1, 1}}) {
+        bind_white(size);
+        EXPECT_EQ(bound_image_size().width, size.width);
+        EXPECT_EQ(bound_image_size().height, size.height);
+        EXPECT_EQ(bound_image_channels(), GetParam().bytes);
+        auto const texels = static_cast<std::size_t>(size.width * size.height);
+        EXPECT_EQ(copied(size, PixelFormat::kRgb, 3 * texels), std::vector<unsigned char>(3 * texels, 255));
+        EXPECT_EQ(copied(size, PixelFormat::kRgba, 4 * texels), std::vector<unsigned char>(4 * texels, 255));
+        copied(size, PixelFormat::kOneByte, 0);
+    }
+}
+
+TEST_P(ImageIoDepths, NewPixelsTakeThePlaceOfThoseOfAnyDepth)
+{
+    bind_white({5, 3});
+    ImageBytes const bytes = make_image_bytes(6, 4);
+    std::fill_n(bytes.get(), 24, static_cast<unsigned char>(40));
+    replace_image({3, 2}, 4, bytes.get());
+    save_image((folder_ / "replaced.tga").c_str());
+    Picture const replaced = Picture::load(folder_ / "replaced.tga");
+    EXPECT_EQ(replaced.channels, 4);
+    EXPECT_EQ(replaced.bytes, std::vector<unsigned char>(24, 40));
+}
+
 TEST_F(ImageIo, AMissingFileLeavesTheImageThatIsBound)
 {
     Picture(7, 6, 3, 9).save(folder_ / "a.tga");
@@ -156,6 +235,16 @@ TEST_F(ImageIo, OverwritingIsLeftAsItIsForCallersThatOnlyRead)
     prepare_devil(Overwrite::kAllow);
     save_image((folder_ / "a.tga").c_str());
     EXPECT_NE(std::filesystem::file_size(folder_ / "a.tga"), before);
+}
+
+TEST_F(ImageIo, ASettingOfOverwritingOutlivesCallersThatOnlyRead)
+{
+    Picture(4, 4, 3, 9).save(folder_ / "a.tga");
+    Picture(1, 1, 3, 9).save(folder_ / "out.tga");
+    prepare_devil(Overwrite::kLeaveAsIs);
+    load_image((folder_ / "a.tga").c_str());
+    save_image((folder_ / "out.tga").c_str());
+    EXPECT_EQ(Picture::load(folder_ / "out.tga").width, 4);
 }
 
 TEST_F(ImageIo, BytesHaveRoomForFourATexel)

@@ -34,6 +34,17 @@ TEST_F(BlendCalls, ColoursHandTheOpacityOnAsItIs)
                             "Blend(1, 150, #1, #2, #1, 2, 3)"));
 }
 
+TEST_F(BlendCalls, EverySizeIsHandedOnAsItIs)
+{
+    blend(first_, second_, 50.0f, 1, 6);
+    blend(first_, second_, 50.0f, 6, 1, 0, 1);
+    overlay(first_, second_, 50.0f, 1, 1);
+    overlay(first_, second_, 50.0f, 0, 6);
+    EXPECT_THAT(CallLog::instance().calls(),
+                ElementsAre("Blend(0, 50, #1, #2, #1, 1, 6)", "Blend(0, 50, #1, #2, #1, 6, 1)",
+                            "Blend(1, 50, #1, #2, #1, 1, 1)", "Blend(1, 50, #1, #2, #1, 0, 6)"));
+}
+
 TEST_F(BlendCalls, OnlyTheLongOverlayIsSliced)
 {
     overlay(first_, second_, 50.0f, 2, 3, 1, 4);

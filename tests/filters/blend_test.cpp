@@ -112,6 +112,26 @@ TEST(Blend, SizesBelowOneChangeNothing)
     EXPECT_EQ(colour.y, 0.25f);
 }
 
+TEST(Blend, SingleLinesAndOneTexelAreBlendedWhole)
+{
+    for (auto const& [height, width] : {std::pair{1, 1}, {1, 9}, {9, 1}}) {
+        auto const texels = static_cast<std::size_t>(height * width);
+        auto const before = random_image<float>(texels + 1, 4);
+        auto first = before;
+        auto second = random_image<float>(texels + 1, 5);
+        blend(first.data(), second.data(), 25.0f, height, width);
+        auto const white_before = random_image<float3>(texels + 1, 6);
+        auto white = white_before;
+        blend(white.data(), 25.0f, height, width);
+        for (std::size_t i = 0; i < texels; ++i) {
+            EXPECT_EQ(first[i], faded(before[i], second[i], 25.0f));
+            EXPECT_EQ(white[i].z, faded(1.0f, white_before[i].z, 25.0f));
+        }
+        EXPECT_EQ(first[texels], before[texels]) << "behind the image";
+        EXPECT_EQ(white[texels].x, white_before[texels].x);
+    }
+}
+
 TEST(Blend, AnImageMayBeBlendedWithItself)
 {
     auto image = random_image<float>(kTexels, 1);
@@ -140,7 +160,10 @@ TEST(Blend, MultiplyAndScreenRoundOnceAndDoNotClamp)
 {
     EXPECT_EQ(multiply(3.0f, -2.0f), -6.0f);
     EXPECT_EQ(multiply(0.1f, 0.3f), static_cast<float>(double(0.1f) * double(0.3f)));
-    EXPECT_EQ(multiply(0.0f, 123.0f), 0.0f);
+    for (float const b : {123.0f, -0.3f, 0.0f, std::numeric_limits<float>::max(),
+                          -std::numeric_limits<float>::denorm_min()}) {
+        EXPECT_EQ(multiply(0.0f, b), 0.0f);
+    }
     EXPECT_EQ(screen(0.5f, 0.5f), 0.75f);
     EXPECT_EQ(screen(2.0f, 2.0f), 0.0f);
     EXPECT_EQ(screen(0.1f, 0.3f), static_cast<float>(1.0 - (1.0 - double(0.1f)) * (1.0 - double(0.3f))));

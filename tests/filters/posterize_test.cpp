@@ -42,6 +42,18 @@ TYPED_TEST(PosterizeOf, EqualsTheReferenceOnAnyNumberOfThreads)
     }
 }
 
+TYPED_TEST(PosterizeOf, SingleLinesAndOneTexelEqualTheReference)
+{
+    for (auto const& [height, width] : {std::pair{1, 1}, {1, 9}, {9, 1}}) {
+        auto const image = random_image<TypeParam>(static_cast<std::size_t>(height * width) + 1, 23);
+        auto expected = image;
+        reference::posterize(expected.data(), 20.0f, height, width);
+        auto actual = image;
+        posterize(actual.data(), 20.0f, height, width, 0, 0);
+        EXPECT_SAME_BITS(expected, actual);
+    }
+}
+
 TYPED_TEST(PosterizeOf, AnEmptyImageDoesNothing)
 {
     auto const image = random_image<TypeParam>(6, 22);

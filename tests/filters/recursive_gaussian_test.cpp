@@ -141,16 +141,17 @@ TYPED_TEST(RecursiveGaussianOf, LeavesTheColumnsPassInTheScratchBuffer)
     EXPECT_SAME_BITS(columns, scratch);
 }
 
-TYPED_TEST(RecursiveGaussianOf, AShareFiltersItsOwnLinesOnlyAndAllSharesMakeTheWhole)
+/// Whether each share of an image of @p size changes its own lines and no others.
+template <typename Pixel>
+void expect_shares_of_their_own(Size size)
 {
-    static constexpr Size kSize{53, 47};
     auto const c = reference::gaussian_coefficients(3.0f);
-    auto const image = random_image<TypeParam>(kSize.pixels(), 47, Values::kHostile);
-    auto const before = random_image<TypeParam>(kSize.pixels(), 48);
-    std::vector<TypeParam> columns(image.size());
-    std::vector<TypeParam> rows(image.size());
-    reference::gaussian_columns(image.data(), columns.data(), kSize.width, kSize.height, c);
-    reference::gaussian_rows(image.data(), rows.data(), kSize.width, kSize.height, c);
+    auto const image = random_image<Pixel>(size.pixels(), 47, Values::kHostile);
+    auto const before = random_image<Pixel>(size.pixels(), 48);
+    std::vector<Pixel> columns(image.size());
+    std::vector<Pixel> rows(image.size());
+    reference::gaussian_columns(image.data(), columns.data(), size.width, size.height, c);
+    reference::gaussian_rows(image.data(), rows.data(), size.width, size.height, c);
     for_every_target([&](char const* target) {
         SCOPED_TRACE(target);
         for (int const threads : {1, 2, 3, 60}) {
@@ -159,11 +160,11 @@ TYPED_TEST(RecursiveGaussianOf, AShareFiltersItsOwnLinesOnlyAndAllSharesMakeTheW
             auto expected_rows = before;
             auto actual_rows = before;
             for (int thread = 0; thread < threads; ++thread) {
-                columns_pass(image, actual_columns, kSize, c, thread, threads);
-                rows_pass(image, actual_rows, kSize, c, thread, threads);
+                columns_pass(image, actual_columns, size, c, thread, threads);
+                rows_pass(image, actual_rows, size, c, thread, threads);
                 for (std::size_t i = 0; i < image.size(); ++i) {
-                    int const x = static_cast<int>(i) % kSize.width;
-                    int const y = static_cast<int>(i) / kSize.width;
+                    int const x = static_cast<int>(i) % size.width;
+                    int const y = static_cast<int>(i) / size.width;
                     if (x % threads == thread) {
                         expected_columns[i] = columns[i];
                     }
@@ -176,6 +177,18 @@ TYPED_TEST(RecursiveGaussianOf, AShareFiltersItsOwnLinesOnlyAndAllSharesMakeTheW
             }
         }
     });
+}
+
+TYPED_TEST(RecursiveGaussianOf, AShareFiltersItsOwnLinesOnlyAndAllSharesMakeTheWhole)
+{
+    expect_shares_of_their_own<TypeParam>({53, 47});
+}
+
+TYPED_TEST(RecursiveGaussianOf, SharesOfSingleLinesAndOfOneTexelAreTheirOwn)
+{
+    for (Size const size : {Size{9, 1}, {1, 9}, {1, 1}}) {
+        expect_shares_of_their_own<TypeParam>(size);
+    }
 }
 
 TYPED_TEST(RecursiveGaussianOf, AShareOfOneThreadMayStartAnywhere)

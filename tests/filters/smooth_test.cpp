@@ -61,6 +61,30 @@ TYPED_TEST(SmoothOf, ASideOfOneWrapsOntoItself)
     }
 }
 
+TYPED_TEST(SmoothOf, ALineEqualsTwoLinesOfThatKind)
+{
+    // Of two equal lines each has the other beside it, which is what a line that wraps onto itself has.
+    constexpr int kLength = 7;
+    auto const line = random_image<TypeParam>(kLength, 37);
+    auto row = line;
+    auto column = line;
+    std::vector<TypeParam> rows;
+    std::vector<TypeParam> columns;
+    rows.insert(rows.end(), line.begin(), line.end());
+    rows.insert(rows.end(), line.begin(), line.end());
+    for (TypeParam const& pixel : line) {
+        columns.insert(columns.end(), 2, pixel);
+    }
+    smooth(row.data(), 1, kLength, 2);
+    smooth(rows.data(), 2, kLength, 2);
+    smooth(column.data(), kLength, 1, 2);
+    smooth(columns.data(), kLength, 2, 2);
+    for (std::size_t i = 0; i < kLength; ++i) {
+        EXPECT_TRUE(umbrixlib::test::same_bits(std::vector<TypeParam>{rows[i]}, {row[i]})) << i;
+        EXPECT_TRUE(umbrixlib::test::same_bits(std::vector<TypeParam>{columns[2 * i]}, {column[i]})) << i;
+    }
+}
+
 TYPED_TEST(SmoothOf, NoPassesAllocateReleaseAndChangeNothing)
 {
     auto const image = random_image<TypeParam>(20, 33);

@@ -189,6 +189,17 @@ TEST(VectorMath, LimitNumWrapsAndIncludesBothEnds)
     EXPECT_EQ(wrapped(360.0f, 360.0f), 360.0f);
 }
 
+TEST(VectorMath, LimitNumLeavesAValueInRangeAsItIs)
+{
+    for (int const value : {0, 1, 359, 360}) {
+        EXPECT_EQ(wrapped(value, 360), value);
+    }
+    for (float const value : {0.0f, -0.0f, 1e-40f, 0.1f, 359.9f, 360.0f}) {
+        float const after = wrapped(value, 360.0f);
+        EXPECT_TRUE(umbrixlib::test::same_bits(&value, &after, 1)) << value;
+    }
+}
+
 TEST(VectorMath, LimitNumEqualsTheStepwiseWalkOnIntegers)
 {
     for (int limit : {1, 2, 3, 7, 360}) {

@@ -112,6 +112,31 @@ TEST_F(NLayersHeights, ALaterLayerIsFilteredInAnArrayOfItsOwn)
                             testing::MatchesRegex("ChangeDepth\\(#[0-9], 2, 3, 0.5, 1\\)")));
 }
 
+TEST_F(NLayersHeights, TheFilterNeverReadsTheArrayThatItWrites)
+{
+    n_layer filtered = plain_record(3);
+    filtered.L_Detail = 2.0f;
+    ReferenceStack const stack{
+        {flat_layer(0.25f), flat_layer(0.5f), flat_layer(1.0f)}, {filtered, filtered, filtered}, {}};
+    auto const expect_two_arrays = [] {
+        int filters = 0;
+        for (std::string const& call : calls()) {
+            if (call.rfind("BilateralFilter(", 0) == 0) {
+                std::size_t const from = call.find('(') + 1;
+                std::size_t const to = call.find(", ") + 2;
+                EXPECT_NE(call.substr(from, to - 2 - from), call.substr(to, call.find(", ", to) - to))
+                    << call;
+                ++filters;
+            }
+        }
+        EXPECT_EQ(filters, 3);
+    };
+    blended(stack);
+    expect_two_arrays();
+    blended_result(stack);
+    expect_two_arrays();
+}
+
 TEST_F(NLayersHeights, TheFormWithoutAnArgumentHasRulesOfItsOwn)
 {
     // The filtered last layer starts the blend afresh: an opacity of 0 shows it alone, without its scale.

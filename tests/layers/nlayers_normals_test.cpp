@@ -341,6 +341,24 @@ TEST_F(NLayersNormals, AZeroZGivesNaN)
     }
 }
 
+TEST_F(NLayersNormals, ModeZeroTurnsRoundAndDividesByZeroAsTheOthersDo)
+{
+    BuiltStack built({{flat_layer({0.6f, 0.0f, -0.8f}), flat_layer({0.6f, 0.0f, -0.8f})},
+                      {plain_record(0, 50.0f), plain_record()},
+                      {}});
+    built.layers.BlendLayers();
+    EXPECT_FLOAT_EQ(built.layers.GetResult()[5].x, -0.6f);
+    EXPECT_FLOAT_EQ(built.layers.GetResult()[5].z, 0.8f) << "z comes out positive";
+
+    ReferenceStack upright{
+        {flat_layer({1.0f, 0.0f, 0.0f}), flat_layer(kSteep)}, {plain_record(0, 50.0f), plain_record()}, {}};
+    upright.layers[0].normals[5] = kUp;
+    BuiltStack divided(upright);
+    divided.layers.BlendLayers();
+    EXPECT_TRUE(std::isnan(divided.layers.GetResult()[0].x));
+    EXPECT_FALSE(std::isnan(divided.layers.GetResult()[5].x)) << "of that texel alone";
+}
+
 TEST_F(NLayersNormals, OverlayLimitsTheColoursAndLeavesTheLayer)
 {
     ReferenceStack const stack{

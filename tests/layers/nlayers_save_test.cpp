@@ -184,6 +184,28 @@ TEST_F(NLayersSave, AStackWithoutFirstHeightsSavesABlackMap)
     EXPECT_EQ(stored(), std::vector<unsigned char>(36, 0));
 }
 
+TEST_F(NLayersSave, SingleLinesAndOneTexelAreSavedWhole)
+{
+    for (layer_size const size : {layer_size{1, 1}, layer_size{1, 9}, layer_size{9, 1}}) {
+        ReferenceLayer const layer = height_layer(size, 5);
+        ReferenceStack stack = one_layer(layer);
+        stack.result = random_image<float3>(layer.texels(), 3);
+        BuiltStack built(stack);
+        EXPECT_TRUE(built.layers.SaveResult("a.tga"));
+        ASSERT_EQ(stored().size(), 3 * layer.texels());
+        for (std::size_t i = 0; i < layer.texels(); ++i) {
+            EXPECT_EQ(stored()[3 * i], normal_byte(stack.result[i].x));
+            EXPECT_EQ(stored()[3 * i + 2], normal_byte(stack.result[i].z));
+        }
+        EXPECT_TRUE(built.layers.SaveHeight("a.tga"));
+        ASSERT_EQ(stored().size(), 3 * layer.texels());
+        auto const highest = std::max_element(layer.heights.begin(), layer.heights.end());
+        std::ptrdiff_t const at = 3 * (highest - layer.heights.begin());
+        EXPECT_EQ(stored()[static_cast<std::size_t>(at)], layer.texels() == 1 ? 0 : 255)
+            << "one height is flat";
+    }
+}
+
 TEST_F(NLayersSave, OneThreadSavesAWholeVtfHeightMap)
 {
     ReferenceLayer const layer = height_layer(kSize, 5);
@@ -195,6 +217,8 @@ TEST_F(NLayersSave, OneThreadSavesAWholeVtfHeightMap)
     EXPECT_THAT(std::vector<unsigned char>(stored().begin(), stored().begin() + 12), Each(0));
     EXPECT_TRUE(std::equal(stored().begin() + 12, stored().begin() + 24, plain.begin() + 24));
     EXPECT_TRUE(std::equal(stored().begin() + 24, stored().end(), plain.begin() + 12));
+    built.layers.SaveHeight("a.VTF.tga");
+    EXPECT_EQ(stored(), plain) << "the case of the letters must match";
 }
 
 TEST_F(NLayersSave, ManyThreadsSaveAVtfHeightMapOfTexelsInTheirPlaces)

@@ -5,6 +5,7 @@
 #include "boundary/message_box.h"
 #include "call_log.h"
 #include "devil_fake.h"
+#include "picture_depths.h"
 
 #include <cstddef>
 #include <gmock/gmock.h>
@@ -51,6 +52,15 @@ protected:
         records_.Add({});
         records_.tail->data.regenerate = true;
         stack_.AddNormalLayer(file);
+    }
+
+    /// No layers, no records.
+    void start_afresh()
+    {
+        stack_.Clear();
+        while (records_.count > 0) {
+            records_.RemoveFirst();
+        }
     }
 
     float* heights(int index) { return stack_.heights.Get(index); }
@@ -184,11 +194,89 @@ TEST_F(NLayersStack, AnImageOfOneByteATexelHasNoHeights)
     EXPECT_EQ(stack_.GetLayerWidth(1), 4);
 }
 
-TEST_F(NLayersStack, TwoBytesATexelAreReadAsColours)
+class NLayersDepths : public NLayersStack, public testing::WithParamInterface<int> {
+protected:
+    /// An image of the depth; its colours, which a copy lays out as three bytes a texel.
+    DevilFake::File const& provide_picture(umbrixlib::test::PictureSize size, int start = 9)
+    {
+        provide("picture.png", size.width, size.height, 8 * GetParam(), start);
+        return DevilFake::instance().files["picture.png"];
+    }
+
+    /// Whether layer @p index holds @p file at @p size: repeated, and zeros where there are no colours.
+    void expect_heights(int index, DevilFake::File const& file, umbrixlib::test::PictureSize size)
+    {
+        ASSERT_EQ(stack_.GetLayerWidth(index), size.width);
+        ASSERT_EQ(stack_.GetLayerHeight(index), size.height);
+        bool const has_colours = GetParam() > 1 && file.width * file.height > 0;
+        for (int y = 0; y < size.height; ++y) {
+            for (int x = 0; x < size.width; ++x) {
+                float const expected = has_colours ? height_of(file, x % file.width, y % file.height) : 0.0f;
+                ASSERT_EQ(heights(index)[y * size.width + x], expected) << x << " " << y;
+            }
+        }
+    }
+};
+INSTANTIATE_TEST_SUITE_P(BytesPerPixel, NLayersDepths, testing::ValuesIn(umbrixlib::test::kDepths));
+
+TEST_P(NLayersDepths, HeightLayersHoldTheColoursOfPicturesOfEverySize)
 {
-    provide("grey_alpha.png", 4, 2, 16, 9);
-    add("grey_alpha.png");
-    EXPECT_EQ(heights(0)[7], height_of(DevilFake::instance().files["grey_alpha.png"], 3, 1));
+    for (auto const& base : umbrixlib::test::kPictureSizes) {
+        SCOPED_TRACE(testing::Message() << base.width << " x " << base.height);
+        start_afresh();
+        DevilFake::File const first = provide_picture(base);
+        add("picture.png");
+        expect_heights(0, first, base);
+        for (auto const& size : umbrixlib::test::kPictureSizes) {
+            DevilFake::File const next = provide_picture(size, 77);
+            add("picture.png");
+            expect_heights(1, next, base);
+            if (base.texels() != 0) {
+                stack_.SetLayerData(0, "picture.png");
+                expect_heights(0, next, base);
+            }
+            stack_.RemoveLayer(1);
+            records_.Remove(1);
+        }
+    }
+}
+
+TEST_P(NLayersDepths, NormalLayersHoldTheColoursOfPicturesOfEverySize)
+{
+    auto const component = [](int byte) { return static_cast<float>(byte / 255.0 * 2.0 - 1.0); };
+    int index = 0;
+    for (auto const& size : umbrixlib::test::kPictureSizes) {
+        DevilFake::File const file = provide_picture(size);
+        add_normal("picture.png");
+        EXPECT_EQ(stack_.GetLayerWidth(index), size.width);
+        EXPECT_EQ(stack_.GetLayerHeight(index), size.height);
+        for (std::size_t i = 0; i < size.texels(); ++i) {
+            float3 const normal = stack_.GetLayer(index)[i];
+            EXPECT_EQ(normal.x, GetParam() > 1 ? component(file.bytes[3 * i]) : 0.0f);
+            EXPECT_EQ(normal.y, GetParam() > 1 ? component(file.bytes[3 * i + 1]) : 0.0f);
+            EXPECT_EQ(normal.z, GetParam() > 1 ? component(file.bytes[3 * i + 2]) : 0.0f);
+        }
+        ++index;
+    }
+}
+
+TEST_P(NLayersDepths, WhatIsLoadedIsBlendedAndSavedAtEverySize)
+{
+    for (auto const& size : umbrixlib::test::kPictureSizes) {
+        SCOPED_TRACE(testing::Message() << size.width << " x " << size.height);
+        start_afresh();
+        provide_picture(size);
+        add("picture.png");
+        add("picture.png");
+        stack_.BlendLayers();
+        stack_.BlendHeightMap();
+        for (char const* const name : {"out.tga", "out.vtf"}) {
+            EXPECT_TRUE(stack_.SaveResult(name));
+            EXPECT_EQ(DevilFake::instance().stored.size(), 3 * size.texels());
+            EXPECT_TRUE(stack_.SaveHeight(name));
+            EXPECT_EQ(DevilFake::instance().stored.size(), 3 * size.texels());
+        }
+    }
 }
 
 TEST_F(NLayersStack, ABlankLayerTouchesNothing)
@@ -413,6 +501,19 @@ TEST_F(NLayersStack, ClearTakesLayersAndResultsAndKeepsTheRecords)
     EXPECT_EQ(records_.count, 1);
     stack_.AddLayer("a.png");
     EXPECT_EQ(stack_.GetLayerWidth(0), 3) << "one object serves many images";
+}
+
+TEST_F(NLayersStack, NoLayerThatWasGeneratedIsStale)
+{
+    provide("a.png", 3, 2);
+    add("a.png");
+    add("a.png");
+    add_normal("a.png");
+    EXPECT_TRUE(records_.GetRef(1)->regenerate);
+    stack_.GenerateLayers();
+    for (int index : {0, 1, 2}) {
+        EXPECT_FALSE(records_.GetRef(index)->regenerate) << index;
+    }
 }
 
 TEST_F(NLayersStack, LayersWithoutARecordAreLeftOut)

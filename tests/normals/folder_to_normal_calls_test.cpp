@@ -5,6 +5,7 @@
 #include "call_log.h"
 #include "devil_fake.h"
 #include "kept_directory.h"
+#include "picture_depths.h"
 #include "temporary_folder.h"
 
 #include <algorithm>
@@ -199,6 +200,33 @@ TEST_F(FolderToNormalCalls, AFileThatFailsDoesNotStopTheWalk)
     DevilFake::instance().save_result = 0;
     EXPECT_TRUE(run("*.tga"));
     EXPECT_EQ(calls({"ilSaveImage("}).size(), 2U);
+}
+
+class FolderToNormalDepths : public FolderToNormalCalls, public testing::WithParamInterface<int> {};
+INSTANTIATE_TEST_SUITE_P(BytesPerPixel, FolderToNormalDepths, testing::ValuesIn(umbrixlib::test::kDepths));
+
+TEST_P(FolderToNormalDepths, FilesOfEverySizeComeOut)
+{
+    std::vector<std::size_t> expected;
+    for (auto const& size : umbrixlib::test::kPictureSizes) {
+        std::string const name = std::string(1, static_cast<char>('a' + expected.size())) + ".tga";
+        add_files({name.c_str()});
+        DevilFake::instance().files[root() + "/" + name] = {
+            size.width, size.height, 8 * GetParam(), std::vector<unsigned char>(4 * size.texels(), 100)};
+        expected.push_back(3 * size.texels());
+    }
+    std::vector<std::size_t> saved;
+    DevilFake::instance().on_call = [&](std::string const& call) {
+        if (call.rfind("ilSaveImage(", 0) == 0) {
+            saved.push_back(DevilFake::instance().stored.size());
+        }
+    };
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_EQ(saved, expected);
+    CallLog::instance().clear();
+    layers_.Add({});
+    EXPECT_TRUE(run("*.tga")) << "through a stack";
+    EXPECT_EQ(calls({"Height2Normal("}).size(), expected.size());
 }
 
 TEST_F(FolderToNormalCalls, ARelativePathServesWithoutRecurseOnly)

@@ -6,6 +6,7 @@
 #include "call_log.h"
 #include "devil_fake.h"
 #include "kernels_fake.h"
+#include "picture_depths.h"
 
 #include <gmock/gmock.h>
 #include <limits>
@@ -99,12 +100,12 @@ TEST_F(HeightToNormalBuffer, ANegativeRadiusStillHasATableOfOneFloat)
 
 TEST_F(HeightToNormalBuffer, AnEmptyImageMakesTheSameCalls)
 {
-    CallLog::instance().clear();
-    float none = 0.0f;
-    float3 no_normal{};
-    EXPECT_TRUE(HeightToNormal(&none, &no_normal, 0, 0, 1.0f, 0.0f, 0.0f, false, 0, 0.0f, false, 0.0f, 0.0f,
-                               false, &text_, &progress_));
-    EXPECT_EQ(CallLog::instance().calls().size(), 3U);
+    for (auto const& [height, width] : {std::pair{0, 0}, {0, 5}, {5, 0}}) {
+        CallLog::instance().clear();
+        EXPECT_TRUE(HeightToNormal(nullptr, nullptr, height, width, 1.0f, 1.0f, 0.0f, false, 0, 0.0f, false,
+                                   0.0f, 0.0f, false, &text_, &progress_));
+        EXPECT_EQ(CallLog::instance().calls().size(), 3U);
+    }
 }
 
 class HeightToNormalFile : public testing::Test {
@@ -168,6 +169,26 @@ TEST_F(HeightToNormalFile, BytesAreTruncatedWithoutAClamp)
     for (std::size_t i = 0; i < fake.stored.size(); ++i) {
         float const component = static_cast<float>(fake.served[i] / 255.0);
         EXPECT_EQ(fake.stored[i], static_cast<unsigned char>((double(component) + 1.0) * 255.0 * 0.5));
+    }
+}
+
+class HeightToNormalDepths : public HeightToNormalFile, public testing::WithParamInterface<int> {};
+INSTANTIATE_TEST_SUITE_P(BytesPerPixel, HeightToNormalDepths, testing::ValuesIn(umbrixlib::test::kDepths));
+
+TEST_P(HeightToNormalDepths, TexelsAreThreeBytesOfEveryPicture)
+{
+    DevilFake& fake = DevilFake::instance();
+    for (auto const& size : umbrixlib::test::kPictureSizes) {
+        fake.serve(size.width, size.height, 8 * GetParam());
+        calls(0.0f, 2.5f);
+        std::vector<unsigned char> expected(
+            fake.served.begin(), fake.served.begin() + static_cast<std::ptrdiff_t>(3 * size.texels()));
+        for (unsigned char& byte : expected) {
+            byte = static_cast<unsigned char>((double(float(byte / 255.0)) + 1.0) * 255.0 * 0.5);
+        }
+        EXPECT_EQ(fake.stored, expected) << size.width << " x " << size.height;
+        calls(2.0f, 0.0f);
+        EXPECT_EQ(fake.stored.size(), expected.size()) << "blurred";
     }
 }
 

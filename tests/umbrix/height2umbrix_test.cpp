@@ -148,15 +148,72 @@ TEST(Height2Umbrix, AReachOfZeroLeavesEveryRayOpen)
     EXPECT_EQ(map.out[12].y, 1.0f);
 }
 
+TEST(Height2Umbrix, ABasisWithoutXIsOpen)
+{
+    OneThread const one_thread;
+    umbrix_options options = neutral_options();
+    options.radius = 1.0f;
+    options.tile = options.h_tile = options.v_tile = true;
+    // Walls all around: the other two bands are blocked, the steps of this one are infinite.
+    Map map(8, 8, 0.9f);
+    map.heights[72] = 0.0f;
+    map.run(options);
+    EXPECT_EQ(map.out[72].x, 0.0f);
+    map.out[72] = {-9.0f, -9.0f, -9.0f};
+    options.basis_c = {0.0f, 0.5f, 0.5f};
+    EXPECT_EQ(map.run(options), 72);
+    EXPECT_EQ(map.out[72].x, 1.0f);
+    EXPECT_EQ(map.out[72].y, 0.0f);
+    EXPECT_EQ(map.out[72].z, 0.0f);
+}
+
+TEST(Height2Umbrix, WideLimitsOfTheAzimuthStayWithinTheMap)
+{
+    // Under address sanitizer an access outside would end the test: azimuths reach 90 and 270 degrees.
+    for (float const theta_limit : {60.0f, 120.0f, 360.0f}) {
+        umbrix_options options = neutral_options();
+        options.rays = 200;
+        options.radius = 1.0f;
+        options.theta_limit = theta_limit;
+        options.tile = options.h_tile = options.v_tile = theta_limit > 100.0f;
+        Map map(8, 8, 0.25f);
+        map.at(5, 5) = 0.5f;
+        EXPECT_EQ(map.run(options), 72);
+        for (float const share : {map.out[72].x, map.out[72].y, map.out[72].z}) {
+            EXPECT_GE(share, 0.0f);
+            EXPECT_LE(share, 1.0f);
+        }
+    }
+}
+
+TEST(Height2Umbrix, SingleLinesAndOneTexelAreTracedWithinTheirBuffers)
+{
+    for (auto const& [rows, cols] : {std::pair{1, 1}, {1, 9}, {9, 1}}) {
+        for (bool const tile : {false, true}) {
+            umbrix_options options = neutral_options();
+            options.rays = 20;
+            options.radius = 2.0f;
+            options.tile = options.h_tile = options.v_tile = tile;
+            Map map(rows, cols, 0.25f);
+            map.at(0, 0) = 0.5f;
+            EXPECT_EQ(map.run(options), rows * cols + cols);
+            EXPECT_LE(map.out[static_cast<std::size_t>(rows * cols + cols)].x, 1.0f);
+        }
+    }
+}
+
 TEST(Height2Umbrix, AnEmptyImageTouchesNothing)
 {
     umbrix_options options = neutral_options();
+    options.rays = 5;
     float3 out = {-9.0f, -9.0f, -9.0f};
     float height = 0.0f;
-    int progress = 5;
-    EXPECT_TRUE(height2umbrix(&height, &out, 0, 0, options, &progress));
-    EXPECT_EQ(out.x, -9.0f);
-    EXPECT_EQ(progress, 0);
+    for (auto const& [rows, cols] : {std::pair{0, 0}, {0, 4}, {4, 0}, {-1, 4}, {4, -1}, {-2, -2}}) {
+        int progress = 5;
+        EXPECT_TRUE(height2umbrix(&height, &out, rows, cols, options, &progress));
+        EXPECT_EQ(out.x, -9.0f);
+        EXPECT_EQ(progress, 0);
+    }
 }
 
 TEST(Height2Umbrix, ManyThreadsStayWithinTheTables)

@@ -8,8 +8,10 @@
 #include "kernels_fake.h"
 #include "layer_run.h"
 #include "layers/nlayers.h"
+#include "picture_depths.h"
 
 #include <algorithm>
+#include <array>
 #include <gmock/gmock.h>
 #include <omp.h>
 
@@ -122,6 +124,26 @@ TEST_F(UmbrixFileLayers, AFirstLayerOfAnotherSizeTakesOverTheMap)
         EXPECT_EQ(DevilFake::instance().stored[4 * i + 3], 0) << "alpha was never written";
     }
     release(options);
+}
+
+class UmbrixFileLayersDepths : public UmbrixFileLayers, public testing::WithParamInterface<int> {};
+INSTANTIATE_TEST_SUITE_P(BytesPerPixel, UmbrixFileLayersDepths, testing::ValuesIn(umbrixlib::test::kDepths));
+
+TEST_P(UmbrixFileLayersDepths, TheBytesOfTheMapHaveTheLayersSizeAndTheImagesDepth)
+{
+    DevilFake::instance().files["in.png"].bits = 8 * GetParam();
+    describe({"wide.png"});
+    NLayers stack(&layers_);
+    umbrix_options options = neutral_options();
+    options.generate_normal = true;
+    EXPECT_TRUE(run(options, &stack));
+    std::size_t texel = 0;
+    auto const of_the_layer = [&](unsigned char const*) {
+        return std::array<unsigned char, 4>{63, 0,
+                                            umbrixlib::test::picture_byte(height_of("wide.png", texel++)), 0};
+    };
+    int const depth = GetParam() == 1 ? 3 : GetParam();
+    EXPECT_EQ(DevilFake::instance().stored, umbrixlib::test::through_texels({}, {6, 2}, depth, of_the_layer));
 }
 
 TEST_F(UmbrixFileLayers, AFirstLayerOfTheImagesSizeLeavesTheChoiceToTheCaller)

@@ -9,7 +9,9 @@
 #include "kernels_fake.h"
 #include "layer_run.h"
 #include "layers/nlayers.h"
+#include "picture_depths.h"
 
+#include <array>
 #include <gmock/gmock.h>
 
 namespace {
@@ -123,6 +125,32 @@ TEST_F(UmbrixFileGpuLayers, AFirstLayerOfAnotherSizeTakesOverTheMap)
         EXPECT_EQ(DevilFake::instance().stored[4 * i + 3], 0) << "alpha was never written";
     }
     release(options);
+}
+
+class UmbrixFileGpuLayersDepths : public UmbrixFileGpuLayers, public testing::WithParamInterface<int> {};
+INSTANTIATE_TEST_SUITE_P(BytesPerPixel, UmbrixFileGpuLayersDepths,
+                         testing::ValuesIn(umbrixlib::test::kDepths));
+
+TEST_P(UmbrixFileGpuLayersDepths, TheBytesOfTheMapHaveTheLayersSizeAndTheImagesDepth)
+{
+    DevilFake::File& input = DevilFake::instance().files["in.png"];
+    input.bits = 8 * GetParam();
+    describe({"wide.png"});
+    NLayers stack(&layers_);
+    stack.AddLayer("wide.png");
+    umbrix_options options = neutral_options();
+    options.generate_normal = true;
+    EXPECT_TRUE(run(options, &stack));
+    std::vector<unsigned char> fetched = input.bytes;
+    fetched.resize(12 * umbrixlib::test::fetched_channels(GetParam()));
+    std::size_t texel = 0;
+    auto const of_the_layer = [&](unsigned char const*) {
+        return std::array<unsigned char, 4>{31, 0,
+                                            umbrixlib::test::picture_byte(height_of("wide.png", texel++)), 0};
+    };
+    EXPECT_EQ(DevilFake::instance().stored,
+              umbrixlib::test::through_texels(fetched, {6, 2}, GetParam(), of_the_layer));
+    delete[] options.height_copy;
 }
 
 TEST_F(UmbrixFileGpuLayers, HeightsOfTheStackGoThroughFilterAndPreProcessing)

@@ -215,6 +215,27 @@ TEST(TraceRays, AnInfiniteOffsetIsOpen)
     }
 }
 
+TEST(TraceRays, ASteepStepLeavesTheMapAtOnce)
+{
+    // Next to 90 degrees a step of one texel in x passes far more rows than the map has.
+    auto const row_entry = [](double degrees) {
+        double const azimuth = degrees * 3.141592653589793 / 180.0;
+        return static_cast<float>(std::tan(azimuth)) - 0.5f; // of a map as high as it is wide
+    };
+    Walk walk = row_with_wall(8, 4);
+    walk.heights.assign(24, 0.9f);
+    walk.heights[8] = 0.0f;
+    walk.entries = {{-1.5f, row_entry(120.0), 0.1f}};
+    walk.tile = walk.h_tile = walk.v_tile = true;
+    EXPECT_EQ(walk.share(), 1.0f) << "two rows with a length of one step";
+    walk.entries = {{-1.5f, -0.5f, 0.1f}};
+    EXPECT_EQ(walk.share(), 0.0f);
+    for (double const degrees : {89.0, 90.0, 91.0, 269.0, 270.0, 271.0}) {
+        walk.entries = {{-1.5f, row_entry(degrees), 0.1f}};
+        EXPECT_EQ(walk.share(), 1.0f) << degrees;
+    }
+}
+
 TEST(TraceRays, ARayHeightThatIsNotANumberIsOpen)
 {
     Walk walk = row_with_wall(8, 1);
@@ -258,6 +279,24 @@ TEST(TraceRays, ARayThatWouldWrapOverASingleTexelIsOpen)
     EXPECT_EQ(walk.share(), 1.0f);
     walk.entries = {{1.5f, 0.5f, 0.1f}};
     EXPECT_EQ(walk.share(), 0.0f) << "along the row it still walks";
+    walk.rows = 4;
+    walk.cols = 1;
+    walk.tile = true;
+    walk.entries = {{1.5f, 1.5f, 0.1f}};
+    EXPECT_EQ(walk.share(), 1.0f);
+    walk.tile = false;
+    EXPECT_EQ(walk.share(), 1.0f);
+    walk.entries = {{0.5f, 1.5f, 0.1f}};
+    EXPECT_EQ(walk.share(), 0.0f) << "along the column it still walks";
+    walk.rows = 1;
+    walk.heights = {0.0f};
+    for (bool const tile : {false, true}) {
+        walk.tile = tile;
+        for (float3 const entry : {float3{1.5f, 0.5f, 0.1f}, {0.5f, 1.5f, 0.1f}, {-1.5f, -0.5f, 0.1f}}) {
+            walk.entries = {entry};
+            EXPECT_EQ(walk.share(), 1.0f) << "from the only texel";
+        }
+    }
 }
 
 } // namespace

@@ -6,9 +6,11 @@
 #include "call_log.h"
 #include "devil_fake.h"
 #include "kernels_fake.h"
+#include "picture_depths.h"
 #include "umbrix_test_options.h"
 
 #include <algorithm>
+#include <array>
 #include <gmock/gmock.h>
 #include <omp.h>
 
@@ -16,8 +18,13 @@ namespace {
 
 using umbrixlib::test::CallLog;
 using umbrixlib::test::DevilFake;
+using umbrixlib::test::kDepths;
 using umbrixlib::test::KernelsFake;
+using umbrixlib::test::kPictureSizes;
 using umbrixlib::test::neutral_options;
+using umbrixlib::test::picture_byte;
+using umbrixlib::test::PictureSize;
+using Bytes = std::vector<unsigned char>;
 using Calls = std::vector<std::string>;
 
 /// Calls of one stage, their order left open.
@@ -339,6 +346,65 @@ TEST_F(UmbrixFileCalls, AOneByteImageComesOutWhole)
         << "full light in all channels";
 }
 
+class UmbrixFileDepths : public UmbrixFileCalls, public testing::WithParamInterface<int> {
+protected:
+    /// A texel of a normal map with occlusion and its height kept, from its bytes: the stand-ins' marks.
+    static std::array<unsigned char, 4> marked(unsigned char const* bytes)
+    {
+        auto const decoded = [](unsigned char byte) {
+            return float(double(float(byte / 255.0)) * 2.0 - 1.0);
+        };
+        float const alpha = GetParam() == 4 ? float(bytes[3] / 255.0) : 1.0f;
+        return {picture_byte((decoded(bytes[0]) + KernelsFake::kLight) * KernelsFake::kOpenX),
+                picture_byte(decoded(bytes[1]) * KernelsFake::kOpenY),
+                picture_byte(decoded(bytes[2]) * KernelsFake::kOpenZ), picture_byte(alpha * 0.5f)};
+    }
+};
+INSTANTIATE_TEST_SUITE_P(BytesPerPixel, UmbrixFileDepths, testing::ValuesIn(kDepths));
+
+TEST_P(UmbrixFileDepths, TexelsAreReadAndWrittenAtTheirDistance)
+{
+    for (PictureSize const size : kPictureSizes) {
+        SCOPED_TRACE(testing::Message() << size.width << " x " << size.height);
+        DevilFake& devil = DevilFake::instance();
+        devil.serve(size.width, size.height, 8 * GetParam());
+        umbrix_options options = neutral_options();
+        options.calc_type = calc_type_light_occlusion;
+        options.preserve = true;
+        options.h_scale = 0.5f;
+        EXPECT_TRUE(run(options));
+        // Nothing is fetched from a picture of one byte a pixel, and the bytes of the map are new ones.
+        int const depth = GetParam() == 1 ? 3 : GetParam();
+        Bytes fetched = devil.served;
+        fetched.resize(GetParam() == 1 ? 0 : size.texels() * umbrixlib::test::fetched_channels(depth));
+        EXPECT_EQ(devil.stored, umbrixlib::test::through_texels(fetched, size, depth, &marked));
+        EXPECT_EQ(options.image_width, size.width);
+        EXPECT_EQ(options.image_height, size.height);
+    }
+}
+
+TEST_P(UmbrixFileDepths, EveryStageStaysWithinTheBuffers)
+{
+    for (PictureSize const size : kPictureSizes) {
+        for (char const* const output : {"out.tga", "out.vtf"}) {
+            for (bool const height_map : {false, true}) {
+                DevilFake& devil = DevilFake::instance();
+                devil.serve(size.width, size.height, 8 * GetParam());
+                umbrix_options options = neutral_options();
+                options.calc_type = calc_type_light_occlusion;
+                options.height_map = options.generate_normal = height_map;
+                options.preserve = options.keep_buffers = true;
+                options.b_radius = options.gaussian = 1.5f;
+                options.smooth = options.h_smooth = 2.0f;
+                options.contrast = options.h_contrast = size.texels() != 0 ? 0.5f : 0.0f;
+                EXPECT_TRUE(run(options, output));
+                EXPECT_EQ(devil.stored.size(), size.texels() * umbrixlib::test::fetched_channels(GetParam()));
+                release(options);
+            }
+        }
+    }
+}
+
 TEST_F(UmbrixFileCalls, AFailedLoadIsNotNoticed)
 {
     DevilFake::instance().load_result = 0;
@@ -369,6 +435,10 @@ TEST_F(UmbrixFileCalls, AVtfNameReversesTheRows)
     }
     run(options, "a.VTF");
     EXPECT_EQ(DevilFake::instance().stored, plain) << "the case of the letters must match";
+    release(options);
+    LinkedList<n_layer> layers;
+    UmbrixFile("in.vtf", "out.tga", options, &layers, nullptr, &status_, &progress_);
+    EXPECT_EQ(DevilFake::instance().stored, plain) << "the name of the input does not count";
     release(options);
 }
 

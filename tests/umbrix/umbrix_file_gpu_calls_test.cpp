@@ -9,6 +9,7 @@
 #include "kernels_fake.h"
 #include "layer_run.h"
 #include "layers/nlayers.h"
+#include "picture_depths.h"
 
 #include <array>
 #include <gmock/gmock.h>
@@ -20,8 +21,12 @@ using umbrixlib::test::CallLog;
 using umbrixlib::test::DevilFake;
 using umbrixlib::test::GraphicsFake;
 using umbrixlib::test::GraphicsStages;
+using umbrixlib::test::kDepths;
 using umbrixlib::test::KernelsFake;
+using umbrixlib::test::kPictureSizes;
 using umbrixlib::test::neutral_options;
+using umbrixlib::test::picture_byte;
+using umbrixlib::test::PictureSize;
 using Calls = std::vector<std::string>;
 using Bytes = std::vector<unsigned char>;
 
@@ -449,6 +454,63 @@ TEST_F(UmbrixFileGpuCalls, ATwoByteImageIsThreeBytesAtADistanceOfTwo)
     release(options);
 }
 
+class UmbrixFileGpuDepths : public UmbrixFileGpuCalls, public testing::WithParamInterface<int> {
+protected:
+    /// A texel of a normal map with occlusion and its height kept, from its bytes: the stand-ins' marks.
+    static std::array<unsigned char, 4> marked(unsigned char const* bytes)
+    {
+        auto const decoded = [](unsigned char byte) {
+            return float(double(float(byte / 255.0)) * 2.0 - 1.0);
+        };
+        float const height = GetParam() == 4 ? float(1.0 - bytes[3] / 255.0) : 1.0f;
+        return {picture_byte((decoded(bytes[0]) + GraphicsStages::kLight) * GraphicsStages::kOpenX * 0.5f),
+                picture_byte(decoded(bytes[1]) * GraphicsStages::kOpenY),
+                picture_byte(decoded(bytes[2]) * GraphicsStages::kOpenZ),
+                picture_byte(height + GraphicsStages::kPre)};
+    }
+};
+INSTANTIATE_TEST_SUITE_P(BytesPerPixel, UmbrixFileGpuDepths, testing::ValuesIn(kDepths));
+
+TEST_P(UmbrixFileGpuDepths, TexelsAreReadAndWrittenAtTheirDistance)
+{
+    for (PictureSize const size : kPictureSizes) {
+        SCOPED_TRACE(testing::Message() << size.width << " x " << size.height);
+        DevilFake::instance().files.clear();
+        Bytes fetched = serve(size.width, size.height, 8 * GetParam());
+        fetched.resize(size.texels() * umbrixlib::test::fetched_channels(GetParam()));
+        umbrix_options options = neutral_options();
+        options.calc_type = calc_type_light_occlusion;
+        options.preserve = true;
+        EXPECT_TRUE(run(options));
+        EXPECT_EQ(DevilFake::instance().stored,
+                  umbrixlib::test::through_texels(fetched, size, GetParam(), &marked));
+        EXPECT_EQ(options.image_width, size.width);
+        EXPECT_EQ(options.image_height, size.height);
+        release(options);
+    }
+}
+
+TEST_P(UmbrixFileGpuDepths, EveryStageStaysWithinTheBuffers)
+{
+    for (PictureSize const size : kPictureSizes) {
+        for (char const* const output : {"out.tga", "out.vtf"}) {
+            for (bool const height_map : {false, true}) {
+                DevilFake::instance().files.clear();
+                serve(size.width, size.height, 8 * GetParam());
+                umbrix_options options = neutral_options();
+                options.calc_type = calc_type_light_occlusion;
+                options.height_map = options.generate_normal = height_map;
+                options.preserve = options.keep_buffers = true;
+                options.b_radius = 1.5f;
+                EXPECT_TRUE(run(options, output));
+                EXPECT_EQ(DevilFake::instance().stored.size(),
+                          size.texels() * umbrixlib::test::fetched_channels(GetParam()));
+                release(options);
+            }
+        }
+    }
+}
+
 TEST_F(UmbrixFileGpuCalls, FailedLoadsAndSavesAreNotNoticed)
 {
     for (unsigned char const result : Bytes{0, 9, 255}) {
@@ -488,6 +550,9 @@ TEST_F(UmbrixFileGpuCalls, AVtfNameReversesTheRowsOfEveryShape)
             }
             run(options, "a.VTF");
             EXPECT_EQ(DevilFake::instance().stored, plain) << "the case of the letters must match";
+            release(options);
+            UmbrixFile_GPU(gpu_, "in.vtf", "out.tga", options, &layers_, nullptr, &status_, &progress_);
+            EXPECT_EQ(DevilFake::instance().stored, plain) << "the name of the input does not count";
             release(options);
         }
     }

@@ -5,6 +5,7 @@
 #include "call_log.h"
 #include "devil_fake.h"
 #include "kept_directory.h"
+#include "picture_depths.h"
 #include "temporary_folder.h"
 #include "umbrix_test_options.h"
 
@@ -294,6 +295,30 @@ TEST_F(UmbrixFolderCalls, AFileThatFailsDoesNotStopTheWalk)
     DevilFake::instance().save_result = 0;
     EXPECT_TRUE(run("*.tga"));
     EXPECT_EQ(calls({"ilSaveImage("}).size(), 2U);
+}
+
+class UmbrixFolderDepths : public UmbrixFolderCalls, public testing::WithParamInterface<int> {};
+INSTANTIATE_TEST_SUITE_P(BytesPerPixel, UmbrixFolderDepths, testing::ValuesIn(umbrixlib::test::kDepths));
+
+TEST_P(UmbrixFolderDepths, FilesOfEverySizeComeOut)
+{
+    std::vector<std::size_t> expected;
+    for (auto const& size : umbrixlib::test::kPictureSizes) {
+        std::string const name = std::string(1, static_cast<char>('a' + expected.size())) + ".tga";
+        add_files({name.c_str()});
+        DevilFake::instance().files[root() + "/" + name] = {
+            size.width, size.height, 8 * GetParam(), std::vector<unsigned char>(4 * size.texels(), 100)};
+        expected.push_back(size.texels() * umbrixlib::test::fetched_channels(GetParam()));
+    }
+    std::vector<std::size_t> saved;
+    DevilFake::instance().on_call = [&](std::string const& call) {
+        if (call.rfind("ilSaveImage(", 0) == 0) {
+            saved.push_back(DevilFake::instance().stored.size());
+        }
+    };
+    options_.calc_type = calc_type_light_occlusion;
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_EQ(saved, expected);
 }
 
 TEST_F(UmbrixFolderCalls, TheOptionsCarryOverFromFileToFile)

@@ -6,6 +6,7 @@
 #include "devil_fake.h"
 #include "graphics_fake.h"
 #include "kept_directory.h"
+#include "picture_depths.h"
 #include "temporary_folder.h"
 #include "umbrix_test_options.h"
 
@@ -63,6 +64,7 @@ protected:
             if (call.rfind("ilSaveImage", 0) == 0) {
                 delete[] options_.height_copy;
                 options_.height_copy = nullptr;
+                saved_.push_back(DevilFake::instance().stored.size());
             }
             cancel_ = cancel_ || (!cancel_at_.empty() && call.find(cancel_at_) != std::string::npos);
         };
@@ -95,6 +97,7 @@ protected:
     umbrix_options options_ = neutral_options();
     bool cancel_ = false;
     std::string cancel_at_;
+    std::vector<std::size_t> saved_; ///< Bytes of each picture.
     LinkedList<n_layer> layers_;
     std::string current_;
     std::string status_;
@@ -145,6 +148,26 @@ TEST_F(UmbrixFolderGpuCalls, WithoutDescriptionsTheStackIsStillCleared)
     EXPECT_EQ(stack.Count(), 0);
     EXPECT_THAT(files(),
                 ElementsAre("ilLoadImage(before.tga)", "ilLoadImage(a.tga)", "ilSaveImage(a_Umbrix.tga)"));
+}
+
+class UmbrixFolderGpuDepths : public UmbrixFolderGpuCalls, public testing::WithParamInterface<int> {};
+INSTANTIATE_TEST_SUITE_P(BytesPerPixel, UmbrixFolderGpuDepths, testing::ValuesIn(umbrixlib::test::kDepths));
+
+TEST_P(UmbrixFolderGpuDepths, FilesOfEverySizeComeOut)
+{
+    std::vector<std::size_t> expected;
+    for (auto const& size : umbrixlib::test::kPictureSizes) {
+        std::string const name = std::string(1, static_cast<char>('a' + expected.size())) + ".tga";
+        add_files({name.c_str()});
+        DevilFake::instance().files[root_.path().string() + "/" + name] = {
+            size.width, size.height, 8 * GetParam(), std::vector<unsigned char>(4 * size.texels(), 100)};
+        expected.push_back(size.texels() * umbrixlib::test::fetched_channels(GetParam()));
+    }
+    options_.calc_type = calc_type_light_occlusion;
+    options_.generate_normal = true;
+    EXPECT_TRUE(run(nullptr));
+    EXPECT_EQ(saved_, expected);
+    EXPECT_THAT(GraphicsFake::instance().faults, IsEmpty());
 }
 
 TEST_F(UmbrixFolderGpuCalls, TheStopFlagEndsTheWalkBetweenFiles)

@@ -427,6 +427,10 @@ TEST(DirectionalAO, OpenWhereNoRayCanBeWalked)
         line.heights.resize(12);
         expect_open(line);
     }
+    Job texel = sound;
+    texel.rows = texel.cols = 1;
+    texel.heights.resize(1);
+    expect_open(texel);
     Job no_rays = sound;
     no_rays.a.clear();
     no_rays.b.clear();
@@ -440,6 +444,17 @@ TEST(DirectionalAO, OpenWhereNoRayCanBeWalked)
     Job nothing = sound;
     nothing.heights.assign(nothing.heights.size(), kNaN);
     expect_open(nothing);
+}
+
+TEST(DirectionalAO, NoSizeNoWork)
+{
+    ray step{0.25f, 0.0f, 0.1f};
+    int progress = 5;
+    for (auto const& [rows, cols] : {std::pair{0, 5}, {5, 0}, {0, 0}, {-1, 5}, {-2, -2}}) {
+        Height2DirectionalAO(nullptr, nullptr, rows, cols, &step, &step, &step, 1, 1.0f, 1.0f, true, true,
+                             true, &progress);
+    }
+    EXPECT_EQ(progress, 5);
 }
 
 TEST(DirectionalAO, ProgressEndsAtOneThousand)
