@@ -49,12 +49,12 @@ CORALITH_API void SetDest(float* buffer, int rows, int cols);
 CORALITH_API void SetDest(float3* buffer, int rows, int cols);
 /// @overload
 CORALITH_API void SetDest(float4* buffer, int rows, int cols);
-/// Fills the source slot of an element type from a host buffer.
+/// Fills the source slot of an element type from a host buffer. Null leaves it as it is.
 CORALITH_API void SetSrc(float* buffer, int rows, int cols);
 /// @overload
 CORALITH_API void SetSrc(float3* buffer, int rows, int cols);
-/// Copies the destination slot of an element type into a host buffer. With no slot of this type and size the
-/// buffer is left alone, and that is reported.
+/// Copies the destination slot of an element type into a host buffer, if that is not null. With no slot of
+/// this type and size the buffer is left alone, and that is reported.
 CORALITH_API void GetDest(float* buffer, int rows, int cols);
 /// @overload
 CORALITH_API void GetDest(float3* buffer, int rows, int cols);

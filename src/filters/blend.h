@@ -7,7 +7,8 @@
 /// Buffers are the caller's, @p height * @p width pixels without row padding. Two images must not overlap,
 /// except for being the same one. @p percent is an opacity, 0 to 100.
 ///
-/// Errors: none reported; a size below 1 does nothing. A NaN @p percent spreads to every pixel.
+/// Errors: none reported. With a product of the sizes below 1 nothing happens, in the forms that call a
+/// kernel with either size below 1; only then may an image be null. A NaN @p percent spreads to every pixel.
 /// Threads: parallel loops inside; no state survives a call.
 /// Rounding: each element is computed in double and rounded to float once.
 
@@ -40,7 +41,8 @@ UMBRIX_API void blend(float3* image, float percent, int height, int width, int u
 
 /// Overlay of @p second on @p first by the kernel `Blend`; @p percent is handed on as it is.
 UMBRIX_API void overlay(float3* first, float3* second, float percent, int height, int width);
-/// One thread's share of it: pixels `thread`, `thread + threads`, ...
+/// One thread's share of it: pixels `thread`, `thread + threads`, ... @p thread is from 0 on, @p threads at
+/// least 1.
 UMBRIX_API void overlay(float3* first, float3* second, float percent, int height, int width, int thread,
                         int threads);
 

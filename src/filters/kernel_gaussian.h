@@ -16,7 +16,7 @@
 /// sum.
 ///
 /// Errors: none reported. What cannot be allocated raises and leaves the destination as it was. With a width
-/// or height below 1 nothing is written.
+/// or height below 1 nothing is written; only then may an image be null. Two images must not overlap in part.
 ///
 /// Threads: the `float` forms share rows out to OpenMP threads, the others stay on the caller's.
 

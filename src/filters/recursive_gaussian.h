@@ -8,7 +8,8 @@
 /// here, unlike in the tone operators. All components are filtered alike, alpha too. The image wraps at all
 /// four edges.
 ///
-/// Errors: none reported, nothing checked; with a width or height of 0 or less nothing happens.
+/// Errors: none reported, nothing checked; with a width or height of 0 or less nothing happens, and only then
+/// may a buffer be null. Two buffers must not overlap in part.
 /// Threads: the forms without a thread number share lines out to OpenMP threads inside the call; their number
 /// never shows in a result. No state survives a call.
 /// Memory: less than 1 KiB per thread and pixel of a line; std::bad_alloc leaves the output as it was.

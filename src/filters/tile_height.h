@@ -9,7 +9,7 @@ inline namespace umbrix_v0 {
 /// offset - c * step, where offset is half the difference of the two columns' means (right minus left) and
 /// step is offset / (width / 2). Top and bottom are not looked at.
 ///
-/// @param heights height * width floats, changed in place. Sizes below 1 change nothing.
+/// @param heights height * width floats, changed in place. Sizes below 1 change nothing; null only then.
 ///
 /// Contract: the ramp ends one step short of minus the offset; edges that meet exactly are expected. The
 /// right edge's mean comes out one step above the left edge's. Test:

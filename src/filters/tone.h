@@ -6,8 +6,9 @@
 ///
 /// Buffers are the caller's: @p height rows of @p width pixels, row-major, no padding. Height comes first
 /// here, unlike in the Gaussian family; but for `smooth`, and `brighten` on `float`, only their product
-/// matters, and with a product below 1 nothing happens. Alpha is the fourth component of a `float4`:
-/// `brighten`, `change_contrast`, `limit_color` and `smooth` leave it as it is, `posterize` does not.
+/// matters, and with a product below 1 nothing happens. Only where nothing happens may a buffer be null.
+/// Alpha is the fourth component of a `float4`: `brighten`, `change_contrast`, `limit_color` and `smooth`
+/// leave it as it is, `posterize` does not.
 ///
 /// The forms with a thread number do one thread's share on the calling thread: pixels @p thread,
 /// @p thread + @p threads and so on, one thread's pixels between those of the others. All shares together
@@ -24,6 +25,8 @@
 inline namespace umbrix_v0 {
 
 /// Adds @p amount, limited to -1..1, and limits the result to 0..1.
+///
+/// @param pixels On `float` at least @p height of them, also with a @p width of 0.
 ///
 /// Contract: on `float` only the first @p height elements change and @p width is not read; the whole image is
 /// expected. So the height-side brightness of a run reaches the first column's worth of heights alone.

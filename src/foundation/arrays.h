@@ -3,7 +3,8 @@
 
 /// @file
 /// Plain arrays that grow by one element at a time. The count is the caller's; the arrays are made with array
-/// new, and the caller releases the last one with array delete.
+/// new, and the caller releases the last one with array delete. An array is null only where its size is
+/// below 1.
 ///
 /// Errors: a failed allocation raises, and leaves the old array and its count as they were.
 /// Threads: no state; one thread at a time for one array.

@@ -2,8 +2,8 @@
 #pragma once
 
 /// @file
-/// Small jobs on zero-terminated text, which is the caller's. Case is that of the C library, byte by byte, in
-/// the locale of the process.
+/// Small jobs on zero-terminated text, which is the caller's and not null. Case is that of the C library,
+/// byte by byte, in the locale of the process.
 ///
 /// Errors: none reported. Threads: no state.
 ///
@@ -16,7 +16,7 @@
 
 inline namespace umbrix_v0 {
 
-/// Sets @p size bytes to 0; none if @p size is below 1.
+/// Sets @p size bytes to 0, for which @p text has room; none if @p size is below 1, and null will do then.
 UMBRIX_API void strclr(char* text, int size);
 
 /// Index of the last @p c in @p text, -1 if there is none. The terminator does not count.

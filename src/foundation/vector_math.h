@@ -4,8 +4,8 @@
 /// @file
 /// Free, stateless functions over vectors and scalars. Float operands are widened to double, the arithmetic
 /// runs in double, and N(e) below marks where e is rounded to float; sums are taken in the order written.
-/// Nothing is checked: bad values pass through as the arithmetic leaves them. Safe from any number of
-/// threads.
+/// Nothing is checked: bad values pass through as the arithmetic leaves them. A pointer is to three floats
+/// and not null; two of them may be the same. Safe from any number of threads.
 
 #include "foundation/export.h"
 #include "foundation/vector_types.h"

@@ -24,6 +24,8 @@ struct layer_size {
 /// the list outlives every call, and whoever removes or moves a layer does the same to its record: the stack
 /// writes the field `regenerate` and nothing else.
 ///
+/// Arguments. A file name is not null. Arrays have the room that is stated.
+///
 /// Ownership. The stack owns every buffer in its lists and both results; all are arrays, released with the
 /// array form of delete. The fields are public for front ends that look on.
 ///

@@ -23,7 +23,7 @@ inline namespace umbrix_v0 {
 /// @param recurse       Subfolders first, at any depth.
 /// @param current_name  Name of the file or, with a separator behind it, of the subfolder in work.
 /// @param progress_text Set to "Processing" before each file, then by `HeightToNormal`.
-/// @param progress      Set to 0 before each file. Plain stores all three, for a polling front end.
+/// @param progress      Set to 0 before each file. Plain stores all three, for a polling front end; no null.
 /// @return False if @p path could not be entered. A subfolder or a file that fails does not stop the walk.
 ///
 /// Errors: a file without a '.' in its whole path raises std::out_of_range, which leaves the call.

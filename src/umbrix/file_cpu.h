@@ -16,7 +16,9 @@ class NLayers;
 /// `PreProcess`, normals, light from the three basis directions, occlusion, `PostProcess`, bytes, file.
 ///
 /// @param input    Any image that DevIL reads, with 3 or 4 bytes per pixel. A height map (`height_map`: the
-///                 mean of the colours is the height) or a normal map with the height in its alpha.
+///                 mean of the colours is the height) or a normal map with the height in its alpha. With one
+///                 byte per pixel it counts as black; any other depth sets how far apart texels lie in the
+///                 bytes, of which DevIL still delivers three or four a texel.
 /// @param output   Replaced if it exists; the format follows from the extension. A name with ".vtf" anywhere
 /// in
 ///                 it gets its rows reversed, which assumes a square image.
@@ -28,8 +30,8 @@ class NLayers;
 /// @param stack    The stack over @p layers. Null counts as an empty one, which goes with the run. If it has
 ///                 another number of layers than @p layers, it is cleared and filled with height layers from
 ///                 the files of @p layers; the layers stay in it after the run.
-/// @param status   Name of the stage, for a polling front end. Plain stores.
-/// @param progress Progress of the stage, 0 to 1000. Plain stores.
+/// @param status   Name of the stage, for a polling front end. Plain stores; not null.
+/// @param progress Progress of the stage, 0 to 1000. Plain stores; not null.
 /// @return True, also for an input that could not be read: the image that DevIL has bound is used, and failed
 ///         writes are not noticed. Check files before and after.
 ///

@@ -26,7 +26,7 @@ inline namespace umbrix_v0 {
 ///                 `options.generate_normal` is filled with that file, once for each description.
 /// @param current  Name of the file or, with a separator behind it, of the subfolder in work.
 /// @param status   "Processing" before a subfolder, then as `UmbrixFile` sets it.
-/// @param progress Set to 0 before each file. Plain stores all three, for a polling front end.
+/// @param progress Set to 0 before each file. Plain stores all three, for a polling front end; no null.
 /// @return False if the stop flag ended the walk or @p path could not be entered. A subfolder or a file that
 ///         fails does not stop the walk.
 ///

@@ -12,7 +12,7 @@ inline namespace umbrix_v0 {
 /// 0 and 255; then `gaussianFilterRGBA` with `h_smooth`, unless that is 0. Comparisons are exact: NaN and a
 /// negative sigma count as not 0.
 ///
-/// @param heights rows * cols floats.
+/// @param heights rows * cols floats, @p cols at least 1 where @p rows is; null only if there are none.
 /// @param options Read only.
 /// @return True.
 ///
@@ -30,7 +30,7 @@ UMBRIX_API bool PreProcess(float* heights, int rows, int cols, umbrix_options& o
 /// Grades a finished map in place: the same chain by `contrast`, `min`, `max`, `brightness` and `smooth`. The
 /// tone operators leave the alpha of a `float4` as it is; the blur treats it like the other channels.
 ///
-/// @param map     rows * cols pixels.
+/// @param map     rows * cols pixels; null only if there are none.
 /// @param options Read only.
 /// @return True.
 UMBRIX_API bool PostProcess(float3* map, int rows, int cols, umbrix_options& options);

@@ -22,7 +22,7 @@ UMBRIX_API bool normal2umbrix(float3 normal, float3& out, umbrix_options& option
 /// @param options  Reads `rays`, `radius`, `h_scale`, the two limits, the tile flags and the bases; writes
 /// the six
 ///                 working fields, which dangle afterwards.
-/// @param progress Set to 0.
+/// @param progress Set to 0; not null. With @p rows or @p cols below 1 both buffers are left alone.
 /// @return True.
 ///
 /// Rays are jittered by a generator that is seeded with the time, so two runs differ. Threads: parallel loops
@@ -40,6 +40,10 @@ UMBRIX_API bool height2umbrix(float* heights, float3* out, int rows, int cols, u
 /// NaN.
 ///
 /// @param heights    rows * cols heights, row-major; a height that is not a number never blocks.
+/// @param rows       At least 1, as @p cols.
+/// @param cols       In texels.
+/// @param y          Element y * cols + x of @p heights is read, wherever that lies.
+/// @param x          As @p y.
 /// @param scale      Factor on every height.
 /// @param max_height Largest height of the map, at least 0, before @p scale.
 /// @param reach      How far a ray may climb above its start before it counts as open.

@@ -73,7 +73,7 @@ public:
 
     /// The job's stack object; null if it has none.
     NLayers* get_NLayers(int index);
-    /// Hands @p layers over to the list.
+    /// Hands @p layers over to the list: an object made with new, or null for none.
     ///
     /// Contract: the object that the job had stays with the caller, undeleted; the list would be expected to
     /// delete what it owns. Test: UmbrixList.TheStackThatIsReplacedStaysWithTheCaller
