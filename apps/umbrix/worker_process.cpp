@@ -50,10 +50,13 @@ struct Pipe {
     int write_end;
 };
 
-/// The environment without anything that steers OpenMP.
+/// The environment without anything that steers OpenMP, but for two settings of ours: a team has all its
+/// threads, and those that wait sleep. By default they would spin, which takes longer than a small job and
+/// takes the processors from the workers beside.
 std::vector<char*> worker_environment()
 {
     static char no_dynamic[] = "OMP_DYNAMIC=false";
+    static char sleeping[] = "OMP_WAIT_POLICY=passive";
     std::vector<char*> kept;
     for (char** each = environ; *each != nullptr; ++each) {
         std::string_view const variable = *each;
@@ -63,6 +66,7 @@ std::vector<char*> worker_environment()
         }
     }
     kept.push_back(no_dynamic);
+    kept.push_back(sleeping);
     kept.push_back(nullptr);
     return kept;
 }
