@@ -111,8 +111,8 @@ int bound_image_channels()
 ImageBytes make_image_bytes(std::size_t texels, int channels)
 {
     constexpr int kTouchedAtMost = 4;
-    return std::make_unique<unsigned char[]>(std::max<std::size_t>(texels, 1) *
-                                             static_cast<std::size_t>(std::max(channels, kTouchedAtMost)));
+    return make_large_array<unsigned char>(std::max<std::size_t>(texels, 1) *
+                                           static_cast<std::size_t>(std::max(channels, kTouchedAtMost)));
 }
 
 void copy_pixels(ImageSize size, PixelFormat format, unsigned char* bytes)

@@ -9,8 +9,9 @@
 ///
 /// Rows: the first row of a buffer is the bottom row of the picture, for every file format.
 
+#include "boundary/large_array_internal.h"
+
 #include <cstddef>
-#include <memory>
 
 namespace umbrixlib::detail {
 
@@ -56,11 +57,11 @@ ImageSize bound_image_size();
 int bound_image_channels();
 
 /// Bytes of an image on their way in or out.
-using ImageBytes = std::unique_ptr<unsigned char[]>;
+using ImageBytes = LargeArray<unsigned char>;
 
 /// Zeroed bytes for an image of @p texels texels. DevIL and the loops over channels touch up to four bytes a
-/// texel, whatever pixel size a file reports, so that is what a texel gets at least; and DevIL reads one texel
-/// of an image of none.
+/// texel, whatever pixel size a file reports, so that is what a texel gets at least; and DevIL reads one
+/// texel of an image of none.
 ImageBytes make_image_bytes(std::size_t texels, int channels);
 
 /// How `copy_pixels` asks for the pixels.

@@ -4,6 +4,7 @@
 /// @file
 /// What the library asks of the operating system. One side for Windows, one for POSIX.
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -24,6 +25,16 @@ void seed_random(unsigned seed);
 
 /// Seconds since 1970.
 std::int64_t seconds_since_epoch();
+
+/// Asks for large pages behind @p memory, of which nothing has been written to yet: on small ones the first
+/// write to a large array mostly waits for the system. A wish; nothing happens where there are none.
+void prefer_large_pages(void* memory, std::size_t bytes);
+
+/// @p bytes zeros straight from the system, on large pages where it has them. No page is there before the
+/// first access to it. Null if there is no such memory.
+void* map_zeros(std::size_t bytes);
+/// Gives back what `map_zeros` has given for as many @p bytes.
+void unmap_zeros(void* memory, std::size_t bytes);
 
 /// Stands between the names of a path.
 #if defined(_WIN32)

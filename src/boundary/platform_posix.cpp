@@ -8,6 +8,7 @@
 #include <ctime>
 #include <dirent.h>
 #include <string_view>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,6 +17,15 @@ namespace umbrixlib::detail::platform {
 namespace {
 
 std::atomic<std::uint32_t> random_state = 1;
+
+/// Of most machines. Where it is another, pages are small, and nothing else changes.
+constexpr std::size_t kLargePage = std::size_t{2} << 20;
+
+/// @p bytes rounded up to whole large pages.
+constexpr std::size_t up_to_large_page(std::size_t bytes)
+{
+    return (bytes + kLargePage - 1) / kLargePage * kLargePage;
+}
 
 std::string on_one_line(std::string text)
 {
@@ -89,6 +99,42 @@ void seed_random(unsigned seed)
 std::int64_t seconds_since_epoch()
 {
     return std::time(nullptr);
+}
+
+void prefer_large_pages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t bytes)
+{
+#if defined(MADV_HUGEPAGE)
+    auto const begin = reinterpret_cast<std::uintptr_t>(memory);
+    std::uintptr_t const first = up_to_large_page(begin);
+    std::uintptr_t const end = (begin + bytes) / kLargePage * kLargePage;
+    if (first < end) {
+        ::madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+    }
+#endif
+}
+
+void* map_zeros(std::size_t bytes)
+{
+    // More than is asked for, so that there is a place in it where a large page begins; the rest goes back.
+    std::size_t const size = up_to_large_page(bytes);
+    std::size_t const room = size + kLargePage;
+    void* const mapped = ::mmap(nullptr, room, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapped == MAP_FAILED) {
+        return nullptr;
+    }
+    auto const begin = reinterpret_cast<std::uintptr_t>(mapped);
+    std::uintptr_t const first = up_to_large_page(begin);
+    if (first > begin) {
+        ::munmap(mapped, first - begin);
+    }
+    ::munmap(reinterpret_cast<void*>(first + size), begin + room - (first + size));
+    prefer_large_pages(reinterpret_cast<void*>(first), size);
+    return reinterpret_cast<void*>(first);
+}
+
+void unmap_zeros(void* memory, std::size_t bytes)
+{
+    ::munmap(memory, up_to_large_page(bytes));
 }
 
 bool change_directory(char const* folder)

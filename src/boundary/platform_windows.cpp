@@ -31,6 +31,15 @@ std::int64_t seconds_since_epoch()
     return _time64(nullptr);
 }
 
+void prefer_large_pages(void* /*memory*/, std::size_t /*bytes*/) {}
+
+void* map_zeros(std::size_t /*bytes*/)
+{
+    return nullptr;
+}
+
+void unmap_zeros(void* /*memory*/, std::size_t /*bytes*/) {}
+
 bool change_directory(char const* folder)
 {
     return _chdir(folder) == 0;

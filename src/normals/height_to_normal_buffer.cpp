@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "normals/height_to_normal.h"
 
+#include "boundary/large_array_internal.h"
 #include "boundary/texture_kernels.h"
 #include "filters/recursive_gaussian.h"
 #include "foundation/rounding.h"
@@ -8,6 +9,18 @@
 
 #include <cstddef>
 #include <memory>
+
+namespace {
+
+void copy_on_all_threads(float const* from, float* to, std::ptrdiff_t count)
+{
+#pragma omp parallel for schedule(static)
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        to[i] = from[i];
+    }
+}
+
+} // namespace
 
 inline namespace umbrix_v0 {
 
@@ -20,44 +33,40 @@ bool HeightToNormal(float* source, float3* destination, int height, int width, f
 {
     auto const texels = static_cast<std::ptrdiff_t>(height) * width;
     auto const size = static_cast<std::size_t>(texels);
-    auto image = std::make_unique<float[]>(size);
-    auto scratch = std::make_unique<float[]>(size);
+    auto image = make_large_array<float>(size);
+    float const* unscaled = source;
     *progress_text = "Generating Normal";
     *progress = 0;
-
-    float* const copy = image.get();
-#pragma omp parallel for schedule(static)
-    for (std::ptrdiff_t i = 0; i < texels; ++i) {
-        copy[i] = source[i];
-    }
 
     {
         auto const spatial = std::make_unique<float[]>(spatial_table_size(L_Detail));
         float range[kRangeTableSize] = {};
-        auto filtered = std::make_unique<float[]>(size);
         // Contract: the tables are made whatever the radius is. One would expect them with the filter alone;
         // who stands in for the kernels sees the two calls. Test:
         // HeightToNormalBuffer.TablesAreMadeWithoutAFilterToo
         GenerateExp(L_Detail, spatial.get());
         GenerateExp(kRangeSigma, range);
         if (L_Detail > 1.0f) {
-            BilateralFilter(image.get(), filtered.get(), height, width, L_Detail, spatial.get(), range);
-            image.swap(filtered);
+            // The kernel gets heights that it may write to.
+            auto filtered = make_large_array<float>(size);
+            copy_on_all_threads(source, filtered.get(), texels);
+            BilateralFilter(filtered.get(), image.get(), height, width, L_Detail, spatial.get(), range);
+            unscaled = image.get();
         }
     }
 
     float* const heights = image.get();
 #pragma omp parallel for schedule(static)
     for (std::ptrdiff_t i = 0; i < texels; ++i) {
-        heights[i] = narrow(wide(heights[i]) * wide(n_scale));
+        heights[i] = narrow(wide(unscaled[i]) * wide(n_scale));
     }
     if (gaussian > 0.0f) {
+        auto const scratch = make_large_array<float>(size);
         gaussianFilterRGBA(heights, heights, scratch.get(), width, height, gaussian);
     }
     if (depth != 0.0f) {
         ChangeDepth(heights, height, width, depth, n_scale);
     }
-    scratch.reset();
     Height2Normal(heights, destination, height, width);
     if (edge_a > 0.0f && edge_b > 0.0f) {
         NormalEdges(destination, heights, height, width, edge_a, edge_b);

@@ -55,8 +55,7 @@ bool HeightToNormal(char const* source, char const* destination, float n_scale, 
     auto const texels = static_cast<std::ptrdiff_t>(size.width) * size.height;
     auto const count = static_cast<std::size_t>(texels);
     ImageBytes const bytes = make_image_bytes(count, 3);
-    auto const scratch = std::make_unique<float3[]>(count);
-    auto const image = std::make_unique<float3[]>(count);
+    auto const image = make_large_array<float3>(count);
 
     copy_pixels(size, PixelFormat::kRgb, bytes.get());
     auto* const components = reinterpret_cast<float*>(image.get());
@@ -74,6 +73,7 @@ bool HeightToNormal(char const* source, char const* destination, float n_scale, 
         filter_without_effect(image.get(), size, count, L_Detail);
     }
     if (gaussian > 0.0f) {
+        auto const scratch = make_large_array<float3>(count);
         gaussianFilterRGBA(image.get(), image.get(), scratch.get(), size.width, size.height, gaussian);
     }
     Height2Normal(image.get(), size.height, size.width, n_scale);
