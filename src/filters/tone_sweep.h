@@ -18,6 +18,8 @@ struct ToneSteps {
     float low = 0;        ///< In 0..1, as @p high.
     float high = 1;       ///< What 1 becomes; @p low is what 0 becomes.
     float brightness = 0; ///< In -1..1.
+
+    bool any() const { return changes_contrast || limits || brightens; }
 };
 
 /// Runs @p steps over @p count floats.

@@ -15,12 +15,13 @@ struct Buffer {
     std::unique_ptr<T[]> data;
     std::size_t capacity = 0;
 
-    /// Room for @p count elements; what was there is lost if it was too small.
+    /// Room for @p count elements; what was there is lost if it was too small, and what is new holds
+    /// anything.
     void reserve(std::size_t count)
     {
         if (data == nullptr || capacity < count) {
             data.reset();
-            data = std::make_unique<T[]>(count);
+            data = std::make_unique_for_overwrite<T[]>(count);
             capacity = count;
         }
     }
@@ -40,10 +41,17 @@ public:
     /// A buffer of at least @p count elements, all of them value-initialised.
     Buffer<T> take(std::size_t count)
     {
+        Buffer<T> buffer = take_to_overwrite(count);
+        std::fill_n(buffer.data.get(), count, T{});
+        return buffer;
+    }
+
+    /// A buffer of at least @p count elements that hold anything, what a run has left in them too.
+    Buffer<T> take_to_overwrite(std::size_t count)
+    {
         std::unique_ptr<Buffer<T>> const kept(kept_.exchange(nullptr));
         Buffer<T> buffer = kept == nullptr ? Buffer<T>{} : std::move(*kept);
         buffer.reserve(count);
-        std::fill_n(buffer.data.get(), count, T{});
         return buffer;
     }
 

@@ -42,9 +42,10 @@ FileGpuRun::~FileGpuRun()
 void FileGpuRun::fetch_image()
 {
     auto const texels = static_cast<std::size_t>(shape_.texels());
-    result_ = std::make_unique<float4[]>(texels);
-    normals_ = std::make_unique<float3[]>(texels);
-    heights_ = retained_heights.take(texels);
+    result_ = make_large_array<float4>(texels);
+    normals_ = make_large_array<float3>(texels);
+    heights_ = retained_heights.take_to_overwrite(texels);
+    platform::prefer_large_pages(heights_.data.get(), texels * sizeof(float));
     options_.height_copy = new float[texels]();
     pixels_ = make_image_bytes(texels, shape_.channels);
     PixelFormat const format = shape_.channels < 4 ? PixelFormat::kRgb : PixelFormat::kRgba;
@@ -172,7 +173,7 @@ void FileGpuRun::keep_normals()
 {
     auto const texels = static_cast<std::size_t>(shape_.texels());
     options_.normal_map = new float3[texels]();
-    converted_ = std::make_unique<float3[]>(texels);
+    converted_ = make_large_array<float3>(texels);
     for_all_texels([&](std::ptrdiff_t i) { options_.normal_map[i] = normals_[i]; });
 }
 
@@ -192,12 +193,20 @@ void FileGpuRun::set_full_light()
 void FileGpuRun::make_occlusion_map()
 {
     normals_.reset();
-    options_.ao_map = new float3[static_cast<std::size_t>(shape_.texels())]();
+    auto const texels = static_cast<std::size_t>(shape_.texels());
+    if (options_.keep_buffers) {
+        options_.ao_map = new float3[texels]();
+    } else {
+        occlusion_ = make_large_array<float3>(texels);
+        options_.ao_map = occlusion_.get(); // the field keeps the address when the map is released
+    }
 }
 
 void FileGpuRun::set_no_occlusion()
 {
-    for_all_texels([&](std::ptrdiff_t i) { options_.ao_map[i] = {1.0f, 1.0f, 1.0f}; });
+    if (options_.keep_buffers) {
+        for_all_texels([&](std::ptrdiff_t i) { options_.ao_map[i] = {1.0f, 1.0f, 1.0f}; });
+    }
 }
 
 void FileGpuRun::multiply_occlusion()
@@ -212,12 +221,8 @@ void FileGpuRun::multiply_occlusion()
 
 void FileGpuRun::release_unkept()
 {
-    if (options_.keep_buffers) {
-        converted_.reset();
-    } else {
-        // The field keeps the address of the released map.
-        delete[] options_.ao_map;
-    }
+    converted_.reset();
+    occlusion_.reset();
 }
 
 void FileGpuRun::store(bool reverse_rows)

@@ -76,9 +76,10 @@ private:
     std::string* const status_;
     int* const progress_;
 
-    std::unique_ptr<float4[]> result_;
-    std::unique_ptr<float3[]> normals_;   ///< Without `keep_buffers`: normals, then light.
-    std::unique_ptr<float3[]> converted_; ///< With `keep_buffers`: light.
+    LargeArray<float4> result_;
+    LargeArray<float3> normals_;   ///< Without `keep_buffers`: normals, then light.
+    LargeArray<float3> converted_; ///< With `keep_buffers`: light.
+    LargeArray<float3> occlusion_; ///< Where `ao_map` points, without `keep_buffers`.
     Buffer<float> heights_;
     ImageBytes pixels_;
 };

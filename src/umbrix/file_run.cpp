@@ -5,7 +5,7 @@
 #include "normals/filter_tables_internal.h"
 #include "normals/height_to_normal.h"
 #include "umbrix/file_frame_internal.h"
-#include "umbrix/grading.h"
+#include "umbrix/grading_internal.h"
 #include "umbrix/texel_steps_internal.h"
 
 #include <algorithm>
@@ -21,11 +21,16 @@ RetainedBuffer<ray> retained_rays_a;
 RetainedBuffer<ray> retained_rays_b;
 RetainedBuffer<ray> retained_rays_c;
 
+/// Full light; all of the sky open.
+constexpr float3 kAll = {1.0f, 1.0f, 1.0f};
+
 } // namespace
 
 FileRun::FileRun(umbrix_options& options, LayerBranch const& layers, int thread_count, std::string* status,
                  int* progress)
-    : options_(options), layers_(layers), thread_count_(thread_count), status_(status), progress_(progress)
+    : options_(options), layers_(layers), thread_count_(thread_count), status_(status), progress_(progress),
+      makes_light_(options.generate_normal || (!options.no_normal && !options.height_map)),
+      makes_occlusion_(has_occlusion(options.calc_type))
 {
 }
 
@@ -43,10 +48,13 @@ void FileRun::fetch_image(MapShape shape)
 {
     shape_ = shape;
     auto const texels = static_cast<std::size_t>(shape.texels());
-    result_ = std::make_unique<float4[]>(texels);
-    normals_ = std::make_unique<float3[]>(texels);
-    heights_ = retained_heights.take(texels);
-    scratch_.reserve(texels);
+    normals_ = make_large_array<float3>(texels);
+    heights_ = retained_heights.take_to_overwrite(texels);
+    platform::prefer_large_pages(heights_.data.get(), texels * sizeof(float));
+    if (filters_heights()) {
+        scratch_.reserve(texels);
+        platform::prefer_large_pages(scratch_.data.get(), texels * sizeof(float));
+    }
     pixels_ = make_image_bytes(texels, shape.channels);
     spatial_table_ = std::make_unique<float[]>(spatial_table_size(options_.b_radius));
     if (options_.keep_buffers) {
@@ -65,16 +73,21 @@ void FileRun::fetch_image(MapShape shape)
 void FileRun::run(bool reverse_rows)
 {
     bool const normals_from_image = !options_.no_normal && !options_.generate_normal && !options_.height_map;
-    bool const light = options_.generate_normal || (!options_.no_normal && !options_.height_map);
-    bool const occlusion = has_occlusion(options_.calc_type);
+    bool const needs_whole_map = reverse_rows || grades_map(options_);
+    if (needs_whole_map) {
+        result_ = make_large_array<float4>(static_cast<std::size_t>(shape_.texels()));
+    }
 
 #pragma omp parallel
     {
         int const thread = omp_get_thread_num();
+#pragma omp single
+        meeting_.emplace(omp_get_num_threads());
+        clear_left_out_texels();
         if (options_.blend_height) {
             take_heights_of_layers(thread);
         } else {
-            split_colours_and_heights(thread);
+            make_heights(thread);
         }
 #pragma omp barrier
         keep_heights(thread);
@@ -86,26 +99,33 @@ void FileRun::run(bool reverse_rows)
         if (normals_from_image) {
             decode_normals(thread);
         }
-        if (light) {
+        if (makes_light_) {
             convert_to_light(thread);
-        } else {
-            set_full_light(thread);
+        } else if (options_.keep_buffers) {
+            keep_full_light(thread);
         }
 #pragma omp barrier
         make_occlusion_map(thread);
 #pragma omp barrier
-        if (occlusion) {
-            multiply_occlusion(thread);
-        } else {
-            set_no_occlusion(thread);
+        if (makes_occlusion_) {
+            find_occlusion(thread);
+        } else if (options_.keep_buffers) {
+            keep_no_occlusion(thread);
         }
-#pragma omp barrier
-        release_unkept(thread);
-#pragma omp barrier
+        if (needs_whole_map) {
+            compose_map(thread);
+            release_sources(thread);
+        }
         post_process();
-        store(thread, reverse_rows);
+        if (reverse_rows) {
+#pragma omp single
+            store_bytes_reversed(result_.get(), shape_, RowsFrom::kWidth, pixels_.get(), progress_);
+        } else {
+            store(thread);
+        }
     }
     result_.reset();
+    release_sources(0);
 }
 
 void FileRun::hand_over_image()
@@ -122,46 +142,64 @@ void FileRun::announce(int thread, char const* stage)
     }
 }
 
-void FileRun::split_colours_and_heights(int thread)
+/// What a share without a thread leaves is zero: buffers other than these two begin that way.
+void FileRun::clear_left_out_texels()
 {
-    int const channels = shape_.channels;
-    for_own_texels(thread, [&](std::ptrdiff_t i) {
-        unsigned char const* const bytes = pixels_.get() + i * channels;
-        float4& texel = result_[i];
-        if (channels > 1) {
-            set_colour(texel, {from_byte(bytes[0]), from_byte(bytes[1]), from_byte(bytes[2])});
-        } else {
-            float const grey = from_byte(pixels_[i]);
-            set_colour(texel, {grey, grey, grey});
+    if (!is_whole_team()) {
+#pragma omp single
+        for (Buffer<float>* const buffer : {&heights_, &scratch_}) {
+            std::fill_n(buffer->data.get(), buffer->capacity, 0.0f);
         }
-        texel.w = channels == 4 ? from_byte(bytes[3]) : 1.0f;
-        heights_.data[i] =
-            options_.height_map ? narrow((wide(texel.x) + wide(texel.y) + wide(texel.z)) / 3.0) : texel.w;
+    }
+}
+
+void FileRun::make_heights(int thread)
+{
+    int const channels = std::max(shape_.channels, 1);
+    unsigned char const* const bytes = pixels_.get();
+    float* const heights = heights_.data.get();
+    for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
+        if (options_.height_map) {
+            int const second = channels > 1 ? 1 : 0;
+            for (std::ptrdiff_t i = first; i < last; ++i) {
+                unsigned char const* const b = bytes + i * channels;
+                heights[i] = mean_of_bytes(b[0], b[second], b[2 * second]);
+            }
+        } else {
+            for (std::ptrdiff_t i = first; i < last; ++i) {
+                heights[i] = alpha(i);
+            }
+        }
     });
 }
 
 void FileRun::take_heights_of_layers(int thread)
 {
-    // Behind the single stage is a barrier: no height is stretched before the range is known to all.
-#pragma omp single
-    {
+    // No height is stretched before the range is known to all.
+    on_one_thread([&] {
         blend_layer_heights(layers_.stack(), heights_, static_cast<std::size_t>(shape_.texels()));
         height_range_ = find_height_range(heights_.data.get(), shape_.texels());
-    }
-    for_own_texels(thread,
-                   [&](std::ptrdiff_t i) { heights_.data[i] = height_range_.stretched(heights_.data[i]); });
+    });
+    for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
+        for (std::ptrdiff_t i = first; i < last; ++i) {
+            heights_.data[i] = height_range_.stretched(heights_.data[i]);
+        }
+    });
 }
 
 void FileRun::keep_heights(int thread)
 {
     if (options_.preserve && options_.height_copy != nullptr) {
-        for_own_texels(thread, [&](std::ptrdiff_t i) { options_.height_copy[i] = heights_.data[i]; });
+        float const* const heights = heights_.data.get();
+        for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
+            std::copy(heights + first, heights + last, options_.height_copy + first);
+        });
     }
 }
 
 void FileRun::filter_heights(int thread)
 {
-    if (options_.b_radius >= 1.0f) {
+    if (filters_heights()) {
         if (thread == 0) {
             *status_ = "Bilateral Filtering";
         }
@@ -183,8 +221,7 @@ void FileRun::filter_heights(int thread)
 
 void FileRun::pre_process()
 {
-#pragma omp single
-    PreProcess(heights_.data.get(), shape_.rows, shape_.cols, options_);
+    on_one_thread([&] { PreProcess(heights_.data.get(), shape_.rows, shape_.cols, options_); });
 }
 
 void FileRun::generate_normals(int thread)
@@ -194,8 +231,7 @@ void FileRun::generate_normals(int thread)
     }
     // HeightToNormal sets the text as well, on the thread that comes first.
 #pragma omp barrier
-#pragma omp single
-    {
+    on_one_thread([&] {
         if (layers_.has_layers()) {
             layers_.stack().BlendLayers(target_normals());
         } else {
@@ -203,57 +239,72 @@ void FileRun::generate_normals(int thread)
                            options_.gaussian, 0.0f, options_.normal_flag_1, options_.mode, options_.L_Detail,
                            options_.normal_flag_2, 0.0f, 0.0f, options_.normal_flag_3, status_, progress_);
         }
-    }
+    });
 }
 
 void FileRun::decode_normals(int thread)
 {
     announce(thread, "Retreving Normal Map");
     float3* const target = target_normals();
-    for_own_texels(thread, [&](std::ptrdiff_t i) { target[i] = decoded_normal(result_[i]); });
+    int const channels = std::max(shape_.channels, 1);
+    int const second = channels > 1 ? 1 : 0;
+    for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
+        for (std::ptrdiff_t i = first; i < last; ++i) {
+            unsigned char const* const b = pixels_.get() + i * channels;
+            target[i] =
+                decoded_normal({from_byte(b[0]), from_byte(b[second]), from_byte(b[2 * second]), 1.0f});
+        }
+    });
 }
 
 void FileRun::convert_to_light(int thread)
 {
     announce(thread, "Normal -> Umbrix");
     if (options_.keep_buffers) {
-        for_own_texels(thread, [&](std::ptrdiff_t i) { normals_[i] = options_.normal_map[i]; });
+        for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
+            std::copy(options_.normal_map + first, options_.normal_map + last, normals_.get() + first);
+        });
     }
+#pragma omp barrier
     Normal2Umbrix(normals_.get(), shape_.rows, shape_.cols, options_.UmbrixMode, thread, thread_count_);
-    for_own_texels(thread, [&](std::ptrdiff_t i) { set_colour(result_[i], normals_[i]); });
 }
 
-void FileRun::set_full_light(int thread)
+void FileRun::keep_full_light(int thread)
 {
-    constexpr float3 kFull = {1.0f, 1.0f, 1.0f};
-    for_own_texels(thread, [&](std::ptrdiff_t i) {
-        set_colour(result_[i], kFull);
-        if (options_.keep_buffers) {
-            options_.normal_map[i] = kFull;
-        }
+    for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
+        std::fill(options_.normal_map + first, options_.normal_map + last, kAll);
     });
 }
 
 void FileRun::make_occlusion_map(int thread)
 {
     if (thread == 0) {
-        if (!options_.keep_buffers) {
-            normals_.reset();
+        auto const texels = static_cast<std::size_t>(shape_.texels());
+        if (options_.keep_buffers) {
+            options_.ao_map = new float3[texels]();
+        } else {
+            occlusion_ = make_large_array<float3>(texels);
+            options_.ao_map = occlusion_.get(); // the field keeps the address when the map is released
         }
-        options_.ao_map = new float3[static_cast<std::size_t>(shape_.texels())]();
     }
 }
 
-void FileRun::set_no_occlusion(int thread)
+void FileRun::keep_no_occlusion(int thread)
 {
-    for_own_texels(thread, [&](std::ptrdiff_t i) { options_.ao_map[i] = {1.0f, 1.0f, 1.0f}; });
+    for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
+        std::fill(options_.ao_map + first, options_.ao_map + last, kAll);
+    });
 }
 
-void FileRun::multiply_occlusion(int thread)
+void FileRun::find_occlusion(int thread)
 {
     announce(thread, "Height -> AO");
     float* const heights = heights_.data.get();
-    for_own_texels(thread, [&](std::ptrdiff_t i) { heights[i] = product(heights[i], options_.h_scale); });
+    for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
+        for (std::ptrdiff_t i = first; i < last; ++i) {
+            heights[i] = product(heights[i], options_.h_scale);
+        }
+    });
     if (thread == 0) {
         std::size_t const room = 2 * static_cast<std::size_t>(std::max(options_.rays, 0));
         rays_a_ = retained_rays_a.take(room);
@@ -261,8 +312,7 @@ void FileRun::multiply_occlusion(int thread)
         rays_c_ = retained_rays_c.take(room);
     }
 #pragma omp barrier
-#pragma omp single
-    {
+    on_one_thread([&] {
         ray* a = rays_a_.data.get();
         ray* b = rays_b_.data.get();
         ray* c = rays_c_.data.get();
@@ -271,31 +321,86 @@ void FileRun::multiply_occlusion(int thread)
         Height2DirectionalAO(options_.ao_map, heights, shape_.rows, shape_.cols, a, b, c, options_.rays,
                              options_.h_scale, options_.radius, options_.tile, options_.h_tile,
                              options_.v_tile, progress_);
-    }
-    for_own_texels(thread, [&](std::ptrdiff_t i) {
-        multiply_colour(result_[i], options_.ao_map[i]);
-        result_[i].w = options_.preserve ? heights[i] : 1.0f;
     });
 }
 
-void FileRun::release_unkept(int thread)
+/// The image's alpha. The bytes of a run on layers' heights were never fetched.
+float FileRun::alpha(std::ptrdiff_t texel) const
 {
-    if (thread != 0) {
-        return;
+    if (options_.blend_height) {
+        return 0.0f;
     }
-    if (options_.keep_buffers) {
-        normals_.reset();
+    return shape_.channels == 4 ? from_byte(pixels_[static_cast<std::size_t>(4 * texel + 3)]) : 1.0f;
+}
+
+/// @p count texels of the map before its grading, from @p first on.
+void FileRun::compose(std::ptrdiff_t first, std::ptrdiff_t count, float3* colours, float* alphas) const
+{
+    float3 const* const light = normals_.get() + first;
+    float3 const* const open = options_.ao_map + first;
+    if (makes_light_ && makes_occlusion_) {
+        for (std::ptrdiff_t i = 0; i < count; ++i) {
+            colours[i] = product(light[i], open[i]);
+        }
+    } else if (makes_light_ || makes_occlusion_) {
+        std::copy_n(makes_light_ ? light : open, count, colours);
     } else {
-        // The field keeps the address of the released map.
-        delete[] options_.ao_map;
+        std::fill_n(colours, count, kAll);
+    }
+    if (makes_occlusion_ && options_.preserve) {
+        std::copy_n(heights_.data.get() + first, count, alphas);
+    } else if (makes_occlusion_) {
+        std::fill_n(alphas, count, 1.0f);
+    } else {
+        for (std::ptrdiff_t i = 0; i < count; ++i) {
+            alphas[i] = alpha(first + i);
+        }
+    }
+}
+
+/// Calls @p body with the number of the first texel, how many there are, their colours and alphas, for blocks
+/// that together are the texels from @p first to @p last - 1.
+template <typename Body>
+void FileRun::for_composed_blocks(std::ptrdiff_t first, std::ptrdiff_t last, Body&& body) const
+{
+    float3 colours[kByteBlock];
+    float alphas[kByteBlock];
+    for (std::ptrdiff_t at = first; at < last; at += kByteBlock) {
+        std::ptrdiff_t const count = std::min(kByteBlock, last - at);
+        compose(at, count, colours, alphas);
+        body(at, count, colours, alphas);
+    }
+}
+
+void FileRun::compose_map(int thread)
+{
+    auto const put = [this](std::ptrdiff_t first, std::ptrdiff_t count, float3 const* colours,
+                            float const* alphas) {
+        float4* const texels = result_.get() + first;
+        for (std::ptrdiff_t i = 0; i < count; ++i) {
+            texels[i] = {colours[i].x, colours[i].y, colours[i].z, alphas[i]};
+        }
+    };
+    for_own_texels(thread,
+                   [&](std::ptrdiff_t first, std::ptrdiff_t last) { for_composed_blocks(first, last, put); });
+#pragma omp barrier
+}
+
+/// What the map is composed of.
+void FileRun::release_sources(int thread)
+{
+    if (thread == 0) {
+        normals_.reset();
+        occlusion_.reset();
     }
 }
 
 void FileRun::post_process()
 {
-#pragma omp single
-    {
-        PostProcess(result_.get(), shape_.rows, shape_.cols, options_);
+    on_one_thread([&] {
+        if (result_ != nullptr) {
+            PostProcess(result_.get(), shape_.rows, shape_.cols, options_);
+        }
         *status_ = "Storing Results";
         *progress_ = 0;
         if (shape_.channels == 1) {
@@ -304,17 +409,22 @@ void FileRun::post_process()
             shape_.channels = 3;
             pixels_ = make_image_bytes(static_cast<std::size_t>(shape_.texels()), shape_.channels);
         }
-    }
+    });
 }
 
-void FileRun::store(int thread, bool reverse_rows)
+void FileRun::store(int thread)
 {
-    if (reverse_rows) {
-#pragma omp single
-        store_bytes_reversed(result_.get(), shape_, RowsFrom::kWidth, pixels_.get(), progress_);
-    } else {
-        store_bytes(result_.get(), shape_, pixels_.get(), thread, thread_count_);
-    }
+    auto const put = [this](std::ptrdiff_t first, std::ptrdiff_t count, float3 const* colours,
+                            float const* alphas) {
+        store_block(colours, alphas, first, count, shape_, pixels_.get());
+    };
+    for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
+        if (result_ != nullptr) {
+            store_bytes(result_.get() + first, first, last, shape_, pixels_.get());
+        } else {
+            for_composed_blocks(first, last, put);
+        }
+    });
 }
 
 } // namespace umbrixlib::detail

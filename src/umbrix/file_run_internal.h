@@ -2,6 +2,7 @@
 #pragma once
 
 #include "boundary/image_io.h"
+#include "boundary/large_array_internal.h"
 #include "boundary/texture_kernels.h"
 #include "foundation/retained_buffer_internal.h"
 #include "foundation/vector_types.h"
@@ -10,9 +11,11 @@
 #include "umbrix/map_bytes_internal.h"
 #include "umbrix/umbrix_options.h"
 
-#include <array>
+#include <barrier>
 #include <cstddef>
 #include <memory>
+#include <omp.h>
+#include <optional>
 #include <string>
 
 namespace umbrixlib::detail {
@@ -20,9 +23,11 @@ namespace umbrixlib::detail {
 /// One image on its road through the stages of `UmbrixFile`.
 ///
 /// The stages run inside one parallel region: every thread calls all of them, in the order of their
-/// declaration. A stage handles the texels `thread`, `thread + thread_count`, ... with `thread` the caller's
-/// number; what cannot be divided is done by one thread in it, behind a barrier of its own. Only barriers
-/// that stand in `run` order texels of different threads.
+/// declaration. A stage handles the share of the calling thread, whose number it is given; what cannot be
+/// divided is done by one thread in it, behind a barrier of its own.
+///
+/// Colours come together at the very end, from light, open shares and alpha: `compose`. Only a map that is
+/// graded or reversed is ever stored as floats: those steps take the whole map.
 class FileRun {
 public:
     FileRun(umbrix_options& options, LayerBranch const& layers, int thread_count, std::string* status,
@@ -40,7 +45,8 @@ public:
     void hand_over_image();
 
 private:
-    void split_colours_and_heights(int thread);
+    void clear_left_out_texels();
+    void make_heights(int thread);
     void take_heights_of_layers(int thread);
     void keep_heights(int thread);
     void filter_heights(int thread);
@@ -48,23 +54,55 @@ private:
     void generate_normals(int thread);
     void decode_normals(int thread);
     void convert_to_light(int thread);
-    void set_full_light(int thread);
+    void keep_full_light(int thread);
     void make_occlusion_map(int thread);
-    void set_no_occlusion(int thread);
-    void multiply_occlusion(int thread);
-    void release_unkept(int thread);
+    void keep_no_occlusion(int thread);
+    void find_occlusion(int thread);
+    void compose_map(int thread);
+    void release_sources(int thread);
     void post_process();
-    void store(int thread, bool reverse_rows);
+    void store(int thread);
 
     void announce(int thread, char const* stage);
+    bool filters_heights() const { return options_.b_radius >= 1.0f; }
     float3* target_normals() { return options_.keep_buffers ? options_.normal_map : normals_.get(); }
+    float alpha(std::ptrdiff_t texel) const;
+    void compose(std::ptrdiff_t first, std::ptrdiff_t count, float3* colours, float* alphas) const;
+    template <typename Body>
+    void for_composed_blocks(std::ptrdiff_t first, std::ptrdiff_t last, Body&& body) const;
 
+    /// Does @p work on one thread of the team. It may open teams of its own, so the others sleep meanwhile:
+    /// at a barrier of OpenMP they would spin for milliseconds, on the processors that those teams need.
+    template <typename Work>
+    void on_one_thread(Work&& work)
+    {
+#pragma omp single nowait
+        work();
+        meeting_->arrive_and_wait();
+    }
+
+    /// Whether no thread is missing in the team.
+    bool is_whole_team() const
+    {
+        return omp_get_num_threads() == thread_count_;
+    }
+
+    /// Calls @p body with the first texel and the one behind the last, for pieces that are the share of
+    /// @p thread together.
+    ///
+    /// Thread t of n has the texels t, t + n, ..., so a team that is too small leaves texels out. Nobody can
+    /// see who handles which as long as nobody is missing; then each thread has one piece, because threads
+    /// that take turns within a line of the cache wait for each other.
     template <typename Body>
     void for_own_texels(int thread, Body&& body)
     {
         std::ptrdiff_t const texels = shape_.texels();
+        if (is_whole_team()) {
+            body(texels * thread / thread_count_, texels * (thread + 1) / thread_count_);
+            return;
+        }
         for (std::ptrdiff_t i = thread; i < texels; i += thread_count_) {
-            body(i);
+            body(i, i + 1);
         }
     }
 
@@ -74,9 +112,14 @@ private:
     std::string* const status_;
     int* const progress_;
 
+    bool const makes_light_;
+    bool const makes_occlusion_;
+
+    std::optional<std::barrier<>> meeting_; ///< Of the whole team.
     MapShape shape_{};
-    std::unique_ptr<float4[]> result_;
-    std::unique_ptr<float3[]> normals_; ///< Normals, then light.
+    LargeArray<float3> normals_;   ///< Normals, then light.
+    LargeArray<float3> occlusion_; ///< Where `ao_map` points, without `keep_buffers`.
+    LargeArray<float4> result_;    ///< Only for a map that is graded or reversed.
     Buffer<float> heights_;
     HeightRange height_range_; ///< Of the layers' heights.
     Buffer<float> scratch_;

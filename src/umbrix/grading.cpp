@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "umbrix/grading.h"
+#include "umbrix/grading_internal.h"
 
+#include "boundary/large_array_internal.h"
 #include "filters/recursive_gaussian.h"
 #include "filters/tone_internal.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <omp.h>
 
 namespace umbrixlib::detail {
@@ -34,6 +34,11 @@ ToneSteps tone_steps(Grading const& grading)
     return steps;
 }
 
+Grading map_grading(umbrix_options const& options)
+{
+    return {options.contrast, options.min, options.max, options.brightness, options.smooth};
+}
+
 /// `change_contrast`, `limit_color` and `brighten` on one share, in one sweep: a texel's steps depend on no
 /// other texel, and each rounds to float as if it had been stored.
 template <typename Pixel>
@@ -56,7 +61,7 @@ template <typename Pixel>
 void grade(Pixel* pixels, int rows, int cols, Grading const& grading)
 {
     ToneSteps const steps = tone_steps(grading);
-    if (steps.changes_contrast || steps.limits || steps.brightens) {
+    if (steps.any()) {
         // Contract: as many shares as processors, whatever the size of the team; the size of the team is
         // expected. With a smaller team the other shares stay as they are.
         // Test: Grading.ASmallerTeamLeavesTheOtherShares
@@ -72,15 +77,23 @@ void grade(Pixel* pixels, int rows, int cols, Grading const& grading)
     if (grading.smooth != 0.0f) {
         auto const count =
             static_cast<std::size_t>(std::max(rows, 0)) * static_cast<std::size_t>(std::max(cols, 0));
-        auto const scratch = std::make_unique_for_overwrite<Pixel[]>(count);
+        auto const scratch = make_large_array<Pixel>(count);
         gaussianFilterRGBA(pixels, pixels, scratch.get(), cols, rows, grading.smooth);
     }
 }
 
 } // namespace
+
+bool grades_map(umbrix_options const& options)
+{
+    Grading const grading = map_grading(options);
+    return tone_steps(grading).any() || grading.smooth != 0.0f;
+}
+
 } // namespace umbrixlib::detail
 
 using umbrixlib::detail::grade;
+using umbrixlib::detail::map_grading;
 
 inline namespace umbrix_v0 {
 
@@ -93,13 +106,13 @@ bool PreProcess(float* heights, int rows, int cols, umbrix_options& options)
 
 bool PostProcess(float3* map, int rows, int cols, umbrix_options& options)
 {
-    grade(map, rows, cols, {options.contrast, options.min, options.max, options.brightness, options.smooth});
+    grade(map, rows, cols, map_grading(options));
     return true;
 }
 
 bool PostProcess(float4* map, int rows, int cols, umbrix_options& options)
 {
-    grade(map, rows, cols, {options.contrast, options.min, options.max, options.brightness, options.smooth});
+    grade(map, rows, cols, map_grading(options));
     return true;
 }
 

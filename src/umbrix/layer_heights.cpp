@@ -12,10 +12,8 @@ void blend_layer_heights(NLayers& stack, Buffer<float>& heights, std::size_t tex
 {
     auto const blended_texels =
         static_cast<std::size_t>(stack.GetLayerHeight(0)) * static_cast<std::size_t>(stack.GetLayerWidth(0));
-    if (blended_texels > heights.capacity) {
-        heights = {};
-        heights.reserve(blended_texels);
-    }
+    heights.reserve(std::max(texels, blended_texels));
+    std::fill_n(heights.data.get(), heights.capacity, 0.0f);
     float const* const before = heights.data.get();
     float* blended = heights.data.release();
     stack.BlendHeightMap(blended);
@@ -26,7 +24,7 @@ void blend_layer_heights(NLayers& stack, Buffer<float>& heights, std::size_t tex
     if (heights.capacity < texels) {
         Buffer<float> whole;
         whole.reserve(texels);
-        std::copy_n(blended, blended_texels, whole.data.get());
+        std::fill(std::copy_n(blended, blended_texels, whole.data.get()), whole.data.get() + texels, 0.0f);
         heights = std::move(whole);
     }
 }

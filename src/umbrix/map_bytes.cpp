@@ -4,74 +4,91 @@
 #include "foundation/rounding.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace umbrixlib::detail {
 
 namespace {
 
-unsigned char map_byte(float value)
+/// Bytes of @p count values, at most three blocks of them: limited to 0..1, NaN to 0, times 255, truncated.
+/// Compilers take many values at once in each of the three loops, and not in one of all three.
+void to_map_bytes(float const* values, std::ptrdiff_t count, unsigned char* bytes)
 {
-    if (value > 1.0f) {
-        return 255;
+    float limited[3 * kByteBlock];
+    int whole[3 * kByteBlock];
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        float const from_zero = values[i] > 0.0f ? values[i] : 0.0f;
+        limited[i] = from_zero < 1.0f ? from_zero : 1.0f;
     }
-    return value < 0.0f ? 0 : to_byte(wide(value) * 255.0);
-}
-
-/// @p count bytes of one texel, at most four.
-void store_texel(float4 const& texel, unsigned char* bytes, int count)
-{
-    float const components[] = {texel.x, texel.y, texel.z, texel.w};
-    for (int c = 0; c < count; ++c) {
-        bytes[c] = map_byte(components[c]);
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        whole[i] = static_cast<int>(wide(limited[i]) * 255.0);
     }
-}
-
-/// How many bytes of a texel are written: its colours, and alpha if the pixel has room for it.
-int stored_channels(int channels)
-{
-    return channels > 3 ? 4 : 3;
-}
-
-/// Texel @p i of the map. With fewer bytes per pixel than colours only the last texel writes them all.
-void store_texel_of(float4 const* map, MapShape shape, unsigned char* bytes, std::ptrdiff_t i)
-{
-    int const stored = stored_channels(shape.channels);
-    int const own = std::min(stored, shape.channels);
-    store_texel(map[i], bytes + i * shape.channels, i + 1 < shape.texels() ? own : stored);
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        bytes[i] = static_cast<unsigned char>(whole[i]);
+    }
 }
 
 } // namespace
 
-void store_bytes(float4 const* map, MapShape shape, unsigned char* bytes, int thread, int threads)
+void store_block(float3 const* colours, float const* alphas, std::ptrdiff_t first, std::ptrdiff_t count,
+                 MapShape shape, unsigned char* bytes)
 {
-    std::ptrdiff_t const texels = shape.texels();
-    for (std::ptrdiff_t i = thread; i < texels; i += threads) {
-        store_texel_of(map, shape, bytes, i);
+    unsigned char* target = bytes + first * shape.channels;
+    if (shape.channels == 3) {
+        to_map_bytes(&colours->x, 3 * count, target);
+        return;
+    }
+    unsigned char of_colours[3 * kByteBlock];
+    unsigned char of_alphas[kByteBlock];
+    to_map_bytes(&colours->x, 3 * count, of_colours);
+    to_map_bytes(alphas, count, of_alphas);
+    int const own = std::min(shape.channels, 3);
+    for (std::ptrdiff_t i = 0; i < count; ++i, target += shape.channels) {
+        // With fewer bytes per pixel than colours only the last texel of all writes them all.
+        std::copy_n(of_colours + 3 * i, first + i + 1 < shape.texels() ? own : 3, target);
+        if (shape.channels > 3) {
+            target[3] = of_alphas[i];
+        }
+    }
+}
+
+void store_bytes(float4 const* texels, std::ptrdiff_t first, std::ptrdiff_t last, MapShape shape,
+                 unsigned char* bytes)
+{
+    float3 colours[kByteBlock];
+    float alphas[kByteBlock];
+    for (std::ptrdiff_t at = first; at < last; at += kByteBlock, texels += kByteBlock) {
+        std::ptrdiff_t const count = std::min(kByteBlock, last - at);
+        for (std::ptrdiff_t i = 0; i < count; ++i) {
+            colours[i] = {texels[i].x, texels[i].y, texels[i].z};
+            alphas[i] = texels[i].w;
+        }
+        store_block(colours, alphas, at, count, shape, bytes);
     }
 }
 
 void store_bytes(float4 const* map, MapShape shape, unsigned char* bytes)
 {
+    constexpr std::ptrdiff_t kShare = 16 * kByteBlock; // texels that a thread takes at once
     std::ptrdiff_t const texels = shape.texels();
 #pragma omp parallel for schedule(static)
-    for (std::ptrdiff_t i = 0; i < texels; ++i) {
-        store_texel_of(map, shape, bytes, i);
+    for (std::ptrdiff_t first = 0; first < texels; first += kShare) {
+        store_bytes(map + first, first, std::min(first + kShare, texels), shape, bytes);
     }
 }
 
 void store_bytes_reversed(float4 const* map, MapShape shape, RowsFrom rows_from, unsigned char* bytes,
                           int* progress)
 {
+    std::vector<float4> const black(static_cast<std::size_t>(std::max(shape.cols, 0)));
     int const last_row = (rows_from == RowsFrom::kWidth ? shape.cols : shape.rows) - 1;
     for (int row = 0; row < shape.rows; ++row) {
         int const source_row = last_row - row;
         bool const inside = source_row >= 0 && source_row < shape.rows;
-        for (int col = 0; col < shape.cols; ++col) {
-            float4 const texel =
-                inside ? map[static_cast<std::ptrdiff_t>(source_row) * shape.cols + col] : float4{};
-            std::ptrdiff_t const target = static_cast<std::ptrdiff_t>(row) * shape.cols + col;
-            store_texel(texel, bytes + target * shape.channels, stored_channels(shape.channels));
-        }
+        float4 const* const source =
+            inside ? map + static_cast<std::ptrdiff_t>(source_row) * shape.cols : black.data();
+        std::ptrdiff_t const first = static_cast<std::ptrdiff_t>(row) * shape.cols;
+        store_bytes(source, first, first + shape.cols, shape, bytes);
         *progress = to_int(wide(static_cast<float>(row)) /
                            wide(static_cast<float>(static_cast<unsigned>(shape.rows))) * 1000.0);
     }

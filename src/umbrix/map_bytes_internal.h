@@ -16,13 +16,24 @@ struct MapShape {
     std::ptrdiff_t texels() const { return static_cast<std::ptrdiff_t>(rows) * cols; }
 };
 
-/// Texels `thread`, `thread + threads`, ... of @p map as bytes, for every name but a ".vtf" one.
+/// Texels that are made into bytes at once; what is put together for them stays in the cache.
+inline constexpr std::ptrdiff_t kByteBlock = 256;
+
+/// At most kByteBlock texels, from @p first on, from colours and alphas that lie apart; else as
+/// `store_bytes`.
+void store_block(float3 const* colours, float const* alphas, std::ptrdiff_t first, std::ptrdiff_t count,
+                 MapShape shape, unsigned char* bytes);
+
+/// Texels @p first to @p last - 1 of a map as bytes, for every name but a ".vtf" one.
 ///
 /// With fewer than three bytes per pixel the three colours of a texel reach into the next one, which has the
 /// last word on its own bytes.
-void store_bytes(float4 const* map, MapShape shape, unsigned char* bytes, int thread, int threads);
+/// @param texels Those texels alone.
+/// @param bytes  Of the whole map.
+void store_bytes(float4 const* texels, std::ptrdiff_t first, std::ptrdiff_t last, MapShape shape,
+                 unsigned char* bytes);
 
-/// All texels on the default team, to the same bytes.
+/// All texels of @p map on the default team, to the same bytes.
 void store_bytes(float4 const* map, MapShape shape, unsigned char* bytes);
 
 /// What the rows of a reversed picture are counted from.

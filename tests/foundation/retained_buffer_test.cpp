@@ -21,6 +21,18 @@ TEST(RetainedBuffer, HandsOutTheKeptBufferAgainZeroed)
     EXPECT_EQ(second.capacity, 10U);
 }
 
+TEST(RetainedBuffer, HandsItOutAsItWasLeftToWhoOverwritesIt)
+{
+    RetainedBuffer<int> retained;
+    Buffer<int> first = retained.take(10);
+    int const* const address = first.data.get();
+    first.data[3] = 7;
+    retained.keep(std::move(first));
+    Buffer<int> const second = retained.take_to_overwrite(5);
+    EXPECT_EQ(second.data.get(), address);
+    EXPECT_EQ(second.data[3], 7);
+}
+
 TEST(RetainedBuffer, GrowsWhenMoreIsAskedFor)
 {
     RetainedBuffer<int> retained;

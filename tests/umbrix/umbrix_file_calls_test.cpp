@@ -442,6 +442,32 @@ TEST_F(UmbrixFileCalls, AVtfNameReversesTheRows)
     release(options);
 }
 
+/// A reversed picture is made from a map that was stored, an upright one without grading is not.
+TEST_F(UmbrixFileCalls, AMapThatIsNeverStoredHasTheBytesOfOneThatIs)
+{
+    constexpr std::ptrdiff_t kSide = 20;
+    for (int bits = 0; bits < 2 * 16; ++bits) {
+        SCOPED_TRACE(bits);
+        DevilFake::instance().serve(kSide, kSide, bits < 16 ? 24 : 32);
+        umbrix_options options = neutral_options();
+        options.calc_type = (bits & 1) != 0 ? calc_type_light_occlusion : static_cast<calc_type>(0);
+        options.preserve = (bits & 2) != 0;
+        options.no_normal = (bits & 4) != 0;
+        options.height_map = (bits & 8) != 0;
+        options.h_scale = 0.75f;
+        run(options);
+        auto const upright = DevilFake::instance().stored;
+        run(options, "out.vtf");
+        auto const reversed = DevilFake::instance().stored;
+        auto const row = static_cast<std::ptrdiff_t>(upright.size()) / kSide;
+        ASSERT_EQ(upright.size(), reversed.size());
+        for (std::ptrdiff_t y = 0; y < kSide; ++y) {
+            ASSERT_TRUE(std::equal(upright.begin() + row * y, upright.begin() + row * (y + 1),
+                                   reversed.begin() + row * (kSide - 1 - y)));
+        }
+    }
+}
+
 TEST_F(UmbrixFileCalls, TheNextRunTakesTheHeightsAndRaysOfTheLast)
 {
     umbrix_options options = neutral_options();

@@ -5,6 +5,7 @@
 #include "boundary/texture_kernels.h"
 #include "normals/height_to_normal.h"
 #include "random_image.h"
+#include "same_bits.h"
 #include "temporary_folder.h"
 #include "test_picture.h"
 #include "umbrix/grading.h"
@@ -75,38 +76,32 @@ unsigned char byte_of(float value)
     return static_cast<unsigned char>(double(std::clamp(value, 0.0f, 1.0f)) * 255.0);
 }
 
-TEST_F(UmbrixFileRun, IsTheChainOfItsSteps)
+/// The map before its grading: each step called by itself, on the bytes of @p input.
+std::vector<float4> chained(Picture const& input, umbrix_options& options)
 {
-    constexpr int kWidth = 37;
-    constexpr int kHeight = 23;
-    constexpr std::size_t kTexels = std::size_t{kWidth} * kHeight;
-    Picture const input = relief_picture(kWidth, kHeight, 3);
-    input.save(folder_ / "in.tga");
-    umbrix_options options = busy_options();
-    options.height_map = options.generate_normal = true;
-    options.b_radius = 1.5f;
-    ASSERT_TRUE(run(options, "in.tga", "out.tga"));
-
-    std::vector<float> heights(kTexels);
-    for (std::size_t i = 0; i < kTexels; ++i) {
+    int const width = input.width;
+    int const height = input.height;
+    std::size_t const texels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    std::vector<float> heights(texels);
+    for (std::size_t i = 0; i < texels; ++i) {
         auto const colour = [&](std::size_t c) { return double(float(input.bytes[3 * i + c] / 255.0)); };
         heights[i] = float((colour(0) + colour(1) + colour(2)) / 3.0);
     }
-    std::vector<float> filtered(kTexels);
+    std::vector<float> filtered(texels);
     float spatial[3];
     float range[256] = {};
     GenerateExp(1.5f, spatial);
     GenerateExp(128.0f, range);
-    BilateralFilter(heights.data(), filtered.data(), kHeight, kWidth, 1.5f, spatial, range);
-    PreProcess(filtered.data(), kHeight, kWidth, options);
-    std::vector<float3> light(kTexels);
+    BilateralFilter(heights.data(), filtered.data(), height, width, 1.5f, spatial, range);
+    PreProcess(filtered.data(), height, width, options);
+    std::vector<float3> light(texels);
     std::string text;
     int progress = 0;
-    HeightToNormal(filtered.data(), light.data(), kHeight, kWidth, options.n_scale, 0.0f, 0.0f, false, 0,
-                   0.0f, false, 0.0f, 0.0f, false, &text, &progress);
-    Normal2Umbrix(light.data(), kHeight, kWidth, options.UmbrixMode, 0, 1);
-    for (float& height : filtered) {
-        height *= options.h_scale;
+    HeightToNormal(filtered.data(), light.data(), height, width, options.n_scale, 0.0f, 0.0f, false, 0, 0.0f,
+                   false, 0.0f, 0.0f, false, &text, &progress);
+    Normal2Umbrix(light.data(), height, width, options.UmbrixMode, 0, 1);
+    for (float& each : filtered) {
+        each *= options.h_scale;
     }
     std::vector<ray> a(18);
     std::vector<ray> b(18);
@@ -114,23 +109,55 @@ TEST_F(UmbrixFileRun, IsTheChainOfItsSteps)
     ray* pa = a.data();
     ray* pb = b.data();
     ray* pc = c.data();
-    GenerateRays(kHeight, kWidth, pa, pb, pc, 9, options.theta_limit, options.alpha_limit);
-    std::vector<float3> open(kTexels);
-    Height2DirectionalAO(open.data(), filtered.data(), kHeight, kWidth, pa, pb, pc, 9, options.h_scale,
+    GenerateRays(height, width, pa, pb, pc, 9, options.theta_limit, options.alpha_limit);
+    std::vector<float3> open(texels);
+    Height2DirectionalAO(open.data(), filtered.data(), height, width, pa, pb, pc, 9, options.h_scale,
                          options.radius, true, true, true, &progress);
-    std::vector<float4> map(kTexels);
-    for (std::size_t i = 0; i < kTexels; ++i) {
+    std::vector<float4> map(texels);
+    for (std::size_t i = 0; i < texels; ++i) {
         map[i] = {light[i].x * open[i].x, light[i].y * open[i].y, light[i].z * open[i].z, 1.0f};
     }
-    PostProcess(map.data(), kHeight, kWidth, options);
-    Picture const output = Picture::load(folder_ / "out.tga");
+    return map;
+}
+
+void expect_bytes_of(std::vector<float4> const& map, Picture const& output)
+{
     ASSERT_EQ(output.channels, 3);
-    for (std::size_t i = 0; i < kTexels; ++i) {
+    ASSERT_EQ(output.bytes.size(), 3 * map.size());
+    for (std::size_t i = 0; i < map.size(); ++i) {
         ASSERT_EQ(output.bytes[3 * i], byte_of(map[i].x)) << i;
         ASSERT_EQ(output.bytes[3 * i + 1], byte_of(map[i].y)) << i;
         ASSERT_EQ(output.bytes[3 * i + 2], byte_of(map[i].z)) << i;
     }
+}
+
+TEST_F(UmbrixFileRun, IsTheChainOfItsSteps)
+{
+    Picture const input = relief_picture(37, 23, 3);
+    input.save(folder_ / "in.tga");
+    umbrix_options options = busy_options();
+    options.height_map = options.generate_normal = true;
+    options.b_radius = 1.5f;
+    ASSERT_TRUE(run(options, "in.tga", "out.tga"));
+
+    std::vector<float4> map = chained(input, options);
+    PostProcess(map.data(), 23, 37, options);
+    expect_bytes_of(map, Picture::load(folder_ / "out.tga"));
     EXPECT_EQ(status_, "Storing Results");
+}
+
+/// The map goes from its factors to its bytes without being stored. Large enough for large arrays.
+TEST_F(UmbrixFileRun, IsTheChainOfItsStepsWithoutGradingToo)
+{
+    Picture const input = relief_picture(1030, 1021, 3);
+    input.save(folder_ / "in.tga");
+    umbrix_options options = busy_options();
+    options.height_map = options.generate_normal = true;
+    options.b_radius = 1.5f;
+    options.radius = 0.02f;
+    options.contrast = options.brightness = options.smooth = 0.0f;
+    ASSERT_TRUE(run(options, "in.tga", "out.tga"));
+    expect_bytes_of(chained(input, options), Picture::load(folder_ / "out.tga"));
 }
 
 TEST_F(UmbrixFileRun, LightOfANormalMapIsThatOfNormal2umbrix)
@@ -261,6 +288,30 @@ TEST_F(UmbrixFileRun, ASmallerTeamLeavesItsTexelsOut)
     Picture const output = Picture::load(folder_ / "out.tga");
     EXPECT_EQ(output.bytes[0], 255);
     EXPECT_EQ(output.bytes[3], input.bytes[3]) << "texel 1 belongs to a thread that does not exist";
+}
+
+TEST_F(UmbrixFileRun, ASmallerTeamSeesNothingOfTheRunBefore)
+{
+    Picture(8, 8, 3, 255).save(folder_ / "bright.tga");
+    Picture(8, 8, 3, 0).save(folder_ / "dark.tga");
+    relief_picture(8, 8, 3).save(folder_ / "in.tga");
+    std::vector<float3> normals[2];
+    for (int i = 0; i < 2; ++i) {
+        omp_set_num_threads(omp_get_num_procs());
+        umbrix_options before = neutral_options();
+        before.height_map = true;
+        ASSERT_TRUE(run(before, i == 0 ? "bright.tga" : "dark.tga", "out.tga"));
+        omp_set_num_threads(1);
+        umbrix_options options = neutral_options();
+        options.height_map = options.generate_normal = options.keep_buffers = true;
+        options.b_radius = 1.0f;
+        ASSERT_TRUE(run(options, "in.tga", "out.tga"));
+        normals[i].assign(options.normal_map, options.normal_map + 64);
+        delete[] options.ao_map;
+        delete[] options.normal_map;
+        delete[] options.height_copy;
+    }
+    EXPECT_SAME_BITS(normals[0], normals[1]);
 }
 
 } // namespace
