@@ -28,7 +28,7 @@ protected:
         EXPECT_EQ(whole_.size(), static_cast<std::size_t>(kFiles));
     }
 
-    static Arguments batch_into(std::string const& target, std::string const& rays = "400")
+    static Arguments batch_into(std::string const& target, std::string const& rays = "4000")
     {
         return {"batch", "in", "--keep-tree", target, "--rays", rays, "--relief", "1", "--jobs", "2"};
     }
@@ -187,12 +187,13 @@ TEST_F(BatchStop, CleansUpAfterABatchThatWasKilled)
         RunningTool tool(folder(), batch_into(target), with_scratch());
         wait_for_share(share(random));
         tool.send(SIGKILL);
-        EXPECT_EQ(tool.finish().code, -SIGKILL);
+        int const code = tool.finish().code;
         for (auto waited = 0ms; has_workers_in(scratch()) && waited < 10s; waited += 10ms) {
             std::this_thread::sleep_for(10ms);
         }
         EXPECT_FALSE(has_workers_in(scratch()));
         auto const files = made(target);
+        EXPECT_TRUE(code == -SIGKILL || files == whole_) << code; // it may have been done before
         expect_finished_files_only(files);
         left_behind += temporaries(files);
         expect_that_the_next_run_goes_on(target, files.size() - temporaries(files));
