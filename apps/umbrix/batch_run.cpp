@@ -4,6 +4,8 @@
 #include "picture_file.h"
 #include "put_text.h"
 #include "stale_temporaries.h"
+#include "standard_output.h"
+#include "temporary.h"
 
 #include <algorithm>
 #include <chrono>
@@ -120,7 +122,7 @@ void remove_what_killed_runs_left(std::vector<BatchFile> const& files)
 {
     std::set<fs::path> folders;
     for (BatchFile const& file : files) {
-        folders.insert(file.target.has_parent_path() ? file.target.parent_path() : fs::path("."));
+        folders.insert(output_folder(file.target));
     }
     std::for_each(folders.begin(), folders.end(), remove_stale_outputs);
     remove_stale_scratch();
@@ -152,9 +154,7 @@ void run_batch(BatchPlan const& plan, BatchOrders const& orders, Interrupts cons
                                           ? "with --overwrite the same command begins anew"
                                           : "the same command goes on with them")};
     }
-    if (std::ferror(stdout) != 0) {
-        throw Failure("standard output", "it did not take all of the results", "the files are not affected");
-    }
+    finish_standard_output();
     if (summary.failed > 0) {
         throw Failure(fmt::format("{} of {} files", summary.failed, total), "they failed",
                       "the results tell why");

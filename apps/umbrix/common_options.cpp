@@ -4,6 +4,8 @@
 #include "naming.h"
 #include "option_table.h"
 #include "output_format.h"
+#include "put_text.h"
+#include "stale_temporaries.h"
 #include "text.h"
 
 #include <CLI/Error.hpp>
@@ -95,10 +97,11 @@ Written make_picture_file(std::string const& command, CommonOptions const& optio
 {
     std::filesystem::path const named = options.output.empty() ? default_output(options.input, suffix)
                                                                : std::filesystem::path(options.output);
+    remove_leftovers_beside(named);
     PictureFile file(options.input, named, options.overwrite);
     OutputFormat const& format = *output_format(named);
     if (*format.warning != '\0') {
-        fmt::print(stderr, "{}: note: {}: {}\n", command, named.string(), format.warning);
+        put_text(stderr, fmt::format("{}: note: {}: {}\n", command, named.string(), format.warning));
     }
     job.max_texels = options.max_texels;
     file.name_files(job);

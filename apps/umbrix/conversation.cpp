@@ -167,7 +167,7 @@ Failure Conversation::broke_down(std::string const& how) const
         return {input(), fmt::format("the run broke down ({})", how),
                 "a picture that is too large for the memory can be the reason; -v shows more"};
     default:
-        return {output(), fmt::format("writing it broke down ({})", how), "choose another format with -o"};
+        return {output(), fmt::format("writing it broke down ({})", how), "choose another format"};
     }
 }
 

@@ -6,10 +6,13 @@
 
 #include <IL/il.h>
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <fmt/format.h>
 #include <limits>
+#include <new>
+#include <sys/stat.h>
 
 namespace umbrix_cli {
 
@@ -40,12 +43,44 @@ Value value_at(std::uint8_t const* data, std::size_t index)
     return value;
 }
 
+/// Device, number, size and time of a file: it is the same, unchanged, as long as these are.
+using FileStamp = std::array<std::int64_t, 5>;
+
+FileStamp stamp_of(std::filesystem::path const& file)
+{
+    struct stat status = {};
+    if (stat(file.c_str(), &status) != 0) {
+        return {};
+    }
+    return {static_cast<std::int64_t>(status.st_dev), static_cast<std::int64_t>(status.st_ino),
+            status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+}
+
+/// Whether a call of DevIL that failed was for want of memory.
+bool ran_out_of_memory()
+{
+    for (ILenum error = 0; (error = ilGetError()) != IL_NO_ERROR;) {
+        if (error == IL_OUT_OF_MEMORY) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 DecodedImage::DecodedImage(std::filesystem::path const& file, std::string const& subject, double max_texels)
 {
     start_devil();
-    if (!ilLoadImage(file.c_str())) {
+    FileStamp const before = stamp_of(file);
+    bool const loaded = ilLoadImage(file.c_str()) != 0;
+    if (stamp_of(file) != before) { // what was read may be a part of each
+        throw Failure(subject, "it changed while it was read", "try again when nothing writes it any more");
+    }
+    if (!loaded) {
+        if (ran_out_of_memory()) {
+            throw std::bad_alloc();
+        }
         throw Failure(subject, "it is damaged, or not an image of a known format",
                       "save it again in a program that opens it, for instance as PNG");
     }

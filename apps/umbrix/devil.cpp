@@ -2,11 +2,28 @@
 #include "devil.h"
 
 #include <IL/il.h>
+#include <cstdlib>
 
 namespace umbrix_cli {
 
+namespace {
+
+void* ILAPIENTRY zeroed_memory(ILsizei const size)
+{
+    return std::calloc(1, size);
+}
+
+void ILAPIENTRY release(void const* memory)
+{
+    std::free(const_cast<void*>(memory));
+}
+
+} // namespace
+
 void start_devil()
 {
+    // What a file that was cut short leaves of a picture is black, and the same in every run.
+    ilSetMemory(zeroed_memory, release);
     ilInit();
     ilEnable(IL_FILE_OVERWRITE);
     ilEnable(IL_ORIGIN_SET);

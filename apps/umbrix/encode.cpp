@@ -3,7 +3,9 @@
 
 #include "decoded_image.h"
 #include "devil.h"
+#include "devil_writing.h"
 #include "failure.h"
+#include "flush_to_disk.h"
 #include "intermediate.h"
 #include "tga_file.h"
 #include "tiff_date.h"
@@ -11,10 +13,8 @@
 
 #include <IL/il.h>
 #include <algorithm>
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/statvfs.h>
-#include <unistd.h>
 
 namespace umbrix_cli {
 
@@ -43,26 +43,16 @@ bool save(std::filesystem::path const& file, Picture const& picture)
         return write_tga(file, picture);
     }
     start_devil();
+    WatchedWriting const writing;
     // DevIL takes the pixels without a const, and copies them.
     auto* const bytes = const_cast<std::uint8_t*>(picture.bytes.data());
     ILenum const format = picture.channels == 4 ? IL_RGBA : IL_RGB;
     bool const saved =
         ilTexImage(static_cast<ILuint>(picture.width), static_cast<ILuint>(picture.height), 1,
                    static_cast<ILubyte>(picture.channels), format, IL_UNSIGNED_BYTE, bytes) != 0 &&
-        ilSaveImage(file.c_str()) != 0;
+        ilSaveImage(file.c_str()) != 0 && writing.went_well();
     stop_devil();
     return saved && (!is_tiff(file) || fix_tiff_date(file));
-}
-
-/// Brings the file to the disk; a delayed "no space left" shows here.
-bool flush_to_disk(std::filesystem::path const& file)
-{
-    int const descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
-    bool const flushed = descriptor >= 0 && fsync(descriptor) == 0;
-    if (descriptor >= 0) {
-        close(descriptor);
-    }
-    return flushed;
 }
 
 bool reads_back(std::filesystem::path const& file, OutputFormat const& format, Picture const& written)
@@ -96,13 +86,13 @@ void check_size(OutputFormat const& format, int width, int height)
     if (std::max(width, height) > format.longest_side) {
         throw Failure("output",
                       fmt::format("{} files end at {} texels a side", format.extension, format.longest_side),
-                      "give a name ending in .png with -o");
+                      "give a name ending in .png");
     }
     if (format.powers_of_two && !(is_power_of_two(width) && is_power_of_two(height))) {
         throw Failure(
             "output",
             fmt::format("{} files have sides of powers of two, not {} x {}", format.extension, width, height),
-            "give a name ending in .png with -o");
+            "give a name ending in .png");
     }
 }
 
@@ -118,10 +108,10 @@ void write_picture(std::filesystem::path const& file, OutputFormat const& format
         return;
     }
     if (disk_is_full(file)) {
-        throw Failure("output", "the disk is full", "free some space or choose another folder with -o");
+        throw Failure("output", "the disk is full", "free some space or choose another folder");
     }
     throw Failure("output", "what was written does not read back as it should",
-                  "check the disk, or choose another folder or format with -o");
+                  "check the disk and the limits on memory, or choose another folder or format");
 }
 
 } // namespace umbrix_cli

@@ -3,6 +3,7 @@
 
 #include "failure.h"
 #include "list_file.h"
+#include "list_lock.h"
 #include "list_settings.h"
 #include "map_usage.h"
 
@@ -73,6 +74,7 @@ ListAddCommand::NewJob ListAddCommand::job_for(std::string const& source, Interr
 void ListAddCommand::run(Interrupts const& interrupts)
 {
     check_map_usage(options_.settings, "");
+    ListLock const lock(file_, kCommand, interrupts);
     umbrix_list list;
     std::error_code error;
     if (fs::exists(fs::symlink_status(file_, error))) {

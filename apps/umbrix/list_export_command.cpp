@@ -4,34 +4,11 @@
 #include "failure.h"
 #include "list_file.h"
 #include "list_toml.h"
-#include "temporary.h"
+#include "text_file.h"
 
 #include <fmt/format.h>
-#include <fstream>
 
 namespace umbrix_cli {
-
-namespace {
-
-namespace fs = std::filesystem;
-
-void write_text(fs::path const& file, std::string const& text, bool overwrite)
-{
-    std::error_code error;
-    if (!overwrite && fs::exists(fs::symlink_status(file, error))) {
-        throw Failure(file.string(), "it exists", "add --overwrite to replace it, or give another name");
-    }
-    OutputFile output(file, ".toml");
-    std::ofstream stream(output.temporary(), std::ios::binary);
-    stream << text;
-    stream.close();
-    if (!stream) {
-        throw Failure(file.string(), "it could not be written", "free some space or choose another folder");
-    }
-    output.move_into_place(overwrite);
-}
-
-} // namespace
 
 CLI::App* ListExportCommand::declare(CLI::App& app)
 {
@@ -54,11 +31,11 @@ void ListExportCommand::run(Interrupts const& /*interrupts*/)
         return;
     }
     std::error_code error;
-    if (fs::equivalent(output_, file_, error)) {
+    if (std::filesystem::equivalent(output_, file_, error)) {
         throw Failure(output_, "it is the list, which would be lost", "give another name with -o",
                       kWrongUsage);
     }
-    write_text(output_, text, overwrite_);
+    write_text_file(output_, text, overwrite_);
     fmt::print("wrote {}: {} of {}\n", output_, count_of_jobs(list.get_size()), file_);
 }
 

@@ -2,8 +2,10 @@
 #include "list_file.h"
 
 #include "failure.h"
+#include "flush_to_disk.h"
 #include "list_check.h"
 #include "preflight.h"
+#include "stale_temporaries.h"
 #include "temporary.h"
 
 #include <fmt/format.h>
@@ -33,7 +35,18 @@ fs::path target_of(fs::path const& file, bool overwrite)
     if (!overwrite) {
         throw Failure(file.string(), "it exists", "add --overwrite to replace it, or give another name");
     }
-    return fs::canonical(file);
+    fs::path const behind_links = fs::canonical(file, error);
+    return error ? file : behind_links; // it may vanish meanwhile
+}
+
+bool is_whole_list(fs::path const& file)
+{
+    try {
+        check_list(file);
+        return true;
+    } catch (Failure const&) {
+        return false;
+    }
 }
 
 } // namespace
@@ -66,11 +79,10 @@ void read_list(fs::path const& file, umbrix_list& list)
 void write_list(umbrix_list& list, fs::path const& file, bool overwrite)
 {
     fs::path const target = target_of(file, overwrite);
+    remove_leftovers_beside(file);
     OutputFile output(target, ".ulist");
     list.save_list(output.temporary().string());
-    try {
-        check_list(output.temporary());
-    } catch (Failure const&) {
+    if (!is_whole_list(output.temporary()) || !flush_to_disk(output.temporary())) {
         throw Failure(file.string(), "it could not be written", "free some space or choose another folder");
     }
     output.move_into_place(overwrite);

@@ -3,6 +3,7 @@
 
 #include "failure.h"
 #include "list_file.h"
+#include "list_lock.h"
 #include "list_toml.h"
 
 #include <fmt/format.h>
@@ -22,7 +23,7 @@ CLI::App* ListImportCommand::declare(CLI::App& app)
     return command;
 }
 
-void ListImportCommand::run(Interrupts const& /*interrupts*/)
+void ListImportCommand::run(Interrupts const& interrupts)
 {
     check_readable(input_, "name an exported list");
     std::error_code error;
@@ -32,6 +33,7 @@ void ListImportCommand::run(Interrupts const& /*interrupts*/)
         throw Failure(output.string(), "it is the input, which would be lost", "give another name with -o",
                       kWrongUsage);
     }
+    ListLock const lock(output, "umbrix list import", interrupts);
     umbrix_list list;
     read_toml(input_, list);
     write_list(list, output, overwrite_);

@@ -7,6 +7,7 @@
 #include "list_settings.h"
 #include "option_table.h"
 #include "preflight.h"
+#include "put_text.h"
 #include "stack_file.h"
 #include "stack_record.h"
 #include "supervise.h"
@@ -134,14 +135,16 @@ LinkedList<n_layer> layers_for_job(fs::path const& stack_file, Settings const& s
     }
     check_layer_files(file.description);
     for (std::string const& note : file.notes) {
-        fmt::print(stderr, "{}: note: {}\n", surroundings.command, note);
+        put_text(stderr, fmt::format("{}: note: {}\n", surroundings.command, note));
     }
     for (std::size_t i = 1; i < layers.size(); ++i) {
         if (layers[i].blend == 0) {
-            fmt::print(stderr,
-                       "{}: note: {}: blend: where the map takes its normals from the layers, it leaves out "
-                       "those of this one\n",
-                       surroundings.command, layers[i].label);
+            put_text(
+                stderr,
+                fmt::format(
+                    "{}: note: {}: blend: where the map takes its normals from the layers, it leaves out "
+                    "those of this one\n",
+                    surroundings.command, layers[i].label));
         }
     }
     // All layers are worked on in the size of the first.

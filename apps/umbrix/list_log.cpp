@@ -78,6 +78,10 @@ ListLog::ListLog(fs::path const& list, Shard const& shard) : file_(log_of(list, 
     for (fs::path const& log : logs_of(list)) {
         read_log(log, makers_);
     }
+}
+
+void ListLog::open_for_adding()
+{
     descriptor_ = open(file_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     if (descriptor_ < 0) {
         throw Failure(file_.string(), fmt::format("the log cannot be written: {}", std::strerror(errno)),

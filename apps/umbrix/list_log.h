@@ -21,11 +21,14 @@ struct Shard {
 /// from there. Each shard writes a log of its own, and all read those of all.
 class ListLog {
 public:
-    /// Reads what there is. A Failure if the log of @p shard cannot be written.
+    /// Reads what there is.
     ListLog(std::filesystem::path const& list, Shard const& shard);
     ~ListLog();
     ListLog(ListLog const&) = delete;
     ListLog& operator=(ListLog const&) = delete;
+
+    /// Before the first add(). A Failure if the log of the shard cannot be written.
+    void open_for_adding();
 
     std::filesystem::path const& file() const { return file_; }
 

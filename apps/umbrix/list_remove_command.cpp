@@ -2,6 +2,7 @@
 #include "list_remove_command.h"
 
 #include "list_file.h"
+#include "list_lock.h"
 
 #include <fmt/format.h>
 #include <functional>
@@ -21,8 +22,9 @@ CLI::App* ListRemoveCommand::declare(CLI::App& app)
     return command;
 }
 
-void ListRemoveCommand::run(Interrupts const& /*interrupts*/)
+void ListRemoveCommand::run(Interrupts const& interrupts)
 {
+    ListLock const lock(file_, "umbrix list remove", interrupts);
     umbrix_list list;
     read_list(file_, list);
     std::set<int, std::greater<>> indices;

@@ -77,6 +77,10 @@ void ListRunCommand::run(Interrupts const& interrupts)
                             common_.overwrite ? OutputPolicy::kReplace : OutputPolicy::kKeep, graphics_};
     ListPlan const plan = plan_list(list, choice, log);
 
+    if (!dry_run_) {
+        log.open_for_adding();
+    }
+
     BatchOrders orders;
     orders.command = "umbrix list run";
     orders.policy = choice.policy;

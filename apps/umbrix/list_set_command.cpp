@@ -3,9 +3,11 @@
 
 #include "failure.h"
 #include "list_file.h"
+#include "list_lock.h"
 #include "list_settings.h"
 #include "map_usage.h"
 #include "option_table.h"
+#include "put_text.h"
 
 #include <fmt/format.h>
 
@@ -62,9 +64,10 @@ void ListSetCommand::change_numbers(umbrix_node& job, Interrupts const& interrup
     copy_given(data_for(settings, kind, width), given, job);
     bool const asks_for_strength = given.contains("relief") || !made_normals;
     if (job.generate_normal && asks_for_strength && !given.contains("n-scale")) {
-        fmt::print(stderr,
-                   "{}: note: the strength of the normals stays {}; --n-scale auto fits it to the relief\n",
-                   kCommand, job.n_scale);
+        put_text(stderr,
+                 fmt::format(
+                     "{}: note: the strength of the normals stays {}; --n-scale auto fits it to the relief\n",
+                     kCommand, job.n_scale));
     }
 }
 
@@ -93,6 +96,7 @@ void ListSetCommand::run(Interrupts const& interrupts)
     if (options_.given().empty() && !options_.is_given("search") && options_.layers.empty() && !no_layers_) {
         throw Failure("INDEX", "nothing is told to be changed", "name an option", kWrongUsage);
     }
+    ListLock const lock(file_, kCommand, interrupts);
     umbrix_list list;
     read_list(file_, list);
     umbrix_node& job = *list.items.GetRef(index_of_job(list, file_, number_));

@@ -2,24 +2,53 @@
 #include "command_line.h"
 #include "failure.h"
 #include "put_text.h"
+#include "standard_output.h"
 #include "worker_process.h"
 
+#include <csignal>
+#include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <fmt/format.h>
+#include <new>
+#include <system_error>
 
 namespace umbrix_cli {
 
 namespace {
 
+/// fmt::print throws where the standard output takes no more, other ways of printing note it in the stream.
+void run_and_print(Command& command, Interrupts const& interrupts)
+{
+    try {
+        command.run(interrupts);
+    } catch (std::system_error const&) {
+        if (std::ferror(stdout) == 0) {
+            throw;
+        }
+    }
+    finish_standard_output();
+}
+
+int complain(std::string const& who, Failure const& failure)
+{
+    put_text(stderr, complaint_about(failure, who));
+    return failure.code;
+}
+
 int run_command(Command& command, std::string const& name)
 {
     Interrupts const interrupts;
     try {
-        command.run(interrupts);
+        run_and_print(command, interrupts);
         return kDone;
     } catch (Failure const& failure) {
-        put_text(stderr, complaint_about(failure, name));
-        return failure.code;
+        return complain(name, failure);
+    } catch (std::filesystem::filesystem_error const& error) { // something has gone since it was looked at
+        return complain(name,
+                        {error.path1().string(), error.code().message(), "check that it is still there"});
+    } catch (std::bad_alloc const&) {
+        return complain(name, {"umbrix", "there is not enough memory", "raise the limit (ulimit -v)"});
     } catch (Interrupted const& interrupted) {
         put_text(stderr, fmt::format("{}: interrupted; {}\n", name, interrupted.state));
         return kInterrupted;
@@ -44,6 +73,7 @@ int run_tool(int count, char** words)
 
 int main(int count, char** words)
 {
+    std::signal(SIGPIPE, SIG_IGN); // a reader that goes away must not end a run in the middle
     try {
         if (count == 3 && std::strcmp(words[1], umbrix_cli::kWorkerArgument) == 0) {
             return umbrix_cli::run_worker(words[2]);

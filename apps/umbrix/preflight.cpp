@@ -56,24 +56,25 @@ fs::path check_output(fs::path const& output, fs::path const& input, bool overwr
     std::error_code error;
     fs::path const folder = output.has_parent_path() ? output.parent_path() : fs::path(".");
     if (!fs::is_directory(folder, error)) {
-        throw Failure(output.string(), "its folder does not exist", "create it, or choose another with -o");
+        throw Failure(output.string(), "its folder does not exist", "create it, or choose another");
     }
     fs::file_status const status = fs::status(output, error);
     if (fs::exists(status)) {
         if (fs::equivalent(output, input, error)) {
-            throw Failure(output.string(), "it is the input, which would be lost",
-                          "give another name with -o", kWrongUsage);
+            throw Failure(output.string(), "it is the input, which would be lost", "give another name",
+                          kWrongUsage);
         }
         if (!fs::is_regular_file(status)) {
             throw Failure(output.string(),
                           fs::is_directory(status) ? "it is a folder" : "it is not a plain file",
-                          "give a file name with -o");
+                          "give a file name");
         }
         if (!overwrite) {
             throw Failure(output.string(), "it exists",
-                          "add --overwrite to replace it, or give another name with -o");
+                          "add --overwrite to replace it, or give another name");
         }
-        return fs::canonical(output);
+        fs::path const behind_links = fs::canonical(output, error);
+        return error ? output : behind_links; // it may vanish meanwhile
     }
     return folder / output.filename();
 }

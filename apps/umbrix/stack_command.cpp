@@ -7,9 +7,11 @@
 #include "option_table.h"
 #include "output_format.h"
 #include "preflight.h"
+#include "put_text.h"
 #include "stack_example.h"
 #include "stack_file.h"
 #include "stack_target.h"
+#include "stale_temporaries.h"
 #include "temporary.h"
 
 #include <chrono>
@@ -26,7 +28,7 @@ constexpr char const* kStack = "Stack";
 
 void note(std::string const& text)
 {
-    fmt::print(stderr, "{}: note: {}\n", kCommand, text);
+    put_text(stderr, fmt::format("{}: note: {}\n", kCommand, text));
 }
 
 void check_that_no_layer_is_lost(fs::path const& output, StackDescription const& description)
@@ -170,6 +172,7 @@ void StackCommand::run(Interrupts const& interrupts)
         if (*format.warning != '\0') {
             note(fmt::format("{}: {}", target.named().string(), format.warning));
         }
+        remove_leftovers_beside(target.named());
         target.open(job.stack);
     }
     ScratchFolder const scratch;

@@ -54,6 +54,12 @@ void remove_stale_outputs(fs::path const& folder)
     }
 }
 
+void remove_leftovers_beside(fs::path const& target)
+{
+    remove_stale_outputs(output_folder(target));
+    remove_stale_scratch();
+}
+
 void remove_stale_scratch()
 {
     std::error_code error;

@@ -12,4 +12,7 @@ void remove_stale_outputs(std::filesystem::path const& folder);
 /// The same for ScratchFolders.
 void remove_stale_scratch();
 
+/// Both, for who is about to write @p target; that it may be a link is seen through.
+void remove_leftovers_beside(std::filesystem::path const& target);
+
 } // namespace umbrix_cli

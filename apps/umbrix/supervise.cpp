@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "supervise.h"
 
+#include "put_text.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fmt/format.h>
@@ -18,7 +20,7 @@ Hearing shown_by(ProgressDisplay& display, Supervision const& supervision)
     hearing.note = [&](std::string const& file, std::string const& text, bool detail) {
         if (supervision.verbose || !detail) {
             display.clear();
-            fmt::print(stderr, "{}: note: {}: {}\n", supervision.command, file, text);
+            put_text(stderr, fmt::format("{}: note: {}: {}\n", supervision.command, file, text));
         }
     };
     return hearing;
@@ -43,7 +45,7 @@ nlohmann::json supervise(Job const& job, Supervision const& supervision)
     }
     display.clear();
     if (supervision.verbose) {
-        fmt::print(stderr, "{}", conversation.chatter());
+        put_text(stderr, conversation.chatter());
     }
     return conversation.finish();
 }

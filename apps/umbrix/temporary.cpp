@@ -123,6 +123,14 @@ bool is_temporary_name(fs::path const& file)
     return file.filename().string().starts_with(kOutput);
 }
 
+fs::path output_folder(fs::path const& target)
+{
+    std::error_code error;
+    fs::path const behind_links = fs::weakly_canonical(target, error);
+    fs::path const& file = error ? target : behind_links;
+    return file.has_parent_path() ? file.parent_path() : fs::path(".");
+}
+
 OutputFile::OutputFile(fs::path target, std::string const& extension) : target_(std::move(target))
 {
     Made made = make_locked(
@@ -135,7 +143,7 @@ OutputFile::OutputFile(fs::path target, std::string const& extension) : target_(
         });
     if (!made.lock) {
         throw Failure(target_.string(), std::string("its folder takes no new file: ") + std::strerror(errno),
-                      "choose another folder with -o");
+                      "choose another folder");
     }
     temporary_ = std::move(made.path);
     lock_ = std::move(made.lock);

@@ -17,6 +17,9 @@ std::string scratch_prefix();
 /// Whether a file is called like an OutputFile of any machine.
 bool is_temporary_name(std::filesystem::path const& file);
 
+/// The folder that an output's OutputFile lies in: that of the file itself if @p target is a link.
+std::filesystem::path output_folder(std::filesystem::path const& target);
+
 /// An empty file with a hidden name of its own beside the output that it is to become. Removed with the
 /// object unless it was moved into place.
 class OutputFile {

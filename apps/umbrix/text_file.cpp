@@ -2,6 +2,8 @@
 #include "text_file.h"
 
 #include "failure.h"
+#include "flush_to_disk.h"
+#include "stale_temporaries.h"
 #include "temporary.h"
 
 #include <fstream>
@@ -9,6 +11,18 @@
 namespace umbrix_cli {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+/// The file behind @p target if it is a link, so that the link stays one.
+fs::path behind_links(fs::path const& target)
+{
+    std::error_code error;
+    fs::path const found = fs::canonical(target, error);
+    return error ? target : found;
+}
+
+} // namespace
 
 void check_text_output(fs::path const& target, bool overwrite)
 {
@@ -33,13 +47,12 @@ void check_text_output(fs::path const& target, bool overwrite)
 void write_text_file(fs::path const& target, std::string_view text, bool overwrite)
 {
     check_text_output(target, overwrite);
-    std::error_code error;
-    fs::path const behind_links = fs::exists(target, error) ? fs::canonical(target) : target;
-    OutputFile output(behind_links, target.extension().string());
+    remove_leftovers_beside(target);
+    OutputFile output(behind_links(target), target.extension().string());
     std::ofstream stream(output.temporary(), std::ios::binary);
     stream << text;
     stream.close();
-    if (!stream) {
+    if (!stream || !flush_to_disk(output.temporary())) {
         throw Failure(target.string(), "it could not be written", "free some space or choose another folder");
     }
     output.move_into_place(overwrite);

@@ -7,7 +7,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <new>
+#include <string_view>
 #include <sys/prctl.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace umbrix_cli {
@@ -32,6 +34,18 @@ std::vector<std::uint8_t> read_standard_input()
         all.insert(all.end(), piece, piece + (got > 0 ? got : 0));
     }
     return all;
+}
+
+/// For operator new. In a parallel region there is nobody to catch an exception, and no memory to word it
+/// with.
+[[noreturn]] void tell_of_too_little_memory()
+{
+    constexpr std::string_view kEvent =
+        R"({"failure":{"subject":"input","what":"there is not enough memory to work on it",)"
+        R"("advice":"make the picture smaller","code":1}})"
+        "\n";
+    static_cast<void>(!write(kEventDescriptor, kEvent.data(), kEvent.size()));
+    _exit(kInputFailed);
 }
 
 nlohmann::json run(Job const& job)
@@ -65,14 +79,17 @@ int run_worker(char const* parent)
 {
     end_with_parent(parent);
     std::signal(SIGXFSZ, SIG_IGN); // a limit on file sizes then reads as a full disk
+    std::set_new_handler(tell_of_too_little_memory);
     try {
         send_result(run(unpack_job(read_standard_input())));
         return kDone;
     } catch (Failure const& failure) {
         send_failure(failure);
-    } catch (std::bad_alloc const&) {
-        send_failure(
-            Failure("input", "there is not enough memory to work on it", "make the picture smaller"));
+    } catch (std::bad_alloc const&) { // of a size beyond all memory
+        tell_of_too_little_memory();
+    } catch (std::system_error const& error) { // of a thread that could not be started
+        send_failure(Failure("input", std::string("it is not worked on: ") + error.what(),
+                             "raise the limits on memory and processes (ulimit -v, ulimit -u)"));
     } catch (std::exception const& error) {
         send_failure(Failure("input", error.what(), "try another picture"));
     }

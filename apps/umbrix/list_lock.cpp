@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "list_lock.h"
+
+#include "put_text.h"
+#include "temporary.h"
+
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/file.h>
+#include <thread>
+#include <unistd.h>
+
+namespace umbrix_cli {
+
+namespace {
+
+constexpr auto kInterval = std::chrono::milliseconds(20);
+
+bool is_held_by_another(int descriptor)
+{
+    return descriptor >= 0 && flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+}
+
+} // namespace
+
+ListLock::ListLock(std::filesystem::path const& list, std::string const& command,
+                   Interrupts const& interrupts)
+    : descriptor_(open(output_folder(list).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+{
+    for (bool told = false; is_held_by_another(descriptor_); told = true) {
+        if (!told) {
+            put_text(stderr,
+                     fmt::format("{}: note: {}: another command is changing a list in its folder; waiting\n",
+                                 command, list.string()));
+        }
+        interrupts.check();
+        std::this_thread::sleep_for(kInterval);
+    }
+}
+
+ListLock::~ListLock()
+{
+    if (descriptor_ >= 0) {
+        close(descriptor_);
+    }
+}
+
+} // namespace umbrix_cli

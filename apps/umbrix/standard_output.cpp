@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+#include "standard_output.h"
+
+#include "failure.h"
+
+#include <cstdio>
+
+namespace umbrix_cli {
+
+void finish_standard_output()
+{
+    std::fflush(stdout);
+    if (std::ferror(stdout) != 0) {
+        throw Failure("standard output", "it did not take all of the results", "the files are not affected");
+    }
+}
+
+} // namespace umbrix_cli
