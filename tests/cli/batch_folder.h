@@ -6,6 +6,7 @@
 
 #include "tool.h"
 
+#include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -68,5 +69,18 @@ protected:
         return all;
     }
 };
+
+/// Whether there are processes whose intermediate files are in @p folder.
+inline bool has_workers_in(std::filesystem::path const& folder)
+{
+    for (auto const& entry : std::filesystem::directory_iterator("/proc")) {
+        std::ifstream stream(entry.path() / "environ", std::ios::binary);
+        std::string const environment((std::istreambuf_iterator<char>(stream)), {});
+        if (environment.find("TMPDIR=" + folder.string() + '\0') != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
+}
 
 } // namespace umbrixlib::test

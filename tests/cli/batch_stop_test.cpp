@@ -163,19 +163,6 @@ TEST_F(BatchStop, DoesNotMindThatNobodyReadsItsResults)
     EXPECT_EQ(made("out"), whole_);
 }
 
-/// Processes whose intermediate files are in @p folder.
-bool has_workers_in(fs::path const& folder)
-{
-    for (auto const& entry : fs::directory_iterator("/proc")) {
-        std::ifstream stream(entry.path() / "environ", std::ios::binary);
-        std::string const environment((std::istreambuf_iterator<char>(stream)), {});
-        if (environment.find("TMPDIR=" + folder.string() + '\0') != std::string::npos) {
-            return true;
-        }
-    }
-    return false;
-}
-
 TEST_F(BatchStop, CleansUpAfterABatchThatWasKilled)
 {
     std::mt19937 random(7);

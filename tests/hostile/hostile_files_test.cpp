@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// Thousands of damaged pictures through every command. Each has to end in a result or in one sentence.
-#include "corruption.h"
-#include "gif_file.h"
-#include "tool.h"
+#include "hostile_corpus.h"
 
 #include <fstream>
 #include <map>
@@ -13,8 +11,6 @@
 namespace umbrixlib::test {
 namespace {
 
-constexpr char const* kFormats[] = {"png", "tga", "bmp", "jpg", "tif", "dds", "psd", "hdr", "ppm", "gif"};
-constexpr std::size_t kVariants = 210;          ///< Of each format, the unharmed file included.
 constexpr char const* kTimeout = "--timeout=3"; ///< Some loaders never end.
 constexpr double kSecondsAllowed = 60;          ///< Twenty times that, on a machine with other work.
 constexpr double kMegabytesAllowed = 6144;      ///< Of one process: what a picture of 2^28 texels may take.
@@ -25,40 +21,17 @@ struct Trial {
     std::string output; ///< Empty if the command writes none.
 };
 
-class HostileFiles : public ToolTest {
+class HostileFiles : public HostileCorpus {
 protected:
-    Bytes seed(std::string const& format) const
-    {
-        if (format == "gif") {
-            Bytes greys;
-            for (int i = 0; i < 24 * 20; ++i) {
-                greys.push_back(static_cast<std::uint8_t>(i % 24 * 10));
-            }
-            return gif_bytes(24, 20, greys);
-        }
-        std::string const name = "seed." + format;
-        EXPECT_EQ(run({"normal", "hill.tga", "-o", name}).code, 0);
-        Bytes const bytes = read(name);
-        std::filesystem::remove(folder() / name);
-        return bytes;
-    }
-
     /// Writes the damaged files and says what is to be done with each.
     std::vector<Trial> make_trials() const
     {
-        write("hill.tga", hill(32));
-        std::mt19937 random(20261);
         std::vector<Trial> trials;
-        for (std::string const format : kFormats) {
-            Bytes const good = seed(format);
-            for (std::size_t i = 0; i < kVariants; ++i) {
-                std::string const stem = format + std::to_string(i);
-                std::string const file = stem + "." + format;
-                write(file, i == 0 ? good : corrupted(good, random));
-                constexpr char const* kCommands[] = {"map", "normal", "relight", "info", "stack"};
-                std::string const command = i == 0 ? "map" : kCommands[i % 5];
-                trials.push_back({file, command, command == "info" ? "" : "out_" + stem + ".tga"});
-            }
+        for (DamagedFile const& each : write_corpus()) {
+            constexpr char const* kCommands[] = {"map", "normal", "relight", "info", "stack"};
+            std::string const command = each.variant == 0 ? "map" : kCommands[each.variant % 5];
+            std::string const stem = std::filesystem::path(each.name).stem();
+            trials.push_back({each.name, command, command == "info" ? "" : "out_" + stem + ".tga"});
         }
         return trials;
     }
