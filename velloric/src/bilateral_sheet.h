@@ -22,8 +22,8 @@ struct BilateralSheet {
 };
 
 /// Filters a sheet as `filter_row` filters its rows, with equal bits, and makes the weight of two texels once
-/// for both. False, and nothing is done, where that is no gain: if the window is large, or the instruction
-/// set has no fused multiply-add.
+/// for both. False, and nothing is done, where that is no gain: if the window is wider than the sheet, or the
+/// instruction set has no fused multiply-add.
 bool filter_sheet(BilateralSheet const& sheet);
 
 } // namespace velloric

@@ -92,17 +92,18 @@ TEST(BilateralRow, MakesTheWeightsOfTheUsualTable)
     });
 }
 
-TEST(BilateralSheet, IsFilteredUnlessItsWindowIsLarge)
+TEST(BilateralSheet, IsFilteredUnlessItsWindowIsWiderThanIt)
 {
-    for (std::size_t const radius : {std::size_t{1}, std::size_t{10}, std::size_t{11}}) {
+    constexpr std::size_t kWidth = 5;
+    for (std::size_t const radius : {std::size_t{0}, std::size_t{2}, std::size_t{3}, std::size_t{20}}) {
         std::size_t const stride = velloric::kBilateralBlock * 2 + 4 * radius;
         std::vector<float> const texels((2 * radius + 1) * stride);
         std::vector<float> const spatial((radius + 1) * (2 * radius + 1), 1.0f);
         umbrixlib::test::for_every_target([&](char const* target) {
             std::vector<float> results(velloric::kBilateralBlock, 1.0f);
-            bool const done = velloric::filter_sheet({texels.data(), stride, radius, spatial.data(), 1, 5,
-                                                      results.data(), velloric::kBilateralBlock});
-            EXPECT_EQ(done, radius < 11 && multiplies_and_adds_at_once(target)) << target << ", " << radius;
+            bool const done = velloric::filter_sheet({texels.data(), stride, radius, spatial.data(), 1,
+                                                      kWidth, results.data(), velloric::kBilateralBlock});
+            EXPECT_EQ(done, radius < 3 && multiplies_and_adds_at_once(target)) << target << ", " << radius;
             EXPECT_EQ(results[4], done ? 0.0f : 1.0f);
         });
     }
