@@ -3,6 +3,7 @@
 /// The two kernels that reshape normals in place.
 
 #include "boundary/texture_kernels.h"
+#include "every_target.h"
 #include "kernel_shapes.h"
 #include "random_image.h"
 #include "same_bits.h"
@@ -15,6 +16,7 @@
 
 namespace {
 
+using umbrixlib::test::for_every_target;
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
 using velloric::test::for_every_team;
@@ -62,6 +64,27 @@ TEST(NormalScale, MultipliesTheSlopeAndMakesUnitVectors)
             expect_unit(result[i]);
         }
     }
+}
+
+TEST(NormalScale, EqualsItsDefinitionOnEveryTarget)
+{
+    for_every_target([&](char const* target) {
+        for (std::size_t const count : {1U, 3U, 4U, 5U, 7U, 8U, 9U, 17U, 5000U}) {
+            auto const normals = random_image<float3>(count, 5, Values::kHostile);
+            for (float const scale : {0.0f, 0.7f, -3.0f, 1e-30f}) {
+                std::vector<float3> expected;
+                for (float3 const& normal : normals) {
+                    double const x = static_cast<double>(normal.x) * static_cast<double>(scale);
+                    double const y = static_cast<double>(normal.y) * static_cast<double>(scale);
+                    bool const has_length = !(x == 0.0 && y == 0.0 && normal.z == 0.0f);
+                    expected.push_back(has_length
+                                           ? with_slope(normal, static_cast<double>(scale))
+                                           : float3{static_cast<float>(x), static_cast<float>(y), normal.z});
+                }
+                EXPECT_SAME_BITS(expected, scaled(normals, scale)) << target << ", " << count;
+            }
+        }
+    });
 }
 
 TEST(NormalScale, WorkedOutByHand)
