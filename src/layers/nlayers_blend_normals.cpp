@@ -59,43 +59,83 @@ std::unique_ptr<float3[]> make_vectors(layer_size size)
     return std::make_unique_for_overwrite<float3[]>(static_cast<std::size_t>(texels_of(size)));
 }
 
-/// Layers of one size on their way into one normal map.
+/// Two maps of colours, made when they are first asked for.
+class ColourMaps {
+public:
+    explicit ColourMaps(layer_size largest) : size_(largest) {}
+
+    float3* first() { return made(first_); }
+    float3* second() { return made(second_); }
+
+private:
+    float3* made(std::unique_ptr<float3[]>& map) const
+    {
+        if (map == nullptr) {
+            map = make_vectors(size_);
+        }
+        return map.get();
+    }
+
+    layer_size const size_;
+    std::unique_ptr<float3[]> first_, second_;
+};
+
+/// A band of layers on their way into one normal map.
 ///
 /// The kernels are called between parallel loops, not from inside one: they see one caller at a time, all of
 /// what the loop before wrote, and may use all threads themselves.
 class NormalBlend {
 public:
+    /// @param size    Of the band, as those of all the layers in it.
     /// @param blend   The blend so far, in the end the result.
     /// @param target  Where mode 0 puts its cross-fade, or null if there is no room for it.
     /// @param base    Heights that stand for the blend's in mode 2, or null.
-    NormalBlend(layer_size size, bool layer_first, float3* blend, float3* target, float const* base)
-        : size_(size), layer_first_(layer_first), blend_(blend), target_(target), base_(base)
+    NormalBlend(layer_size size, bool layer_first, float3* blend, float3* target, float const* base,
+                ColourMaps& colours)
+        : size_(size), layer_first_(layer_first), blend_(blend), target_(target), base_(base),
+          colours_(colours)
     {
     }
 
-    void start(float3 const* first) const
-    {
-        for_blocks(size_, [&](std::ptrdiff_t at, std::size_t count) {
-            std::copy_n(first + at, count, blend_ + at);
-        });
-    }
+    void start(float3 const* first) { from_ = first; }
 
     void join(Layer const& layer, n_layer const& before)
     {
+        if (layer.normals == blend_) {
+            finish(); // the caller blends into this layer, so what is blended so far takes its place
+        }
         switch (before.blend_mode) {
         case kLayerBlend:
+            finish();
             cross_fade_slopes(layer.normals, before.opacity);
             break;
         case kLayerOverlay:
+            finish();
             overlay_colours(layer.normals, before.opacity);
             break;
         case kLayerMultiply:
-            multiply(layer, fraction_of(before.opacity));
+            if (base_ != nullptr && layer.heights != nullptr) {
+                waiting_.push_back({layer.normals, layer.heights, fraction_of(before.opacity)});
+            }
             break;
         default:
-            add(layer.normals, fraction_of(before.opacity));
+            waiting_.push_back({layer.normals, nullptr, fraction_of(before.opacity)});
             break;
         }
+    }
+
+    /// Does the steps that wait.
+    void finish()
+    {
+        for_blocks(size_, [&](std::ptrdiff_t at, std::size_t count) {
+            if (!waiting_.empty()) {
+                join_slopes(waiting_.data(), waiting_.size(), from_, base_, blend_, at, count);
+            } else if (from_ != blend_) {
+                std::copy_n(from_ + at, count, blend_ + at);
+            }
+        });
+        from_ = blend_;
+        waiting_.clear();
     }
 
 private:
@@ -116,37 +156,17 @@ private:
         });
     }
 
-    void overlay_colours(float3 const* layer, float opacity)
+    void overlay_colours(float3 const* layer, float opacity) const
     {
-        if (colours_ == nullptr) {
-            colours_ = make_vectors(size_);
-            layer_colours_ = make_vectors(size_);
-        }
+        float3* const colours = colours_.first();
+        float3* const layer_colours = colours_.second();
         for_blocks(size_, [&](std::ptrdiff_t at, std::size_t count) {
-            normals_to_colours(blend_ + at, colours_.get() + at, count);
-            normals_to_colours(layer + at, layer_colours_.get() + at, count);
+            normals_to_colours(blend_ + at, colours + at, count);
+            normals_to_colours(layer + at, layer_colours + at, count);
         });
-        Blend(BlendType_Overlay, opacity, colours_.get(), layer_colours_.get(), colours_.get(), size_.height,
-              size_.width);
+        Blend(BlendType_Overlay, opacity, colours, layer_colours, colours, size_.height, size_.width);
         for_blocks(size_, [&](std::ptrdiff_t at, std::size_t count) {
-            colours_to_normals(colours_.get() + at, blend_ + at, count);
-        });
-    }
-
-    void multiply(Layer const& layer, float fraction) const
-    {
-        if (base_ == nullptr || layer.heights == nullptr) {
-            return;
-        }
-        for_blocks(size_, [&](std::ptrdiff_t at, std::size_t count) {
-            multiply_slopes(blend_ + at, base_ + at, layer.normals + at, layer.heights + at, fraction, count);
-        });
-    }
-
-    void add(float3 const* layer, float fraction) const
-    {
-        for_blocks(size_, [&](std::ptrdiff_t at, std::size_t count) {
-            add_slopes(blend_ + at, layer + at, fraction, count);
+            colours_to_normals(colours + at, blend_ + at, count);
         });
     }
 
@@ -155,11 +175,26 @@ private:
     float3* const blend_;
     float3* const target_;
     float const* const base_;
-    std::unique_ptr<float3[]> colours_; ///< Both made when overlay first asks for them.
-    std::unique_ptr<float3[]> layer_colours_;
+    ColourMaps& colours_;
+    float3 const* from_ = nullptr;   ///< What is blended so far: the first layer or `blend_`.
+    std::vector<SlopeStep> waiting_; ///< Steps on it that need no kernel, so they can be done together.
 };
 
-/// Blends the layers of @p sequence into @p blend.
+/// A layer that joins, and the record that says how.
+struct Joining {
+    Layer layer;
+    n_layer const* before;
+};
+
+/// @p all from element @p at on; null stays.
+template <typename T>
+T* from_element(T* all, std::ptrdiff_t at)
+{
+    return all == nullptr ? nullptr : all + at;
+}
+
+/// Blends the layers of @p sequence into @p blend, a band of rows after the other: no step looks beyond its
+/// own texel.
 /// @param target As in NormalBlend.
 void blend_normals(NLayers& stack, NormalBlendForm const& form, std::vector<int> const& sequence,
                    float3* blend, float3* target)
@@ -168,21 +203,37 @@ void blend_normals(NLayers& stack, NormalBlendForm const& form, std::vector<int>
     Layer const first = layer_at(stack, sequence.front());
     layer_size const size = first.size;
     Layer const base = layer_at(stack, form.last_is_base ? sequence.back() : 0);
-    bool const base_has_room = base.texels() >= texels_of(size);
-    NormalBlend blending(size, form.layer_first, blend, target, base_has_room ? base.heights : nullptr);
-    blending.start(first.normals);
+    float const* const base_heights = base.texels() >= texels_of(size) ? base.heights : nullptr;
+    n_layer const* const scale = form.scaled ? record_at(stack, 0) : nullptr;
+    std::vector<Joining> joining;
     for (std::size_t i = 1; i < sequence.size(); ++i) {
         Layer const layer = layer_at(stack, sequence[i]);
         n_layer const* const before = record_at(stack, sequence[i - 1]);
         bool const has_normals = layer.normals != nullptr || layer.texels() == 0;
         if (is_layer(stack, sequence[i]) && same_size(layer.size, size) && has_normals && before != nullptr) {
-            blending.join(layer, *before);
+            joining.push_back({layer, before});
         }
     }
-    n_layer const* const scale = record_at(stack, 0);
-    if (form.scaled && scale != nullptr) {
-        NormalScale(blend, size.height, size.width, scale->normal_scale);
-    }
+
+    int const rows = size.height;
+    ColourMaps colours({rows, size.width});
+    int row = 0;
+    do { // once for a map without rows, too
+        layer_size const band{std::min(rows, size.height - row), size.width};
+        std::ptrdiff_t const at = texels_of({row, size.width});
+        NormalBlend blending(band, form.layer_first, blend + at, from_element(target, at),
+                             from_element(base_heights, at), colours);
+        blending.start(first.normals + at);
+        for (Joining const& each : joining) {
+            Layer const& layer = each.layer;
+            blending.join({layer.normals + at, from_element(layer.heights, at), band}, *each.before);
+        }
+        blending.finish();
+        if (scale != nullptr) {
+            NormalScale(blend + at, band.height, band.width, scale->normal_scale);
+        }
+        row += rows;
+    } while (row < size.height);
 }
 
 /// Whether layer @p index can be the first of a blend.

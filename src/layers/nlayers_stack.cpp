@@ -3,6 +3,7 @@
 #include "layers/nlayers.h"
 
 #include "boundary/image_io.h"
+#include "boundary/platform.h"
 #include "layers/layer_access_internal.h"
 
 #include <memory>
@@ -121,7 +122,9 @@ void NLayers::make_result(layer_size size)
 {
     made_result_ = nullptr;
     delete[] std::exchange(result, nullptr);
-    result = new float3[static_cast<std::size_t>(texels_of(size))];
+    auto const texels = static_cast<std::size_t>(texels_of(size));
+    result = new float3[texels];
+    platform::prefer_large_pages(result, texels * sizeof(float3));
     made_result_ = result;
     made_result_texels_ = texels_of(size);
 }

@@ -24,17 +24,20 @@ void normals_to_colours(float3 const* normals, float3* colours, std::size_t coun
 /// Colours, limited to 0..1, become unit vectors.
 void colours_to_normals(float3 const* colours, float3* normals, std::size_t count);
 
-/// Slopes of the product of two reliefs, where a slope weighs as much as the other relief is high, faded in
-/// by
-/// @p fraction.
-/// @param normals        What is blended so far; unit vectors in and out.
-/// @param heights        The relief behind it.
-/// @param layer          Normals that join.
-/// @param layer_heights  The relief behind them.
-void multiply_slopes(float3* normals, float const* heights, float3 const* layer, float const* layer_heights,
-                     float fraction, std::size_t count);
+/// A layer that joins by its slopes.
+struct SlopeStep {
+    float3 const* layer;
+    /// Null to fade to the slopes of the sum of two reliefs. Else the relief behind the layer, to fade to
+    /// those of the product, where a slope weighs as much as the other relief is high.
+    float const* layer_heights;
+    float fraction; ///< Of the other slopes in the cross-fade.
+};
 
-/// Slopes of the sum of two reliefs, faded in by @p fraction.
-void add_slopes(float3* normals, float3 const* layer, float fraction, std::size_t count);
+/// Unit vectors of @p from, after all of @p steps in turn.
+/// @param steps   @p step_count of them, at least one.
+/// @param heights The relief behind @p from; may be null if no step multiplies.
+/// @param at      Element of all the arrays at which to begin.
+void join_slopes(SlopeStep const* steps, std::size_t step_count, float3 const* from, float const* heights,
+                 float3* to, std::ptrdiff_t at, std::size_t count);
 
 } // namespace umbrixlib::detail

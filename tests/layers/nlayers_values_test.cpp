@@ -130,6 +130,45 @@ TEST_P(NLayersValues, NormalsInAnOrderEqualTheReference)
     }
 }
 
+TEST_P(NLayersValues, LargeMapsEqualTheReference)
+{
+    // More than one band of rows, the last of them shorter; one overlay between other modes.
+    layer_size const size{1240, 301}; // five threads share 327680 texels
+    ReferenceStack stack;
+    for (int const mode : {3, 0, 0, 2, 1, 3}) {
+        stack.layers.push_back(height_layer(size, static_cast<std::uint32_t>(stack.layers.size()) * 2));
+        stack.records.push_back(plain_record(mode, 35.0f));
+    }
+    BuiltStack built(stack);
+    reference_normals(stack, NormalForm::kResult);
+    built.layers.BlendLayers();
+    ASSERT_NO_FATAL_FAILURE(expect_same_state(stack, built.layers, 0));
+    std::vector<float3> destination(stack.layers[0].texels());
+    built.layers.BlendLayers(destination.data());
+    EXPECT_TRUE(same_bits(reference_normals(stack, NormalForm::kDestination), destination));
+    ASSERT_NO_FATAL_FAILURE(expect_same_state(stack, built.layers, 0));
+    for (HeightForm const form : {HeightForm::kReference, HeightForm::kNoArgument}) {
+        EXPECT_TRUE(same_bits(reference_heights(stack, form), blended_heights(stack, form)));
+    }
+}
+
+TEST_P(NLayersValues, ALayerThatIsBlendedIntoJoinsAsWhatIsBlendedSoFar)
+{
+    for (int const mode : {2, 3}) {
+        ReferenceStack stack;
+        for (std::uint32_t const seed : {1U, 3U}) {
+            stack.layers.push_back(height_layer({9, 17}, seed));
+            stack.records.push_back(plain_record(mode, 35.0f));
+        }
+        BuiltStack built(stack);
+        float3* const into = built.layers.GetLayer(1);
+        built.layers.BlendLayers(into);
+        stack.layers[1].normals = stack.layers[0].normals; // the first layer is copied there before it joins
+        std::vector<float3> const expected = reference_normals(stack, NormalForm::kDestination);
+        EXPECT_TRUE(same_bits(expected, {into, into + expected.size()})) << mode;
+    }
+}
+
 unsigned char bitmap_byte(float v)
 {
     double const scaled = (double(v) + 1.0) * 0.5 * 255.0;

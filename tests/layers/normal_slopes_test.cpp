@@ -7,7 +7,9 @@
 #include "random_image.h"
 #include "same_bits.h"
 
+#include <cmath>
 #include <functional>
+#include <random>
 
 namespace {
 
@@ -110,8 +112,9 @@ TEST(NormalSlopes, MultiplyByTheHeights)
                                    1.0f});
         },
         [](Inputs& in) {
-            multiply_slopes(in.blend.data(), in.blend_heights.data(), in.layer.data(),
-                            in.layer_heights.data(), kFraction, in.blend.size());
+            SlopeStep const step{in.layer.data(), in.layer_heights.data(), kFraction};
+            join_slopes(&step, 1, in.blend.data(), in.blend_heights.data(), in.blend.data(), 0,
+                        in.blend.size());
         });
 }
 
@@ -124,7 +127,57 @@ TEST(NormalSlopes, Add)
             return reference_unit({faded(double(l.x) / double(l.z) + double(a.x), a.x),
                                    faded(double(l.y) / double(l.z) + double(a.y), a.y), 1.0f});
         },
-        [](Inputs& in) { add_slopes(in.blend.data(), in.layer.data(), kFraction, in.blend.size()); });
+        [](Inputs& in) {
+            SlopeStep const step{in.layer.data(), nullptr, kFraction};
+            join_slopes(&step, 1, in.blend.data(), nullptr, in.blend.data(), 0, in.blend.size());
+        });
+}
+
+TEST(NormalSlopes, JoinInTurn)
+{
+    // The steps are done a register at a time; one after the other over all vectors is the same.
+    for_every_target([&](char const* target) {
+        for (std::size_t const count : kCounts) {
+            Inputs in = inputs(count + 5, Values::kHostile);
+            auto const third = random_image<float3>(count + 5, 9, Values::kSigned);
+            SlopeStep const steps[] = {{in.layer.data(), nullptr, 0.37f},
+                                       {third.data(), in.layer_heights.data(), 0.8f},
+                                       {in.layer.data(), nullptr, 1.5f}};
+            std::vector<float3> expected = in.blend;
+            for (SlopeStep const& step : steps) {
+                join_slopes(&step, 1, expected.data(), in.blend_heights.data(), expected.data(), 5, count);
+            }
+            std::vector<float3> joined = in.blend;
+            join_slopes(steps, 3, in.blend.data(), in.blend_heights.data(), joined.data(), 5, count);
+            ASSERT_TRUE(same_bits(expected, joined)) << target << ", " << count;
+        }
+    });
+}
+
+TEST(NormalSlopes, TheQuotientInDoubleIsExactToTheLastBit)
+{
+    // The blend has the slope that takes away the quotient's first bits, so that the sum shows its last ones.
+    constexpr std::size_t kCount = 20000;
+    std::mt19937 generator(5);
+    auto const any = [&] {
+        auto const mantissa = static_cast<float>(generator() >> 8) * (1.0f / 16777216.0f) + 1.0f;
+        float const size = std::ldexp(mantissa, static_cast<int>(generator() % 41) - 20);
+        return generator() % 2 == 0 ? size : -size;
+    };
+    std::vector<float3> blend(kCount), layer(kCount), expected(kCount);
+    for (std::size_t i = 0; i < kCount; ++i) {
+        layer[i] = {any(), any(), any()};
+        double const x = double(layer[i].x) / double(layer[i].z);
+        double const y = double(layer[i].y) / double(layer[i].z);
+        blend[i] = {-float(x), -float(y), 1.0f};
+        expected[i] = reference_unit({float(x + double(blend[i].x)), float(y + double(blend[i].y)), 1.0f});
+    }
+    for_every_target([&](char const* target) {
+        std::vector<float3> joined(kCount);
+        SlopeStep const step{layer.data(), nullptr, 1.0f};
+        join_slopes(&step, 1, blend.data(), nullptr, joined.data(), 0, kCount);
+        EXPECT_TRUE(same_bits(expected, joined)) << target;
+    });
 }
 
 } // namespace
