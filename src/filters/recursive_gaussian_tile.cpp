@@ -73,7 +73,16 @@ public:
         }
     }
 
-    /// Takes in one element of every line and writes the results.
+    /// Takes in one element of every line.
+    HWY_INLINE void step(float const* HWY_RESTRICT in)
+    {
+        HWY_UNROLL(8)
+        for (int v = 0; v < kVectors; ++v) {
+            next(in + static_cast<std::size_t>(v) * kLanes, v);
+        }
+    }
+
+    /// The same, and writes the results.
     HWY_INLINE void step(float const* HWY_RESTRICT in, float* HWY_RESTRICT out)
     {
         HWY_UNROLL(8)
@@ -147,6 +156,33 @@ HWY_INLINE void run(AnyRecursion& recursion, float const* in, float* out, std::p
     warm_up(recursion, in, out, step, length);
 }
 
+/// Whether the run proper is expected to meet the warm-up's results. Where the recursion forgets slowly, what
+/// it rounds away keeps `Rounding::kOnce` runs apart to the end; then there is no use in keeping any.
+HWY_INLINE bool runs_meet(GaussianPass const& pass)
+{
+    constexpr float kSlow = 0.75f; // of a sigma of 12
+    return pass.rounding != Rounding::kOnce || !(pass.forward.b2 > kSlow);
+}
+
+/// Warm-up and run proper of one direction, @p turn between them, over the elements from @p in on; the
+/// results stand from @p out on.
+template <class AnyRecursion, class Turn>
+HWY_INLINE void filter_line(AnyRecursion& recursion, float const* in, float* out, std::ptrdiff_t step,
+                            std::size_t length, bool meets, Turn&& turn)
+{
+    if (meets) {
+        warm_up(recursion, in, out, step, length);
+        turn();
+        run(recursion, in, out, step, length);
+        return;
+    }
+    for (std::size_t i = 0; i < length; ++i) {
+        recursion.step(in + static_cast<std::ptrdiff_t>(i) * step);
+    }
+    turn();
+    warm_up(recursion, in, out, step, length);
+}
+
 template <class Arithmetic, int kVectors>
 struct TileFilter {
     using Direction = Recursion<Arithmetic, kVectors>;
@@ -169,18 +205,17 @@ struct TileFilter {
         float* const backward = forward + length * kWidth;
         gather(pass, here, input);
 
+        bool const meets = runs_meet(pass);
         Direction ahead(pass.forward);
-        warm_up(ahead, input, forward, kStep, length);
-        run(ahead, input, forward, kStep, length);
+        filter_line(ahead, input, forward, kStep, length, meets, [] {});
 
         // The backward recursion is fed with the element after its result: none at first, then the wrapped
         // one.
         Direction back(pass.backward);
         float* const last = backward + (length - 1) * kWidth;
         std::memset(beyond, 0, kWidth * sizeof(float));
-        warm_up(back, beyond, last, -kStep, length);
-        std::memcpy(beyond, input, kWidth * sizeof(float));
-        run(back, beyond, last, -kStep, length);
+        filter_line(back, beyond, last, -kStep, length, meets,
+                    [&] { std::memcpy(beyond, input, kWidth * sizeof(float)); });
 
         scatter(pass, here, forward, backward);
     }
