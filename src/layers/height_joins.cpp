@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "layers/height_joins.h"
 
+#include "filters/targets_internal.h"
+
 #include <cstddef>
 #include <cstring>
 

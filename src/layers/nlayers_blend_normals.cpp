@@ -2,6 +2,7 @@
 // One normal map from the normals of a stack.
 #include "layers/nlayers.h"
 
+#include "boundary/large_array_internal.h"
 #include "boundary/texture_kernels.h"
 #include "filters/blend_internal.h"
 #include "layers/layer_access_internal.h"
@@ -9,7 +10,6 @@
 #include "layers/normal_slopes.h"
 
 #include <algorithm>
-#include <memory>
 #include <numeric>
 #include <vector>
 
@@ -54,50 +54,22 @@ void for_blocks(layer_size size, Body body)
     }
 }
 
-std::unique_ptr<float3[]> make_vectors(layer_size size)
-{
-    return std::make_unique_for_overwrite<float3[]>(static_cast<std::size_t>(texels_of(size)));
-}
-
-/// Two maps of colours, made when they are first asked for.
-class ColourMaps {
-public:
-    explicit ColourMaps(layer_size largest) : size_(largest) {}
-
-    float3* first() { return made(first_); }
-    float3* second() { return made(second_); }
-
-private:
-    float3* made(std::unique_ptr<float3[]>& map) const
-    {
-        if (map == nullptr) {
-            map = make_vectors(size_);
-        }
-        return map.get();
-    }
-
-    layer_size const size_;
-    std::unique_ptr<float3[]> first_, second_;
-};
-
-/// A band of layers on their way into one normal map.
+/// Layers on their way into one normal map.
 ///
 /// The kernels are called between parallel loops, not from inside one: they see one caller at a time, all of
 /// what the loop before wrote, and may use all threads themselves.
 class NormalBlend {
 public:
-    /// @param size    Of the band, as those of all the layers in it.
+    /// @param size    That of all layers that join.
+    /// @param first   The lowest layer's normals.
     /// @param blend   The blend so far, in the end the result.
     /// @param target  Where mode 0 puts its cross-fade, or null if there is no room for it.
     /// @param base    Heights that stand for the blend's in mode 2, or null.
-    NormalBlend(layer_size size, bool layer_first, float3* blend, float3* target, float const* base,
-                ColourMaps& colours)
-        : size_(size), layer_first_(layer_first), blend_(blend), target_(target), base_(base),
-          colours_(colours)
+    NormalBlend(layer_size size, bool layer_first, float3 const* first, float3* blend, float3* target,
+                float const* base)
+        : size_(size), layer_first_(layer_first), blend_(blend), target_(target), base_(base), from_(first)
     {
     }
-
-    void start(float3 const* first) { from_ = first; }
 
     void join(Layer const& layer, n_layer const& before)
     {
@@ -156,10 +128,14 @@ private:
         });
     }
 
-    void overlay_colours(float3 const* layer, float opacity) const
+    void overlay_colours(float3 const* layer, float opacity)
     {
-        float3* const colours = colours_.first();
-        float3* const layer_colours = colours_.second();
+        if (colours_ == nullptr) {
+            colours_ = make_large_array<float3>(static_cast<std::size_t>(texels_of(size_)));
+            layer_colours_ = make_large_array<float3>(static_cast<std::size_t>(texels_of(size_)));
+        }
+        float3* const colours = colours_.get();
+        float3* const layer_colours = layer_colours_.get();
         for_blocks(size_, [&](std::ptrdiff_t at, std::size_t count) {
             normals_to_colours(blend_ + at, colours + at, count);
             normals_to_colours(layer + at, layer_colours + at, count);
@@ -175,26 +151,12 @@ private:
     float3* const blend_;
     float3* const target_;
     float const* const base_;
-    ColourMaps& colours_;
-    float3 const* from_ = nullptr;   ///< What is blended so far: the first layer or `blend_`.
+    LargeArray<float3> colours_, layer_colours_; ///< Of the overlay.
+    float3 const* from_;                         ///< What is blended so far: the first layer or `blend_`.
     std::vector<SlopeStep> waiting_; ///< Steps on it that need no kernel, so they can be done together.
 };
 
-/// A layer that joins, and the record that says how.
-struct Joining {
-    Layer layer;
-    n_layer const* before;
-};
-
-/// @p all from element @p at on; null stays.
-template <typename T>
-T* from_element(T* all, std::ptrdiff_t at)
-{
-    return all == nullptr ? nullptr : all + at;
-}
-
-/// Blends the layers of @p sequence into @p blend, a band of rows after the other: no step looks beyond its
-/// own texel.
+/// Blends the layers of @p sequence into @p blend.
 /// @param target As in NormalBlend.
 void blend_normals(NLayers& stack, NormalBlendForm const& form, std::vector<int> const& sequence,
                    float3* blend, float3* target)
@@ -205,35 +167,19 @@ void blend_normals(NLayers& stack, NormalBlendForm const& form, std::vector<int>
     Layer const base = layer_at(stack, form.last_is_base ? sequence.back() : 0);
     float const* const base_heights = base.texels() >= texels_of(size) ? base.heights : nullptr;
     n_layer const* const scale = form.scaled ? record_at(stack, 0) : nullptr;
-    std::vector<Joining> joining;
+    NormalBlend blending(size, form.layer_first, first.normals, blend, target, base_heights);
     for (std::size_t i = 1; i < sequence.size(); ++i) {
         Layer const layer = layer_at(stack, sequence[i]);
         n_layer const* const before = record_at(stack, sequence[i - 1]);
         bool const has_normals = layer.normals != nullptr || layer.texels() == 0;
         if (is_layer(stack, sequence[i]) && same_size(layer.size, size) && has_normals && before != nullptr) {
-            joining.push_back({layer, before});
+            blending.join(layer, *before);
         }
     }
-
-    int const rows = size.height;
-    ColourMaps colours({rows, size.width});
-    int row = 0;
-    do { // once for a map without rows, too
-        layer_size const band{std::min(rows, size.height - row), size.width};
-        std::ptrdiff_t const at = texels_of({row, size.width});
-        NormalBlend blending(band, form.layer_first, blend + at, from_element(target, at),
-                             from_element(base_heights, at), colours);
-        blending.start(first.normals + at);
-        for (Joining const& each : joining) {
-            Layer const& layer = each.layer;
-            blending.join({layer.normals + at, from_element(layer.heights, at), band}, *each.before);
-        }
-        blending.finish();
-        if (scale != nullptr) {
-            NormalScale(blend + at, band.height, band.width, scale->normal_scale);
-        }
-        row += rows;
-    } while (row < size.height);
+    blending.finish();
+    if (scale != nullptr) {
+        NormalScale(blend, size.height, size.width, scale->normal_scale);
+    }
 }
 
 /// Whether layer @p index can be the first of a blend.
@@ -285,7 +231,7 @@ void NLayers::BlendLayersToBmp(unsigned char* bitmap)
 {
     if (can_start(*this, 0)) {
         layer_size const size = sizes.Get(0);
-        auto const blend = make_vectors(size);
+        auto const blend = make_large_array<float3>(static_cast<std::size_t>(texels_of(size)));
         blend_normals(*this, kIntoCallersArray, all_layers(*this), blend.get(), result_for(size));
         normals_to_bitmap(blend.get(), size, bitmap);
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "layers/normal_slopes.h"
 
+#include "filters/targets_internal.h"
+
 #include <cstddef>
 #include <cstring>
 
