@@ -21,8 +21,12 @@ using Wide = hn::Vec<Doubles>;
 constexpr HalfFloats kFloats;
 constexpr std::size_t kLanes = hn::MaxLanes(HalfFloats());
 
-/// As many vectors as a register has lanes.
+/// As many vectors as a register has lanes. g++ makes implicit constructors for the processor at large, which
+/// cannot take those of the registers in.
 struct Vectors {
+    HWY_INLINE Vectors() {}
+    HWY_INLINE Vectors(Values all_x, Values all_y, Values all_z) : x(all_x), y(all_y), z(all_z) {}
+
     Values x, y, z;
 };
 
