@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "decoded_image.h"
 
+#include "dds_file.h"
 #include "devil.h"
 #include "failure.h"
 
@@ -71,6 +72,7 @@ bool ran_out_of_memory()
 
 DecodedImage::DecodedImage(std::filesystem::path const& file, std::string const& subject, double max_texels)
 {
+    refuse_dds_with_too_little_data(file, subject);
     start_devil();
     FileStamp const before = stamp_of(file);
     bool const loaded = ilLoadImage(file.c_str()) != 0;

@@ -60,6 +60,9 @@ void tone_share(Pixel* pixels, int rows, int cols, ToneSteps const& steps, Share
 template <typename Pixel>
 void grade(Pixel* pixels, int rows, int cols, Grading const& grading)
 {
+    if (rows < 1 || cols < 1) {
+        return; // brightness on floats counts rows alone, and there are none to read
+    }
     ToneSteps const steps = tone_steps(grading);
     if (steps.any()) {
         // Contract: as many shares as processors, whatever the size of the team; the size of the team is
@@ -75,8 +78,7 @@ void grade(Pixel* pixels, int rows, int cols, Grading const& grading)
         }
     }
     if (grading.smooth != 0.0f) {
-        auto const count =
-            static_cast<std::size_t>(std::max(rows, 0)) * static_cast<std::size_t>(std::max(cols, 0));
+        auto const count = static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols);
         auto const scratch = make_large_array<Pixel>(count);
         gaussianFilterRGBA(pixels, pixels, scratch.get(), cols, rows, grading.smooth);
     }

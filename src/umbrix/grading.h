@@ -12,7 +12,7 @@ inline namespace umbrix_v0 {
 /// 0 and 255; then `gaussianFilterRGBA` with `h_smooth`, unless that is 0. Comparisons are exact: NaN and a
 /// negative sigma count as not 0.
 ///
-/// @param heights rows * cols floats, @p cols at least 1 where @p rows is; null only if there are none.
+/// @param heights rows * cols floats; null only if there are none.
 /// @param options Read only.
 /// @return True.
 ///

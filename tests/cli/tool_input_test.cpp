@@ -58,6 +58,17 @@ TEST_F(ToolInput, RefusesATruncatedPicture)
     expect_refusal("cut.png", "damaged");
 }
 
+TEST_F(ToolInput, RefusesADdsPictureWithLessDataThanItsSizeNeeds)
+{
+    write("hill.tga", hill(32));
+    ASSERT_EQ(run({"normal", "hill.tga", "-o", "hill.dds"}).code, 0);
+    EXPECT_EQ(run({"info", "hill.dds"}).code, 0);
+    Bytes dds = read("hill.dds");
+    dds[16] = 64; // columns
+    write("wide.dds", dds);
+    expect_refusal("wide.dds", "less data than its size needs");
+}
+
 TEST_F(ToolInput, SurvivesALoaderThatFreesItsImage)
 {
     // DevIL is left with a freed image after this file, and would crash when the program ends.

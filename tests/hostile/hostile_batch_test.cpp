@@ -30,6 +30,20 @@ protected:
     };
     using Fates = std::map<std::string, Fate>; ///< By the name of the file.
 
+    /// Every third of the damaged pictures, which takes minutes.
+    std::vector<DamagedFile> write_some() const
+    {
+        std::vector<DamagedFile> files;
+        for (DamagedFile const& file : write_corpus("in/")) {
+            if (file.variant % 3 == 0) {
+                files.push_back(file);
+            } else {
+                fs::remove(folder() / file.name);
+            }
+        }
+        return files;
+    }
+
     /// What becomes of each file by itself.
     Fates make_each(std::vector<DamagedFile> const& files) const
     {
@@ -98,8 +112,6 @@ protected:
 
     /// Pictures are compared where both runs write the same format. A loader that nearly never ends may be
     /// stopped in one run and not in the other.
-    /// DevIL makes of some damaged DDS files another picture each time: it takes bytes that are not the
-    /// file's.
     static void expect_same(Fates const& alone, Fates const& together, std::string const& what)
     {
         std::size_t done = 0;
@@ -111,12 +123,12 @@ protected:
             EXPECT_TRUE(fate.done == other.done || stopped) << file << ": " << fate.reason << other.reason;
             done += fate.done ? 1 : 0;
             bool const is_png = !fate.map.empty() && fate.map[0] == 0x89;
-            if (fate.done && other.done && is_png && !file.ends_with(".dds")) {
+            if (fate.done && other.done && is_png) {
                 EXPECT_TRUE(fate.map == other.map) << file << ": another picture";
                 ++compared;
             }
         }
-        EXPECT_GT(compared, 100U);
+        EXPECT_GT(compared, 50U);
         std::printf("%s: %zu files, %zu done, %zu refused; %zu pictures compared\n", what.c_str(),
                     together.size(), done, together.size() - done, compared);
     }
@@ -125,8 +137,8 @@ protected:
 TEST_F(HostileBatch, DoesWithEachFileWhatAMapByItselfDoes)
 {
     fs::create_directory(folder() / "in");
-    std::vector<DamagedFile> const files = write_corpus("in/");
-    ASSERT_GE(files.size(), 2000U);
+    std::vector<DamagedFile> const files = write_some();
+    ASSERT_GE(files.size(), 700U);
     Fates const alone = make_each(files);
     Outcome const batch = run(Arguments{"batch", "in", "--jobs", "2", "--json"} + kSettings + kLimits);
     expect_same(alone, fates_in(batch, files.size()), "batch");
@@ -137,7 +149,7 @@ TEST_F(HostileBatch, DoesWithEachFileWhatAMapByItselfDoes)
 TEST_F(HostileBatch, DoesWithEachFileOfAListWhatAMapByItselfDoes)
 {
     fs::create_directory(folder() / "in");
-    std::vector<DamagedFile> const files = write_corpus("in/");
+    std::vector<DamagedFile> const files = write_some();
     Fates const alone = make_each(files);
     EXPECT_EQ(run(Arguments{"list", "add", "jobs.ulist", "in"} + kSettings).code, 0);
     Outcome const list = run(Arguments{"list", "run", "jobs.ulist", "--jobs", "2", "--json"} + kLimits);

@@ -239,11 +239,8 @@ TYPED_TEST(GradingOf, AnEmptyImageStaysEmpty)
 {
     auto const image = random_image<TypeParam>(6, 69);
     Fields const fields{0.5f, 10, 200, 0.1f, 2.0f};
-    for (auto const& [rows, cols] : {std::pair{0, 6}, {0, 0}, {-2, 3}}) {
+    for (auto const& [rows, cols] : {std::pair{0, 6}, {6, 0}, {0, 0}, {-2, 3}}) {
         EXPECT_SAME_BITS(image, graded(image, fields, rows, cols));
-    }
-    if constexpr (!std::is_same_v<TypeParam, float>) { // on floats the brightness counts rows alone
-        EXPECT_SAME_BITS(image, graded(image, fields, 6, 0));
     }
 }
 

@@ -396,7 +396,7 @@ TEST_P(UmbrixFileDepths, EveryStageStaysWithinTheBuffers)
                 options.preserve = options.keep_buffers = true;
                 options.b_radius = options.gaussian = 1.5f;
                 options.smooth = options.h_smooth = 2.0f;
-                options.contrast = options.h_contrast = size.texels() != 0 ? 0.5f : 0.0f;
+                options.contrast = options.h_contrast = options.h_brightness = 0.5f;
                 EXPECT_TRUE(run(options, output));
                 EXPECT_EQ(devil.stored.size(), size.texels() * umbrixlib::test::fetched_channels(GetParam()));
                 release(options);
