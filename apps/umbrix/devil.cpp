@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "devil.h"
 
+#include "devil_reading.h"
+
 #include <IL/il.h>
 #include <cstdlib>
 
@@ -25,6 +27,7 @@ void start_devil()
     // What a file that was cut short leaves of a picture is black, and the same in every run.
     ilSetMemory(zeroed_memory, release);
     ilInit();
+    watch_devil_reading();
     ilEnable(IL_FILE_OVERWRITE);
     ilEnable(IL_ORIGIN_SET);
     ilOriginFunc(IL_ORIGIN_LOWER_LEFT);
