@@ -50,8 +50,11 @@ ILint ILAPIENTRY get_byte(ILHANDLE file)
 
 ILint ILAPIENTRY get_bytes(void* bytes, ILuint size, ILuint count, ILHANDLE file)
 {
+    if (size == 0 || count == 0) {
+        return 0; // with a null pointer, from some
+    }
     std::size_t const got = std::fread(bytes, size, count, static_cast<std::FILE*>(file));
-    note(got != 0 || size == 0 || count == 0);
+    note(got != 0);
     return static_cast<ILint>(got);
 }
 

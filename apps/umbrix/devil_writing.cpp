@@ -48,6 +48,9 @@ ILint ILAPIENTRY place_in(ILHANDLE file)
 
 ILint ILAPIENTRY put_bytes(void const* bytes, ILuint size, ILuint count, ILHANDLE file)
 {
+    if (size == 0 || count == 0) {
+        return 0; // with a null pointer, from some
+    }
     std::size_t const put = std::fwrite(bytes, size, count, static_cast<std::FILE*>(file));
     note(put == count);
     return static_cast<ILint>(put);

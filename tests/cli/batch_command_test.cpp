@@ -48,7 +48,7 @@ TEST_F(BatchCommand, LosesNothingButTheFileThatBreaksItsDecoder)
     put("in/5 endless.psd", photoshop_file(5, 0xff000007U));
     put("in/6 good.tga", hill(16));
     std::set<std::string> const before = tree();
-    Outcome const outcome = run({"batch", "in", "--timeout", "3", "--jobs", "2"});
+    Outcome const outcome = run({"batch", "in", "--jobs", "2"});
     EXPECT_EQ(outcome.code, 1);
     EXPECT_EQ(tree(), with(before, {"in/1 good_Umbrix.tga", "in/6 good_Umbrix.tga"}));
     std::string const table = outcome.out;
@@ -58,7 +58,7 @@ TEST_F(BatchCommand, LosesNothingButTheFileThatBreaksItsDecoder)
         << table; // a sanitizer ends it in another way
     EXPECT_NE(table.find("\nfailed   in/3 letter.png: it is damaged, or not an image of a known format\n"
                          "failed   in/4 empty.tga: it is empty\n"
-                         "failed   in/5 endless.psd: it was still being read after 3 s\n"
+                         "failed   in/5 endless.psd: it is damaged: it ends too early\n"
                          "2 done, 0 skipped, 4 failed; "),
               std::string::npos)
         << table;

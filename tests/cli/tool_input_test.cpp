@@ -88,7 +88,13 @@ TEST_F(ToolInput, SurvivesADecoderThatCrashes)
 TEST_F(ToolInput, SurvivesADecoderThatDoesNotEnd)
 {
     write("endless.psd", photoshop_file(5, 0xff000007U));
-    expect_refusal("endless.psd", "it was still being read after 0.3 s", {"--timeout", "0.3"});
+    expect_refusal("endless.psd", "it ends too early");
+}
+
+TEST_F(ToolInput, StopsADecoderThatTakesTooLong)
+{
+    write("good.psd", photoshop_file(5, 7));
+    expect_refusal("good.psd", "it was still being read after 0.001 s", {"--timeout", "0.001"});
 }
 
 TEST_F(ToolInput, IsNamedByItsLayerInAStack)
