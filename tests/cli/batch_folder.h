@@ -6,10 +6,12 @@
 
 #include "tool.h"
 
-#include <fstream>
+#include <cerrno>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <sys/prctl.h>
+#include <thread>
 
 namespace umbrixlib::test {
 
@@ -70,15 +72,24 @@ protected:
     }
 };
 
-/// Whether there are processes whose intermediate files are in @p folder.
-inline bool has_workers_in(std::filesystem::path const& folder)
+/// Makes this process the parent of the workers of a tool that ends before them.
+inline void adopt_workers()
 {
-    for (auto const& entry : std::filesystem::directory_iterator("/proc")) {
-        std::ifstream stream(entry.path() / "environ", std::ios::binary);
-        std::string const environment((std::istreambuf_iterator<char>(stream)), {});
-        if (environment.find("TMPDIR=" + folder.string() + '\0') != std::string::npos) {
-            return true;
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+}
+
+/// Whether all adopted workers end within ten seconds. While no tool runs.
+inline bool adopted_workers_end()
+{
+    using namespace std::chrono_literals;
+    for (auto waited = 0ms; waited < 10s; waited += 5ms) {
+        pid_t ended = 0;
+        while ((ended = waitpid(-1, nullptr, WNOHANG)) > 0) {
         }
+        if (ended < 0) {
+            return errno == ECHILD;
+        }
+        std::this_thread::sleep_for(5ms);
     }
     return false;
 }

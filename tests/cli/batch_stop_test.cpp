@@ -171,14 +171,12 @@ TEST_F(BatchStop, CleansUpAfterABatchThatWasKilled)
     for (int trial = 0; trial < 5; ++trial) {
         SCOPED_TRACE(trial);
         std::string const target = "out" + std::to_string(trial);
+        adopt_workers();
         RunningTool tool(folder(), batch_into(target), with_scratch());
         wait_for_share(share(random));
         tool.send(SIGKILL);
         int const code = tool.finish().code;
-        for (auto waited = 0ms; has_workers_in(scratch()) && waited < 10s; waited += 10ms) {
-            std::this_thread::sleep_for(10ms);
-        }
-        EXPECT_FALSE(has_workers_in(scratch()));
+        EXPECT_TRUE(adopted_workers_end());
         auto const files = made(target);
         EXPECT_TRUE(code == -SIGKILL || files == whole_) << code; // it may have been done before
         expect_finished_files_only(files);

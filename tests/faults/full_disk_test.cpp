@@ -135,11 +135,11 @@ protected:
                 FaultInjection injection(folder().parent_path(), {first, kind.lasts, kind.error});
                 RunningTool tool(folder(), arguments, with_scratch(), [&] {
                     use_one_processor();
-                    injection.install();
+                    injection.watch().install();
                 });
-                injection.start();
+                injection.watch().start();
                 Outcome const outcome = tool.finish();
-                injection.stop();
+                injection.watch().stop();
                 EXPECT_EQ(verdict(outcome, before, after, several), "")
                     << "call " << first << ", " << strerror(kind.error) << "\ncode " << outcome.code << '\n'
                     << outcome.err << outcome.out;

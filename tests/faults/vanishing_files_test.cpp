@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 /// Folders that take nothing or go away, and sources that change while they are read.
 #include "batch_folder.h"
+#include "system_call_watch.h"
 
-#include <atomic>
-#include <random>
+#include <fstream>
+#include <functional>
+#include <limits>
 #include <thread>
 
 namespace umbrixlib::test {
@@ -127,115 +129,97 @@ TEST_F(VanishingFiles, AFolderMayGoWhileABatchIsAtWork)
     }
 }
 
-/// Does something to a file all the time.
-class Meddler {
-public:
-    template <typename Body>
-    explicit Meddler(Body body)
-        : thread_([this, body] {
-              while (!ended_) {
-                  body();
-              }
-          })
-    {
-    }
-    ~Meddler()
-    {
-        ended_ = true;
-        thread_.join();
-    }
-    Meddler(Meddler const&) = delete;
-    Meddler& operator=(Meddler const&) = delete;
-
-private:
-    std::atomic<bool> ended_ = false;
-    std::thread thread_;
+/// Something that happens to a source, by its path.
+struct Change {
+    char const* name;
+    void (*happen)(fs::path const& source, Bytes const& other);
 };
 
+Change const kChanges[]{
+    {"cut off",
+     [](fs::path const& source, Bytes const&) { fs::resize_file(source, fs::file_size(source) / 2); }},
+    {"written over",
+     [](fs::path const& source, Bytes const& other) {
+         std::fstream(source, std::ios::binary | std::ios::in | std::ios::out)
+             .write(reinterpret_cast<char const*>(other.data()), static_cast<std::streamsize>(other.size()));
+     }},
+    {"replaced",
+     [](fs::path const& source, Bytes const& other) {
+         write_file(source.string() + ".next", other);
+         fs::rename(source.string() + ".next", source);
+     }},
+};
+
+/// A source that changes right before one of the reads of it.
 class ChangingSource : public VanishingFiles {
 protected:
-    static constexpr int kRounds = 40;
+    static constexpr std::size_t kNever = std::numeric_limits<std::size_t>::max();
 
-    /// The map of @p source as it lies there; nothing if it is refused.
-    Bytes map_of(std::string const& source) const
+    struct Run {
+        Bytes map; ///< Empty if the source was refused.
+        std::size_t reads;
+    };
+
+    /// Makes the map of @p source, to which @p change happens before read number @p moment.
+    Run make_map(fs::path const& source, std::size_t moment, std::function<void()> const& change) const
     {
-        std::error_code ignored;
-        fs::remove(folder() / "out.tga", ignored);
-        Outcome const outcome = run({"map", source, "-o", "out.tga", "--rays", "1", "--height-map"});
-        if (outcome.code != 0) {
-            expect_one_sentence(outcome, source);
-            EXPECT_FALSE(fs::exists(folder() / "out.tga"));
-            return {};
+        fs::remove(folder() / "out.tga");
+        std::size_t reads = 0;
+        SystemCallWatch watch({SYS_read}, [&](seccomp_notif const& asked) {
+            if (file_behind(asked.pid, asked.data.args[0]) == source && reads++ == moment) {
+                change();
+            }
+            return 0;
+        });
+        RunningTool tool(folder(), {"map", source.filename(), "-o", "out.tga", "--rays", "1", "--height-map"},
+                         with_scratch(), [&] { watch.install(); });
+        watch.start();
+        Outcome const outcome = tool.finish();
+        watch.stop();
+        if (outcome.code == 0) {
+            return {read("out.tga"), reads};
         }
-        return read("out.tga");
+        expect_one_sentence(outcome, source.filename());
+        EXPECT_FALSE(fs::exists(folder() / "out.tga"));
+        return {{}, reads};
     }
 
-    /// Maps of a source that changes meanwhile are those of one of the @p states.
-    void expect_one_of(std::string const& source, std::vector<Bytes> const& states) const
+    /// Sources are an hour old: the times of two changes within one tick of the clock can be the same.
+    static void put_source(fs::path const& source, Bytes const& bytes)
     {
-        std::size_t refused = 0;
-        std::vector<std::size_t> counts(states.size());
-        for (int round = 0; round < kRounds; ++round) {
-            Bytes const map = map_of(source);
-            auto const found = std::find(states.begin(), states.end(), map);
-            EXPECT_TRUE(map.empty() || found != states.end()) << "a map of something between";
-            refused += map.empty() ? 1 : 0;
-            if (!map.empty() && found != states.end()) {
-                counts[static_cast<std::size_t>(found - states.begin())] += 1;
-            }
-        }
-        std::printf("%s: %zu and %zu maps, %zu refused\n", source.c_str(), counts[0], counts[1], refused);
+        write_file(source, bytes);
+        fs::last_write_time(source, fs::file_time_type::clock::now() - 1h);
     }
 };
 
-TEST_F(ChangingSource, ThatIsReplacedIsTheOldOrTheNewOne)
+TEST_F(ChangingSource, IsRefusedOrReadAsItIsAfterwards)
 {
+    write("hill.tga", hill(120));
     for (std::string const extension : {"tga", "png"}) {
-        write("hill.tga", hill(300));
         EXPECT_EQ(run({"normal", "hill.tga", "-o", "one." + extension}).code, 0);
         EXPECT_EQ(run({"relight", "hill.tga", "-o", "two." + extension}).code, 0);
-        std::string const source = "source." + extension;
         Bytes const one = read("one." + extension);
         Bytes const two = read("two." + extension);
-        ASSERT_NE(one, two);
-        std::vector<Bytes> const states{map_of("one." + extension), map_of("two." + extension)};
-        write(source, one);
-        int turn = 0;
-        Meddler const meddler([&] {
-            write("next", ++turn % 2 == 0 ? one : two);
-            fs::rename(folder() / "next", folder() / source);
-            std::this_thread::sleep_for(std::chrono::microseconds(turn * 37 % 3000));
-        });
-        expect_one_of(source, states);
-    }
-}
-
-TEST_F(ChangingSource, ThatIsCutOffIsWholeOrCutOff)
-{
-    write("hill.tga", hill(300));
-    for (std::string const extension : {"tga", "png"}) {
-        EXPECT_EQ(run({"normal", "hill.tga", "-o", "one." + extension}).code, 0);
-        std::string const source = "source." + extension;
-        Bytes const whole = read("one." + extension);
-        Bytes const half(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() / 2));
-        write(source, half);
-        Bytes const map_of_half = map_of(source);
-        write(source, whole);
-        std::vector<Bytes> const states{map_of(source), map_of_half};
-        int turn = 0;
-        int const file = open((folder() / source).c_str(), O_RDWR | O_CLOEXEC);
-        {
-            Meddler const meddler([&] {
-                EXPECT_EQ(ftruncate(file, static_cast<off_t>(half.size())), 0);
-                std::this_thread::sleep_for(std::chrono::microseconds(++turn * 37 % 3000));
-                EXPECT_EQ(pwrite(file, whole.data() + half.size(), whole.size() - half.size(),
-                                 static_cast<off_t>(half.size())),
-                          static_cast<ssize_t>(whole.size() - half.size()));
-                std::this_thread::sleep_for(std::chrono::microseconds(turn * 41 % 3000));
-            });
-            expect_one_of(source, states);
+        fs::path const source = fs::canonical(folder()) / ("source." + extension);
+        for (Change const& change : kChanges) {
+            SCOPED_TRACE(extension + " " + change.name);
+            put_source(source, one);
+            Run const before = make_map(source, kNever, {});
+            EXPECT_FALSE(before.map.empty());
+            change.happen(source, two);
+            Run const after = make_map(source, kNever, {});
+            EXPECT_NE(before.map, after.map);
+            std::size_t refused = 0;
+            for (std::size_t moment = 0; moment < before.reads; ++moment) {
+                put_source(source, one);
+                Run const run = make_map(source, moment, [&] { change.happen(source, two); });
+                EXPECT_TRUE(run.map.empty() || run.map == after.map) << "changed before read " << moment;
+                refused += run.map.empty() ? 1 : 0;
+            }
+            EXPECT_GT(refused, 0U);
+            std::printf("%s, %s before each of %zu reads: refused %zu times\n", extension.c_str(),
+                        change.name, before.reads, refused);
         }
-        close(file);
     }
 }
 
