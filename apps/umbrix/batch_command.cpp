@@ -6,7 +6,7 @@
 #include "map_usage.h"
 #include "normal_y_option.h"
 #include "option_table.h"
-#include "put_text.h"
+#include "say.h"
 
 #include <cstdio>
 #include <fmt/format.h>
@@ -212,8 +212,8 @@ void BatchCommand::run(Interrupts const& interrupts)
     }
     BatchPlan const plan = plan_batch(choice());
     if (common_.verbose && plan.outputs_left_out > 0) {
-        put_text(stderr, fmt::format("umbrix batch: note: {} outputs of earlier runs are left out\n",
-                                     plan.outputs_left_out));
+        say_note("umbrix batch",
+                 fmt::format("{} outputs of earlier runs are left out", plan.outputs_left_out));
     }
     run_batch(plan, orders(), interrupts);
 }

@@ -2,6 +2,7 @@
 #include "batch_report.h"
 
 #include "put_text.h"
+#include "say.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -50,11 +51,11 @@ nlohmann::json to_json(BatchResult const& result)
 std::string row_of(BatchResult const& result)
 {
     if (result.state == BatchState::kDone) {
-        return fmt::format("{:8} {} -> {}{}, {:.1f} s\n", name_of(result.state), result.source.string(),
+        return fmt::format("{:8} {} -> {}{}, {:.1f} s", name_of(result.state), result.source.string(),
                            result.target.string(), result.kind.empty() ? "" : ", from a " + result.kind,
                            result.seconds);
     }
-    return fmt::format("{:8} {}: {}\n", name_of(result.state), result.source.string(), result.reason);
+    return fmt::format("{:8} {}: {}", name_of(result.state), result.source.string(), result.reason);
 }
 
 } // namespace
@@ -99,7 +100,7 @@ void BatchReport::plan(std::filesystem::path const& source, std::filesystem::pat
     if (json_) {
         print_line({{"source", source.string()}, {"target", target.string()}, {"state", "planned"}});
     } else {
-        put_text(stdout, fmt::format("{} -> {}\n", source.string(), target.string()));
+        say("{} -> {}", source.string(), target.string());
     }
 }
 
@@ -130,7 +131,7 @@ void BatchReport::print_table() const
         return std::tie(a->state, a->source) < std::tie(b->state, b->source);
     });
     for (BatchResult const* row : rows) {
-        put_text(stdout, row_of(*row));
+        say("{}", row_of(*row));
     }
     std::string text =
         fmt::format("{} done, {} skipped, {} failed", summary_.done, summary_.skipped, summary_.failed);

@@ -3,9 +3,11 @@
 
 #include "picture_file.h"
 #include "put_text.h"
+#include "say.h"
 #include "stale_temporaries.h"
 #include "standard_output.h"
 #include "temporary.h"
+#include "utf8.h"
 
 #include <algorithm>
 #include <chrono>
@@ -192,7 +194,7 @@ void BatchRun::note(std::size_t index, std::string const& file, std::string cons
         notes_[index].push_back(text);
     } else {
         display_.clear();
-        put_text(stderr, fmt::format("{}: note: {}: {}\n", orders_.command, file, text));
+        say_note(orders_.command, file + ": " + text);
     }
 }
 
@@ -223,7 +225,8 @@ void BatchRun::end(PoolEnding const& ending)
     }
     display_.clear();
     if (orders_.verbose && !ending.chatter.empty()) {
-        put_text(stderr, fmt::format("{}: {}:\n{}\n", orders_.command, file.source.string(), ending.chatter));
+        put_text(stderr, fmt::format("{}: {}:\n{}\n", orders_.command, printable(file.source.string()),
+                                     ending.chatter));
     }
     if (orders_.ended) {
         orders_.ended(file, result);

@@ -4,7 +4,7 @@
 #include "naming.h"
 #include "option_table.h"
 #include "output_format.h"
-#include "put_text.h"
+#include "say.h"
 #include "stale_temporaries.h"
 #include "text.h"
 
@@ -101,7 +101,7 @@ Written make_picture_file(std::string const& command, CommonOptions const& optio
     PictureFile file(options.input, named, options.overwrite);
     OutputFormat const& format = *output_format(named);
     if (*format.warning != '\0') {
-        put_text(stderr, fmt::format("{}: note: {}: {}\n", command, named.string(), format.warning));
+        say_note(command, named.string() + ": " + format.warning);
     }
     job.max_texels = options.max_texels;
     file.name_files(job);

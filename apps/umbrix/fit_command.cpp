@@ -6,6 +6,7 @@
 #include "option_table.h"
 #include "preflight.h"
 #include "preset.h"
+#include "say.h"
 #include "text_file.h"
 
 #include <fmt/format.h>
@@ -21,8 +22,7 @@ void print_text(std::string const& heights, std::string const& normals, nlohmann
     auto const number = [&](char const* name) { return report.at(name).get<double>(); };
     NormalY const green = report.at("green").get<NormalY>();
     NormalY const other = green == NormalY::kUp ? NormalY::kDown : NormalY::kUp;
-    fmt::print("{} to {}, {} x {}\n", heights, normals, report.at("width").get<int>(),
-               report.at("height").get<int>());
+    say("{} to {}, {} x {}", heights, normals, report.at("width").get<int>(), report.at("height").get<int>());
     if (!report.at("beats_flat").get<bool>()) {
         fmt::print("  no relief comes nearer to these normals than flat ground does\n"
                    "  mean angle {:.2f} degrees at best, {:.2f} of flat ground\n",
@@ -110,7 +110,7 @@ void FitCommand::run(Interrupts const& interrupts)
     if (!preset_output_.empty()) {
         save(report);
         if (!json_) {
-            fmt::print("wrote {}: preset, relief {}\n", preset_output_, report.at("relief").get<double>());
+            say("wrote {}: preset, relief {}", preset_output_, report.at("relief").get<double>());
         }
     }
 }

@@ -2,6 +2,7 @@
 #include "info_command.h"
 
 #include "preflight.h"
+#include "say.h"
 
 #include <fmt/format.h>
 
@@ -17,8 +18,8 @@ std::string shown(nlohmann::json const& number)
 
 void print_text(std::string const& file, nlohmann::json const& report)
 {
-    fmt::print("{}: {} x {}, {}\n", file, report.at("width").get<int>(), report.at("height").get<int>(),
-               report.at("pixel").get<std::string>());
+    say("{}: {} x {}, {}", file, report.at("width").get<int>(), report.at("height").get<int>(),
+        report.at("pixel").get<std::string>());
     for (nlohmann::json const& channel : report.at("channels")) {
         fmt::print("  {:5} {} to {}, mean {}\n", channel.at("name").get<std::string>(),
                    shown(channel.at("minimum")), shown(channel.at("maximum")), shown(channel.at("mean")));

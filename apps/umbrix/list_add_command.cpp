@@ -6,6 +6,7 @@
 #include "list_lock.h"
 #include "list_settings.h"
 #include "map_usage.h"
+#include "say.h"
 
 #include <fmt/format.h>
 
@@ -95,7 +96,7 @@ void ListAddCommand::run(Interrupts const& interrupts)
     interrupts.check();
     write_list(list, file_, true);
     for (std::string const& each : told) {
-        fmt::print("{}\n", each);
+        say("{}", each);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "failure.h"
 #include "list_file.h"
 #include "list_toml.h"
+#include "say.h"
 #include "text_file.h"
 
 #include <fmt/format.h>
@@ -36,7 +37,7 @@ void ListExportCommand::run(Interrupts const& /*interrupts*/)
                       kWrongUsage);
     }
     write_text_file(output_, text, overwrite_);
-    fmt::print("wrote {}: {} of {}\n", output_, count_of_jobs(list.get_size()), file_);
+    say("wrote {}: {} of {}", output_, count_of_jobs(list.get_size()), file_);
 }
 
 } // namespace umbrix_cli

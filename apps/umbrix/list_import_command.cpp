@@ -5,8 +5,7 @@
 #include "list_file.h"
 #include "list_lock.h"
 #include "list_toml.h"
-
-#include <fmt/format.h>
+#include "say.h"
 
 namespace umbrix_cli {
 
@@ -37,7 +36,7 @@ void ListImportCommand::run(Interrupts const& interrupts)
     umbrix_list list;
     read_toml(input_, list);
     write_list(list, output, overwrite_);
-    fmt::print("wrote {}: {}\n", output.string(), count_of_jobs(list.get_size()));
+    say("wrote {}: {}", output.string(), count_of_jobs(list.get_size()));
 }
 
 } // namespace umbrix_cli

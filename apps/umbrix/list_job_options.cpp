@@ -7,7 +7,7 @@
 #include "list_settings.h"
 #include "option_table.h"
 #include "preflight.h"
-#include "put_text.h"
+#include "say.h"
 #include "stack_file.h"
 #include "stack_record.h"
 #include "supervise.h"
@@ -135,16 +135,14 @@ LinkedList<n_layer> layers_for_job(fs::path const& stack_file, Settings const& s
     }
     check_layer_files(file.description);
     for (std::string const& note : file.notes) {
-        put_text(stderr, fmt::format("{}: note: {}\n", surroundings.command, note));
+        say_note(surroundings.command, note);
     }
     for (std::size_t i = 1; i < layers.size(); ++i) {
         if (layers[i].blend == 0) {
-            put_text(
-                stderr,
-                fmt::format(
-                    "{}: note: {}: blend: where the map takes its normals from the layers, it leaves out "
-                    "those of this one\n",
-                    surroundings.command, layers[i].label));
+            say_note(surroundings.command,
+                     layers[i].label +
+                         ": blend: where the map takes its normals from the layers, it leaves out "
+                         "those of this one");
         }
     }
     // All layers are worked on in the size of the first.

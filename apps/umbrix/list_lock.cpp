@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "list_lock.h"
 
-#include "put_text.h"
+#include "say.h"
 #include "temporary.h"
 
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <sys/file.h>
 #include <thread>
 #include <unistd.h>
@@ -31,9 +30,7 @@ ListLock::ListLock(std::filesystem::path const& list, std::string const& command
 {
     for (bool told = false; is_held_by_another(descriptor_); told = true) {
         if (!told) {
-            put_text(stderr,
-                     fmt::format("{}: note: {}: another command is changing a list in its folder; waiting\n",
-                                 command, list.string()));
+            say_note(command, list.string() + ": another command is changing a list in its folder; waiting");
         }
         interrupts.check();
         std::this_thread::sleep_for(kInterval);

@@ -3,8 +3,8 @@
 
 #include "list_file.h"
 #include "list_lock.h"
+#include "say.h"
 
-#include <fmt/format.h>
 #include <functional>
 #include <set>
 
@@ -35,8 +35,7 @@ void ListRemoveCommand::run(Interrupts const& interrupts)
         list.remove_item(index);
     }
     write_list(list, file_, true);
-    fmt::print("{}: {} removed, {} left\n", file_, count_of_jobs(static_cast<int>(indices.size())),
-               list.get_size());
+    say("{}: {} removed, {} left", file_, count_of_jobs(static_cast<int>(indices.size())), list.get_size());
 }
 
 } // namespace umbrix_cli

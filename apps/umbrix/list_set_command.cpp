@@ -7,7 +7,7 @@
 #include "list_settings.h"
 #include "map_usage.h"
 #include "option_table.h"
-#include "put_text.h"
+#include "say.h"
 
 #include <fmt/format.h>
 
@@ -64,10 +64,9 @@ void ListSetCommand::change_numbers(umbrix_node& job, Interrupts const& interrup
     copy_given(data_for(settings, kind, width), given, job);
     bool const asks_for_strength = given.contains("relief") || !made_normals;
     if (job.generate_normal && asks_for_strength && !given.contains("n-scale")) {
-        put_text(stderr,
-                 fmt::format(
-                     "{}: note: the strength of the normals stays {}; --n-scale auto fits it to the relief\n",
-                     kCommand, job.n_scale));
+        say_note(kCommand,
+                 fmt::format("the strength of the normals stays {}; --n-scale auto fits it to the relief",
+                             job.n_scale));
     }
 }
 
@@ -107,7 +106,7 @@ void ListSetCommand::run(Interrupts const& interrupts)
     }
     interrupts.check();
     write_list(list, file_, true);
-    fmt::print("{}: job {} changed\n", file_, number_);
+    say("{}: job {} changed", file_, number_);
 }
 
 } // namespace umbrix_cli

@@ -3,7 +3,7 @@
 
 #include "list_file.h"
 #include "option_table.h"
-#include "utf8.h"
+#include "say.h"
 
 #include <charconv>
 #include <fmt/format.h>
@@ -81,26 +81,24 @@ char const* content_of(umbrix_data const& job)
 
 std::string source_of(umbrix_node const& job)
 {
-    std::string const source = printable(job.filename);
-    return job.search_str.empty() ? source : fmt::format("{} ({})", source, printable(job.search_str));
+    return job.search_str.empty() ? job.filename : fmt::format("{} ({})", job.filename, job.search_str);
 }
 
 void print_table(std::string const& file, umbrix_list const& list)
 {
-    fmt::print("{}: {}\n", file, count_of_jobs(list.items.count));
+    say("{}: {}", file, count_of_jobs(list.items.count));
     if (list.items.count == 0) {
         return;
     }
-    constexpr char const* kRow = "{:>5}  {:6}  {:19}  {:10}  {:>5}  {:>7}  {:>8}  {:>8}  {:>6}  {}\n";
-    fmt::print(kRow, "job", "input", "map of", "mode", "rays", "radius", "h-scale", "n-scale", "layers",
-               "source");
+    constexpr char const* kRow = "{:>5}  {:6}  {:19}  {:10}  {:>5}  {:>7}  {:>8}  {:>8}  {:>6}  {}";
+    say(kRow, "job", "input", "map of", "mode", "rays", "radius", "h-scale", "n-scale", "layers", "source");
     int number = 0;
     for (auto const* each = list.items.head; each != nullptr; each = each->next) {
         umbrix_node const& job = each->data;
-        fmt::print(kRow, ++number, job.height_map ? "height" : "normal", content_of(job),
-                   name_of_mode(job.UmbrixMode), job.rays, fmt::format("{:.4g}", job.radius),
-                   fmt::format("{:.4g}", job.h_scale), fmt::format("{:.4g}", job.n_scale), job.layers.count,
-                   source_of(job));
+        say(kRow, ++number, job.height_map ? "height" : "normal", content_of(job),
+            name_of_mode(job.UmbrixMode), job.rays, fmt::format("{:.4g}", job.radius),
+            fmt::format("{:.4g}", job.h_scale), fmt::format("{:.4g}", job.n_scale), job.layers.count,
+            source_of(job));
     }
 }
 

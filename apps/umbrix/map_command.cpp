@@ -7,6 +7,7 @@
 #include "normal_y_option.h"
 #include "option_table.h"
 #include "picture_difference.h"
+#include "utf8.h"
 
 #include <fmt/format.h>
 
@@ -79,7 +80,7 @@ void MapCommand::run(Interrupts const& interrupts)
     Written const written = make_picture_file(kCommand, common_, job, "_Umbrix", interrupts);
     Kind const kind = written.report.at("kind").get<Kind>();
     bool const guessed = written.report.at("guessed").get<bool>();
-    fmt::print("wrote {}: Umbrix map, {} x {}, from a {}", written.output.string(),
+    fmt::print("wrote {}: Umbrix map, {} x {}, from a {}", printable(written.output.string()),
                written.report.at("width").get<int>(), written.report.at("height").get<int>(), name_of(kind));
     if (guessed) {
         fmt::print(" (guessed: {})", written.report.at("reason").get<std::string>());

@@ -3,8 +3,7 @@
 
 #include "normal_y_option.h"
 #include "option_table.h"
-
-#include <fmt/format.h>
+#include "say.h"
 
 namespace umbrix_cli {
 
@@ -27,9 +26,9 @@ void NormalCommand::run(Interrupts const& interrupts)
     job.settings = settings_;
     job.normal_y = normal_y_.value_or(settings_.normal_y);
     Written const written = make_picture_file("umbrix normal", common_, job, "_Normal", interrupts);
-    fmt::print("wrote {}: normal map, {} x {}, green {}, n-scale {:.4g}, {:.1f} s\n", written.output.string(),
-               written.report.at("width").get<int>(), written.report.at("height").get<int>(),
-               name_of(job.normal_y), written.report.at("n_scale").get<double>(), written.seconds);
+    say("wrote {}: normal map, {} x {}, green {}, n-scale {:.4g}, {:.1f} s", written.output.string(),
+        written.report.at("width").get<int>(), written.report.at("height").get<int>(), name_of(job.normal_y),
+        written.report.at("n_scale").get<double>(), written.seconds);
 }
 
 } // namespace umbrix_cli

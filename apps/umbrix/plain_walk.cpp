@@ -3,6 +3,7 @@
 
 #include "failure.h"
 #include "put_text.h"
+#include "say.h"
 #include "temporary.h"
 #include "worker_pool.h"
 
@@ -54,7 +55,7 @@ public:
 
     void note(std::size_t, std::string const& file, std::string const& text, bool) override
     {
-        put_text(stderr, fmt::format("{}: note: {}: {}\n", kCommand, file, text));
+        say_note(kCommand, file + ": " + text);
     }
 
     void end(PoolEnding const& ending) override { failure_ = ending.failure; }
@@ -89,9 +90,8 @@ void run_plain_walk(PlainWalk const& walk, Interrupts const& interrupts)
     if (client.failure()) {
         throw Failure(*client.failure());
     }
-    put_text(stdout,
-             fmt::format("{}: the walk ran to its end; the library does not tell what became of each file\n",
-                         walk.folder.string()));
+    say("{}: the walk ran to its end; the library does not tell what became of each file",
+        walk.folder.string());
 }
 
 } // namespace umbrix_cli

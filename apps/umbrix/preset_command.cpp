@@ -5,6 +5,7 @@
 #include "map_usage.h"
 #include "normal_y_option.h"
 #include "option_table.h"
+#include "say.h"
 #include "text_file.h"
 
 #include <CLI/Error.hpp>
@@ -38,7 +39,7 @@ void print(nlohmann::ordered_json const& object)
 
 void print_table(std::string const& name, Preset const& preset)
 {
-    fmt::print("{}{}{}\n", name, preset.description.empty() ? "" : ": ", preset.description);
+    say("{}{}{}", name, preset.description.empty() ? "" : ": ", preset.description);
     char const* group = "";
     for (OptionRow const& row : option_table()) {
         if (group != row.group) {
@@ -135,8 +136,8 @@ void PresetCommand::save()
     check_preset_output(name_, overwrite_);
     check_map_usage(settings_, "");
     write_text_file(name_, preset_text({description_, settings_}), overwrite_);
-    fmt::print("wrote {}: preset, {} of {} options differ from the defaults\n", name_,
-               count_of_differences(settings_), option_table().size());
+    say("wrote {}: preset, {} of {} options differ from the defaults", name_, count_of_differences(settings_),
+        option_table().size());
 }
 
 void PresetCommand::list() const

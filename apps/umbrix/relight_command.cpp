@@ -2,6 +2,7 @@
 #include "relight_command.h"
 
 #include "option_table.h"
+#include "say.h"
 
 #include <CLI/Error.hpp>
 #include <fmt/format.h>
@@ -79,9 +80,9 @@ void RelightCommand::run(Interrupts const& interrupts)
     std::string const light = directions_ == 0
                                   ? fmt::format("azimuth {}", azimuth_degrees_)
                                   : fmt::format("{} azimuths from {}", directions_, azimuth_degrees_);
-    fmt::print("wrote {}: {} x {}, light from {}, elevation {}\n", written.output.string(),
-               written.report.at("width").get<int>(), written.report.at("height").get<int>(), light,
-               elevation_degrees_);
+    say("wrote {}: {} x {}, light from {}, elevation {}", written.output.string(),
+        written.report.at("width").get<int>(), written.report.at("height").get<int>(), light,
+        elevation_degrees_);
 }
 
 } // namespace umbrix_cli

@@ -7,7 +7,7 @@
 #include "option_table.h"
 #include "output_format.h"
 #include "preflight.h"
-#include "put_text.h"
+#include "say.h"
 #include "stack_example.h"
 #include "stack_file.h"
 #include "stack_target.h"
@@ -25,11 +25,6 @@ namespace fs = std::filesystem;
 
 constexpr char const* kCommand = "umbrix stack";
 constexpr char const* kStack = "Stack";
-
-void note(std::string const& text)
-{
-    put_text(stderr, fmt::format("{}: note: {}\n", kCommand, text));
-}
 
 void check_that_no_layer_is_lost(fs::path const& output, StackDescription const& description)
 {
@@ -119,11 +114,10 @@ void StackCommand::write_example() const
     }
     fs::path const file = common_.input.empty() ? "stack.toml" : common_.input;
     if (!write_example_stack(file, common_.overwrite)) {
-        note(fmt::format("{}: the example textures are not near; change the names of its files",
-                         file.string()));
+        say_note(kCommand, fmt::format("{}: the example textures are not near; change the names of its files",
+                                       file.string()));
     }
-    fmt::print("wrote {}: an example stack; {} {} makes its normal map\n", file.string(), kCommand,
-               file.string());
+    say("wrote {}: an example stack; {} {} makes its normal map", file.string(), kCommand, file.string());
 }
 
 std::vector<StackTarget> StackCommand::targets_for(StackDescription const& description) const
@@ -163,14 +157,14 @@ void StackCommand::run(Interrupts const& interrupts)
 
     std::vector<StackTarget> targets = targets_for(file.description);
     for (std::string const& each : file.notes) {
-        note(each);
+        say_note(kCommand, each);
     }
 
     Job job;
     for (StackTarget& target : targets) {
         OutputFormat const& format = *output_format(target.named());
         if (*format.warning != '\0') {
-            note(fmt::format("{}: {}", target.named().string(), format.warning));
+            say_note(kCommand, fmt::format("{}: {}", target.named().string(), format.warning));
         }
         remove_leftovers_beside(target.named());
         target.open(job.stack);
@@ -193,9 +187,9 @@ void StackCommand::run(Interrupts const& interrupts)
     }
     std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start;
     for (StackTarget const& target : targets) {
-        fmt::print("wrote {}: {}, {} x {}, of {} layers, {:.1f} s\n", target.named().string(), target.what(),
-                   report.at("width").get<int>(), report.at("height").get<int>(),
-                   report.at("layers").get<int>(), taken.count());
+        say("wrote {}: {}, {} x {}, of {} layers, {:.1f} s", target.named().string(), target.what(),
+            report.at("width").get<int>(), report.at("height").get<int>(), report.at("layers").get<int>(),
+            taken.count());
     }
 }
 

@@ -2,10 +2,10 @@
 #include "supervise.h"
 
 #include "put_text.h"
+#include "say.h"
 
 #include <cerrno>
 #include <cstring>
-#include <fmt/format.h>
 #include <iterator>
 #include <poll.h>
 
@@ -20,7 +20,7 @@ Hearing shown_by(ProgressDisplay& display, Supervision const& supervision)
     hearing.note = [&](std::string const& file, std::string const& text, bool detail) {
         if (supervision.verbose || !detail) {
             display.clear();
-            put_text(stderr, fmt::format("{}: note: {}: {}\n", supervision.command, file, text));
+            say_note(supervision.command, file + ": " + text);
         }
     };
     return hearing;

@@ -145,6 +145,45 @@ TEST_F(ToolUsage, QuotesControlCharactersAsNumbers)
     EXPECT_EQ(cut_off.find('\n'), cut_off.size() - 1) << cut_off;
 }
 
+TEST_F(ToolUsage, PrintsNamesThatControlNoTerminal)
+{
+    std::string const name = "a\x1b[2J\n";
+    std::string const shown = "a\\x1B[2J\\x0A";
+    write(name + ".tga", hill(8));
+    std::string const source = name + ".tga";
+    std::string const stack = "[[layer]]\nfile = 'hill.tga'\n";
+    write(name + ".toml", Bytes(stack.begin(), stack.end()));
+    std::filesystem::create_directory(folder() / name);
+    write(name + "/b.tga", hill(8));
+    for (Arguments const& arguments : {
+             Arguments{"map", source, "--rays", "1"},
+             Arguments{"normal", source},
+             Arguments{"relight", source},
+             Arguments{"info", source},
+             Arguments{"fit", source, name + "_Normal.tga", "--save-preset", name + "_fit.toml"},
+             Arguments{"stack", name + ".toml", "-o", name + "_stack.dds"},
+             Arguments{"stack", "--new", name + "_new.toml"},
+             Arguments{"preset", "save", name + "_preset.toml"},
+             Arguments{"preset", "show", name + "_preset.toml"},
+             Arguments{"batch", name, "--rays", "1", "--dry-run"},
+             Arguments{"batch", name, "--rays", "1"},
+             Arguments{"list", "add", name + ".ulist", source},
+             Arguments{"list", "set", name + ".ulist", "1", "--rays", "1"},
+             Arguments{"list", "show", name + ".ulist"},
+             Arguments{"list", "run", name + ".ulist", "--overwrite"},
+             Arguments{"list", "export", name + ".ulist", "-o", name + "_list.toml"},
+             Arguments{"list", "import", name + "_list.toml"},
+             Arguments{"list", "remove", name + ".ulist", "1"},
+         }) {
+        Outcome const outcome = run(arguments);
+        std::string const said = outcome.out + outcome.err;
+        EXPECT_EQ(outcome.code, 0) << testing::PrintToString(arguments) << said;
+        EXPECT_NE(said.find(shown), std::string::npos) << said;
+        EXPECT_EQ(said.find("a\x1b"), std::string::npos) << said;
+        EXPECT_EQ(said.find("[2J\n"), std::string::npos) << said;
+    }
+}
+
 TEST_F(ToolUsage, ShowsProgressAsAsked)
 {
     auto const progress = [&](char const* style) {
