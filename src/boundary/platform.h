@@ -17,10 +17,10 @@ inline constexpr int kRandomMax = 32767;
 /// A message with a title and an OK button; on POSIX one line on standard error.
 void show_message(char const* text, char const* title);
 
-/// Next value of a 15-bit generator, 0 to `kRandomMax`. May be called from many threads; they then share one
-/// sequence in no fixed order.
+/// Next value of a 15-bit generator, 0 to `kRandomMax`. May be called from many threads: on POSIX they share
+/// one sequence in no fixed order, on Windows each has its own.
 int random();
-/// Starts that generator anew.
+/// Starts that generator anew, on Windows that of the calling thread.
 void seed_random(unsigned seed);
 
 /// Seconds since 1970.
@@ -52,7 +52,8 @@ struct FolderEntry {
 };
 
 /// The entries of the current directory whose names match @p pattern, "." and ".." included where they match,
-/// in the order of the names. `*` stands for any characters and `?` for one; letter case is ignored, and
+/// on POSIX in the order of the names, on Windows as the file system gives them. `*` stands for any
+/// characters and `?` for one; letter case is ignored, and
 /// "*.*" matches every entry, also one without a dot. The list is complete when this returns: what is created
 /// later does not show up in it.
 std::vector<FolderEntry> list_current_directory(char const* pattern);

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "boundary/output_name_internal.h"
+#include "boundary/platform.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <stdexcept>
+#include <string>
 
 namespace {
 
@@ -23,13 +26,21 @@ void PrintTo(Row const& row, std::ostream* out)
     *out << row.folder << "/" << row.name;
 }
 
+/// The path as this system writes it.
+std::string native(std::string path)
+{
+    std::replace(path.begin(), path.end(), '/', umbrixlib::detail::platform::kSeparator);
+    return path;
+}
+
 class OutputName : public testing::TestWithParam<Row> {};
 
 TEST_P(OutputName, FollowsTheTable)
 {
     Row const& row = GetParam();
-    EXPECT_EQ(output_name(row.folder, row.name, "_Normal", TagSearch::kWholePath), row.whole_path);
-    EXPECT_EQ(output_name(row.folder, row.name, "_Umbrix", TagSearch::kFileName), row.file_name);
+    std::string const folder = native(row.folder);
+    EXPECT_EQ(output_name(folder, row.name, "_Normal", TagSearch::kWholePath), native(row.whole_path));
+    EXPECT_EQ(output_name(folder, row.name, "_Umbrix", TagSearch::kFileName), native(row.file_name));
 }
 
 INSTANTIATE_TEST_SUITE_P(

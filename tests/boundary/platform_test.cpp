@@ -54,9 +54,9 @@ protected:
             std::ofstream(folder_ / name) << "x";
         }
         std::filesystem::create_directory(folder_ / "sub.tga");
-        EXPECT_TRUE(platform::change_directory(folder_.path().c_str()));
+        EXPECT_TRUE(platform::change_directory(folder_.path().string().c_str()));
     }
-    ~PlatformFolder() override { EXPECT_TRUE(platform::change_directory(before_.c_str())); }
+    ~PlatformFolder() override { EXPECT_TRUE(platform::change_directory(before_.string().c_str())); }
 
     static std::vector<std::string> names(char const* pattern)
     {
@@ -64,6 +64,9 @@ protected:
         for (auto const& entry : platform::list_current_directory(pattern)) {
             found.push_back(entry.name);
         }
+#if defined(_WIN32)
+        std::sort(found.begin(), found.end()); // they come in the order of the file system
+#endif
         return found;
     }
 

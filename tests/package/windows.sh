@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Compiles for Windows whatever needs no library that is there for Linux alone: everything but DevIL's one place.
+# Compiles for Windows whatever needs no library that is there for Linux alone: everything but DevIL's one place. Then
+# links the tests of the foundation and of the platform's Windows side, and runs them if there is wine to do so.
 #   windows.sh SOURCE_TREE WORK HIGHWAY_INCLUDE_DIR
 set -euo pipefail
 source_tree=$1 work=$2 highway=$3
@@ -31,3 +32,20 @@ for folder in src velloric/src; do
 done
 [ -f "$work/src_boundary_platform_windows.cpp.o" ] || { echo "the platform's Windows side was not compiled" >&2; exit 1; }
 echo "$count sources compiled for Windows"
+
+googletest=/usr/src/googletest # of Debian's package
+tests=()
+for test in foundation/{arrays,linked_list,retained_buffer,rounding,text,vector_math} \
+    boundary/{folder_walk,large_array,output_name,platform}; do
+    tests+=("$source_tree/tests/${test}_test.cpp")
+done
+program=$work/windows_test.exe
+"$compiler" -std=c++20 -O1 -fopenmp -ffp-contract=off -fno-sized-deallocation -static -DUMBRIX_BUILDING \
+    -I"$source_tree/src" -I"$source_tree/tests/support" -I$googletest/google{test,mock}{,/include} \
+    $googletest/googletest/src/gtest-all.cc $googletest/googlemock/src/gmock{-all,_main}.cc "${tests[@]}" \
+    "$work"/src_{foundation,boundary}_*.o -o "$program"
+if command -v wine > /dev/null; then
+    WINEPREFIX=$work/wine WINEDEBUG=-all wine "$program"
+else
+    echo "there is no wine: the tests are built, and not run"
+fi
