@@ -130,15 +130,16 @@ TEST_F(ToolInput, RefusesMoreTexelsThanAllowed)
 
 TEST_F(ToolInput, TakesNamesWithSpacesAndForeignLetters)
 {
-    for (std::string const name :
-         {"two words.tga", "Höhe über Grund.tga", "高さ.tga", "not \xff utf-8.tga"}) {
-        write(name, hill(16));
-        Outcome const outcome = run({"map", name});
+    for (auto const& [name, shown] :
+         {std::pair("two words", "two words"), std::pair("Höhe über Grund", "Höhe über Grund"),
+          std::pair("高さ", "高さ"), std::pair("not \xff utf-8", "not \\xFF utf-8")}) {
+        std::string const source = std::string(name) + ".tga";
+        write(source, hill(16));
+        Outcome const outcome = run({"map", source});
         EXPECT_EQ(outcome.code, 0) << name << outcome.err;
-        std::string const made = name.substr(0, name.size() - 4) + "_Umbrix.tga";
-        EXPECT_TRUE(files().contains(made)) << made;
-        EXPECT_NE(outcome.out.find(made), std::string::npos) << outcome.out;
-        EXPECT_EQ(run({"info", name, "--json"}).code, 0);
+        EXPECT_TRUE(files().contains(std::string(name) + "_Umbrix.tga")) << name;
+        EXPECT_EQ(outcome.out.find("wrote " + std::string(shown) + "_Umbrix.tga: "), 0U) << outcome.out;
+        EXPECT_EQ(run({"info", source, "--json"}).code, 0);
     }
 }
 
