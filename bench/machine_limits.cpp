@@ -16,6 +16,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace umbrixlib::bench::HWY_NAMESPACE {
+namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr std::size_t kLoops = 1 << 20;
@@ -143,6 +144,7 @@ char const* target_name()
     return hwy::TargetName(HWY_TARGET);
 }
 
+} // namespace
 } // namespace umbrixlib::bench::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

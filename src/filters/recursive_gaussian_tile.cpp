@@ -15,6 +15,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace umbrixlib::detail::HWY_NAMESPACE {
+namespace {
 
 /// Rounding::kOnce. A product of two floats is exact in double, so fusing it with the sum or difference that
 /// follows changes no bit.
@@ -248,6 +249,7 @@ void filter_tile(GaussianPass const& pass, std::size_t first_line, float* worksp
     with_filter(pass, [&](auto filter) HWY_ATTR { filter.filter(pass, first_line, workspace); });
 }
 
+} // namespace
 } // namespace umbrixlib::detail::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -14,6 +14,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace umbrixlib::detail::HWY_NAMESPACE {
+namespace {
 
 using Values = hn::Vec<HalfFloats>;
 
@@ -117,6 +118,7 @@ void sweep_colours(float* floats, std::size_t count, ToneSteps const& steps)
     sweep_floats<true>(floats, count, steps);
 }
 
+} // namespace
 } // namespace umbrixlib::detail::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

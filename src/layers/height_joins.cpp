@@ -14,6 +14,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace umbrixlib::detail::HWY_NAMESPACE {
+namespace {
 
 using Values = hn::Vec<HalfFloats>;
 using Wide = hn::Vec<Doubles>;
@@ -125,6 +126,7 @@ void join(HeightJoin join, float* blend, float const* layer, float scale, float 
     }
 }
 
+} // namespace
 } // namespace umbrixlib::detail::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

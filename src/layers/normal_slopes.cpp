@@ -14,6 +14,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace umbrixlib::detail::HWY_NAMESPACE {
+namespace {
 
 using Values = hn::Vec<HalfFloats>;
 using Wide = hn::Vec<Doubles>;
@@ -319,6 +320,7 @@ void join_all(SlopeStep const* steps, std::size_t step_count, float3 const* from
     }
 }
 
+} // namespace
 } // namespace umbrixlib::detail::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Usage: check.py contracts|includes|licences ROOT. Prints each fault; fails if there is one."""
+"""Usage: check.py contracts|includes|licences|vector_code ROOT. Prints each fault; fails if there is one."""
 
 import importlib
 import sys

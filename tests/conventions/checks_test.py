@@ -8,6 +8,7 @@ from pathlib import Path
 import contracts
 import includes
 import licences
+import vector_code
 
 
 class Tree(unittest.TestCase):
@@ -80,6 +81,33 @@ class Includes(Tree):
     def test_devil_outside_the_boundary_is_found(self):
         self.assertEqual(self.faults_of("boundary/image_io.cpp", "#include <IL/il.h>\n"), [])
         self.assertEqual(len(self.faults_of("umbrix/file.cpp", "#include <IL/il.h>\n")), 1)
+
+
+class VectorCode(Tree):
+    SOURCE = '#define HWY_TARGET_INCLUDE "{}"\n{}'
+    LOCAL = "namespace a::HWY_NAMESPACE {\nnamespace {\n"
+    SHARED = "namespace a::HWY_NAMESPACE {\n\nvoid add();\n"
+
+    def faults_of(self, included, text):
+        self.write("src/filters/sum.cpp", self.SOURCE.format(included, text))
+        return vector_code.check(self.root)
+
+    def test_unnamed_namespace_is_accepted(self):
+        self.assertEqual(self.faults_of("filters/sum.cpp", self.LOCAL), [])
+
+    def test_named_namespace_alone_is_found(self):
+        faults = self.faults_of("filters/sum.cpp", self.SHARED)
+        self.assertEqual(faults, ["src/filters/sum.cpp: its vector code is in no unnamed namespace"])
+
+    def test_file_that_is_compiled_instead_is_read(self):
+        self.write("src/filters/sum-inl.h", self.LOCAL)
+        self.assertEqual(self.faults_of("sum-inl.h", ""), [])
+        self.write("src/filters/sum-inl.h", self.SHARED)
+        self.assertEqual(len(self.faults_of("sum-inl.h", "")), 1)
+
+    def test_other_sources_are_left_alone(self):
+        self.write("src/filters/plain.cpp", self.SHARED)
+        self.assertEqual(vector_code.check(self.root), [])
 
 
 class Licences(Tree):

@@ -16,6 +16,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace velloric::HWY_NAMESPACE {
+namespace {
 
 /// Filters texels @p x to @p x + kVectors * kLanes - 1 of the row. Every texel sums up its taps in the order
 /// of the window's rows and columns, each operation rounded.
@@ -72,6 +73,7 @@ void filter_row(BilateralWindow const& window, float* result, std::size_t width)
     filter_blocks<TableWeights>(window, result, width);
 }
 
+} // namespace
 } // namespace velloric::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

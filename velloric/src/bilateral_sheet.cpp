@@ -17,6 +17,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace velloric::HWY_NAMESPACE {
+namespace {
 
 #if HWY_NATIVE_FMA
 /// A sheet on its way through the filter. Two rows that are `down` apart meet once: the weights of their
@@ -246,6 +247,7 @@ bool filter_sheet(BilateralSheet const& /*sheet*/)
 }
 #endif
 
+} // namespace
 } // namespace velloric::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -12,6 +12,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace velloric::HWY_NAMESPACE {
+namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
 using Doubles = hn::ScalableTag<double>;
@@ -94,6 +95,7 @@ void overlay_fade(float const* first, float const* second, float* result, std::s
     fade_row<Overlay>(first, second, result, count, share);
 }
 
+} // namespace
 } // namespace velloric::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

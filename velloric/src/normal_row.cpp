@@ -14,6 +14,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace velloric::HWY_NAMESPACE {
+namespace {
 
 /// Normals of kLanes texels. @p row points at the left neighbour of the first.
 HWY_INLINE void normal_block(float const* below, float const* row, float const* above, float3* normals)
@@ -58,6 +59,7 @@ void normal_row(float const* below, float const* row, float const* above, float3
     }
 }
 
+} // namespace
 } // namespace velloric::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -29,6 +29,8 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+namespace {
+
 constexpr int kRows = kGroupRows;
 static_assert(kTileRows % kRows == 0);
 
@@ -415,6 +417,7 @@ void CountBytesBlocked(Relief const& relief, ByteLattice const& lattice,
     TileCounter<Bytes>(relief, lattice, plane, bundle, tile, blocked).count();
 }
 
+} // namespace
 } // namespace HWY_NAMESPACE
 } // namespace velloric
 HWY_AFTER_NAMESPACE();

@@ -14,6 +14,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace velloric::HWY_NAMESPACE {
+namespace {
 
 /// The vectors from @p normals on that fill a register.
 HWY_INLINE void scale_block(float3* normals, hn::Vec<Doubles> factor)
@@ -49,6 +50,7 @@ void scale_row(float3* normals, std::size_t count, float factor)
     }
 }
 
+} // namespace
 } // namespace velloric::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
