@@ -62,11 +62,12 @@ void make_folder_of(fs::path const& target)
     }
 }
 
-/// A name that leaves room for the bar beside it, cut at the front where no letter of UTF-8 is torn.
+/// A name for a terminal that leaves room for the bar beside it, cut at the front where no letter of UTF-8 is
+/// torn.
 std::string short_name(fs::path const& file)
 {
     constexpr std::size_t kLongest = 40;
-    std::string const name = file.filename().string();
+    std::string const name = printable(file.filename().string());
     if (name.size() <= kLongest) {
         return name;
     }

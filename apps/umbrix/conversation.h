@@ -4,6 +4,7 @@
 #include "failure.h"
 #include "job.h"
 #include "phase.h"
+#include "utf8.h"
 #include "worker_process.h"
 
 #include <chrono>
@@ -53,8 +54,8 @@ public:
     /// Waits for the worker's end. Its report, or the Failure that it told or that its sudden end means.
     nlohmann::json finish();
 
-    /// The last that libraries printed in the worker.
-    std::string const& chatter() const { return chatter_; }
+    /// The last that libraries printed in the worker, for a terminal: it may be taken from the picture.
+    std::string chatter() const { return printable_lines(chatter_); }
 
     /// Largest memory of the worker in KiB, after finish(); also if that threw.
     long peak_kib() const { return worker_.peak_kib(); }

@@ -91,4 +91,14 @@ std::string printable(std::string_view text)
     return result;
 }
 
+std::string printable_lines(std::string_view text)
+{
+    std::string result;
+    for (std::size_t end = 0; (end = text.find('\n')) != std::string_view::npos;
+         text.remove_prefix(end + 1)) {
+        result += printable(text.substr(0, end)) + '\n';
+    }
+    return result + printable(text);
+}
+
 } // namespace umbrix_cli

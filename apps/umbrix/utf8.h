@@ -18,4 +18,7 @@ bool has_control_characters(std::string_view text);
 /// @p text for a terminal: control characters and what is no UTF-8 as \x1B.
 std::string printable(std::string_view text);
 
+/// The same for a text of several lines, which stay what they are.
+std::string printable_lines(std::string_view text);
+
 } // namespace umbrix_cli

@@ -167,6 +167,7 @@ TEST_F(ToolUsage, PrintsNamesThatControlNoTerminal)
              Arguments{"preset", "show", name + "_preset.toml"},
              Arguments{"batch", name, "--rays", "1", "--dry-run"},
              Arguments{"batch", name, "--rays", "1"},
+             Arguments{"batch", source, "--rays", "1", "--overwrite", "--progress", "lines"},
              Arguments{"list", "add", name + ".ulist", source},
              Arguments{"list", "set", name + ".ulist", "1", "--rays", "1"},
              Arguments{"list", "show", name + ".ulist"},

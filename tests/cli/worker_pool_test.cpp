@@ -306,10 +306,11 @@ TEST_F(WorkerPool, SharesTheProcessorsOut)
 
 TEST_F(WorkerPool, KeepsTheLastThatLibrariesPrinted)
 {
-    Director director({"say hello wait 20", "say bye fail badly"});
-    EXPECT_TRUE(run(director, 2, 1));
+    Director director({"say hello wait 20", "say bye fail badly", "say \x1b[2J wait 1"});
+    EXPECT_TRUE(run(director, 3, 1));
     EXPECT_EQ(director.endings.at(0).chatter, "hello");
     EXPECT_EQ(director.endings.at(1).chatter, "bye");
+    EXPECT_EQ(director.endings.at(2).chatter, "\\x1B[2J");
 }
 
 TEST_F(WorkerPool, MeasuresTheMemoryOfEachWorker)
