@@ -4,6 +4,7 @@
 #include "dds_file.h"
 #include "devil.h"
 #include "failure.h"
+#include "hdr_file.h"
 
 #include <IL/il.h>
 #include <algorithm>
@@ -73,6 +74,7 @@ bool ran_out_of_memory()
 DecodedImage::DecodedImage(std::filesystem::path const& file, std::string const& subject, double max_texels)
 {
     refuse_dds_with_too_little_data(file, subject);
+    refuse_hdr_with_damaged_rows(file, subject);
     start_devil();
     FileStamp const before = stamp_of(file);
     bool const loaded = ilLoadImage(file.c_str()) != 0;

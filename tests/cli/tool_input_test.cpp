@@ -128,6 +128,73 @@ TEST_F(ToolInput, RefusesMoreTexelsThanAllowed)
     EXPECT_EQ(run({"info", "hill.tga", "--max-texels", "1024"}).code, 0);
 }
 
+/// Radiance pictures of 8 x 2 from their size line and rows.
+class ToolInputHdr : public ToolInput {
+protected:
+    using Row = std::vector<std::uint8_t>;
+
+    static Row joined(std::vector<Row> const& parts)
+    {
+        Row all;
+        for (Row const& part : parts) {
+            all.insert(all.end(), part.begin(), part.end());
+        }
+        return all;
+    }
+
+    Outcome look_at(std::string const& size, std::vector<Row> const& rows) const
+    {
+        std::string const head = "#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n" + size + "\n";
+        write("x.hdr", joined({Row(head.begin(), head.end()), joined(rows)}));
+        return run({"info", "x.hdr"});
+    }
+
+    Row const start{2, 2, 0, 8};
+    Row const run_of_eight{136, 100};
+    Row const eight{8, 1, 2, 3, 4, 5, 6, 7, 8};
+    Row const runs = joined({start, run_of_eight, run_of_eight, run_of_eight, run_of_eight});
+    Row const stretches = joined({start, eight, eight, eight, eight});
+    Row const pixel{9, 9, 9, 128};
+    Row const pixels = joined({pixel, pixel, pixel, pixel, pixel, pixel, pixel, pixel});
+    Row const repeated = joined({pixel, {1, 1, 1, 7}});
+};
+
+TEST_F(ToolInputHdr, TakesEachFormOfARow)
+{
+    for (Row const& row : {runs, stretches, pixels, repeated}) {
+        Outcome const outcome = look_at("-Y 2 +X 8", {row, row});
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_EQ(outcome.out.find("x.hdr: 8 x 2, 32-bit colour"), 0U) << outcome.out;
+    }
+}
+
+TEST_F(ToolInputHdr, RefusesRowsThatAreDamaged)
+{
+    Row cut = stretches;
+    cut.pop_back();
+    Row const too_long_a_run = joined({start, {137, 100}, run_of_eight, run_of_eight, run_of_eight});
+    Row const too_long_a_stretch = joined({start, {9, 1, 2, 3, 4, 5, 6, 7, 8, 9}, eight, eight, eight});
+    Row const of_another_width = joined({{2, 2, 0, 9}, {137, 1}, {137, 1}, {137, 1}, {137, 1}});
+    Row const repeats_nothing{1, 1, 1, 8};
+    Row const repeats_too_often = joined({pixel, {1, 1, 1, 8}});
+    Row const repeats_far_too_often = joined({pixel, {1, 1, 1, 1}, {1, 1, 1, 1}});
+    for (Row const& row : {cut, too_long_a_run, too_long_a_stretch, of_another_width, repeats_nothing,
+                           repeats_too_often, repeats_far_too_often, Row{}}) {
+        Outcome const outcome = look_at("-Y 2 +X 8", {runs, row});
+        EXPECT_EQ(outcome.code, 1) << testing::PrintToString(row);
+        EXPECT_TRUE(complains_about(outcome, "umbrix info", "x.hdr"));
+        EXPECT_NE(outcome.err.find("its rows are not what its size asks for"), std::string::npos)
+            << outcome.err;
+    }
+    for (std::string const& size :
+         {std::string("-Y 2 +X 9"), std::string("-Y 3 +X 8"), std::string("-Y 0 +X 8"), std::string("-Y 2"),
+          std::string("8 2"), std::string(200, ' ') + "-Y 2 +X 8"}) {
+        Outcome const outcome = look_at(size, {runs, runs});
+        EXPECT_EQ(outcome.code, 1) << size;
+        EXPECT_TRUE(complains_about(outcome, "umbrix info", "x.hdr"));
+    }
+}
+
 TEST_F(ToolInput, TakesNamesWithSpacesAndForeignLetters)
 {
     for (auto const& [name, shown] :
