@@ -87,37 +87,42 @@ public:
     }
 
 private:
-    static void send_descriptor(int socket, int descriptor)
-    {
+    /// A message of one byte, with room for a descriptor.
+    struct DescriptorMessage {
+        DescriptorMessage()
+        {
+            head.msg_iov = &content;
+            head.msg_iovlen = 1;
+            head.msg_control = control;
+            head.msg_controllen = sizeof control;
+        }
+        DescriptorMessage(DescriptorMessage const&) = delete;
+        DescriptorMessage& operator=(DescriptorMessage const&) = delete;
+
         char byte = 0;
         iovec content{&byte, 1};
         alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
-        msghdr message{};
-        message.msg_iov = &content;
-        message.msg_iovlen = 1;
-        message.msg_control = control;
-        message.msg_controllen = sizeof control;
-        cmsghdr* const head = CMSG_FIRSTHDR(&message);
-        head->cmsg_level = SOL_SOCKET;
-        head->cmsg_type = SCM_RIGHTS;
-        head->cmsg_len = CMSG_LEN(sizeof descriptor);
-        std::memcpy(CMSG_DATA(head), &descriptor, sizeof descriptor);
-        sendmsg(socket, &message, 0);
+        msghdr head{};
+    };
+
+    static void send_descriptor(int socket, int descriptor)
+    {
+        DescriptorMessage message;
+        cmsghdr* const part = CMSG_FIRSTHDR(&message.head);
+        part->cmsg_level = SOL_SOCKET;
+        part->cmsg_type = SCM_RIGHTS;
+        part->cmsg_len = CMSG_LEN(sizeof descriptor);
+        std::memcpy(CMSG_DATA(part), &descriptor, sizeof descriptor);
+        sendmsg(socket, &message.head, 0);
     }
 
     static int receive_descriptor(int socket)
     {
-        char byte = 0;
-        iovec content{&byte, 1};
-        alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
-        msghdr message{};
-        message.msg_iov = &content;
-        message.msg_iovlen = 1;
-        message.msg_control = control;
-        message.msg_controllen = sizeof control;
+        DescriptorMessage message;
         int descriptor = -1;
-        if (recvmsg(socket, &message, MSG_CMSG_CLOEXEC) == 1 && CMSG_FIRSTHDR(&message) != nullptr) {
-            std::memcpy(&descriptor, CMSG_DATA(CMSG_FIRSTHDR(&message)), sizeof descriptor);
+        if (recvmsg(socket, &message.head, MSG_CMSG_CLOEXEC) == 1 &&
+            CMSG_FIRSTHDR(&message.head) != nullptr) {
+            std::memcpy(&descriptor, CMSG_DATA(CMSG_FIRSTHDR(&message.head)), sizeof descriptor);
         }
         return descriptor;
     }
