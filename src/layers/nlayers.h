@@ -125,6 +125,10 @@ public:
     /// Blends layers @p order[0] to @p order[order_count - 1] into `result`, which is made anew, at the size
     /// of the first of them. Layers may be left out or repeated. The record before a layer's is that of the
     /// layer before it in @p order. Slopes are not scaled.
+    ///
+    /// @param order       Indices of layers, at least one, whatever @p order_count is: the first is always
+    ///                    read, except from an empty stack. Null does nothing.
+    /// @param order_count How many there are; 0 or less copies layer @p order[0] into `result`, as 1 does.
     void BlendLayers(int* order, int order_count);
     /// Blends as `BlendLayers(float3*)` does and writes the picture into @p bitmap, four bytes a texel: blue
     /// (z), green (y), red (x), and one that is left alone. Rows come in reverse order, without padding.

@@ -221,9 +221,12 @@ void NLayers::BlendLayers(float3* destination)
 
 void NLayers::BlendLayers(int* order, int order_count)
 {
-    if (order != nullptr && order_count > 0 && can_start(*this, *order)) {
+    if (Count() > 0 && order != nullptr && can_start(*this, *order)) {
         make_result(sizes.Get(*order));
-        blend_normals(*this, kInOrder, std::vector<int>(order, order + order_count), result, result);
+        // Contract: a count of 0 or less copies the first entry's layer; an empty blend is expected. Test:
+        // NLayersNormals.AnOrderOfNoEntriesCopiesItsFirstLayer
+        int const layers = std::max(order_count, 1);
+        blend_normals(*this, kInOrder, std::vector<int>(order, order + layers), result, result);
     }
 }
 

@@ -10,12 +10,15 @@
 
 #include <cmath>
 #include <gmock/gmock.h>
+#include <limits>
+#include <memory>
 #include <omp.h>
 #include <sstream>
 
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 using namespace umbrixlib::test;
 using Calls = std::vector<std::string>;
 
@@ -303,15 +306,43 @@ TEST_F(NLayersNormals, AnOrderMayLeaveOutAndRepeat)
     EXPECT_EQ(sum.y, 0.0f);
 }
 
+TEST_F(NLayersNormals, AnOrderOfNoEntriesCopiesItsFirstLayer)
+{
+    for (int const count : {0, -1, -3, std::numeric_limits<int>::min()}) {
+        SCOPED_TRACE(count);
+        ReferenceStack stack = three_layers(2, 100.0f);
+        stack.records[0].normal_scale = 0.5f;
+        BuiltStack built(stack);
+        int order[] = {1};
+        EXPECT_THAT(calls_of(built, [&] { built.layers.BlendLayers(order, count); }), IsEmpty())
+            << "neither blended nor scaled";
+        ASSERT_NE(built.layers.GetResult(), nullptr);
+        EXPECT_SAME_BITS(stack.layers[1].normals,
+                         std::vector<float3>(built.layers.GetResult(), built.layers.GetResult() + 6));
+        built.records.GetRef(2)->regenerate = true;
+        built.layers.BlendLayers(order, count);
+        EXPECT_FALSE(built.records.GetRef(2)->regenerate) << "all layers are generated";
+    }
+}
+
+TEST_F(NLayersNormals, AnEmptyStackReadsNoOrder)
+{
+    LinkedList<n_layer> records;
+    NLayers stack(&records);
+    auto const none = std::make_unique<int[]>(0); // a sanitizer ends the test at a read
+    stack.BlendLayers(none.get(), 0);
+    stack.BlendLayers(none.get(), -1);
+    EXPECT_EQ(stack.GetResult(), nullptr);
+}
+
 TEST_F(NLayersNormals, OrdersWithoutALayerAreLeftOut)
 {
     BuiltStack built(three_layers(3, 100.0f));
     int order[] = {0, -1, 99, 1};
     int outside[] = {3, 0};
     int negative[] = {-1, 0};
-    built.layers.BlendLayers(order, 0);
-    built.layers.BlendLayers(order, -3);
     built.layers.BlendLayers(nullptr, 2);
+    built.layers.BlendLayers(nullptr, 0);
     built.layers.BlendLayers(outside, 2);
     built.layers.BlendLayers(negative, 2);
     EXPECT_EQ(built.layers.GetResult(), nullptr);
