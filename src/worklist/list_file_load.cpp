@@ -36,6 +36,10 @@ public:
     }
 
     /// A length that is negative or beyond the end makes the file end at it.
+    ///
+    /// Contract: a text that the end of the file cuts in the middle is left out whole, so a job keeps its
+    /// default; the characters that are there would be expected. Test:
+    /// UmbrixListDamage.ATextCutInTheMiddleIsLeftOut
     void read(std::string& text)
     {
         std::uint32_t length = 0;
@@ -50,16 +54,19 @@ public:
 
     /// How many records to make, each of which takes @p least_bytes at least.
     ///
-    /// By contract all records that a file speaks of are made, also those beyond its end. So a small number
-    /// is taken at its word; of a large one only as many are made as the rest of the file could hold. A
-    /// damaged number then costs no memory that the size of the file does not justify.
+    /// Contract: the number is taken at its word, also where the file ends before: what is missing holds
+    /// default values. As many records as are there would be expected. Test:
+    /// UmbrixListDamage.ACountBeyondTheFileIsTakenAtItsWord
+    ///
+    /// The word of a hostile file is limited: it gets `kMostBeyondTheFile` records or as many as the rest of
+    /// the file could hold. 100,000 jobs take 40 megabytes, the largest number would take 700 gigabytes.
     int count(std::size_t least_bytes)
     {
-        constexpr std::streamoff kTakenAtItsWord = 64;
+        constexpr std::streamoff kMostBeyondTheFile = 100'000;
         std::uint32_t number = 0;
         read(number);
         std::streamoff const most =
-            std::max(kTakenAtItsWord, left_ / static_cast<std::streamoff>(least_bytes));
+            std::max(kMostBeyondTheFile, left_ / static_cast<std::streamoff>(least_bytes));
         return static_cast<int>(std::clamp<std::streamoff>(static_cast<std::int32_t>(number), 0, most));
     }
 

@@ -90,6 +90,13 @@ public:
     /// default values for what is missing. A failure is expected. Front ends check files themselves. Test:
     /// UmbrixListFile.AFileThatEndsEarlyLeavesTheDefaults
     ///
+    /// Contract: the file's numbers of jobs and of layers are taken at their word, also beyond its end, up to
+    /// 100,000; as many as are there would be expected. Test:
+    /// UmbrixListDamage.ACountBeyondTheFileIsTakenAtItsWord
+    ///
+    /// Contract: a text that the end of the file cuts in the middle is left out whole; the characters that
+    /// are there would be expected. Test: UmbrixListDamage.ATextCutInTheMiddleIsLeftOut
+    ///
     /// Contract: a text ends at its first zero byte, though it is saved whole. Test:
     /// UmbrixListFile.ATextIsSavedWholeAndReadUpToItsFirstZero
     bool load_list(std::string file);
