@@ -4,13 +4,13 @@
 /// transfers, and the ratio to the processor's own form. `coralith_bench [side] [rays]`, by default 1024
 /// and 64.
 #include "boundary/texture_kernels.h"
-#include "discovery.h"
-#include "grading_stage.h"
-#include "host_backend.h"
-#include "light_stage.h"
-#include "normal_stage.h"
+#include "host/backend.h"
 #include "normals/height_to_normal.h"
-#include "occlusion_stage.h"
+#include "session/discovery.h"
+#include "stages/grading.h"
+#include "stages/light.h"
+#include "stages/normals.h"
+#include "stages/occlusion.h"
 #include "umbrix/grading.h"
 
 #include "random_image.h"

@@ -14,7 +14,7 @@ function(bytes_of file result)
 endfunction()
 
 bytes_of(${DIALECT} bytes)
-set(code "// Made from the files in kernels/.\n#include \"kernel_sources.h\"\n\nnamespace coralith {\nnamespace {\n")
+set(code "// Made from the files in kernels/.\n#include \"opencl/kernel_sources.h\"\n\nnamespace coralith {\nnamespace {\n")
 string(APPEND code "constexpr char kBytesOfDialect[] = {\n${bytes}};\n")
 set(texts "")
 foreach(program IN LISTS PROGRAMS)

@@ -11,14 +11,18 @@ if(NOT UMBRIX_INSTALL)
     return()
 endif()
 
-# umbrix_public_headers(RESULT): the umbrella header and all that it includes, directly or through others.
+# umbrix_public_headers(RESULT): the umbrella header and all that it includes, directly or through others, as they are
+# included: those of common/ lie beside src/, the others in it.
 function(umbrix_public_headers result)
-    set(root ${PROJECT_SOURCE_DIR}/src)
     set(pending umbrixlib.h)
     set(found "")
     while(pending)
         list(POP_FRONT pending header)
         list(APPEND found ${header})
+        set(root ${PROJECT_SOURCE_DIR}/src)
+        if(header MATCHES "^common/")
+            set(root ${PROJECT_SOURCE_DIR})
+        endif()
         set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${root}/${header})
         file(STRINGS ${root}/${header} includes REGEX "^#include \"")
         list(TRANSFORM includes REPLACE "^#include \"([^\"]+)\".*" "\\1")
@@ -30,7 +34,6 @@ function(umbrix_public_headers result)
     if(private)
         message(FATAL_ERROR "umbrixlib.h reaches private headers: ${private}")
     endif()
-    list(TRANSFORM found PREPEND ${root}/)
     set(${result} ${found} PARENT_SCOPE)
 endfunction()
 
@@ -39,6 +42,10 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/UmbrixLib)
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 umbrix_public_headers(public_headers)
+set(common_headers ${public_headers})
+list(FILTER common_headers INCLUDE REGEX "^common/")
+list(FILTER public_headers EXCLUDE REGEX "^common/")
+list(TRANSFORM public_headers PREPEND ${PROJECT_SOURCE_DIR}/src/)
 target_sources(umbrix PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/src FILES ${public_headers})
 
 install(TARGETS umbrix velloric coralith EXPORT UmbrixLibTargets
@@ -46,6 +53,8 @@ install(TARGETS umbrix velloric coralith EXPORT UmbrixLibTargets
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library
     FILE_SET HEADERS DESTINATION ${include_dir} COMPONENT development)
+# No file set: the folder above common/ holds that of the other headers, which CMake refuses.
+install(FILES ${common_headers} DESTINATION ${include_dir}/common COMPONENT development)
 if(TARGET coralith_cuda) # opened at run time by the library beside it
     install(TARGETS coralith_cuda LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
 endif()

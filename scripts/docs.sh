@@ -17,7 +17,8 @@ public_headers() {
         case " $found " in *" $header "*) continue ;; esac
         found="$found $header"
         while read -r header; do
-            pending+=("src/$header")
+            [ -f "$header" ] || header=src/$header # those of common/ lie beside src/
+            pending+=("$header")
         done < <(sed -n 's/^#include "\([^"]*\)".*/\1/p' "$header")
     done
     echo "$found"

@@ -4,7 +4,7 @@
 /// @file
 /// What the operators are measured on: four of the example textures, as an 8-bit picture gives them.
 
-#include "foundation/vector_types.h"
+#include "common/vector_types.h"
 
 #include <array>
 #include <string>

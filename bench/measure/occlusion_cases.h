@@ -2,7 +2,7 @@
 #pragma once
 
 #include "boundary/texture_kernels.h"
-#include "foundation/vector_types.h"
+#include "common/vector_types.h"
 
 #include <array>
 #include <cstddef>

@@ -3,11 +3,11 @@
 /// Numbers and names of devices, and the order in which they are found.
 
 #include "boundary/gpu_library.h"
-#include "discovery.h"
-#include "opencl_api.h"
+#include "device/shared_library.h"
+#include "opencl/api.h"
 #include "report_log.h"
-#include "session.h"
-#include "shared_library.h"
+#include "session/discovery.h"
+#include "session/session.h"
 #include "test_devices.h"
 
 #include <cstdlib>

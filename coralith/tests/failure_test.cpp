@@ -6,7 +6,7 @@
 #include "random_image.h"
 #include "report_log.h"
 #include "same_bits.h"
-#include "session.h"
+#include "session/session.h"
 #include "test_devices.h"
 
 #include <gtest/gtest.h>

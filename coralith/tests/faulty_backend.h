@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "backend.h"
-#include "device.h"
+#include "device/backend.h"
+#include "device/device.h"
 
 #include <cstdlib>
 #include <memory>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "reports.h"
+#include "session/reports.h"
 
 #include <string>
 #include <vector>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "self_test.h"
+#include "session/self_test.h"
 
 #include "faulty_backend.h"
 #include "test_devices.h"

@@ -5,7 +5,7 @@
 #include "random_image.h"
 #include "report_log.h"
 #include "same_bits.h"
-#include "session.h"
+#include "session/session.h"
 #include "umbrix/grading.h"
 
 #include <gtest/gtest.h>

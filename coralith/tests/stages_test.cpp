@@ -4,13 +4,13 @@
 /// floats are compared bit for bit.
 
 #include "boundary/texture_kernels.h"
-#include "grading_stage.h"
-#include "light_stage.h"
-#include "normal_stage.h"
 #include "normals/height_to_normal.h"
-#include "occlusion_stage.h"
 #include "random_image.h"
 #include "same_bits.h"
+#include "stages/grading.h"
+#include "stages/light.h"
+#include "stages/normals.h"
+#include "stages/occlusion.h"
 #include "test_devices.h"
 #include "umbrix/grading.h"
 

@@ -5,9 +5,9 @@
 /// The devices that tests run on: all OpenCL devices of the machine, and its CUDA devices if the module was
 /// built. The scripts install an OpenCL driver for the processor, so there is one everywhere.
 
-#include "cuda_devices.h"
-#include "host_backend.h"
-#include "opencl_devices.h"
+#include "cuda/devices.h"
+#include "host/backend.h"
+#include "opencl/devices.h"
 
 #include <cstdlib>
 #include <functional>

@@ -19,8 +19,8 @@
 ///
 /// Results have the bits of the processor's own forms, on every device; `docs/graphics.md` says how.
 
-#include "foundation/export.h"
-#include "foundation/vector_types.h"
+#include "common/export.h"
+#include "common/vector_types.h"
 #include "umbrix/umbrix_options.h"
 
 #include <string>

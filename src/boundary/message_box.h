@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "foundation/export.h"
+#include "common/export.h"
 
 inline namespace umbrix_v0 {
 

@@ -12,20 +12,12 @@
 /// nothing; only then may a buffer be null. Buffers must not overlap but where a kernel says so. Results do
 /// not depend on the number of threads nor on the processor's instruction set.
 
-#include "foundation/export.h"
-#include "foundation/vector_types.h"
-#include "umbrix/modes.h"
+#include "common/export.h"
+#include "common/modes.h"
+#include "common/ray.h"
+#include "common/vector_types.h"
 
 inline namespace umbrix_v0 {
-
-/// One ray of the occlusion kernel: the step vector along which the ray advances by one texel in x. Belongs
-/// to the kernels; the pipelines only allocate arrays of it.
-struct ray {
-    float x; ///< Plus or minus 1 / width.
-    float y; ///< Rows passed per step, as a fraction of the image's height.
-    float z; ///< Height gained per step, in image widths.
-};
-static_assert(sizeof(ray) == 12, "the ray arrays cross the library border");
 
 /// Kind of blend of `Blend`.
 enum BlendType : int {

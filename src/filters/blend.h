@@ -12,8 +12,8 @@
 /// Threads: parallel loops inside; no state survives a call.
 /// Rounding: each element is computed in double and rounded to float once.
 
-#include "foundation/export.h"
-#include "foundation/vector_types.h"
+#include "common/export.h"
+#include "common/vector_types.h"
 
 inline namespace umbrix_v0 {
 

@@ -4,7 +4,7 @@
 /// @file
 /// The blends element by element. Every operand is widened to double; the result is rounded once.
 
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 
 namespace umbrixlib::detail {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "filters/high_fidelity.h"
 
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 #include "foundation/vector_math.h"
 
 namespace umbrixlib::detail {

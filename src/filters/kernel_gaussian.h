@@ -20,8 +20,8 @@
 ///
 /// Threads: the `float` forms share rows out to OpenMP threads, the others stay on the caller's.
 
-#include "foundation/export.h"
-#include "foundation/vector_types.h"
+#include "common/export.h"
+#include "common/vector_types.h"
 
 inline namespace umbrix_v0 {
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "filters/tone.h"
 
+#include "common/rounding.h"
 #include "filters/tone_internal.h"
-#include "foundation/rounding.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "filters/recursive_gaussian.h"
 
-#include "filters/gaussian_coefficients.h"
+#include "common/gaussian_coefficients.h"
 #include "filters/recursive_gaussian_tile.h"
 
 #include <algorithm>

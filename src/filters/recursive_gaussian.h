@@ -18,8 +18,8 @@
 /// PAMI 12(1), 1990. Each line runs once without output, from a state of zeros, then the run with output
 /// continues from the state that this leaves, forward and backward; the two are added.
 
-#include "foundation/export.h"
-#include "foundation/vector_types.h"
+#include "common/export.h"
+#include "common/vector_types.h"
 
 inline namespace umbrix_v0 {
 

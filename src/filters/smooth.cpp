@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "filters/tone.h"
 
-#include "foundation/vector_types.h"
+#include "common/vector_types.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "filters/tile_height.h"
 
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 
 #include <cstddef>
 #include <vector>

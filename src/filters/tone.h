@@ -19,8 +19,8 @@
 /// shares of one image may run at the same time. No state survives a call. Rounding: each operator forms a
 /// component's value in double and rounds it once, where it is stored.
 
-#include "foundation/export.h"
-#include "foundation/vector_types.h"
+#include "common/export.h"
+#include "common/vector_types.h"
 
 inline namespace umbrix_v0 {
 

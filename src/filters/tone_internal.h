@@ -4,8 +4,8 @@
 /// @file
 /// Pixels of a tone operator, and shares of them.
 
+#include "common/vector_types.h"
 #include "filters/tone_sweep.h"
-#include "foundation/vector_types.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -9,7 +9,7 @@
 /// Errors: a failed allocation raises, and leaves the old array and its count as they were.
 /// Threads: no state; one thread at a time for one array.
 
-#include "foundation/export.h"
+#include "common/export.h"
 
 #include <string>
 

@@ -10,7 +10,7 @@
 /// `tolower` and `toupper` stand beside the functions of the C library with these names, which take a
 /// character. Who passes one of the names on as a function says which is meant: `std::toupper`, or a lambda.
 
-#include "foundation/export.h"
+#include "common/export.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/vector_math.h"
 
-#include "foundation/float_functions_internal.h"
-#include "foundation/rounding.h"
+#include "common/float_functions.h"
+#include "common/rounding.h"
 
 #include <cmath>
 

@@ -7,8 +7,8 @@
 /// Nothing is checked: bad values pass through as the arithmetic leaves them. A pointer is to three floats
 /// and not null; two of them may be the same. Safe from any number of threads.
 
-#include "foundation/export.h"
-#include "foundation/vector_types.h"
+#include "common/export.h"
+#include "common/vector_types.h"
 
 inline namespace umbrix_v0 {
 

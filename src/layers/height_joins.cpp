@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "layers/height_joins.h"
 
-#include "filters/targets_internal.h"
+#include "common/vector_targets.h"
 
 #include <cstddef>
 #include <cstring>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "foundation/export.h"
+#include "common/export.h"
+#include "common/vector_types.h"
 #include "foundation/list.h"
 #include "foundation/n_layer.h"
-#include "foundation/vector_types.h"
 
 inline namespace umbrix_v0 {
 

@@ -3,7 +3,7 @@
 #include "layers/nlayers.h"
 
 #include "boundary/image_io.h"
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 #include "layers/layer_access_internal.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 #include "layers/nlayers.h"
 
 namespace umbrixlib::detail {

@@ -8,7 +8,7 @@
 /// Nothing is checked. With z = 0 a slope is infinite or NaN, and its unit vector NaN. A normal that points
 /// down comes out of a slope turned round.
 
-#include "foundation/vector_types.h"
+#include "common/vector_types.h"
 
 #include <cstddef>
 

@@ -3,8 +3,8 @@
 
 #include "boundary/large_array_internal.h"
 #include "boundary/texture_kernels.h"
+#include "common/rounding.h"
 #include "filters/recursive_gaussian.h"
-#include "foundation/rounding.h"
 #include "normals/filter_tables_internal.h"
 
 #include <cstddef>

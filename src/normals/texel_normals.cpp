@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "normals/texel_normals.h"
 
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 
 #include <cmath>
 #include <numbers>

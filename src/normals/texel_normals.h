@@ -5,8 +5,8 @@
 /// The normal at one texel from the heights around it, the texel pitch being 1. The caller chooses the
 /// neighbours at an image's border. A height that rises towards plus gives a negative component.
 
-#include "foundation/export.h"
-#include "foundation/vector_types.h"
+#include "common/export.h"
+#include "common/vector_types.h"
 
 inline namespace umbrix_v0 {
 

@@ -2,7 +2,7 @@
 #include "umbrix/file_gpu_run_internal.h"
 
 #include "boundary/texture_kernels.h"
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 #include "normals/filter_tables_internal.h"
 #include "umbrix/file_frame_internal.h"
 #include "umbrix/layer_heights_internal.h"

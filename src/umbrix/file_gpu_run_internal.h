@@ -3,8 +3,8 @@
 
 #include "boundary/gpu_library.h"
 #include "boundary/image_io.h"
+#include "common/vector_types.h"
 #include "foundation/retained_buffer_internal.h"
-#include "foundation/vector_types.h"
 #include "umbrix/layer_branch_internal.h"
 #include "umbrix/map_bytes_internal.h"
 #include "umbrix/umbrix_options.h"

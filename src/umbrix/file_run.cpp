@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "umbrix/file_run_internal.h"
 
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 #include "normals/filter_tables_internal.h"
 #include "normals/height_to_normal.h"
 #include "umbrix/file_frame_internal.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "boundary/gpu_library.h"
-#include "foundation/export.h"
+#include "common/export.h"
 #include "foundation/list.h"
 #include "foundation/n_layer.h"
 #include "layers/nlayers.h"

@@ -2,7 +2,7 @@
 #include "umbrix/texel_umbrix.h"
 
 #include "boundary/platform.h"
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 #include "umbrix/ray_directions_internal.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/rounding.h"
 #include "foundation/retained_buffer_internal.h"
-#include "foundation/rounding.h"
 #include "layers/nlayers.h"
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "foundation/vector_types.h"
+#include "common/vector_types.h"
 
 #include <cstddef>
 

@@ -2,7 +2,7 @@
 #include "umbrix/ray_directions_internal.h"
 
 #include "boundary/platform.h"
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 #include "foundation/vector_math.h"
 
 #include <cmath>

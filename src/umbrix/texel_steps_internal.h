@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "foundation/rounding.h"
-#include "foundation/vector_types.h"
+#include "common/rounding.h"
+#include "common/vector_types.h"
 
 #include <array>
 #include <cstddef>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "umbrix/texel_umbrix.h"
 
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 
 #include <climits>
 #include <cstddef>

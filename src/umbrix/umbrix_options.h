@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "foundation/vector_types.h"
-#include "umbrix/modes.h"
+#include "common/modes.h"
+#include "common/vector_types.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "foundation/export.h"
+#include "common/export.h"
 #include "foundation/list.h"
 #include "foundation/n_layer.h"
 #include "layers/nlayers.h"

@@ -6,7 +6,7 @@ from pathlib import Path
 
 from source_tree import files
 
-FOLDERS = ["src", "velloric", "coralith", "apps"]
+FOLDERS = ["common", "src", "velloric", "coralith", "apps"]
 TEST_FOLDERS = ["tests", "velloric", "coralith"]
 CODE = {".cpp", ".h"}
 

@@ -7,12 +7,11 @@ from pathlib import Path
 
 from source_tree import files
 
-ORDER = ["foundation", "boundary", "filters", "normals", "layers", "umbrix", "worklist"]
+ORDER = ["common", "foundation", "boundary", "filters", "normals", "layers", "umbrix", "worklist"]
 
 # (who includes, what is included). The boundary declares functions that take plain records of the pipelines; the folder
 # batch of normals drives a layer stack.
 EXCEPTIONS = [
-    ("boundary/*.h", "umbrix/modes.h"),
     ("boundary/*.h", "umbrix/umbrix_options.h"),
     ("normals/folder_to_normal*", "layers/*"),
 ]

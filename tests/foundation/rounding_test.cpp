@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 
 #include <gtest/gtest.h>
 #include <limits>

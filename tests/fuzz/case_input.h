@@ -4,8 +4,8 @@
 /// @file
 /// What the targets of the kernels make of their bytes.
 
+#include "common/vector_types.h"
 #include "every_target.h"
-#include "foundation/vector_types.h"
 #include "random_image.h"
 
 #include <algorithm>

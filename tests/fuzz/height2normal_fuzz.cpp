@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The kernels that make normals from heights and light from normals against their definitions.
-#include "basis.h"
 #include "case_input.h"
+#include "common/basis.h"
 #include "demand.h"
 #include "height_to_normal_reference.h"
 

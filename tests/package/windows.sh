@@ -14,7 +14,8 @@ ln -s "$highway/hwy" "$work/include/hwy" # the rest of that folder is Linux's ow
 compile() {
     local source=$1 exports=$2
     "$compiler" -std=c++20 -fopenmp -ffp-contract=off -Wall -Wextra -Werror -Wno-error=restrict -D"$exports" \
-        -I"$source_tree/src" -I"$source_tree/velloric/src" -I"$work/include" -c "$source_tree/$source" -o "$work/$(echo "$source" | tr / _).o"
+        -I"$source_tree" -I"$source_tree/src" -I"$source_tree/velloric/src" -I"$work/include" -c "$source_tree/$source" \
+        -o "$work/$(echo "$source" | tr / _).o"
 }
 
 sources() {
@@ -22,9 +23,9 @@ sources() {
 }
 
 count=0
-for folder in src velloric/src; do
+for folder in common src velloric/src; do
     exports=UMBRIX_BUILDING
-    [ "$folder" = src ] || exports=VELLORIC_BUILDING
+    [ "$folder" != velloric/src ] || exports=VELLORIC_BUILDING
     while read -r source; do
         compile "$source" "$exports"
         count=$((count + 1))
@@ -41,7 +42,7 @@ for test in foundation/{arrays,linked_list,retained_buffer,rounding,text,vector_
 done
 program=$work/windows_test.exe
 "$compiler" -std=c++20 -O1 -fopenmp -ffp-contract=off -fno-sized-deallocation -static -DUMBRIX_BUILDING \
-    -I"$source_tree/src" -I"$source_tree/tests/support" -I$googletest/google{test,mock}{,/include} \
+    -I"$source_tree" -I"$source_tree/src" -I"$source_tree/tests/support" -I$googletest/google{test,mock}{,/include} \
     $googletest/googletest/src/gtest-all.cc $googletest/googlemock/src/gmock{-all,_main}.cc "${tests[@]}" \
     "$work"/src_{foundation,boundary}_*.o -o "$program"
 if command -v wine > /dev/null; then

@@ -4,7 +4,7 @@
 /// @file
 /// The recursive Gaussian as it is defined: one line after the other, one component after the other.
 
-#include "foundation/vector_types.h"
+#include "common/vector_types.h"
 
 #include <cmath>
 #include <cstddef>

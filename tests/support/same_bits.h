@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/vector_types.h"
 #include "float_bits.h"
-#include "foundation/vector_types.h"
 
 #include <gtest/gtest.h>
 #include <vector>

@@ -5,7 +5,7 @@
 /// The tone operators as they are defined: one component after the other, formed in double, rounded at the
 /// store. Each visits pixels @p first, @p first + @p step and so on.
 
-#include "foundation/vector_types.h"
+#include "common/vector_types.h"
 
 #include <climits>
 #include <cmath>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "umbrix/map_bytes_internal.h"
 
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 #include "random_image.h"
 
 #include <algorithm>

@@ -4,8 +4,8 @@
 /// @file
 /// The bilateral filter as it is defined: texel by texel, tap by tap.
 
-#include "foundation/rounding.h"
-#include "foundation/vector_types.h"
+#include "common/rounding.h"
+#include "common/vector_types.h"
 
 #include <cmath>
 #include <cstddef>

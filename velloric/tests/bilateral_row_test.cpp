@@ -3,8 +3,8 @@
 /// Which way the inner loop of the bilateral filter comes by its range weights. The results do not show it,
 /// so the loop is handed a table that it must not read.
 
-#include "bilateral_row.h"
-#include "bilateral_sheet.h"
+#include "bilateral/row.h"
+#include "bilateral/sheet.h"
 
 #include "bilateral_filter_reference.h"
 #include "boundary/texture_kernels.h"

@@ -6,7 +6,7 @@
 /// equal.
 
 #include "boundary/texture_kernels.h"
-#include "foundation/rounding.h"
+#include "common/rounding.h"
 
 #include <algorithm>
 #include <climits>

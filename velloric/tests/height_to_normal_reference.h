@@ -4,8 +4,8 @@
 /// @file
 /// Normals as they are defined: the central difference of `GetNormal` on the four wrapped neighbours.
 
-#include "foundation/rounding.h"
-#include "foundation/vector_types.h"
+#include "common/rounding.h"
+#include "common/vector_types.h"
 
 #include <cmath>
 #include <cstddef>

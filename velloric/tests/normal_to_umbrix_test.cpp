@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "basis.h"
 #include "boundary/texture_kernels.h"
+#include "common/basis.h"
 #include "random_image.h"
 #include "same_bits.h"
 

@@ -3,7 +3,7 @@
 /// Which maps are compared in 8-bit levels. That the results do not show it is the business of the kernel's
 /// own tests.
 
-#include "occlusion_byte_lattice.h"
+#include "occlusion/byte_lattice.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

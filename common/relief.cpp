@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#include "common/relief.h"
+
+#include <cmath>
+#include <limits>
+
+namespace velloric {
+
+void survey(Relief& relief)
+{
+    float top = 0.0f;
+    float lowest = std::numeric_limits<float>::infinity();
+    float magnitude = 0.0f;
+    long long const texels = static_cast<long long>(relief.rows) * relief.cols;
+    for (long long i = 0; i < texels; ++i) {
+        float const h = relief.heights[i];
+        top = h > top ? h : top;
+        lowest = h < lowest ? h : lowest;
+        magnitude = std::fabs(h) > magnitude ? std::fabs(h) : magnitude;
+    }
+    relief.top = top;
+    relief.lowest = lowest;
+    relief.magnitude = magnitude;
+}
+
+} // namespace velloric

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+#include "blend/row.h"
+
+#include "common/vector_targets.h"
+
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "blend/row.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace velloric::HWY_NAMESPACE {
+namespace {
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Doubles = hn::ScalableTag<double>;
+using Floats = hn::Rebind<float, Doubles>; // as many as there are doubles in a register
+using Wide = hn::Vec<Doubles>;
+
+constexpr std::size_t kLanes = hn::MaxLanes(Floats());
+
+HWY_INLINE Wide load(float const* from)
+{
+    return hn::PromoteTo(Doubles(), hn::LoadU(Floats(), from));
+}
+
+/// Rounds each double to the nearest float, an infinity where it is too large.
+HWY_INLINE void store(Wide values, float* to)
+{
+#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
+    // The emulated sets of the vector library would stop at the largest float.
+    HWY_ALIGN double from[kLanes];
+    hn::Store(values, Doubles(), from);
+    for (std::size_t i = 0; i < kLanes; ++i) {
+        to[i] = static_cast<float>(from[i]);
+    }
+#else
+    hn::StoreU(hn::DemoteTo(Floats(), values), Floats(), to);
+#endif
+}
+
+struct CrossFade {
+    HWY_INLINE Wide operator()(Wide /*first*/, Wide second) const { return second; }
+};
+
+struct Overlay {
+    HWY_INLINE Wide operator()(Wide below, Wide above) const
+    {
+        constexpr Doubles d;
+        Wide const one = hn::Set(d, 1.0);
+        Wide const two = hn::Set(d, 2.0);
+        Wide const product = hn::Mul(hn::Mul(two, below), above);
+        Wide const screen = hn::Sub(one, hn::Mul(hn::Mul(two, hn::Sub(one, below)), hn::Sub(one, above)));
+        return hn::IfThenElse(hn::Le(below, hn::Set(d, 0.5)), product, screen);
+    }
+};
+
+/// One register of values. The products have a factor that is no float: not fused.
+template <class Second>
+HWY_INLINE void fade_lanes(float const* first, float const* second, float* result, double share)
+{
+    constexpr Doubles d;
+    Wide const from = load(first);
+    Wide const to = Second()(from, load(second));
+    store(hn::Add(hn::Mul(to, hn::Set(d, share)), hn::Mul(from, hn::Set(d, 1.0 - share))), result);
+}
+
+template <class Second>
+HWY_INLINE void fade_row(float const* first, float const* second, float* result, std::size_t count,
+                         double share)
+{
+    std::size_t i = 0;
+    for (; i + kLanes <= count; i += kLanes) {
+        fade_lanes<Second>(first + i, second + i, result + i, share);
+    }
+    if (i < count) {
+        float from[kLanes] = {};
+        float to[kLanes] = {};
+        std::memcpy(from, first + i, (count - i) * sizeof(float));
+        std::memcpy(to, second + i, (count - i) * sizeof(float));
+        fade_lanes<Second>(from, to, from, share);
+        std::memcpy(result + i, from, (count - i) * sizeof(float));
+    }
+}
+
+void cross_fade(float const* first, float const* second, float* result, std::size_t count, double share)
+{
+    fade_row<CrossFade>(first, second, result, count, share);
+}
+
+void overlay_fade(float const* first, float const* second, float* result, std::size_t count, double share)
+{
+    fade_row<Overlay>(first, second, result, count, share);
+}
+
+} // namespace
+} // namespace velloric::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloric {
+
+HWY_EXPORT(cross_fade);
+HWY_EXPORT(overlay_fade);
+
+void cross_fade_row(float const* first, float const* second, float* result, std::size_t count, double share)
+{
+    HWY_DYNAMIC_DISPATCH(cross_fade)(first, second, result, count, share);
+}
+
+void overlay_fade_row(float const* first, float const* second, float* result, std::size_t count, double share)
+{
+    HWY_DYNAMIC_DISPATCH(overlay_fade)(first, second, result, count, share);
+}
+
+} // namespace velloric
+#endif

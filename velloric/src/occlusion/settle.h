@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "common/relief.h"
+#include "occlusion/bundle.h"
+#include "occlusion/plane.h"
+
+namespace velloric {
+
+/// Whether @p ray is blocked at texel (@p x, @p y), whose height is a number below the top, by a step of the
+/// block
+/// @p first_block or later. Steps that the lattice leaves in doubt are decided in floats, as the walk does.
+bool is_blocked(Relief const& relief, LatticePlane<Lattice> const& plane, RayBundle const& bundle,
+                ReducedRay const& ray, int y, int x);
+
+} // namespace velloric
