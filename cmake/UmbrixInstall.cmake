@@ -48,7 +48,11 @@ list(FILTER public_headers EXCLUDE REGEX "^common/")
 list(TRANSFORM public_headers PREPEND ${PROJECT_SOURCE_DIR}/src/)
 target_sources(umbrix PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/src FILES ${public_headers})
 
-install(TARGETS umbrix velloric coralith EXPORT UmbrixLibTargets
+set(installed umbrix velloric coralith)
+if(TARGET toolkit)
+    list(APPEND installed toolkit)
+endif()
+install(TARGETS ${installed} EXPORT UmbrixLibTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library

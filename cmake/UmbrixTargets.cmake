@@ -37,6 +37,13 @@ function(umbrix_shared_library_settings target)
     add_library(UmbrixLib::${target} ALIAS ${target})
 endfunction()
 
+# umbrix_precompile(TARGET HEADER...): headers that take long to parse are parsed once for all sources of a target.
+function(umbrix_precompile target)
+    if(UMBRIX_PCH)
+        target_precompile_headers(${target} PRIVATE ${ARGN})
+    endif()
+endfunction()
+
 # umbrix_add_test(NAME SOURCES ... [LIBRARIES ...]): one GoogleTest executable, each of its tests known to CTest.
 function(umbrix_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")

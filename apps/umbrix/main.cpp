@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "command_line.h"
-#include "failure.h"
-#include "put_text.h"
-#include "standard_output.h"
-#include "worker_process.h"
+#include "commands/command_line.h"
+#include "terminal/put_text.h"
+#include "terminal/standard_output.h"
+#include "toolkit/base/failure.h"
+#include "toolkit/base/stop.h"
+#include "toolkit/workers/worker_process.h"
+#include "toolkit_names.h"
 
 #include <csignal>
 #include <cstdio>
@@ -49,7 +51,7 @@ int run_command(Command& command, std::string const& name)
                         {error.path1().string(), error.code().message(), "check that it is still there"});
     } catch (std::bad_alloc const&) {
         return complain(name, {"umbrix", "there is not enough memory", "raise the limit (ulimit -v)"});
-    } catch (Interrupted const& interrupted) {
+    } catch (Stopped const& interrupted) {
         put_text(stderr, fmt::format("{}: interrupted; {}\n", name, interrupted.state));
         return kInterrupted;
     }

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Any words as the tool's command line, up to where the command would begin: a command, a text, or one
 // sentence that tells what is wrong.
-#include "command_line.h"
-#include "completion.h"
+#include "commands/command_line.h"
 #include "demand.h"
-#include "manual_page.h"
 #include "one_line.h"
-#include "option_words.h"
+#include "options/describe/completion.h"
+#include "options/describe/manual_page.h"
+#include "options/describe/option_words.h"
 
 #include <algorithm>
 #include <cstdint>

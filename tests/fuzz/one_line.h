@@ -2,7 +2,7 @@
 #pragma once
 
 #include "demand.h"
-#include "utf8.h"
+#include "toolkit/base/utf8.h"
 
 #include <string>
 #include <string_view>

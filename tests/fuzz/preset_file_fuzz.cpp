@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Any bytes as a preset: options within their ranges that come back from a saved preset, or one sentence that
 // tells why not.
-#include "command_line.h"
+#include "commands/command_line.h"
 #include "demand.h"
-#include "failure.h"
 #include "memory_file.h"
 #include "one_line.h"
-#include "option_table.h"
-#include "preset.h"
+#include "options/setting_options.h"
+#include "toolkit/base/failure.h"
+#include "toolkit/settings/preset.h"
 
 namespace {
 

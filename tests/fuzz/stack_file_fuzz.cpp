@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Any bytes as a stack file: a description that can be worked on, or one sentence that tells why not.
-#include "command_line.h"
+#include "commands/command_line.h"
 #include "demand.h"
-#include "failure.h"
 #include "memory_file.h"
 #include "one_line.h"
-#include "stack_file.h"
+#include "toolkit/base/failure.h"
+#include "toolkit/settings/stack_file.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: MIT
+#include "commands/batch_command.h"
+
+#include "options/kind_option.h"
+#include "options/map_usage.h"
+#include "options/normal_y_option.h"
+#include "options/setting_options.h"
+#include "terminal/say.h"
+#include "toolkit/base/failure.h"
+
+#include <cstdio>
+#include <fmt/format.h>
+#include <utility>
+
+namespace umbrix_cli {
+
+namespace {
+
+constexpr char const* kFiles = "Files";
+constexpr char const* kRun = "Run";
+
+} // namespace
+
+CLI::App* BatchCommand::declare(CLI::App& app)
+{
+    command_ = app.add_subcommand("batch", "Make the maps of all pictures in folders, several at a time");
+    declare_files(*command_);
+    declare_input(*command_);
+    command_
+        ->add_flag("--json", json_, "Write a JSON object a line for each file as it ends, and one in the end")
+        ->group(kRun);
+    declare_workers(*command_, workers_)->group(kRun);
+    common_.declare_limits(*command_);
+    common_.declare_progress(*command_, "not");
+    declare_graphics(*command_, graphics_);
+    command_
+        ->add_flag(
+            "--plain", plain_,
+            "Have the library walk one folder itself: it replaces outputs, takes those of earlier runs as "
+            "inputs and tells of no failure; the kind and --n-scale have to be given")
+        ->group(kRun);
+    declare_options(*command_, settings_, kForMap);
+    return command_;
+}
+
+void BatchCommand::declare_files(CLI::App& command)
+{
+    command
+        .add_option("FOLDER", search_.places,
+                    "Folders, files, or patterns for either, such as 'textures/*/rock*.tga'")
+        ->required()
+        ->type_name("...");
+    command
+        .add_option("--pattern", search_.pattern,
+                    "Only files with such a name, in any letter case: '*_H.tga'. Without, or with an open "
+                    "extension as in '*_H.*', only what is called like a picture is taken from folders")
+        ->type_name("GLOB")
+        ->group(kFiles);
+    command.add_flag("-r,--recurse", search_.recurse, "Look into the folders in folders, too")->group(kFiles);
+    command
+        .add_flag("--include-outputs", include_outputs_,
+                  "Take outputs of earlier runs as inputs, too; they are told by their names")
+        ->group(kFiles);
+    command
+        .add_option("--suffix", suffix_,
+                    "What is put after the name [default _Umbrix for maps and _Normal for normal maps]")
+        ->type_name("TEXT")
+        ->group(kFiles);
+    command
+        .add_option("--keep-tree", keep_tree_,
+                    "Write into this folder instead, in folders of the same names; it is made if need be")
+        ->type_name("DIR")
+        ->group(kFiles);
+    auto* const overwrite = command.add_flag("--overwrite", common_.overwrite,
+                                             "Replace outputs that exist [default: skip their inputs]");
+    auto* const update =
+        command.add_flag("--update", update_, "Replace outputs that are older than their inputs");
+    overwrite->excludes(update)->group(kFiles);
+    update->group(kFiles);
+    command.add_flag("-n,--dry-run", dry_run_, "Only print what would be made of what")->group(kFiles);
+}
+
+void BatchCommand::declare_input(CLI::App& command)
+{
+    auto* const map = command.add_flag("--map", map_, "Make Umbrix maps [default]");
+    auto* const normal = command.add_flag("--normal", normal_, "Make normal maps");
+    map->excludes(normal);
+    declare_kind(command, kind_);
+    declare_normal_y(command, normal_y_, "Where green points in normal maps that are read or written")
+        ->group("Input");
+}
+
+void BatchCommand::validate() const
+{
+    if (suffix_ && suffix_->find('/') != std::string::npos) {
+        throw Failure("--suffix", "it cannot have a / in it", "name another folder with --keep-tree",
+                      kWrongUsage);
+    }
+    if (normal_) {
+        forbid_map_options();
+    } else {
+        check_map_usage(settings_, "");
+        check_graphics_usage(graphics_, settings_);
+    }
+    if (normal_y_ && kind_ == Kind::kHeightMap) {
+        throw Failure("--normal-y", "a height map has no green to point anywhere", "leave it out",
+                      kWrongUsage);
+    }
+}
+
+void BatchCommand::forbid_map_options() const
+{
+    auto const forbid = [this](std::string const& option) {
+        if (command_->get_option(option)->count() > 0) {
+            throw Failure(option, "normal maps are made without it", "leave it out, or leave --normal out",
+                          kWrongUsage);
+        }
+    };
+    forbid("--gpu");
+    forbid("--match-cpu");
+    forbid("--height-map");
+    forbid("--normal-map");
+    for (SettingRow const& row : setting_table()) {
+        if ((row.users & kForMap) != 0 && (row.users & kForNormal) == 0) {
+            forbid(fmt::format("--{}", row.name));
+        }
+    }
+}
+
+BatchChoice BatchCommand::choice() const
+{
+    BatchChoice choice;
+    choice.search = search_;
+    choice.search.avoided = include_outputs_ ? "" : keep_tree_;
+    choice.include_outputs = include_outputs_;
+    choice.suffix = suffix_.value_or(normal_ ? "_Normal" : "_Umbrix");
+    choice.keep_tree = keep_tree_;
+    choice.policy = common_.overwrite ? OutputPolicy::kReplace
+                    : update_         ? OutputPolicy::kUpdate
+                                      : OutputPolicy::kKeep;
+    return choice;
+}
+
+BatchOrders BatchCommand::orders() const
+{
+    BatchOrders orders;
+    orders.command = "umbrix batch";
+    Job job;
+    job.task = normal_ ? Task::kNormal : Task::kMap;
+    job.settings = settings_;
+    job.max_texels = common_.max_texels;
+    job.normal_y = normal_y_.value_or(settings_.normal_y);
+    job.kind = kind_ ? kind_ : settings_.kind;
+    job.graphics = graphics_;
+    orders.job_for = [job](BatchFile const& file) {
+        if (job.task == Task::kMap) {
+            check_map_usage(job.settings, file.target.string());
+        }
+        return job;
+    };
+    orders.policy = choice().policy;
+    orders.timeout_seconds = common_.timeout_seconds;
+    orders.verbose = common_.verbose;
+    orders.json = json_;
+    orders.workers = workers_.count();
+    orders.dry_run = dry_run_;
+    orders.progress = common_.progress;
+    return orders;
+}
+
+PlainWalk BatchCommand::plain_walk() const
+{
+    auto const forbid = [this](char const* option) {
+        if (command_->get_option(option)->count() > 0) {
+            throw Failure(option, "the library's own walk does not know it",
+                          "leave it out, or leave --plain out", kWrongUsage);
+        }
+    };
+    for (char const* option :
+         {"--normal", "--suffix", "--keep-tree", "--overwrite", "--update", "--dry-run", "--json", "--jobs",
+          "--include-outputs", "--normal-y", "--match-cpu", "--height-in-alpha"}) {
+        forbid(option);
+    }
+    std::error_code error;
+    if (search_.places.size() != 1 || !std::filesystem::is_directory(search_.places.front(), error)) {
+        throw Failure("--plain", "it takes one folder", "name a folder that exists", kWrongUsage);
+    }
+    std::optional<Kind> const kind = kind_ ? kind_ : settings_.kind;
+    bool const makes_normals =
+        kind && settings_.light && (*kind == Kind::kHeightMap || settings_.generate_normal);
+    if (!kind || (makes_normals && !settings_.n_scale)) {
+        throw Failure(
+            "--plain", "the library guesses nothing",
+            kind ? fmt::format("add --n-scale: for pictures 1024 texels wide {}", n_scale_of(settings_, 1024))
+                 : "add --height-map or --normal-map",
+            kWrongUsage);
+    }
+    return {std::filesystem::canonical(search_.places.front()),
+            search_.pattern.empty() ? "*.*" : search_.pattern,
+            search_.recurse,
+            settings_,
+            *kind,
+            graphics_};
+}
+
+void BatchCommand::run(Interrupts const& interrupts)
+{
+    validate();
+    if (plain_) {
+        run_plain_walk(plain_walk(), interrupts);
+        return;
+    }
+    BatchPlan const plan = plan_batch(choice());
+    if (common_.verbose && plan.outputs_left_out > 0) {
+        say_note("umbrix batch",
+                 fmt::format("{} outputs of earlier runs are left out", plan.outputs_left_out));
+    }
+    run_batch(plan, orders(), interrupts);
+}
+
+} // namespace umbrix_cli

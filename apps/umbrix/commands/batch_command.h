@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "commands/command.h"
+#include "options/common_options.h"
+#include "options/graphics_option.h"
+#include "options/workers_option.h"
+#include "terminal/batch_run.h"
+#include "terminal/plain_walk.h"
+#include "toolkit/settings/defaults.h"
+#include "toolkit_names.h"
+
+#include <optional>
+#include <string>
+
+namespace umbrix_cli {
+
+/// `umbrix batch`: what `umbrix map` or `umbrix normal` makes, of every file of a folder, several at a time.
+class BatchCommand : public Command {
+public:
+    CLI::App* declare(CLI::App& app) override;
+    void run(Interrupts const& interrupts) override;
+
+private:
+    void declare_files(CLI::App& command);
+    void declare_input(CLI::App& command);
+    void validate() const;
+    void forbid_map_options() const;
+    BatchChoice choice() const;
+    BatchOrders orders() const;
+    PlainWalk plain_walk() const;
+
+    CLI::App* command_ = nullptr;
+    CommonOptions common_;
+    Settings settings_ = kDefaults;
+    Search search_;
+    std::optional<std::string> suffix_;
+    std::string keep_tree_;
+    WorkersOption workers_;
+    bool update_ = false;
+    bool include_outputs_ = false;
+    bool dry_run_ = false;
+    bool json_ = false;
+    bool plain_ = false;
+    Graphics graphics_;
+    bool map_ = false;
+    bool normal_ = false;
+    std::optional<Kind> kind_;
+    std::optional<NormalY> normal_y_;
+};
+
+} // namespace umbrix_cli

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "commands/command.h"
+#include "toolkit/base/exit_codes.h"
+#include "toolkit/base/failure.h"
+#include "toolkit_names.h"
+
+#include <CLI/App.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace umbrix_cli {
+
+/// What a command line asks for: that a command be run, or, without one, that a text be shown.
+struct Asked {
+    std::string name;           ///< "umbrix list add": what begins messages.
+    Command* command = nullptr; ///< Of the command line that was parsed.
+    std::string out;            ///< For the standard output: help, the version.
+    std::string complaint;      ///< For the standard error, one line.
+    int code = kDone;           ///< What to end with if there is no command.
+};
+
+/// The commands of the tool and their options.
+class CommandLine {
+public:
+    CommandLine();
+
+    /// Parses the words behind the program's own name. No file is read but one that --preset names. In
+    /// another call options that are not given keep what they were set to.
+    Asked parse(std::vector<std::string> const& words);
+
+    CLI::App const& app() const { return app_; }
+
+private:
+    struct Declared {
+        CLI::App* app;
+        std::unique_ptr<Command> command;
+    };
+
+    template <typename... Commands>
+    void declare_all();
+    std::string full_name(std::vector<std::string> const& words);
+
+    CLI::App app_;
+    std::vector<Declared> commands_;
+};
+
+/// The line that tells of @p failure, whatever is in the words that it quotes.
+std::string complaint_about(Failure const& failure, std::string const& name);
+
+} // namespace umbrix_cli

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "commands/command.h"
+
+namespace umbrix_cli {
+
+/// `umbrix devices`: what --gpu can run on.
+class DevicesCommand : public Command {
+public:
+    CLI::App* declare(CLI::App& app) override;
+    void run(Interrupts const& interrupts) override;
+
+private:
+    bool json_ = false;
+    bool verbose_ = false;
+};
+
+} // namespace umbrix_cli

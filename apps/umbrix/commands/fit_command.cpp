@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+#include "commands/fit_command.h"
+
+#include "options/normal_y_option.h"
+#include "options/setting_options.h"
+#include "terminal/say.h"
+#include "toolkit/base/failure.h"
+#include "toolkit/files/preflight.h"
+#include "toolkit/files/text_file.h"
+#include "toolkit/settings/preset.h"
+
+#include <fmt/format.h>
+
+namespace umbrix_cli {
+
+namespace {
+
+constexpr char const* kCommand = "umbrix fit";
+
+void print_text(std::string const& heights, std::string const& normals, nlohmann::json const& report)
+{
+    auto const number = [&](char const* name) { return report.at(name).get<double>(); };
+    NormalY const green = report.at("green").get<NormalY>();
+    NormalY const other = green == NormalY::kUp ? NormalY::kDown : NormalY::kUp;
+    say("{} to {}, {} x {}", heights, normals, report.at("width").get<int>(), report.at("height").get<int>());
+    if (!report.at("beats_flat").get<bool>()) {
+        fmt::print("  no relief comes nearer to these normals than flat ground does\n"
+                   "  mean angle {:.2f} degrees at best, {:.2f} of flat ground\n",
+                   number("mean_angle_degrees"), number("flat_mean_angle_degrees"));
+        return;
+    }
+    fmt::print("  relief     {} image widths, n-scale {}, gaussian {}\n", number("relief"), number("n_scale"),
+               number("gaussian"));
+    fmt::print("  green      {} (with {} {:.2f} degrees would remain)\n", name_of(green), name_of(other),
+               number("other_green_mean_angle_degrees"));
+    fmt::print("  mean angle {:.2f} degrees, {:.2f} of flat ground\n", number("mean_angle_degrees"),
+               number("flat_mean_angle_degrees"));
+}
+
+} // namespace
+
+CLI::App* FitCommand::declare(CLI::App& app)
+{
+    CLI::App* const command = app.add_subcommand(
+        "fit", "Find the relief of a height map that fits a normal map of the same material");
+    common_.declare_input(*command, "Height map", "HEIGHT");
+    common_.declare_progress(*command);
+    command->add_option("NORMAL", normals_, "Normal map of the same size")->required()->type_name("");
+    command->add_flag("--json", json_, "Write one JSON object instead of text");
+    command
+        ->add_option("--save-preset", preset_output_,
+                     "Write the relief and the direction of green that were found into a preset, with the "
+                     "other options of --preset")
+        ->type_name("FILE")
+        ->group("Files");
+    command->add_flag("--overwrite", common_.overwrite, "Replace that file if it exists")->group("Files");
+    declare_options(*command, settings_, kForFit);
+    command->add_flag("--fit-gaussian", fit_gaussian_, "Find the sigma of the blur, too [0 to 10 texels]")
+        ->excludes(command->get_option("--gaussian"))
+        ->group("Relief");
+    return command;
+}
+
+void FitCommand::save(nlohmann::json const& report) const
+{
+    if (!report.at("beats_flat").get<bool>()) {
+        throw Failure(preset_output_, "it is not written, as no relief comes nearer than flat ground does",
+                      "check that the two pictures show the same material");
+    }
+    Settings settings = settings_;
+    settings.relief = report.at("relief").get<float>();
+    settings.h_scale = std::nullopt; // both follow from the relief on pictures of every size
+    settings.n_scale = std::nullopt;
+    settings.gaussian = report.at("gaussian").get<float>();
+    settings.normal_y = report.at("green").get<NormalY>();
+    std::string const description = fmt::format("Fitted to {}: {:.2f} degrees remain, {:.2f} of flat ground",
+                                                std::filesystem::path(normals_).filename().string(),
+                                                report.at("mean_angle_degrees").get<double>(),
+                                                report.at("flat_mean_angle_degrees").get<double>());
+    write_text_file(preset_output_,
+                    preset_text({is_one_line(description) ? description : "Fitted", settings}),
+                    common_.overwrite);
+}
+
+void FitCommand::run(Interrupts const& interrupts)
+{
+    check_input(common_.input);
+    check_input(normals_);
+    if (!preset_output_.empty()) {
+        check_preset_output(preset_output_, common_.overwrite);
+    }
+    Job job;
+    job.task = Task::kFit;
+    job.input = common_.input;
+    job.normals = normals_;
+    job.max_texels = common_.max_texels;
+    job.settings = settings_;
+    job.fit_gaussian = fit_gaussian_;
+    nlohmann::json report = supervise(job, common_.supervision(kCommand, "", interrupts));
+    interrupts.check();
+    if (json_) {
+        nlohmann::json shown = report;
+        shown["green"] = name_of(report.at("green").get<NormalY>());
+        shown["height_map"] = common_.input;
+        shown["normal_map"] = normals_;
+        fmt::print("{}\n", shown.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+    } else {
+        print_text(common_.input, normals_, report);
+    }
+    if (!preset_output_.empty()) {
+        save(report);
+        if (!json_) {
+            say("wrote {}: preset, relief {}", preset_output_, report.at("relief").get<double>());
+        }
+    }
+}
+
+} // namespace umbrix_cli

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "commands/command.h"
+#include "options/common_options.h"
+#include "toolkit/settings/defaults.h"
+#include "toolkit_names.h"
+
+#include <string>
+
+namespace umbrix_cli {
+
+/// `umbrix fit`: the relief at which a height map's normals come nearest to an existing normal map.
+class FitCommand : public Command {
+public:
+    CLI::App* declare(CLI::App& app) override;
+    void run(Interrupts const& interrupts) override;
+
+private:
+    void save(nlohmann::json const& report) const;
+
+    CommonOptions common_;
+    Settings settings_ = kDefaults;
+    std::string normals_;
+    bool fit_gaussian_ = false;
+    bool json_ = false;
+    std::string preset_output_; ///< Empty: none is written.
+};
+
+} // namespace umbrix_cli

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "commands/command.h"
+
+#include <string>
+
+namespace umbrix_cli {
+
+/// `umbrix list export`: a list as TOML, with nothing lost.
+class ListExportCommand : public Command {
+public:
+    CLI::App* declare(CLI::App& app) override;
+    void run(Interrupts const& interrupts) override;
+
+private:
+    std::string file_;
+    std::string output_;
+    bool overwrite_ = false;
+};
+
+} // namespace umbrix_cli

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+#include "commands/list/list_job_options.h"
+
+#include "options/common_options.h"
+#include "options/kind_option.h"
+#include "options/setting_options.h"
+#include "terminal/say.h"
+#include "terminal/supervise.h"
+#include "toolkit/base/failure.h"
+#include "toolkit/files/preflight.h"
+#include "toolkit/lists/list_settings.h"
+#include "toolkit/settings/stack_file.h"
+#include "toolkit/settings/stack_record.h"
+
+#include <fmt/format.h>
+
+namespace umbrix_cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// What `umbrix info` says about a picture, which is thereby known to be readable.
+nlohmann::json info_of(fs::path const& picture, Surroundings const& surroundings)
+{
+    CommonOptions const limits;
+    Job job;
+    job.task = Task::kInfo;
+    job.input = picture.string();
+    job.max_texels = limits.max_texels;
+    return supervise(job, {surroundings.command,
+                           {job.input, "", limits.timeout_seconds},
+                           false,
+                           ProgressDisplay::Style::kNone,
+                           surroundings.interrupts});
+}
+
+void demand_all_of_a_folder(fs::path const& folder, Settings const& settings, std::optional<Kind> kind)
+{
+    if (!kind) {
+        throw Failure(folder.string(), "what its pictures are cannot be guessed",
+                      "add --height-map or --normal-map", kWrongUsage);
+    }
+    if (!settings.n_scale && makes_normals(settings, *kind)) {
+        throw Failure(
+            folder.string(), "a fitting strength of the normals cannot be worked out for a folder",
+            fmt::format("add --n-scale: for pictures 1024 texels wide {}", n_scale_of(settings, 1024)),
+            kWrongUsage);
+    }
+}
+
+} // namespace
+
+void JobOptions::declare(CLI::App& command)
+{
+    constexpr char const* kSource = "Source";
+    command_ = &command;
+    command.add_option("--search", search, "In a folder: the files to work on [default *.*, all]")
+        ->type_name("PATTERN")
+        ->group(kSource);
+    declare_kind(command, kind_);
+    command
+        .add_option(
+            "--layers", layers,
+            "Stack file, as for umbrix stack; its blended heights, and normals where they are made from "
+            "heights, take the place of the source's")
+        ->type_name("STACK")
+        ->group(kSource);
+    declare_options(command, settings, kForMap);
+}
+
+bool JobOptions::is_given(char const* option) const
+{
+    return command_->count(std::string("--") + option) > 0;
+}
+
+std::set<std::string> JobOptions::given() const
+{
+    std::set<std::string> names;
+    bool const all = is_given("preset");
+    for (SettingRow const& row : setting_table()) {
+        if ((row.users & kForMap) != 0 && (all || is_given(row.name))) {
+            names.insert(row.name);
+        }
+    }
+    if (all && settings.kind) {
+        names.insert("height-map");
+    }
+    for (char const* name : {"height-map", "normal-map"}) {
+        if (is_given(name)) {
+            names.insert(name);
+        }
+    }
+    return names;
+}
+
+std::optional<Kind> JobOptions::kind() const
+{
+    return kind_ ? kind_ : settings.kind;
+}
+
+SourceLook look_at_source(fs::path const& source, Settings const& settings, std::optional<Kind> kind,
+                          Surroundings const& surroundings)
+{
+    std::error_code error;
+    if (fs::is_directory(source, error)) {
+        demand_all_of_a_folder(source, settings, kind);
+        return {*kind, "", 0};
+    }
+    check_input(source);
+    if (kind && settings.n_scale) {
+        return {*kind, "", 0};
+    }
+    nlohmann::json const info = info_of(source, surroundings);
+    int const width = info.at("width").get<int>();
+    if (kind) {
+        return {*kind, "", width};
+    }
+    Kind const guess =
+        info.at("taken_for").get<std::string>() == "height map" ? Kind::kHeightMap : Kind::kNormalMap;
+    return {guess, info.at("because").get<std::string>(), width};
+}
+
+LinkedList<n_layer> layers_for_job(fs::path const& stack_file, Settings const& settings,
+                                   Surroundings const& surroundings)
+{
+    check_input(stack_file);
+    StackFile const file = read_stack_file(stack_file);
+    std::vector<StackLayer> const& layers = file.description.layers;
+    for (StackLayer const& layer : layers) {
+        if (layer.is_normal_map) {
+            throw Failure(layer.label + ": kind", "a work list takes every layer for heights",
+                          "leave the normal layers out");
+        }
+    }
+    check_layer_files(file.description);
+    for (std::string const& note : file.notes) {
+        say_note(surroundings.command, note);
+    }
+    for (std::size_t i = 1; i < layers.size(); ++i) {
+        if (layers[i].blend == 0) {
+            say_note(surroundings.command,
+                     layers[i].label +
+                         ": blend: where the map takes its normals from the layers, it leaves out "
+                         "those of this one");
+        }
+    }
+    // All layers are worked on in the size of the first.
+    float const n_scale =
+        n_scale_of(settings, info_of(layers.front().file, surroundings).at("width").get<int>());
+    LinkedList<n_layer> records;
+    for (std::size_t i = 0; i < layers.size(); ++i) {
+        StackLayer const* const next = i + 1 < layers.size() ? &layers[i + 1] : nullptr;
+        n_layer record = record_of(layers[i], next, file.description.normal_scale, n_scale);
+        record.filename = name_in_list(layers[i].file);
+        records.Add(record);
+    }
+    return records;
+}
+
+std::string name_in_list(fs::path const& file)
+{
+    return fs::absolute(file).lexically_normal().string();
+}
+
+} // namespace umbrix_cli

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "commands/list/list_run_command.h"
+
+#include "options/list_argument.h"
+#include "options/map_usage.h"
+#include "options/setting_options.h"
+#include "terminal/batch_run.h"
+#include "toolkit/batch/list_plan.h"
+#include "toolkit/lists/list_file.h"
+#include "toolkit/lists/list_job.h"
+#include "toolkit/lists/list_settings.h"
+
+#include <CLI/Error.hpp>
+#include <charconv>
+#include <fmt/format.h>
+#include <functional>
+
+namespace umbrix_cli {
+
+namespace {
+
+constexpr char const* kRun = "Run";
+constexpr int kMostShares = 1000000;
+
+/// "2/8".
+Shard parse_shard(std::string const& text)
+{
+    Shard shard;
+    char const* const end = text.data() + text.size();
+    auto const [slash, first] = std::from_chars(text.data(), end, shard.number);
+    bool good = first == std::errc() && slash != end && *slash == '/';
+    if (good) {
+        auto const [stop, second] = std::from_chars(slash + 1, end, shard.count);
+        good = second == std::errc() && stop == end;
+    }
+    if (!good || shard.count < 1 || shard.count > kMostShares || shard.number < 1 ||
+        shard.number > shard.count) {
+        throw CLI::ValidationError("--shard", fmt::format("'{}' is no share such as 1/4 to 4/4", text));
+    }
+    return shard;
+}
+
+} // namespace
+
+CLI::App* ListRunCommand::declare(CLI::App& app)
+{
+    CLI::App* const command = app.add_subcommand(
+        "run", "Make the Umbrix maps of all jobs, beside their sources, and keep a log beside the list");
+    declare_list(*command, file_);
+    command->add_flag("-r,--recurse", recurse_, "Look into the folders in folders, too");
+    command->add_flag("--overwrite", common_.overwrite,
+                      "Make all anew [default: leave out what is done, and outputs that others made]");
+    command->add_flag("-n,--dry-run", dry_run_, "Only print what would be made of what");
+    std::function<void(std::string const&)> const parse = [this](std::string const& text) {
+        shard_ = parse_shard(text);
+    };
+    command
+        ->add_option_function<std::string>(
+            "--shard", parse, "Only every N-th job, from the I-th on, so that many machines share a list")
+        ->type_name("I/N")
+        ->group(kRun);
+    command
+        ->add_flag("--json", json_, "Write a JSON object a line for each file as it ends, and one in the end")
+        ->group(kRun);
+    declare_workers(*command, workers_)->group(kRun);
+    common_.declare_limits(*command);
+    common_.declare_progress(*command, "not");
+    declare_graphics(*command, graphics_);
+    return command;
+}
+
+void ListRunCommand::run(Interrupts const& interrupts)
+{
+    umbrix_list list;
+    read_list(file_, list);
+    ListLog log(file_, shard_);
+    ListChoice const choice{shard_, recurse_,
+                            common_.overwrite ? OutputPolicy::kReplace : OutputPolicy::kKeep, graphics_};
+    ListPlan const plan = plan_list(list, choice, log);
+
+    if (!dry_run_) {
+        log.open_for_adding();
+    }
+
+    BatchOrders orders;
+    orders.command = "umbrix list run";
+    orders.policy = choice.policy;
+    orders.timeout_seconds = common_.timeout_seconds;
+    orders.verbose = common_.verbose;
+    orders.json = json_;
+    orders.progress = common_.progress;
+    orders.workers = workers_.count();
+    orders.dry_run = dry_run_;
+    orders.job_for = [&](BatchFile const& file) {
+        Job job;
+        job.task = Task::kListJob;
+        job.list_job = plan.pieces[file.origin].job;
+        job.max_texels = common_.max_texels;
+        job.graphics = graphics_;
+        Settings const settings = settings_of(unpack_list_job(job.list_job));
+        check_ranges(settings, file.source.string());
+        check_map_usage(settings, file.target.string());
+        check_graphics_usage(graphics_, settings);
+        return job;
+    };
+    orders.ended = [&](BatchFile const& file, BatchResult const& result) {
+        if (result.state == BatchState::kDone || result.state == BatchState::kFailed) {
+            log.add(file.target, plan.pieces[file.origin].digest,
+                    result.state == BatchState::kDone ? "done" : "failed", result.reason);
+        }
+    };
+    run_batch(plan.batch, orders, interrupts);
+}
+
+} // namespace umbrix_cli

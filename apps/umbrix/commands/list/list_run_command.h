@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "commands/command.h"
+#include "options/common_options.h"
+#include "options/graphics_option.h"
+#include "options/workers_option.h"
+#include "toolkit/lists/list_log.h"
+#include "toolkit_names.h"
+
+#include <string>
+
+namespace umbrix_cli {
+
+/// `umbrix list run`: does the jobs of a list.
+class ListRunCommand : public Command {
+public:
+    CLI::App* declare(CLI::App& app) override;
+    void run(Interrupts const& interrupts) override;
+
+private:
+    CommonOptions common_;
+    std::string file_;
+    Shard shard_;
+    WorkersOption workers_;
+    Graphics graphics_;
+    bool recurse_ = false;
+    bool dry_run_ = false;
+    bool json_ = false;
+};
+
+} // namespace umbrix_cli

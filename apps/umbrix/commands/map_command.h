@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "commands/command.h"
+#include "options/common_options.h"
+#include "options/graphics_option.h"
+#include "toolkit/settings/defaults.h"
+#include "toolkit_names.h"
+
+#include <optional>
+
+namespace umbrix_cli {
+
+/// `umbrix map`: an Umbrix map from a height map or a normal map.
+class MapCommand : public Command {
+public:
+    CLI::App* declare(CLI::App& app) override;
+    void run(Interrupts const& interrupts) override;
+
+private:
+    void validate() const;
+    void print_relief(nlohmann::json const& report) const;
+
+    CommonOptions common_;
+    Settings settings_ = kDefaults;
+    std::optional<Kind> kind_;
+    std::optional<NormalY> normal_y_;
+    Graphics graphics_;
+    bool compare_cpu_ = false;
+};
+
+} // namespace umbrix_cli

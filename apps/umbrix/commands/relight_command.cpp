@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "commands/relight_command.h"
+
+#include "options/setting_options.h"
+#include "terminal/say.h"
+
+#include <CLI/Error.hpp>
+#include <fmt/format.h>
+
+namespace umbrix_cli {
+
+namespace {
+
+constexpr char const* kLight = "Light";
+
+template <typename Number>
+void add_number(CLI::App& command, char const* option, char const* value_name, Number& value, double minimum,
+                double maximum, char const* description)
+{
+    std::function<void(std::string const&)> const parse = [=, &value](std::string const& text) {
+        double const number = parse_number(option, text, minimum, maximum);
+        value = static_cast<Number>(number);
+        if (static_cast<double>(value) != number) {
+            throw CLI::ValidationError(option, fmt::format("{} is not a whole number", text));
+        }
+    };
+    command.add_option_function<std::string>(option, parse, description)
+        ->type_name(value_name)
+        ->group(kLight);
+}
+
+} // namespace
+
+CLI::App* RelightCommand::declare(CLI::App& app)
+{
+    CLI::App* const command = app.add_subcommand("relight", "Show the texture of an Umbrix map in a light");
+    common_.declare_output(*command, "INPUT_Relit or INPUT_Turntable beside the input");
+    common_.declare_input(*command, "Umbrix map");
+    std::function<void(std::string const&)> const parse = [this](std::string const& text) {
+        std::size_t const comma = text.find(',');
+        if (comma == std::string::npos) {
+            throw CLI::ValidationError("--light",
+                                       fmt::format("'{}' is not two numbers with a comma between", text));
+        }
+        azimuth_degrees_ = parse_number("--light", text.substr(0, comma), -360, 360);
+        elevation_degrees_ = parse_number("--light", text.substr(comma + 1), 0, 90);
+    };
+    command
+        ->add_option_function<std::string>(
+            "--light", parse,
+            "Where the light stands. Azimuth: 0 right, 90 top, 180 left, 270 bottom of the picture; "
+            "elevation: 0 level "
+            "with it, 90 straight above [degrees, -360 to 360 and 0 to 90; default 135,45]")
+        ->type_name("AZIMUTH,ELEVATION")
+        ->group(kLight);
+    add_number(*command, "--turntable", "N", directions_, 1, 360,
+               "Write a contact sheet of N azimuths instead, once round from that of --light, row by row [1 "
+               "to 360]");
+    add_number(*command, "--cell", "N", cell_, 16, 1024,
+               "Longest side of a picture of the contact sheet [16 to 1024 texels; default 256]");
+    add_number(*command, "--exposure", "X", exposure_, 0.01, 10,
+               "Brightness of flat ground that nothing hides; slopes that face the light are brighter "
+               "[0.01 to 10; default 0.7]");
+    declare_options(*command, settings_, kForRelight);
+    return command;
+}
+
+void RelightCommand::run(Interrupts const& interrupts)
+{
+    Job job;
+    job.task = Task::kRelight;
+    job.settings = settings_;
+    job.azimuth_degrees = azimuth_degrees_;
+    job.elevation_degrees = elevation_degrees_;
+    job.directions = directions_;
+    job.cell = cell_;
+    job.exposure = exposure_;
+    Written const written = make_picture_file("umbrix relight", common_, job,
+                                              directions_ == 0 ? "_Relit" : "_Turntable", interrupts);
+    std::string const light = directions_ == 0
+                                  ? fmt::format("azimuth {}", azimuth_degrees_)
+                                  : fmt::format("{} azimuths from {}", directions_, azimuth_degrees_);
+    say("wrote {}: {} x {}, light from {}, elevation {}", written.output.string(),
+        written.report.at("width").get<int>(), written.report.at("height").get<int>(), light,
+        elevation_degrees_);
+}
+
+} // namespace umbrix_cli

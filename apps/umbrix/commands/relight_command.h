@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "commands/command.h"
+#include "options/common_options.h"
+#include "toolkit/settings/defaults.h"
+#include "toolkit_names.h"
+
+namespace umbrix_cli {
+
+/// `umbrix relight`: shows what a map is for, a lit picture of the texture for any direction of the light.
+class RelightCommand : public Command {
+public:
+    CLI::App* declare(CLI::App& app) override;
+    void run(Interrupts const& interrupts) override;
+
+private:
+    CommonOptions common_;
+    Settings settings_ = kDefaults;
+    double azimuth_degrees_ = 135;
+    double elevation_degrees_ = 45;
+    double exposure_ = 0.7;
+    int directions_ = 0;
+    int cell_ = 256;
+};
+
+} // namespace umbrix_cli

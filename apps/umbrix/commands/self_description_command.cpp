@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include "commands/self_description_command.h"
+
+#include "options/describe/completion.h"
+#include "options/describe/manual_page.h"
+#include "options/describe/option_words.h"
+#include "toolkit/base/failure.h"
+
+#include <filesystem>
+#include <fmt/format.h>
+#include <fstream>
+#include <map>
+
+namespace umbrix_cli {
+
+namespace {
+
+constexpr char const* kTool = "umbrix";
+
+void write_all(std::map<std::string, std::string> const& pages, std::filesystem::path const& folder)
+{
+    for (auto const& [name, text] : pages) {
+        std::filesystem::path const file = folder / (manual_page_name(name) + ".1");
+        std::ofstream out(file);
+        if (!(out << text).flush()) {
+            throw Failure(file.string(), "the page cannot be written", "check the folder");
+        }
+    }
+}
+
+} // namespace
+
+CLI::App* CompletionCommand::declare(CLI::App& app)
+{
+    tool_ = &app;
+    CLI::App* const command =
+        app.add_subcommand("completion", "Print a script that completes this command line");
+    command->add_option("SHELL", shell_, "bash or zsh")->required();
+    return command;
+}
+
+void CompletionCommand::run(Interrupts const&)
+{
+    if (shell_ != "bash" && shell_ != "zsh") {
+        throw Failure(shell_, "there is no completion for this shell", "give bash or zsh", kWrongUsage);
+    }
+    fmt::print("{}", shell_ == "bash" ? bash_completion(*tool_) : zsh_completion(*tool_));
+}
+
+CLI::App* ManualCommand::declare(CLI::App& app)
+{
+    tool_ = &app;
+    CLI::App* const command = app.add_subcommand("manual", "Print a manual page, in the language of man");
+    auto* const page =
+        command->add_option("COMMAND", command_, "Command that it is about [default: the tool as a whole]");
+    command->add_option("--all", folder_, "Write all pages into a folder instead")
+        ->type_name("FOLDER")
+        ->excludes(page);
+    return command;
+}
+
+void ManualCommand::run(Interrupts const&)
+{
+    std::map<std::string, std::string> pages;
+    pages[kTool] = manual_page(*tool_, kTool);
+    for (CLI::App const* each : subcommands_of(*tool_)) {
+        std::string const name = fmt::format("{} {}", kTool, each->get_name());
+        pages[name] = manual_page(*each, name);
+    }
+    if (!folder_.empty()) {
+        write_all(pages, folder_);
+        return;
+    }
+    auto const asked = pages.find(command_.empty() ? kTool : fmt::format("{} {}", kTool, command_));
+    if (asked == pages.end()) {
+        throw Failure(command_, "there is no such command", "umbrix --help lists them", kWrongUsage);
+    }
+    fmt::print("{}", asked->second);
+}
+
+} // namespace umbrix_cli

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+#include "options/common_options.h"
+
+#include "options/setting_options.h"
+#include "terminal/say.h"
+#include "toolkit/base/text.h"
+#include "toolkit/files/stale_temporaries.h"
+#include "toolkit/pictures/naming.h"
+#include "toolkit/pictures/output_format.h"
+
+#include <CLI/Error.hpp>
+#include <fmt/format.h>
+#include <utility>
+
+namespace umbrix_cli {
+
+namespace {
+
+constexpr char const* kFiles = "Files";
+constexpr char const* kRun = "Run";
+
+ProgressDisplay::Style parse_style(std::string const& text)
+{
+    using Style = ProgressDisplay::Style;
+    constexpr std::pair<char const*, Style> kStyles[] = {
+        {"auto", Style::kAuto}, {"bar", Style::kBar}, {"lines", Style::kLines}, {"none", Style::kNone}};
+    for (auto const& [name, style] : kStyles) {
+        if (text == name) {
+            return style;
+        }
+    }
+    throw CLI::ValidationError("--progress", fmt::format("'{}' is not one of auto, bar, lines, none", text));
+}
+
+void add_number(CLI::App& command, char const* option, double& value, double minimum, double maximum,
+                char const* description)
+{
+    std::function<void(std::string const&)> const parse = [=, &value](std::string const& text) {
+        value = parse_number(option, text, minimum, maximum);
+    };
+    command.add_option_function<std::string>(option, parse, description)->type_name("N")->group(kRun);
+}
+
+} // namespace
+
+CLI::Option* CommonOptions::declare_input(CLI::App& command, std::string const& description,
+                                          std::string const& name)
+{
+    CLI::Option* const option = command.add_option(name, input, description)->required()->type_name("");
+    declare_limits(command);
+    return option;
+}
+
+void CommonOptions::declare_limits(CLI::App& command)
+{
+    command.add_flag("-v,--verbose", verbose, "Say more about what is done")->group(kRun);
+    add_number(command, "--timeout", timeout_seconds, 0.001, 86400,
+               "Longest time that decoding a file may take [seconds; default 60]");
+    add_number(command, "--max-texels", max_texels, 1, 4294836225.0,
+               "Largest picture that is worked on [texels; default 268435456]");
+}
+
+void CommonOptions::declare_output(CLI::App& command, std::string const& default_name)
+{
+    command
+        .add_option("-o,--output", output,
+                    fmt::format("File to write; its extension names the format [default {}]", default_name))
+        ->type_name("FILE")
+        ->group(kFiles);
+    command.add_flag("--overwrite", overwrite, "Replace the output if it exists")->group(kFiles);
+    declare_progress(command);
+}
+
+void CommonOptions::declare_progress(CLI::App& command, std::string const& elsewhere)
+{
+    std::function<void(std::string const&)> const parse = [this](std::string const& text) {
+        progress = parse_style(text);
+    };
+    command
+        .add_option_function<std::string>(
+            "--progress", parse,
+            fmt::format("Show progress as a bar, as lines, not at all, or as a bar where there is a terminal "
+                        "and else {} [auto, bar, lines, none; default auto]",
+                        elsewhere))
+        ->type_name("HOW")
+        ->group(kRun);
+}
+
+Supervision CommonOptions::supervision(std::string const& command, std::string const& output_name,
+                                       Interrupts const& interrupts) const
+{
+    return {command, {input, output_name, timeout_seconds}, verbose, progress, interrupts};
+}
+
+Written make_picture_file(std::string const& command, CommonOptions const& options, Job job,
+                          std::string const& suffix, Interrupts const& interrupts)
+{
+    std::filesystem::path const named = options.output.empty() ? default_output(options.input, suffix)
+                                                               : std::filesystem::path(options.output);
+    remove_leftovers_beside(named);
+    PictureFile file(options.input, named, options.overwrite);
+    OutputFormat const& format = *output_format(named);
+    if (*format.warning != '\0') {
+        say_note(command, named.string() + ": " + format.warning);
+    }
+    job.max_texels = options.max_texels;
+    file.name_files(job);
+    nlohmann::json report = supervise(job, options.supervision(command, named.string(), interrupts));
+    interrupts.check();
+    return file.complete(std::move(report));
+}
+
+} // namespace umbrix_cli

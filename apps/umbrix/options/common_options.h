@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "terminal/progress_display.h"
+#include "terminal/supervise.h"
+#include "toolkit/batch/picture_file.h"
+#include "toolkit/tasks/job.h"
+#include "toolkit_names.h"
+
+#include <CLI/App.hpp>
+#include <string>
+
+namespace umbrix_cli {
+
+/// The options that are about files and the run itself, not about the picture.
+struct CommonOptions {
+    std::string input;
+    std::string output; ///< Empty: named after the input.
+    bool overwrite = false;
+    bool verbose = false;
+    ProgressDisplay::Style progress = ProgressDisplay::Style::kAuto;
+    double timeout_seconds = 60;
+    double max_texels = 268435456; // 2^28, 16384 x 16384
+
+    /// Returns the option of the input, which is required.
+    CLI::Option* declare_input(CLI::App& command, std::string const& description,
+                               std::string const& name = "INPUT");
+    void declare_output(CLI::App& command, std::string const& default_name);
+
+    // Parts of the two above, for commands with inputs and outputs of another kind.
+    void declare_limits(CLI::App& command);
+    /// Part of declare_output(). @p elsewhere: what stands in for the bar where there is no terminal.
+    void declare_progress(CLI::App& command, std::string const& elsewhere = "as lines");
+
+    Supervision supervision(std::string const& command, std::string const& output_name,
+                            Interrupts const& interrupts) const;
+};
+
+/// Runs a job that makes one picture: all checks first, then a worker that writes under a temporary name
+/// beside the output, then the renaming. Nothing temporary outlives the call, however it ends.
+/// @param job    Without the fields that name files.
+/// @param suffix For the name of an output that was not named: "_Umbrix".
+Written make_picture_file(std::string const& command, CommonOptions const& options, Job job,
+                          std::string const& suffix, Interrupts const& interrupts);
+
+} // namespace umbrix_cli

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "toolkit/settings/settings.h"
+#include "toolkit_names.h"
+
+#include <CLI/App.hpp>
+#include <optional>
+
+namespace umbrix_cli {
+
+/// Adds --height-map and --normal-map to @p command, of which one may be given.
+void declare_kind(CLI::App& command, std::optional<Kind>& kind);
+
+} // namespace umbrix_cli

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/batch/batch_plan.h"
+
+#include "toolkit/base/text.h"
+#include "toolkit/files/temporary.h"
+#include "toolkit/pictures/naming.h"
+
+#include <fmt/format.h>
+#include <map>
+#include <utility>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Two names of one file in one folder have the same key. The file itself need not exist.
+fs::path key_of(fs::path const& file)
+{
+    std::error_code error;
+    fs::path const folder = file.has_parent_path() ? file.parent_path() : fs::path(".");
+    return fs::weakly_canonical(folder, error) / file.filename();
+}
+
+bool ends_in(fs::path const& file, std::string const& suffix)
+{
+    return !suffix.empty() && lower_case(file.stem().string()).ends_with(lower_case(suffix));
+}
+
+bool is_output_of_a_run(fs::path const& file, std::string const& suffix)
+{
+    return ends_in(file, suffix) || ends_in(file, "_Umbrix");
+}
+
+fs::path target_for(FoundFile const& found, BatchChoice const& choice)
+{
+    fs::path const beside = default_output(found.file, choice.suffix);
+    return choice.keep_tree.empty() ? beside : choice.keep_tree / found.tree / beside.filename();
+}
+
+void check_that_targets_differ(std::vector<BatchFile> const& files)
+{
+    std::map<fs::path, BatchFile const*> first_with;
+    BatchFile const* first = nullptr;
+    BatchFile const* second = nullptr;
+    std::size_t more = 0;
+    for (BatchFile const& file : files) {
+        auto const [entry, added] = first_with.emplace(key_of(file.target), &file);
+        if (!added && first == nullptr) {
+            first = entry->second;
+            second = &file;
+        } else if (!added) {
+            ++more;
+        }
+    }
+    if (first != nullptr) {
+        throw Failure(first->target.string(),
+                      fmt::format("{} and {} would both be written there{}", first->source.string(),
+                                  second->source.string(),
+                                  more == 0 ? "" : fmt::format(", and {} more are like that", more)),
+                      "take one of them, for instance with --pattern '*_H.*'", kWrongUsage);
+    }
+}
+
+void check_that_no_source_is_lost(std::vector<BatchFile> const& files, OutputPolicy policy)
+{
+    std::map<fs::path, BatchFile const*> sources;
+    for (BatchFile const& file : files) {
+        sources.emplace(key_of(file.source), &file);
+    }
+    for (BatchFile const& file : files) {
+        auto const lost = sources.find(key_of(file.target));
+        // An output that is kept because it exists endangers nothing, unless it is its own input.
+        if (lost != sources.end() && (policy != OutputPolicy::kKeep || lost->second == &file)) {
+            throw Failure(file.source.string(),
+                          fmt::format("its output would replace the input {}", lost->second->source.string()),
+                          "give another --suffix, or another folder with --keep-tree", kWrongUsage);
+        }
+    }
+}
+
+Failure nothing_found(BatchChoice const& choice, BatchPlan const& plan)
+{
+    std::string const where =
+        choice.search.places.size() == 1 ? choice.search.places.front() : std::string("input");
+    if (plan.outputs_left_out > 0) {
+        return {where, "all that is found there are outputs of earlier runs",
+                "take them as inputs with --include-outputs"};
+    }
+    return {where, "no picture is found there",
+            choice.search.recurse ? "check the name, or give another --pattern"
+                                  : "check the name, give another --pattern, or look deeper with --recurse"};
+}
+
+} // namespace
+
+BatchPlan plan_batch(BatchChoice const& choice)
+{
+    SearchResult found = find_files(choice.search);
+    BatchPlan plan{{}, std::move(found.failures), 0};
+    for (FoundFile const& each : found.files) {
+        if (is_temporary_name(each.file)) {
+            continue;
+        }
+        if (!choice.include_outputs && is_output_of_a_run(each.file, choice.suffix)) {
+            ++plan.outputs_left_out;
+            continue;
+        }
+        plan.files.push_back({each.file, target_for(each, choice)});
+    }
+    if (plan.files.empty() && plan.failures.empty()) {
+        throw nothing_found(choice, plan);
+    }
+    check_targets(plan.files, choice.policy);
+    return plan;
+}
+
+void check_targets(std::vector<BatchFile> const& files, OutputPolicy policy)
+{
+    check_that_targets_differ(files);
+    check_that_no_source_is_lost(files, policy);
+}
+
+std::optional<std::string> reason_to_skip(BatchFile const& file, OutputPolicy policy)
+{
+    std::error_code error;
+    if (policy == OutputPolicy::kReplace || file.outdated || !fs::is_regular_file(file.target, error)) {
+        return std::nullopt;
+    }
+    if (policy == OutputPolicy::kKeep) {
+        return "its output is already there";
+    }
+    auto const source_time = fs::last_write_time(file.source, error);
+    if (error || source_time > fs::last_write_time(file.target, error) || error) {
+        return std::nullopt;
+    }
+    return "its output is up to date";
+}
+
+} // namespace umbrixlib::toolkit

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "toolkit/files/file_search.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace umbrixlib::toolkit {
+
+/// What becomes of outputs that exist.
+enum class OutputPolicy {
+    kKeep,    ///< They stay, and their inputs are skipped.
+    kUpdate,  ///< They are replaced if their input is newer.
+    kReplace, ///< They are replaced.
+};
+
+/// Which files a batch works on and where their outputs go.
+struct BatchChoice {
+    Search search;
+    bool include_outputs = false; ///< Take outputs of earlier runs as inputs.
+    std::string suffix;           ///< Of the outputs: "_Umbrix".
+    std::string keep_tree; ///< Folder that the outputs go to, in the tree of the inputs; empty: beside them.
+    OutputPolicy policy = OutputPolicy::kKeep;
+};
+
+/// One file of a batch. Its name is the input's as the user would call it.
+struct BatchFile {
+    std::filesystem::path source;
+    std::filesystem::path target;
+    bool outdated = false;  ///< What stands at the target is known to be replaceable.
+    std::size_t origin = 0; ///< For whoever made the plan: where the file comes from.
+};
+
+struct BatchPlan {
+    std::vector<BatchFile> files;     ///< By source.
+    std::vector<Failure> failures;    ///< Places where no files can be looked for.
+    std::size_t outputs_left_out = 0; ///< Outputs of earlier runs.
+};
+
+/// Finds the files and names their outputs. A Failure if there are none, or if two inputs lead to one output,
+/// or if an output would replace an input.
+BatchPlan plan_batch(BatchChoice const& choice);
+
+/// Throws a Failure unless all files have outputs of their own that are no inputs, so that nothing is lost.
+void check_targets(std::vector<BatchFile> const& files, OutputPolicy policy);
+
+/// Why there is nothing to do for @p file, or nothing.
+std::optional<std::string> reason_to_skip(BatchFile const& file, OutputPolicy policy);
+
+} // namespace umbrixlib::toolkit

@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/files/file_search.h"
+
+#include "toolkit/base/glob.h"
+#include "toolkit/pictures/input_formats.h"
+
+#include <algorithm>
+#include <deque>
+#include <set>
+#include <sys/stat.h>
+#include <utility>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using FolderId = std::pair<dev_t, ino_t>;
+
+struct Folder {
+    fs::path path;
+    fs::path tree;
+};
+
+class Finder {
+public:
+    explicit Finder(Search const& search) : search_(search) {}
+
+    SearchResult run()
+    {
+        for (std::string const& place : search_.places) {
+            look_at(place);
+        }
+        std::sort(result_.files.begin(), result_.files.end(),
+                  [](FoundFile const& a, FoundFile const& b) { return a.file < b.file; });
+        return std::move(result_);
+    }
+
+private:
+    void look_at(std::string const& place)
+    {
+        std::error_code error;
+        if (!has_wildcards(place) || fs::exists(fs::symlink_status(place, error))) {
+            look_at_name(place, fs::path());
+            return;
+        }
+        fs::path const fixed = fixed_part(place);
+        for (fs::path const& name : expand(place)) {
+            look_at_name(name, name.lexically_relative(fixed.empty() ? fs::path() : fixed));
+        }
+    }
+
+    /// @param below Where it lies in the tree; empty: the tree begins here.
+    void look_at_name(fs::path const& name, fs::path const& below)
+    {
+        std::error_code error;
+        fs::file_status const status = fs::status(name, error);
+        if (fs::is_directory(status)) {
+            walk({name, below});
+        } else if (status.type() == fs::file_type::not_found &&
+                   !fs::exists(fs::symlink_status(name, error))) {
+            result_.failures.emplace_back(name.string(), "there is no such file or folder", "check the name");
+        } else if (!fs::exists(status) && !fs::is_symlink(fs::symlink_status(name, error))) {
+            result_.failures.emplace_back(name.string(), error.message(), "check the name");
+        } else if (search_.pattern.empty() || matches(search_.pattern, name.filename().string())) {
+            add(name, below.parent_path());
+        }
+    }
+
+    /// Linked folders come last, so that a folder is found by its own name rather than by a link to it.
+    void walk(Folder const& start)
+    {
+        std::deque<Folder> linked{start};
+        std::set<FolderId> walked;
+        while (!linked.empty()) {
+            std::vector<Folder> open{linked.front()};
+            linked.pop_front();
+            while (!open.empty()) {
+                Folder const folder = std::move(open.back());
+                open.pop_back();
+                walk_one(folder, walked, open, linked);
+            }
+        }
+    }
+
+    void walk_one(Folder const& folder, std::set<FolderId>& walked, std::vector<Folder>& open,
+                  std::deque<Folder>& linked)
+    {
+        struct stat status = {};
+        if (stat(folder.path.c_str(), &status) == 0 && !walked.emplace(status.st_dev, status.st_ino).second) {
+            return;
+        }
+        for (fs::path const& name : names_in(folder.path)) {
+            fs::path const path = folder.path / name;
+            std::error_code error;
+            fs::file_type const type = fs::symlink_status(path, error).type();
+            if (type == fs::file_type::not_found) {
+                continue; // it was removed since
+            }
+            if (error) {
+                result_.failures.emplace_back(path.string(), "it cannot be looked at: " + error.message(),
+                                              "check the name and its access rights");
+            } else if (fs::is_directory(path, error)) {
+                if (search_.recurse && !name.string().starts_with('.') && !is_avoided(path)) {
+                    Folder const next{path, folder.tree / name};
+                    type == fs::file_type::symlink ? linked.push_back(next) : open.push_back(next);
+                }
+            } else if (is_wanted(name)) {
+                add(path, folder.tree);
+            }
+        }
+    }
+
+    std::vector<fs::path> names_in(fs::path const& folder)
+    {
+        std::vector<fs::path> names;
+        std::error_code error;
+        for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+             entry.increment(error)) {
+            names.push_back(entry->path().filename());
+        }
+        if (error) {
+            result_.failures.emplace_back(folder.string(), "the folder cannot be read: " + error.message(),
+                                          "check its access rights");
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    bool is_avoided(fs::path const& folder) const
+    {
+        std::error_code error;
+        return !search_.avoided.empty() && fs::equivalent(folder, search_.avoided, error);
+    }
+
+    bool is_wanted(fs::path const& name) const
+    {
+        if (search_.pattern.empty()) {
+            return !name.string().starts_with('.') && is_called_like_a_picture(name);
+        }
+        // "*_H.*" means pictures, and not what some programs put beside each.
+        bool const any_extension = has_wildcards(fs::path(search_.pattern).extension().string());
+        return matches(search_.pattern, name.string()) && (!any_extension || is_called_like_a_picture(name));
+    }
+
+    void add(fs::path const& file, fs::path const& tree)
+    {
+        // Not the file behind a link: its name gives the output its own.
+        std::error_code error;
+        fs::path const folder = file.has_parent_path() ? file.parent_path() : fs::path(".");
+        fs::path const key = fs::weakly_canonical(folder, error) / file.filename();
+        if (found_.insert(key).second) {
+            result_.files.push_back({file, tree});
+        }
+    }
+
+    Search const& search_;
+    std::set<fs::path> found_;
+    SearchResult result_;
+};
+
+} // namespace
+
+SearchResult find_files(Search const& search)
+{
+    return Finder(search).run();
+}
+
+} // namespace umbrixlib::toolkit

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "toolkit/base/kind.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace umbrixlib::toolkit {
+
+/// Where the result goes when no name is given: beside @p input, with "_Umbrix" or the like before the
+/// extension. One of the tags _N, _NORMAL, _H and _HEIGHT at the end of the name gives way to it. The
+/// extension stays if pictures can be written so without loss; else it is ".png".
+std::filesystem::path default_output(std::filesystem::path const& input, std::string const& suffix);
+
+/// What the name says about the picture: a word such as "normal" or "height", or one of the tags _N and _H at
+/// its end, in any letter case. Nothing if it has words for both.
+struct NameHint {
+    Kind kind;
+    std::string word; ///< As it stands in the name.
+};
+std::optional<NameHint> hint_of_name(std::filesystem::path const& file);
+
+} // namespace umbrixlib::toolkit

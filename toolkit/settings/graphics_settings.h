@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+
+namespace umbrixlib::toolkit {
+
+/// Whether a map is made on a GPU, and how.
+struct Graphics {
+    std::optional<int> device; ///< Number of the device; empty: on the CPU.
+    bool match_cpu = false;    ///< Heights are turned and scaled to those of a map made on the CPU.
+};
+
+void to_json(nlohmann::json& fields, Graphics const& graphics);
+void from_json(nlohmann::json const& fields, Graphics& graphics);
+
+} // namespace umbrixlib::toolkit

@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/settings/preset.h"
+
+#include "toolkit/base/failure.h"
+#include "toolkit/base/suggestion.h"
+#include "toolkit/base/utf8.h"
+#include "toolkit/files/text_file.h"
+#include "toolkit/settings/preset_texts.h"
+#include "toolkit/settings/setting_table.h"
+#include "toolkit/settings/toml_reading.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+constexpr char const* kDescription = "description";
+constexpr char const* kExtension = ".toml";
+constexpr char const* kSaveHint = "`umbrix preset save` writes a preset with every key";
+
+/// Takes the value of one key into the settings.
+class Take {
+public:
+    Take(SettingRow const& row, TomlEntry const& entry, Settings& settings)
+        : row_(row), entry_(entry), settings_(settings)
+    {
+    }
+
+    void operator()(bool Settings::*field) const
+    {
+        std::optional<bool> const value = entry_.node.value_exact<bool>();
+        if (!value) {
+            entry_.refuse("it is neither true nor false", "give one of these, without quotes");
+        }
+        settings_.*field = *value;
+    }
+
+    void operator()(int Settings::*field) const
+    {
+        double const value = number();
+        if (value != std::floor(value)) {
+            entry_.refuse(fmt::format("{} is not a whole number", value),
+                          fmt::format("give {} to {}", row_.minimum, row_.maximum));
+        }
+        settings_.*field = static_cast<int>(value);
+    }
+
+    void operator()(float Settings::*field) const { settings_.*field = static_cast<float>(number()); }
+
+    void operator()(std::optional<float> Settings::*field) const
+    {
+        if (!entry_.node.is_string()) {
+            settings_.*field = static_cast<float>(number());
+        } else if (entry_.text("") == "auto") {
+            settings_.*field = std::nullopt;
+        } else {
+            entry_.refuse("it is neither a number nor \"auto\"",
+                          fmt::format("give {} to {}, or \"auto\"", row_.minimum, row_.maximum));
+        }
+    }
+
+    template <typename Choice>
+    void operator()(Choice Settings::*) const
+    {
+        auto const names = choices(row_);
+        std::string const advice = fmt::format("give \"{}\"", fmt::join(names, "\", \""));
+        std::string const text = entry_.text(advice);
+        auto const found = std::find(names.begin(), names.end(), text);
+        if (found == names.end()) {
+            entry_.refuse(fmt::format("'{}' is not known", text), advice);
+        }
+        choose(row_, settings_, static_cast<int>(found - names.begin()));
+    }
+
+private:
+    double number() const { return entry_.number(row_.minimum, row_.maximum); }
+
+    SettingRow const& row_;
+    TomlEntry const& entry_;
+    Settings& settings_;
+};
+
+[[noreturn]] void refuse_key(TomlEntry const& entry, std::string_view key)
+{
+    std::vector<std::string> keys{kDescription};
+    for (SettingRow const& row : setting_table()) {
+        keys.push_back(preset_key(row));
+    }
+    std::string_view const meant = meant_by(key, {keys.begin(), keys.end()});
+    entry.refuse("there is no such key",
+                 meant.empty() ? kSaveHint : fmt::format("perhaps {} is meant", meant));
+}
+
+Preset preset_from(toml::table const& table, std::string const& subject)
+{
+    Preset preset;
+    auto const rows = setting_table();
+    for (auto const& [key, node] : table) {
+        TomlEntry const entry{fmt::format("{}: {}", subject, key.str()), node};
+        std::string_view const name = key.str(); // clang 14 captures no structured binding
+        auto const row = std::find_if(rows.begin(), rows.end(),
+                                      [&](SettingRow const& each) { return preset_key(each) == name; });
+        if (key == kDescription) {
+            preset.description = entry.text("give one line of text");
+            if (!is_one_line(preset.description)) {
+                entry.refuse("it has line breaks or other control characters", "give one line of text");
+            }
+        } else if (row == rows.end()) {
+            refuse_key(entry, key.str());
+        } else {
+            std::visit(Take(*row, entry, preset.settings), row->field);
+        }
+    }
+    return preset;
+}
+
+Preset read_shipped(std::string const& name)
+{
+    for (ShippedPreset const& each : kShippedPresets) {
+        if (name == each.name) {
+            return preset_from(parse_toml(each.text, name, kSaveHint), name);
+        }
+    }
+    std::string_view const meant = meant_by(name, shipped_presets());
+    throw Failure("--preset", fmt::format("'{}' is not a shipped preset", name),
+                  fmt::format("{}; the shipped ones are {}, and the name of a file ends in {}",
+                              meant.empty() ? "check the name" : fmt::format("perhaps {} is meant", meant),
+                              fmt::join(shipped_presets(), ", "), kExtension),
+                  kWrongUsage);
+}
+
+bool names_file(std::string const& name)
+{
+    return name.find('/') != std::string::npos || name.ends_with(kExtension);
+}
+
+} // namespace
+
+std::string preset_key(SettingRow const& row)
+{
+    std::string key = row.name;
+    std::replace(key.begin(), key.end(), '-', '_');
+    return key;
+}
+
+std::string preset_value(SettingRow const& row, Settings const& settings)
+{
+    std::string const text = value_text(row, settings);
+    bool const word = !choices(row).empty() || text == "auto";
+    if (text == "-0") {
+        return "-0.0"; // without a point it would be a whole number, and the sign lost
+    }
+    return word ? fmt::format("\"{}\"", text) : text;
+}
+
+std::vector<std::string_view> shipped_presets()
+{
+    std::vector<std::string_view> names;
+    for (ShippedPreset const& each : kShippedPresets) {
+        names.emplace_back(each.name);
+    }
+    return names;
+}
+
+Preset read_preset(std::string const& name)
+{
+    return names_file(name) ? preset_from(parse_toml_file(name, "a preset", kSaveHint), name)
+                            : read_shipped(name);
+}
+
+std::string preset_text(Preset const& preset)
+{
+    std::string text;
+    if (!preset.description.empty()) {
+        // JSON writes a text as TOML does.
+        nlohmann::json const description = preset.description;
+        text = fmt::format("{} = {}\n", kDescription,
+                           description.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+    }
+    std::string_view group;
+    for (SettingRow const& row : setting_table()) {
+        if (group != row.group) {
+            group = row.group;
+            text += fmt::format("{}# {}\n", text.empty() ? "" : "\n", group);
+        }
+        text += fmt::format("{} = {}\n", preset_key(row), preset_value(row, preset.settings));
+    }
+    return text;
+}
+
+bool is_one_line(std::string_view text)
+{
+    return !has_control_characters(text);
+}
+
+void check_preset_output(std::string const& file, bool overwrite)
+{
+    if (!file.ends_with(kExtension)) {
+        throw Failure(file, fmt::format("its name does not end in {}", kExtension),
+                      "give one that does, so that --preset finds it", kWrongUsage);
+    }
+    check_text_output(file, overwrite);
+}
+
+} // namespace umbrixlib::toolkit

@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/base/failure.h"
+#include "toolkit/base/worker_channel.h"
+#include "toolkit/tasks/job.h"
+#include "toolkit/tasks/library_run.h"
+#include "toolkit/tasks/prepared_input.h"
+#include "toolkit/tasks/relief_fit.h"
+
+#include <cmath>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+#include <umbrixlib.h>
+#include <utility>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+constexpr double kLeastRelief = 1e-4; // image widths
+constexpr double kMostRelief = 10.0;
+
+/// A relief beats flat ground if it leaves less than this part of its angle. Any noise fits a very low relief
+/// a little.
+constexpr double kBetter = 0.99;
+
+std::vector<float> heights_of(Picture const& picture)
+{
+    std::vector<float> heights(picture.texels());
+    for (std::size_t i = 0; i < heights.size(); ++i) {
+        std::uint8_t const* const texel = picture.texel(i);
+        heights[i] = static_cast<float>((texel[0] + texel[1] + texel[2]) / 765.0);
+    }
+    return heights;
+}
+
+/// Where flat ground lies for makers that cut off, that divide by 127.5 and round, and that have it at 128. A
+/// wrong one shifts every normal by a quarter of a degree.
+constexpr double kMiddles[] = {127.0, 127.5, 128.0};
+
+/// Unit vectors.
+std::vector<float3> normals_of(Picture const& picture, double middle)
+{
+    std::vector<float3> normals(picture.texels());
+    for (std::size_t i = 0; i < normals.size(); ++i) {
+        std::uint8_t const* const texel = picture.texel(i);
+        double const x = texel[0] - middle;
+        double const y = texel[1] - middle;
+        double const z = texel[2] - middle;
+        double const length = std::sqrt(x * x + y * y + z * z);
+        if (length == 0.0) {
+            normals[i] = {0.0f, 0.0f, 1.0f};
+            continue;
+        }
+        normals[i] = {static_cast<float>(x / length), static_cast<float>(y / length),
+                      static_cast<float>(z / length)};
+    }
+    return normals;
+}
+
+struct Pair {
+    int width;
+    int height;
+    std::vector<float> heights;
+    Picture picture; ///< The normal map.
+};
+
+Pair read_pair(Job const& job)
+{
+    Pair pair{};
+    {
+        PreparedInput const input = prepare_input(job);
+        if (input.guess.kind == Kind::kNormalMap) {
+            send_note("this looks like a normal map (" + input.guess.reason +
+                      "); its brightness is taken for heights");
+        }
+        pair.width = input.width;
+        pair.height = input.height;
+        pair.heights = heights_of(input.picture);
+    }
+    send_file(job.normals);
+    Job second = job;
+    second.input = job.normals;
+    PreparedInput input = prepare_input(second);
+    if (input.width != pair.width || input.height != pair.height) {
+        throw Failure("input",
+                      fmt::format("its size is {} x {} and that of the height map {} x {}", input.width,
+                                  input.height, pair.width, pair.height),
+                      "bring both to the same size");
+    }
+    if (input.guess.kind == Kind::kHeightMap) {
+        send_note("this does not look like a normal map: " + input.guess.reason);
+    }
+    pair.picture = std::move(input.picture);
+    send_file("");
+    return pair;
+}
+
+/// Fits both directions of green to slopes that the library makes of the heights.
+class PairFit {
+public:
+    struct Result {
+        FittedScale up;
+        FittedScale down;
+
+        FittedScale const& best() const
+        {
+            return down.mean_angle_degrees < up.mean_angle_degrees ? down : up;
+        }
+    };
+
+    PairFit(Pair& pair, float detail, std::string* status, int* progress)
+        : pair_(pair), detail_(detail), status_(status), progress_(progress)
+    {
+    }
+
+    /// From now on, reads the normal map with flat ground at the place that leaves the smallest angle.
+    void choose_middle(double gaussian)
+    {
+        double smallest = 360.0;
+        double best = 0.0;
+        for (double const middle : kMiddles) {
+            normals_ = normals_of(pair_.picture, middle);
+            double const angle = at(gaussian, false).best().mean_angle_degrees;
+            if (angle < smallest) {
+                smallest = angle;
+                best = middle;
+            }
+        }
+        normals_ = normals_of(pair_.picture, best);
+    }
+
+    std::vector<float3> const& normals() const { return normals_; }
+
+    Result at(double gaussian, bool thorough)
+    {
+        make_slopes(gaussian);
+        auto const fit = [&](NormalY green) {
+            return fit_scale(slopes_, normals_, green, scale_of(kLeastRelief), scale_of(kMostRelief),
+                             thorough);
+        };
+        return {fit(NormalY::kUp), fit(NormalY::kDown)};
+    }
+
+    double relief_of(double n_scale) const { return n_scale * 2.0 / pair_.width; }
+
+private:
+    double scale_of(double relief) const { return relief * pair_.width / 2.0; }
+
+    void make_slopes(double gaussian)
+    {
+        if (slopes_gaussian_ == gaussian) {
+            return;
+        }
+        std::vector<float3> made(pair_.heights.size());
+        HeightToNormal(pair_.heights.data(), made.data(), pair_.height, pair_.width, 1.0f,
+                       static_cast<float>(gaussian), 0.0f, false, 0, detail_, false, 0.0f, 0.0f, false,
+                       status_, progress_);
+        *status_ = kFittingRelief;
+        slopes_ = slopes_of(made);
+        slopes_gaussian_ = gaussian;
+    }
+
+    Pair& pair_;
+    std::vector<float3> normals_;
+    Slopes slopes_;
+    double slopes_gaussian_ = -1.0; ///< Of the blur that they were made with.
+    float detail_;
+    std::string* status_;
+    int* progress_;
+};
+
+/// Four digits, which is more than 8 bits a channel can tell.
+double rounded(double value)
+{
+    return std::stod(fmt::format("{:.4g}", value));
+}
+
+} // namespace
+
+nlohmann::json run_fit_task(Job const& job)
+{
+    Pair pair = read_pair(job);
+    send_phase(Phase::kMaking);
+    nlohmann::json report;
+    run_library([&](std::string* status, int* progress) {
+        PairFit fit(pair, job.settings.detail, status, progress);
+        double gaussian = rounded(static_cast<double>(job.settings.gaussian));
+        fit.choose_middle(gaussian);
+        if (job.fit_gaussian) {
+            gaussian = rounded(
+                fit_sigma([&](double sigma) { return fit.at(sigma, false).best().mean_angle_degrees; }));
+        }
+        PairFit::Result const result = fit.at(gaussian, true);
+        bool const down = &result.best() == &result.down;
+        FittedScale const& best = result.best();
+        double const flat = flat_mean_angle_degrees(fit.normals());
+        double const relief = rounded(fit.relief_of(best.n_scale));
+        report = {{"width", pair.width},
+                  {"height", pair.height},
+                  {"relief", relief},
+                  {"n_scale", rounded(relief * pair.width / 2.0)},
+                  {"gaussian", gaussian},
+                  {"green", down ? NormalY::kDown : NormalY::kUp},
+                  {"mean_angle_degrees", best.mean_angle_degrees},
+                  {"other_green_mean_angle_degrees", (down ? result.up : result.down).mean_angle_degrees},
+                  {"flat_mean_angle_degrees", flat},
+                  {"beats_flat", best.mean_angle_degrees < kBetter * flat}};
+        return true;
+    });
+    return report;
+}
+
+} // namespace umbrixlib::toolkit

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/tasks/library_run.h"
+
+#include "toolkit/base/failure.h"
+#include "toolkit/base/worker_channel.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <exception>
+#include <fmt/format.h>
+#include <mutex>
+#include <omp.h>
+#include <string_view>
+#include <thread>
+#include <umbrixlib.h>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+constexpr auto kPollInterval = std::chrono::milliseconds(50);
+
+/// The progress pair that the library writes with plain stores while we read. The text has room for every
+/// stage name from the start, so its bytes stay where they are; they are read one by one, up to that room,
+/// and never through the string, whose length changes under us. A text caught half way lasts until the next
+/// look.
+class ProgressPair {
+public:
+    ProgressPair()
+    {
+        status_.resize(kRoom, '\0');
+        bytes_ = status_.data();
+        status_.clear();
+    }
+
+    std::string* status() { return &status_; }
+    int* progress() { return &progress_; }
+
+    std::string stage() const
+    {
+        std::string copy;
+        for (std::size_t i = 0; i < kRoom; ++i) {
+            char const letter = *static_cast<char const volatile*>(bytes_ + i);
+            if (letter < ' ' || letter > '~') {
+                break;
+            }
+            copy += letter;
+        }
+        return copy;
+    }
+
+    int permille() { return std::atomic_ref(progress_).load(std::memory_order_relaxed); }
+
+private:
+    static constexpr std::size_t kRoom = 64;
+    std::string status_;
+    char const* bytes_;
+    int progress_ = 0;
+};
+
+/// The library's names of its stages, in words for a user.
+std::string_view stage_name(std::string_view text)
+{
+    constexpr std::pair<std::string_view, std::string_view> kNames[] = {
+        {"Bilateral Filtering", "filtering heights"},
+        {"Generating Normal", "making normals"},
+        {"Generating Normal Map", "making normals"},
+        {"Retreving Normal Map", "reading normals"},
+        {"Normal -> Umbrix", "light"},
+        {"Height -> AO", "occlusion"},
+        {"Storing Results", "storing"},
+        {kBlendingLayers, "blending layers"},
+        {kFittingRelief, "fitting"},
+    };
+    for (auto const& [from, to] : kNames) {
+        if (text == from) {
+            return to;
+        }
+    }
+    return text.empty() ? "starting" : text;
+}
+
+std::mutex box_mutex;
+std::string box_text;
+
+void keep_error_box(char const* text, char const*)
+{
+    std::lock_guard const lock(box_mutex);
+    box_text = text;
+}
+
+/// The library shares texels out by the number of processors, so a smaller team would leave texels out.
+void check_team_size()
+{
+    int team = 0;
+#pragma omp parallel
+#pragma omp single
+    team = omp_get_num_threads();
+    if (team != omp_get_num_procs()) {
+        throw Failure("OpenMP",
+                      fmt::format("it gives {} threads for {} processors", team, omp_get_num_procs()),
+                      "raise the limit on processes (ulimit -u)");
+    }
+}
+
+} // namespace
+
+void run_library(std::function<bool(std::string* status, int* progress)> const& work)
+{
+    set_message_handler(keep_error_box);
+    ProgressPair pair;
+    std::mutex mutex;
+    std::condition_variable finished;
+    bool done = false;
+    bool good = false;
+    std::exception_ptr error;
+    std::thread worker([&] {
+        try {
+            check_team_size();
+            good = work(pair.status(), pair.progress());
+        } catch (...) {
+            error = std::current_exception();
+        }
+        std::lock_guard const lock(mutex);
+        done = true;
+        finished.notify_one();
+    });
+    {
+        std::unique_lock lock(mutex);
+        while (!finished.wait_for(lock, kPollInterval, [&] { return done; })) {
+            send_progress(stage_name(pair.stage()), pair.permille());
+        }
+    }
+    worker.join();
+    if (error) {
+        std::rethrow_exception(error);
+    }
+    if (!good || !box_text.empty()) {
+        throw Failure("input", box_text.empty() ? "the library could not work on it" : box_text,
+                      "try another picture");
+    }
+}
+
+} // namespace umbrixlib::toolkit

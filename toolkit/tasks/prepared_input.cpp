@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/tasks/prepared_input.h"
+
+#include "toolkit/base/worker_channel.h"
+#include "toolkit/pictures/address_space.h"
+
+#include <fmt/format.h>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+// A decoder holds the picture twice while it turns it over, in up to 16 bytes a texel; the program itself
+// needs the rest.
+constexpr double kBytesPerTexel = 32.0;
+constexpr double kProgram = 1024.0 * 1024.0 * 1024.0;
+
+void note_conversion(DecodedImage const& image)
+{
+    if (image.bits_per_channel() > 8) {
+        send_note(fmt::format("{} is worked on with 8 bits a channel, so its finest steps are lost",
+                              image.description()));
+    } else if (!image.is_plain()) {
+        send_note(fmt::format("{} is converted to {} bits a texel", image.description(),
+                              image.has_alpha() ? 32 : 24),
+                  true);
+    }
+}
+
+} // namespace
+
+DecodedImage decode_input(Job const& job)
+{
+    send_phase(Phase::kReading);
+    AddressSpaceLimit const limit(kProgram + kBytesPerTexel * job.max_texels);
+    return {job.input, "input", job.max_texels};
+}
+
+PreparedInput prepare_input(Job const& job)
+{
+    DecodedImage const image = decode_input(job);
+    note_conversion(image);
+    Picture picture = image.to_picture(image.has_alpha());
+    KindGuess guess = guess_kind(picture, job.input);
+    return {image.width(),       image.height(),   image.has_alpha(),
+            image.description(), std::move(guess), std::move(picture)};
+}
+
+} // namespace umbrixlib::toolkit

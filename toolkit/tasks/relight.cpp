@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/tasks/relight.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+using Vector = std::array<double, 3>;
+
+constexpr double kRadians = 3.14159265358979323846 / 180.0;
+
+// The basis vectors of an Umbrix map in the order of its channels. The first is longer than 1.
+Vector const kBasis[] = {
+    {std::sqrt(3.0 / 2.0), 0.0, std::sqrt(1.0 / 3.0)},
+    {-std::sqrt(1.0 / 6.0), -std::sqrt(1.0 / 2.0), std::sqrt(1.0 / 3.0)},
+    {-std::sqrt(1.0 / 6.0), std::sqrt(1.0 / 2.0), std::sqrt(1.0 / 3.0)},
+};
+
+/// What flat ground has in a channel whose basis vector has this length.
+double flat_value(Modes mode, double length)
+{
+    double const projection = std::sqrt(1.0 / 3.0);
+    switch (mode) {
+    case Modes_UnitBasis:
+        return projection / length;
+    case Modes_FlatIsFull:
+        return 1.0;
+    case Modes_Squared:
+        return projection / length * (projection / length);
+    default:
+        return projection;
+    }
+}
+
+Vector direction_of(Light light)
+{
+    double const azimuth = light.azimuth_degrees * kRadians;
+    double const elevation = light.elevation_degrees * kRadians;
+    return {std::cos(azimuth) * std::cos(elevation), std::sin(azimuth) * std::cos(elevation),
+            std::sin(elevation)};
+}
+
+/// @p source reduced to means of squares of @p factor by @p factor texels.
+Picture reduced(Picture const& source, int factor)
+{
+    Picture result = make_picture(source.width / factor, source.height / factor, source.channels);
+    auto const step = static_cast<std::size_t>(factor);
+    auto const row = static_cast<std::size_t>(source.width);
+    for (std::size_t i = 0; i < result.texels(); ++i) {
+        std::size_t const x = i % static_cast<std::size_t>(result.width) * step;
+        std::size_t const y = i / static_cast<std::size_t>(result.width) * step;
+        for (std::size_t c = 0; c < static_cast<std::size_t>(source.channels); ++c) {
+            std::size_t sum = step * step / 2;
+            for (std::size_t dy = 0; dy < step; ++dy) {
+                for (std::size_t dx = 0; dx < step; ++dx) {
+                    sum += source.texel((y + dy) * row + x + dx)[c];
+                }
+            }
+            result.texel(i)[c] = static_cast<std::uint8_t>(sum / (step * step));
+        }
+    }
+    return result;
+}
+
+/// Copies @p piece into @p sheet with its bottom left corner there.
+void place(Picture const& piece, Picture& sheet, int left, int bottom)
+{
+    for (int y = 0; y < piece.height; ++y) {
+        auto const from = static_cast<std::size_t>(y) * static_cast<std::size_t>(piece.width);
+        auto const to = static_cast<std::size_t>(bottom + y) * static_cast<std::size_t>(sheet.width) +
+                        static_cast<std::size_t>(left);
+        std::copy_n(piece.texel(from), piece.width * piece.channels, sheet.texel(to));
+    }
+}
+
+/// About as many columns as rows; one more where that leaves no cell of the sheet empty.
+int columns_of(int directions)
+{
+    int const square = static_cast<int>(std::ceil(std::sqrt(directions)));
+    for (int columns = square; columns <= square + 1; ++columns) {
+        if (directions % columns == 0) {
+            return columns;
+        }
+    }
+    return square;
+}
+
+} // namespace
+
+std::array<double, 3> channel_weights(Light light, Relighting const& look)
+{
+    Vector const towards = direction_of(light);
+    std::array<double, 3> weights{};
+    double flat = 0.0;
+    for (std::size_t c = 0; c < 3; ++c) {
+        Vector const& basis = kBasis[c];
+        double const length = std::hypot(basis[0], basis[1], basis[2]);
+        double const dot = towards[0] * basis[0] + towards[1] * basis[1] + towards[2] * basis[2];
+        weights[c] = std::max(dot / length, 0.0);
+        flat += weights[c] * flat_value(look.mode, length);
+    }
+    for (double& weight : weights) {
+        weight *= look.exposure / flat;
+    }
+    return weights;
+}
+
+Picture relit(Picture const& map, Light light, Relighting const& look)
+{
+    std::array<double, 3> const weights = channel_weights(light, look);
+    Picture result = make_picture(map.width, map.height, 3);
+    for (std::size_t i = 0; i < map.texels(); ++i) {
+        std::uint8_t const* const from = map.texel(i);
+        double const grey = weights[0] * from[0] + weights[1] * from[1] + weights[2] * from[2];
+        std::fill_n(result.texel(i), 3, static_cast<std::uint8_t>(std::min(grey + 0.5, 255.0)));
+    }
+    return result;
+}
+
+Picture turntable(Picture const& map, Light light, Relighting const& look, int directions, int cell)
+{
+    int const longest = std::max(map.width, map.height);
+    int const factor = std::min((longest + cell - 1) / cell, std::min(map.width, map.height));
+    Picture const small = reduced(map, factor);
+    int const columns = columns_of(directions);
+    int const rows = (directions + columns - 1) / columns;
+    Picture sheet = make_picture(columns * small.width, rows * small.height, 3);
+    for (int i = 0; i < directions; ++i) {
+        Light const turned{light.azimuth_degrees + 360.0 * i / directions, light.elevation_degrees};
+        place(relit(small, turned, look), sheet, i % columns * small.width,
+              (rows - 1 - i / columns) * small.height);
+    }
+    return sheet;
+}
+
+} // namespace umbrixlib::toolkit

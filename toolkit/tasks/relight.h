@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "toolkit/pictures/picture.h"
+
+#include <array>
+#include <umbrixlib.h>
+
+namespace umbrixlib::toolkit {
+
+/// A direction towards the light. Azimuth 0 is the right edge of the picture, 90 its top, 180 its left edge;
+/// elevation 0 is level with the picture and 90 straight above it.
+struct Light {
+    double azimuth_degrees;
+    double elevation_degrees;
+};
+
+/// How a map is turned into a picture.
+struct Relighting {
+    Modes mode;      ///< Of the map: sets what flat ground has in its channels.
+    double exposure; ///< Brightness of flat ground that nothing hides, 0 to 1.
+};
+
+/// Weights of the red, green and blue channel for a light: its clamped dot products with the unit vectors of
+/// the three directions, at azimuth 0, 240 and 120, scaled so that flat ground gives the exposure.
+std::array<double, 3> channel_weights(Light light, Relighting const& look);
+
+/// @p map as it looks in that light: a grey picture.
+Picture relit(Picture const& map, Light light, Relighting const& look);
+
+/// A contact sheet of @p directions pictures, the azimuth going round once from that of @p light. They run
+/// row by row from the top left, each reduced by a whole number to at most @p cell texels a side.
+Picture turntable(Picture const& map, Light light, Relighting const& look, int directions, int cell);
+
+} // namespace umbrixlib::toolkit

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "toolkit/base/stop.h"
+#include "toolkit/workers/conversation.h"
+
+#include <cstddef>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+namespace umbrixlib::toolkit {
+
+/// One piece of work on its way through a pool. Destroyed as soon as it has ended, however it ended:
+/// temporary files belong into it.
+class PoolTask {
+public:
+    PoolTask() = default;
+    virtual ~PoolTask() = default;
+    PoolTask(PoolTask const&) = delete;
+    PoolTask& operator=(PoolTask const&) = delete;
+
+    virtual Job job() const = 0;
+    virtual Briefing briefing() const = 0;
+
+    /// The worker has done its part: what is left to do. A Failure if that cannot be done.
+    virtual void complete(nlohmann::json const& report) = 0;
+};
+
+/// How one piece of work ended.
+struct PoolEnding {
+    std::size_t index = 0;
+    nlohmann::json report;          ///< The worker's, if all went well.
+    std::optional<Failure> failure; ///< If not.
+    bool stopped = false;           ///< Neither: the user would not wait for it.
+    std::string chatter;            ///< The last that libraries printed in the worker.
+    double seconds = 0;             ///< From the opening of the task.
+    long peak_kib = 0;              ///< Largest memory of the worker; 0 if there was none.
+};
+
+/// Who has work for a pool. All calls come from within run_pool(), one at a time.
+class PoolClient {
+public:
+    PoolClient() = default;
+    virtual ~PoolClient() = default;
+    PoolClient(PoolClient const&) = delete;
+    PoolClient& operator=(PoolClient const&) = delete;
+
+    /// A worker is free for work number @p index. Null: there is nothing to do for it after all, and it does
+    /// not end(). A Failure: it ends with that.
+    virtual std::unique_ptr<PoolTask> open(std::size_t index) = 0;
+
+    /// A note of the worker at work number @p index, about @p file.
+    virtual void note(std::size_t index, std::string const& file, std::string const& text, bool detail) = 0;
+
+    /// Called once for each task that was opened or failed to open.
+    virtual void end(PoolEnding const& ending) = 0;
+
+    /// The user wants to stop: @p running pieces are still being finished, and no other is begun.
+    virtual void stopping(std::size_t running) = 0;
+};
+
+/// Does @p count pieces of work in their order, @p workers of them at a time, each in a worker process with
+/// its share of the processors: whatever happens in a worker is the end of that piece only. After the first
+/// interrupt no piece is begun any more, after the second those at work are stopped. False if the user
+/// stopped it.
+///
+/// It has no threads and no state besides its arguments; several may run at a time on threads of their own.
+/// Workers die with the thread that began them.
+bool run_pool(std::size_t count, std::size_t workers, PoolClient& client, Stop const& stop);
+
+} // namespace umbrixlib::toolkit

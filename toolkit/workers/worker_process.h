@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "toolkit/workers/processor_share.h"
+
+#include <cstdint>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace umbrixlib::toolkit {
+
+/// The hidden first argument that makes the tool a worker.
+inline constexpr char const* kWorkerArgument = "--run-worker-job";
+
+/// A second process of this program, which does one job. It has its job on standard input, its events on a
+/// pipe, and another pipe for what libraries print. It starts with a clean OpenMP environment: the library
+/// shares its texels out by the number of processors, so a team made smaller by the user's variables would
+/// leave texels out, and OpenMP reads them only when a program starts. It ends with this process at the
+/// latest.
+class WorkerProcess {
+public:
+    /// @param processors That it may use; null for those of this process.
+    explicit WorkerProcess(std::vector<std::uint8_t> const& job, ProcessorSet const* processors = nullptr);
+    ~WorkerProcess(); ///< Ends it at once if it still runs.
+    WorkerProcess(WorkerProcess const&) = delete;
+    WorkerProcess& operator=(WorkerProcess const&) = delete;
+
+    int events() const { return events_; }
+    int chatter() const { return chatter_; }
+
+    void kill();
+    int wait(); ///< Its status, as waitpid has it.
+
+    /// Largest memory that it held, in KiB; after wait().
+    long peak_kib() const { return peak_kib_; }
+
+private:
+    pid_t process_ = -1;
+    int events_ = -1;
+    int chatter_ = -1;
+    long peak_kib_ = 0;
+};
+
+/// Life of the worker: takes the job from standard input, does it, says how it went. The exit code for main.
+/// @param parent Process that the worker belongs to, as the parent wrote it on the command line.
+int run_worker(char const* parent);
+
+} // namespace umbrixlib::toolkit
