@@ -7,7 +7,7 @@
 
 #include "common/vector_types.h"
 
-namespace velloric {
+namespace umbrixlib::detail {
 
 inline constexpr double kInverseSqrt2 = 0.70710678118654752440;
 inline constexpr double kInverseSqrt3 = 0.57735026918962576451;
@@ -23,4 +23,4 @@ inline constexpr float3 kBasisC = {static_cast<float>(kSqrtThreeHalves), 0.0f,
 /// kBasisC divided by its length: (3, 0, sqrt(2)) / sqrt(11).
 inline constexpr float3 kUnitBasisC = {0.904534033733290872f, 0.0f, 0.426401432711220868f};
 
-} // namespace velloric
+} // namespace umbrixlib::detail

@@ -8,11 +8,8 @@
 #include <algorithm>
 #include <cmath>
 
-namespace velloric {
+namespace umbrixlib::detail {
 namespace {
-
-using umbrixlib::detail::narrow;
-using umbrixlib::detail::wide;
 
 constexpr double kPi = 3.141592653589793;
 constexpr double kUpperElevation = 35.264339447021484; ///< Of bases A and B, degrees.
@@ -125,4 +122,4 @@ void even_rays(int width, RayBands const& bands, int rays, float theta_limit, fl
     }
 }
 
-} // namespace velloric
+} // namespace umbrixlib::detail

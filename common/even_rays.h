@@ -6,7 +6,7 @@
 
 #include "common/ray.h"
 
-namespace velloric {
+namespace umbrixlib::detail {
 
 /// Room for the rays of the three bands.
 struct RayBands {
@@ -19,4 +19,4 @@ struct RayBands {
 /// @param width Of the map, above 0, as @p rays.
 void even_rays(int width, RayBands const& bands, int rays, float theta_limit, float alpha_limit);
 
-} // namespace velloric
+} // namespace umbrixlib::detail

@@ -6,12 +6,8 @@
 
 #include <cmath>
 
-namespace velloric {
+namespace umbrixlib::detail {
 namespace {
-
-using umbrixlib::detail::narrow;
-using umbrixlib::detail::to_int;
-using umbrixlib::detail::wide;
 
 /// Index of the last entry. A table too long for an int to count has the weight 1 alone, as one of no length.
 int last_entry(float sigma)
@@ -50,4 +46,4 @@ void exp_table(float sigma, float* table, int thread, int threads)
     }
 }
 
-} // namespace velloric
+} // namespace umbrixlib::detail

@@ -7,7 +7,7 @@
 /// multiply-add. `GenerateExp` and the filter's inner loop share it, so that the loop can make weights with
 /// the bits of the table instead of fetching them.
 
-namespace velloric {
+namespace umbrixlib::detail {
 
 /// The sigma of the range table that the pipelines bring.
 inline constexpr float kRangeSigma = 128.0f;
@@ -20,4 +20,4 @@ inline constexpr float kExpPolynomial[] = {
 inline constexpr float kLn2 = 0x1.62e430p-1f;
 inline constexpr double kLog2OfE = 1.44269504088896340736;
 
-} // namespace velloric
+} // namespace umbrixlib::detail

@@ -5,7 +5,7 @@
 #include "common/relief.h"
 #include "common/rounding.h"
 
-namespace velloric {
+namespace umbrixlib::detail {
 
 /// The steps of one ray, worked out one at a time. Step 1 is the first.
 class RaySteps {
@@ -17,16 +17,11 @@ public:
     /// Rows passed, likewise.
     int rows(int step) const { return offset(step, step_.y, rows_); }
     /// Height gained.
-    float climb(int step) const
-    {
-        using namespace umbrixlib::detail;
-        return narrow(wide(static_cast<float>(step)) * wide(step_.z));
-    }
+    float climb(int step) const { return narrow(wide(static_cast<float>(step)) * wide(step_.z)); }
 
 private:
     static int offset(int step, float share, int size)
     {
-        using namespace umbrixlib::detail;
         double const texels = wide(static_cast<float>(step)) * wide(share) * wide(static_cast<float>(size));
         return to_int(wide(narrow(texels + (share > 0.0f ? 0.5 : -0.5))));
     }
@@ -36,4 +31,4 @@ private:
     int cols_;
 };
 
-} // namespace velloric
+} // namespace umbrixlib::detail

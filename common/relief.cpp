@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-namespace velloric {
+namespace umbrixlib::detail {
 
 void survey(Relief& relief)
 {
@@ -23,4 +23,4 @@ void survey(Relief& relief)
     relief.magnitude = magnitude;
 }
 
-} // namespace velloric
+} // namespace umbrixlib::detail

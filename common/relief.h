@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-namespace velloric {
+namespace umbrixlib::detail {
 
 /// The map that rays are walked over, and the limits of every walk. Both sides are above 1, and so is at
 /// least the first step of a ray inside its length.
@@ -42,4 +42,4 @@ inline int wrapped(long long index, int size)
     return static_cast<int>(index);
 }
 
-} // namespace velloric
+} // namespace umbrixlib::detail

@@ -9,7 +9,7 @@
 
 #include <cmath>
 
-namespace velloric {
+namespace umbrixlib::detail {
 
 struct SineCosine {
     double sine;
@@ -48,4 +48,4 @@ inline SineCosine sine_cosine(double angle)
     }
 }
 
-} // namespace velloric
+} // namespace umbrixlib::detail

@@ -10,7 +10,7 @@
 #define HWY_TARGET_INCLUDE "filters/recursive_gaussian_tile.cpp"
 #include <hwy/foreach_target.h>
 
-#include "filters/lanes-inl.h"
+#include "common/lanes-inl.h"
 #include "filters/tile_access-inl.h"
 
 HWY_BEFORE_NAMESPACE();

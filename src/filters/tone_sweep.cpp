@@ -10,7 +10,7 @@
 #define HWY_TARGET_INCLUDE "filters/tone_sweep.cpp"
 #include <hwy/foreach_target.h>
 
-#include "filters/lanes-inl.h"
+#include "common/lanes-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace umbrixlib::detail::HWY_NAMESPACE {
@@ -70,16 +70,14 @@ private:
 /// Four registers, which hold a whole number of pixels however few lanes one has.
 template <bool kKeepsAlpha>
 class Chunk {
-    static constexpr std::size_t kLanes = hn::MaxLanes(HalfFloats());
-
 public:
-    static constexpr std::size_t kFloats = 4 * kLanes;
+    static constexpr std::size_t kFloats = 4 * kHalfLanes;
 
     static HWY_INLINE void apply(Sweep const& sweep, float* floats)
     {
         constexpr HalfFloats d;
         HWY_UNROLL(4)
-        for (std::size_t begin = 0; begin < kFloats; begin += kLanes) {
+        for (std::size_t begin = 0; begin < kFloats; begin += kHalfLanes) {
             Values const before = hn::LoadU(d, floats + begin);
             Values after = sweep(before);
             if constexpr (kKeepsAlpha) {

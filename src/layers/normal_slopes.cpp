@@ -10,7 +10,7 @@
 #define HWY_TARGET_INCLUDE "layers/normal_slopes.cpp"
 #include <hwy/foreach_target.h>
 
-#include "filters/lanes-inl.h"
+#include "common/lanes-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace umbrixlib::detail::HWY_NAMESPACE {

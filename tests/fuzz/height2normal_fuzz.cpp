@@ -50,9 +50,9 @@ void check_light(CaseInput& input, std::int64_t target, Size size, std::string c
 {
     auto image = input.image<float3>(size.texels());
     umbrix_options options{};
-    options.basis_a = velloric::kBasisA;
-    options.basis_b = velloric::kBasisB;
-    options.basis_c = velloric::kBasisC;
+    options.basis_a = umbrixlib::detail::kBasisA;
+    options.basis_b = umbrixlib::detail::kBasisB;
+    options.basis_c = umbrixlib::detail::kBasisC;
     std::vector<float3> expected(image.size());
     for (std::size_t i = 0; i < image.size(); ++i) {
         normal2umbrix(image[i], expected[i], options);

@@ -12,11 +12,11 @@
 
 namespace {
 
+using umbrixlib::detail::kBasisA;
+using umbrixlib::detail::kBasisB;
+using umbrixlib::detail::kBasisC;
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
-using velloric::kBasisA;
-using velloric::kBasisB;
-using velloric::kBasisC;
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kRootOf2Over11 = 0.426401433f;

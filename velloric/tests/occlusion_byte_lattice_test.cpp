@@ -18,11 +18,11 @@ using velloric::ByteLattice;
 /// A map of 4 rows.
 std::optional<ByteLattice> lattice_of(std::vector<float> const& heights)
 {
-    velloric::Relief relief{};
+    umbrixlib::detail::Relief relief{};
     relief.heights = heights.data();
     relief.rows = 4;
     relief.cols = static_cast<int>(heights.size()) / 4;
-    velloric::survey(relief);
+    umbrixlib::detail::survey(relief);
     return ByteLattice::of(relief);
 }
 

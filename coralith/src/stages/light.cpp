@@ -29,9 +29,9 @@ bool has_unit_basis(int mode)
 
 bool light_normals(Backend& backend, Shape shape, int mode, float const* normals, float* light)
 {
-    float3 const& a = velloric::kBasisA;
-    float3 const& b = velloric::kBasisB;
-    float3 const& c = has_unit_basis(mode) ? velloric::kUnitBasisC : velloric::kBasisC;
+    float3 const& a = umbrixlib::detail::kBasisA;
+    float3 const& b = umbrixlib::detail::kBasisB;
+    float3 const& c = has_unit_basis(mode) ? umbrixlib::detail::kUnitBasisC : umbrixlib::detail::kBasisC;
     DeviceArray image(backend);
     return image.fill(normals, static_cast<std::size_t>(shape.texels()) * 3) &&
            backend.launch(

@@ -25,8 +25,8 @@ bool filter_bilateral(Backend& backend, Memory const& source, Memory const& dest
 {
     std::vector<float> spatial(static_cast<std::size_t>(radius) + 1);
     std::vector<float> range(256);
-    velloric::exp_table(sigma, spatial.data(), 0, 1);
-    velloric::exp_table(velloric::kRangeSigma, range.data(), 0, 1);
+    umbrixlib::detail::exp_table(sigma, spatial.data(), 0, 1);
+    umbrixlib::detail::exp_table(umbrixlib::detail::kRangeSigma, range.data(), 0, 1);
     DeviceArray spatial_table(backend);
     DeviceArray range_table(backend);
     if (!spatial_table.fill(spatial.data(), spatial.size()) ||

@@ -22,11 +22,11 @@ constexpr std::size_t kMostStepsOfTable = std::size_t{1} << 20;
 
 Walk walk_over(Shape shape, OcclusionSettings const& settings, float const* heights)
 {
-    velloric::Relief relief{};
+    umbrixlib::detail::Relief relief{};
     relief.heights = heights;
     relief.rows = shape.rows;
     relief.cols = shape.cols;
-    velloric::survey(relief);
+    umbrixlib::detail::survey(relief);
     Walk walk{};
     walk.shape = shape;
     walk.rows_wrap = settings.rows_wrap;
@@ -146,8 +146,8 @@ bool directional_occlusion(Backend& backend, Shape shape, OcclusionSettings cons
     std::array<std::vector<ray>, 3> bands = {std::vector<ray>(count), std::vector<ray>(count),
                                              std::vector<ray>(count)};
     auto& [c, b, a] = bands; // in the order of the channels
-    velloric::even_rays(shape.cols, {a.data(), b.data(), c.data()}, settings.rays, settings.theta_limit,
-                        settings.alpha_limit);
+    umbrixlib::detail::even_rays(shape.cols, {a.data(), b.data(), c.data()}, settings.rays,
+                                 settings.theta_limit, settings.alpha_limit);
 
     DeviceArray map(backend);
     DeviceArray counts(backend);

@@ -19,10 +19,10 @@ bool outside_from_everywhere(int offset, int size, bool wraps)
 
 void add_ray(Walk const& walk, ray const& step, RayTable& table)
 {
-    velloric::Relief relief{};
+    umbrixlib::detail::Relief relief{};
     relief.rows = walk.shape.rows;
     relief.cols = walk.shape.cols;
-    velloric::RaySteps const steps(step, relief);
+    umbrixlib::detail::RaySteps const steps(step, relief);
     for (Index number = 1; number <= walk.ray_length; ++number) {
         int const j = static_cast<int>(number);
         int const rows = steps.rows(j);

@@ -4,10 +4,10 @@
 
 void GenerateExp(float sigma, float* table)
 {
-    velloric::exp_table(sigma, table, 0, 1);
+    umbrixlib::detail::exp_table(sigma, table, 0, 1);
 }
 
 void GenerateExp(float sigma, float* table, int thread, int threads)
 {
-    velloric::exp_table(sigma, table, thread, threads);
+    umbrixlib::detail::exp_table(sigma, table, thread, threads);
 }

@@ -80,6 +80,8 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace velloric {
 
+using umbrixlib::detail::kRangeSigma;
+
 HWY_EXPORT(filter_row);
 
 bool is_gaussian_range(float const* range)

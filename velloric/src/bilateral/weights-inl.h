@@ -18,6 +18,11 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace velloric::HWY_NAMESPACE {
+
+using umbrixlib::detail::kExpPolynomial;
+using umbrixlib::detail::kLn2;
+using umbrixlib::detail::kLog2OfE;
+
 namespace hn = hwy::HWY_NAMESPACE;
 
 using Floats = hn::ScalableTag<float>;

@@ -8,37 +8,25 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "blend/row.cpp"
 #include <hwy/foreach_target.h>
-#include <hwy/highway.h>
+
+#include "common/lanes-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace velloric::HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Doubles = hn::ScalableTag<double>;
-using Floats = hn::Rebind<float, Doubles>; // as many as there are doubles in a register
+using namespace umbrixlib::detail::HWY_NAMESPACE;
 using Wide = hn::Vec<Doubles>;
-
-constexpr std::size_t kLanes = hn::MaxLanes(Floats());
 
 HWY_INLINE Wide load(float const* from)
 {
-    return hn::PromoteTo(Doubles(), hn::LoadU(Floats(), from));
+    return widened(hn::LoadU(HalfFloats(), from));
 }
 
-/// Rounds each double to the nearest float, an infinity where it is too large.
 HWY_INLINE void store(Wide values, float* to)
 {
-#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
-    // The emulated sets of the vector library would stop at the largest float.
-    HWY_ALIGN double from[kLanes];
-    hn::Store(values, Doubles(), from);
-    for (std::size_t i = 0; i < kLanes; ++i) {
-        to[i] = static_cast<float>(from[i]);
-    }
-#else
-    hn::StoreU(hn::DemoteTo(Floats(), values), Floats(), to);
-#endif
+    hn::StoreU(narrowed(values), HalfFloats(), to);
 }
 
 struct CrossFade {
@@ -72,12 +60,12 @@ HWY_INLINE void fade_row(float const* first, float const* second, float* result,
                          double share)
 {
     std::size_t i = 0;
-    for (; i + kLanes <= count; i += kLanes) {
+    for (; i + kHalfLanes <= count; i += kHalfLanes) {
         fade_lanes<Second>(first + i, second + i, result + i, share);
     }
     if (i < count) {
-        float from[kLanes] = {};
-        float to[kLanes] = {};
+        float from[kHalfLanes] = {};
+        float to[kHalfLanes] = {};
         std::memcpy(from, first + i, (count - i) * sizeof(float));
         std::memcpy(to, second + i, (count - i) * sizeof(float));
         fade_lanes<Second>(from, to, from, share);

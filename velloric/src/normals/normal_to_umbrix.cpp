@@ -7,12 +7,12 @@
 
 namespace {
 
+using umbrixlib::detail::kBasisA;
+using umbrixlib::detail::kBasisB;
+using umbrixlib::detail::kBasisC;
+using umbrixlib::detail::kUnitBasisC;
 using umbrixlib::detail::narrow;
 using umbrixlib::detail::wide;
-using velloric::kBasisA;
-using velloric::kBasisB;
-using velloric::kBasisC;
-using velloric::kUnitBasisC;
 
 /// Light that falls along @p basis on a surface with @p normal. The products are exact and the sum is taken
 /// in the order of `normal2umbrix`; the caller rounds it once.

@@ -10,37 +10,40 @@
 #define HWY_TARGET_INCLUDE "normals/row.cpp"
 #include <hwy/foreach_target.h>
 
-#include "normals/float_lanes-inl.h"
+#include "common/lanes-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace velloric::HWY_NAMESPACE {
 namespace {
+namespace hn = hwy::HWY_NAMESPACE;
 
-/// Normals of kLanes texels. @p row points at the left neighbour of the first.
+using namespace umbrixlib::detail::HWY_NAMESPACE;
+using Values = hn::Vec<HalfFloats>;
+
+/// Normals of kHalfLanes texels. @p row points at the left neighbour of the first.
 HWY_INLINE void normal_block(float const* below, float const* row, float const* above, float3* normals)
 {
-    constexpr Floats d;
-    constexpr Doubles wide;
+    constexpr HalfFloats d;
     Values const x = hn::Sub(hn::LoadU(d, row), hn::LoadU(d, row + 2));
     Values const y = hn::Sub(hn::LoadU(d, below), hn::LoadU(d, above));
     // The squares of floats are exact in double, so fusing one with the sum changes no bit. What follows are
     // single operations on floats, which round as they do by way of double.
-    auto const wide_x = hn::PromoteTo(wide, x);
-    auto const wide_y = hn::PromoteTo(wide, y);
+    auto const wide_x = widened(x);
+    auto const wide_y = widened(y);
     auto const slope = hn::MulAdd(wide_x, wide_x, hn::Mul(wide_y, wide_y));
-    Values const length = hn::Sqrt(narrowed(hn::Add(slope, hn::Set(wide, 1.0))));
+    Values const length = hn::Sqrt(narrowed(hn::Add(slope, hn::Set(Doubles(), 1.0))));
     Values const inverse = hn::Div(hn::Set(d, 1.0f), length);
     hn::StoreInterleaved3(hn::Mul(inverse, x), hn::Mul(inverse, y), inverse, d, &normals->x);
 }
 
-/// The same for less than kLanes texels, by way of copies that have room for all.
+/// The same for less than kHalfLanes texels, by way of copies that have room for all.
 HWY_INLINE void normal_rest(float const* below, float const* row, float const* above, float3* normals,
                             std::size_t count)
 {
-    float below_copy[kLanes] = {};
-    float row_copy[kLanes + 2] = {};
-    float above_copy[kLanes] = {};
-    float3 result[kLanes];
+    float below_copy[kHalfLanes] = {};
+    float row_copy[kHalfLanes + 2] = {};
+    float above_copy[kHalfLanes] = {};
+    float3 result[kHalfLanes];
     std::memcpy(below_copy, below, count * sizeof(float));
     std::memcpy(row_copy, row, (count + 2) * sizeof(float));
     std::memcpy(above_copy, above, count * sizeof(float));
@@ -51,7 +54,7 @@ HWY_INLINE void normal_rest(float const* below, float const* row, float const* a
 void normal_row(float const* below, float const* row, float const* above, float3* normals, std::size_t width)
 {
     std::size_t x = 0;
-    for (; x + kLanes <= width; x += kLanes) {
+    for (; x + kHalfLanes <= width; x += kHalfLanes) {
         normal_block(below + x, row + x, above + x, normals + x);
     }
     if (x < width) {

@@ -11,6 +11,9 @@
 #include <tuple>
 
 namespace velloric {
+
+using umbrixlib::detail::RaySteps;
+
 namespace {
 
 using umbrixlib::detail::narrow;

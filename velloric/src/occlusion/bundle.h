@@ -13,6 +13,8 @@
 
 namespace velloric {
 
+using umbrixlib::detail::Relief;
+
 /// One step of a ray inside a block.
 struct RayStep {
     std::int32_t offset; ///< From the block's first step to this one, in elements of the plane.

@@ -10,6 +10,8 @@
 
 namespace velloric {
 
+using umbrixlib::detail::Relief;
+
 /// Heights in 8 bits, for a map that has at most 256 heights, equally spaced but for rounding, as those of an
 /// 8-bit picture are. A height h is the number of its level, 0 the lowest; a climb z is floor(z * scale).
 ///

@@ -15,7 +15,7 @@ void Height2DirectionalAO(float3* occlusion, float* heights, int height, int wid
         return;
     }
     velloric::Progress report(progress);
-    velloric::Relief relief{};
+    umbrixlib::detail::Relief relief{};
     relief.heights = heights;
     relief.rows = height;
     relief.cols = width;
@@ -26,7 +26,7 @@ void Height2DirectionalAO(float3* occlusion, float* heights, int height, int wid
     if (height == 1 || width == 1 || rays < 1 || relief.ray_length < 1) {
         std::fill_n(occlusion, static_cast<long long>(height) * width, float3{1.0f, 1.0f, 1.0f});
     } else {
-        velloric::survey(relief);
+        umbrixlib::detail::survey(relief);
         velloric::map_occlusion(relief, {rays_c, rays_b, rays_a}, rays, occlusion, report);
     }
     report.finish();

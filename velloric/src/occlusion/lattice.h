@@ -8,6 +8,8 @@
 
 namespace velloric {
 
+using umbrixlib::detail::Relief;
+
 /// Heights in 15 bits: a height h is floor((h - lowest) * scale) + kLowest, a climb z is floor(z * scale).
 /// Sixteen comparisons of a ray with the relief then cost two instructions, and are exact but for a narrow
 /// band.

@@ -10,6 +10,8 @@
 
 namespace velloric {
 
+using umbrixlib::detail::Relief;
+
 /// The share of open rays at every texel, for three bands of @p rays rays each.
 /// @param bands     In the order of the channels of @p occlusion.
 /// @param occlusion One result a texel.

@@ -11,6 +11,9 @@
 
 namespace velloric {
 
+using umbrixlib::detail::Relief;
+using umbrixlib::detail::wrapped;
+
 constexpr int kGroupRows = 8;         ///< Rows of texels that are handled together.
 constexpr int kMostGroupColumns = 32; ///< Columns likewise, at most.
 constexpr int kMostRowsSpanned = 48;  ///< Rows between the first and the last step of a block, at most.

@@ -5,6 +5,9 @@
 #include "occlusion/walk.h"
 
 namespace velloric {
+
+using umbrixlib::detail::RaySteps;
+
 namespace {
 
 using umbrixlib::detail::narrow;

@@ -7,6 +7,8 @@
 
 namespace velloric {
 
+using umbrixlib::detail::Relief;
+
 /// Whether @p ray is blocked at texel (@p x, @p y), whose height is a number below the top, by a step of the
 /// block
 /// @p first_block or later. Steps that the lattice leaves in doubt are decided in floats, as the walk does.

@@ -25,6 +25,9 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace velloric {
+
+using umbrixlib::detail::Relief;
+
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;

@@ -9,6 +9,8 @@
 
 namespace velloric {
 
+using umbrixlib::detail::Relief;
+
 constexpr int kTileRows = 64;
 constexpr int kTileColumns = 128;
 

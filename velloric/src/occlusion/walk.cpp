@@ -5,6 +5,9 @@
 
 namespace velloric {
 
+using umbrixlib::detail::RaySteps;
+using umbrixlib::detail::wrapped;
+
 using umbrixlib::detail::narrow;
 using umbrixlib::detail::wide;
 

@@ -7,6 +7,8 @@
 
 namespace velloric {
 
+using umbrixlib::detail::Relief;
+
 /// Whether a ray from texel (@p x, @p y) gets away from the relief: the walk as it is defined, step by step.
 /// Takes any ray, also one that sinks, stands still or has values that are not numbers.
 bool ray_escapes(Relief const& relief, ray const& step, int y, int x);

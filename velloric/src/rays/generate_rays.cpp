@@ -8,5 +8,5 @@ void GenerateRays(int height, int width, ray*& rays_a, ray*& rays_b, ray*& rays_
     if (height < 1 || width < 1 || rays < 1) {
         return;
     }
-    velloric::even_rays(width, {rays_a, rays_b, rays_c}, rays, theta_limit, alpha_limit);
+    umbrixlib::detail::even_rays(width, {rays_a, rays_b, rays_c}, rays, theta_limit, alpha_limit);
 }

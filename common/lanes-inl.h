@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: MIT
 
 /// @file
-/// What the filters add to the vector library, once per instruction set.
+/// What vector code adds to the vector library, once per instruction set.
 
-#if defined(UMBRIX_FILTERS_LANES_INL_H) == defined(HWY_TARGET_TOGGLE)
-#ifdef UMBRIX_FILTERS_LANES_INL_H
-#undef UMBRIX_FILTERS_LANES_INL_H
+#if defined(UMBRIX_COMMON_LANES_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef UMBRIX_COMMON_LANES_INL_H
+#undef UMBRIX_COMMON_LANES_INL_H
 #else
-#define UMBRIX_FILTERS_LANES_INL_H
+#define UMBRIX_COMMON_LANES_INL_H
 #endif
 
+#include <cstddef>
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
@@ -19,6 +20,8 @@ namespace hn = hwy::HWY_NAMESPACE;
 using Doubles = hn::ScalableTag<double>;       ///< A register of doubles.
 using HalfFloats = hn::Rebind<float, Doubles>; ///< As many floats as there are doubles in a register.
 using Floats = hn::ScalableTag<float>;         ///< A register of floats.
+
+constexpr std::size_t kHalfLanes = hn::MaxLanes(HalfFloats()); ///< Lanes of Doubles and of HalfFloats.
 
 HWY_INLINE hn::Vec<Doubles> widened(hn::Vec<HalfFloats> values)
 {
@@ -31,10 +34,10 @@ HWY_INLINE hn::Vec<HalfFloats> narrowed(hn::Vec<Doubles> values)
 {
 #if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
     constexpr HalfFloats d;
-    HWY_ALIGN double from[hn::MaxLanes(Doubles())];
-    HWY_ALIGN float to[hn::MaxLanes(d)];
+    HWY_ALIGN double from[kHalfLanes];
+    HWY_ALIGN float to[kHalfLanes];
     hn::Store(values, Doubles(), from);
-    for (size_t i = 0; i < hn::Lanes(d); ++i) {
+    for (std::size_t i = 0; i < kHalfLanes; ++i) {
         to[i] = static_cast<float>(from[i]);
     }
     return hn::Load(d, to);
