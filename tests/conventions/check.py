@@ -1,5 +1,7 @@
 # SPDX-License-Identifier: MIT
-"""Usage: check.py contracts|includes|licences|vector_code ROOT. Prints each fault; fails if there is one."""
+"""Usage: check.py contracts|engine|includes|licences|sizes|vector_code ROOT.
+
+Prints each fault; fails if there is one."""
 
 import importlib
 import sys

@@ -6,8 +6,10 @@ import unittest
 from pathlib import Path
 
 import contracts
+import engine
 import includes
 import licences
+import sizes
 import vector_code
 
 
@@ -58,29 +60,131 @@ class Contracts(Tree):
 
 
 class Includes(Tree):
-    def faults_of(self, name, text):
-        self.write(f"src/{name}", text)
+    def setUp(self):
+        super().setUp()
+        for name in ["common/ray.h", "src/foundation/list.h", "src/filters/tone.h", "src/umbrix/grading.h"]:
+            self.write(name, "")
+        self.write("src/umbrix/umbrix_options.h", "")
+        self.write("src/boundary/texture_kernels.h", "")
+        self.write("src/umbrixlib.h", '#include "foundation/list.h"\n')
+        self.write("toolkit/files/temporary.h", "")
+        self.write("toolkit/settings/preset.h", "")
+
+    def faults_of(self, name, *lines):
+        self.write(name, "".join(f"#include {line}\n" for line in lines))
         return includes.check(self.root)
 
-    def test_earlier_and_own_folder_are_accepted(self):
-        text = '#include "foundation/list.h"\n#include "filters/tone.h"\n#include <vector>\n'
-        self.assertEqual(self.faults_of("filters/smooth.cpp", text), [])
+    def test_rooms_below_and_the_own_one_are_accepted(self):
+        lines = ['"common/ray.h"', '"foundation/list.h"', '"filters/tone.h"', "<vector>"]
+        self.assertEqual(self.faults_of("src/filters/smooth.cpp", *lines), [])
 
-    def test_later_folder_is_found(self):
-        faults = self.faults_of("filters/smooth.cpp", '#include "umbrix/grading.h"\n')
-        self.assertEqual(faults, ["src/filters/smooth.cpp: must not include umbrix/grading.h"])
+    def test_room_above_is_found(self):
+        faults = self.faults_of("src/filters/smooth.cpp", '"umbrix/grading.h"')
+        self.assertEqual(
+            faults, ["src/filters/smooth.cpp: must not include umbrix/grading.h, which is not below its room"]
+        )
+
+    def test_room_beside_is_found(self):
+        self.assertEqual(len(self.faults_of("toolkit/pictures/encode.h", '"toolkit/settings/preset.h"')), 1)
+        self.assertEqual(self.faults_of("toolkit/pictures/encode.h", '"toolkit/files/temporary.h"'), [])
+
+    def test_brackets_count_like_quotes(self):
+        self.assertEqual(len(self.faults_of("src/filters/smooth.cpp", "<umbrix/grading.h>")), 1)
 
     def test_exceptions_hold_for_their_files_only(self):
-        text = '#include "umbrix/umbrix_options.h"\n'
-        self.assertEqual(self.faults_of("boundary/gpu_library.h", text), [])
-        self.assertEqual(len(self.faults_of("boundary/image_io.cpp", text)), 1)
+        line = '"umbrix/umbrix_options.h"'
+        self.assertEqual(self.faults_of("src/boundary/gpu_library.h", line), [])
+        self.assertEqual(len(self.faults_of("src/boundary/image_io.cpp", line)), 1)
 
-    def test_unknown_folder_is_found(self):
-        self.assertEqual(len(self.faults_of("filters/smooth.cpp", '#include "misc/all.h"\n')), 1)
+    def test_undeclared_room_is_found(self):
+        self.assertEqual(len(self.faults_of("src/misc/all.h")), 1)
 
-    def test_devil_outside_the_boundary_is_found(self):
-        self.assertEqual(self.faults_of("boundary/image_io.cpp", "#include <IL/il.h>\n"), [])
-        self.assertEqual(len(self.faults_of("umbrix/file.cpp", "#include <IL/il.h>\n")), 1)
+    def test_header_that_is_not_there_is_found(self):
+        self.assertEqual(len(self.faults_of("src/filters/smooth.cpp", '"filters/none.h"')), 1)
+        self.write("src/filters/none.h.in", "")
+        self.assertEqual(self.faults_of("src/filters/smooth.cpp", '"filters/none.h"'), [])
+
+    def test_companions_take_declarations_and_no_code(self):
+        self.assertEqual(self.faults_of("velloric/src/rays/rays.cpp", '"boundary/texture_kernels.h"'), [])
+        self.assertEqual(len(self.faults_of("velloric/src/rays/rays.cpp", '"filters/tone.h"')), 1)
+        self.assertEqual(len(self.faults_of("velloric/src/rays/rays.cpp", '"../../../src/filters/tone.h"')), 1)
+
+    def test_what_is_common_knows_no_library(self):
+        self.assertEqual(len(self.faults_of("common/relief.h", '"src/foundation/list.h"')), 1)
+
+    def test_toolkit_takes_public_headers_only(self):
+        self.assertEqual(self.faults_of("toolkit/base/text.h", '"umbrixlib.h"', '"foundation/list.h"'), [])
+        self.assertEqual(len(self.faults_of("toolkit/base/text.h", '"filters/tone.h"')), 1)
+
+    def test_command_line_takes_the_toolkit_only(self):
+        self.assertEqual(self.faults_of("apps/umbrix/commands/map.h", '"toolkit/files/temporary.h"'), [])
+        self.assertEqual(len(self.faults_of("apps/umbrix/commands/map.h", '"src/umbrixlib.h"')), 1)
+
+    def test_circle_is_found(self):
+        self.write("common/ray.h", '#include "common/relief.h"\n')
+        faults = self.faults_of("common/relief.h", '"common/ray.h"')
+        self.assertEqual(faults, ["common/ray.h includes common/relief.h includes common/ray.h: a circle"])
+
+    def test_devil_outside_its_rooms_is_found(self):
+        self.assertEqual(self.faults_of("src/boundary/image_io.cpp", "<IL/il.h>"), [])
+        self.assertEqual(len(self.faults_of("src/umbrix/file.cpp", "<IL/il.h>")), 1)
+        self.assertEqual(len(self.faults_of("toolkit/tasks/map.cpp", "<IL/il.h>")), 2)
+
+
+class Sizes(Tree):
+    def test_small_folders_and_files_are_accepted(self):
+        for number in range(sizes.MOST_FILES):
+            self.write(f"src/filters/{number}.cpp", "\n" * sizes.MOST_LINES)
+        self.write("src/filters/CMakeLists.txt", "")
+        self.assertEqual(sizes.check(self.root), [])
+
+    def test_full_folder_is_found(self):
+        for number in range(sizes.MOST_FILES + 1):
+            self.write(f"src/filters/{number}.h", "")
+        self.assertEqual(
+            sizes.check(self.root), ["src/filters: holds 26 source files, and more than 25 want rooms"]
+        )
+
+    def test_long_file_is_found(self):
+        self.write("tests/cli/tool.h", "\n" * (sizes.MOST_LINES + 1))
+        self.assertEqual(len(sizes.check(self.root)), 1)
+
+
+class Engine(Tree):
+    def faults_of(self, code):
+        self.write("toolkit/base/text.cpp", code)
+        return engine.check(self.root)
+
+    def test_words_in_comments_are_accepted(self):
+        code = '// printf("a"), --overwrite\n/* isatty(1) */\nfmt::format("a--b -- c");\n'
+        self.assertEqual(self.faults_of(code), [])
+
+    def test_members_and_longer_names_are_accepted(self):
+        self.assertEqual(self.faults_of("strsignal(1); snprintf(text, 1, \"a\"); computs(2);\n"), [])
+
+    def test_what_is_the_front_ends_is_found(self):
+        for line in [
+            "isatty(1);",
+            'std::printf("a");',
+            'std::fprintf(stderr, "a");',
+            'puts("a");',
+            "std::cout << 1;",
+            'fmt::print("a");',
+            "std::signal(SIGINT, stop);",
+            'open("/proc/self/exe");',
+            "#include <CLI/CLI.hpp>",
+            'refuse("add --overwrite");',
+            'refuse("https://a --overwrite");',
+        ]:
+            with self.subTest(line):
+                self.assertEqual(len(self.faults_of(f"int a;\n{line}\n")), 1)
+
+    def test_fault_names_line_and_rule(self):
+        faults = self.faults_of("/* a\n*/ isatty(1);\n")
+        self.assertEqual(
+            faults,
+            ["toolkit/base/text.cpp:2: asks whether there is a terminal, which is the front end's: isatty"],
+        )
 
 
 class VectorCode(Tree):
