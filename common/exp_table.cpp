@@ -3,6 +3,7 @@
 
 #include "common/exponential.h"
 #include "common/rounding.h"
+#include "common/thread_share.h"
 
 #include <cmath>
 
@@ -37,6 +38,9 @@ float weight(double exponent)
 
 void exp_table(float sigma, float* table, int thread, int threads)
 {
+    if (!has_share(thread, threads)) {
+        return;
+    }
     int const last = last_entry(sigma);
     for (long long i = thread; i <= last; i += threads) {
         // The exponent is -i * i / (2 * s * s) with s a third of sigma. Entry 0 must not divide by a sigma of

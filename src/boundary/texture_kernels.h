@@ -8,9 +8,10 @@
 /// keeps a pointer after it returns. The size comes as height, then width. Nothing is returned, nothing is
 /// reported, nothing is validated. Forms without `thread` and `threads` may run parallel loops of their own;
 /// forms with them do one thread's share and must be called once for each `thread` from 0 to `threads` - 1,
-/// at the same time or one after the other, with a barrier before the result is read. A size below 1 does
-/// nothing; only then may a buffer be null. Buffers must not overlap but where a kernel says so. Results do
-/// not depend on the number of threads nor on the processor's instruction set.
+/// at the same time or one after the other, with a barrier before the result is read. A call with any other
+/// `thread` does nothing. A size below 1 does nothing; only then may a buffer be null. Buffers must not
+/// overlap but where a kernel says so. Results do not depend on the number of threads nor on the processor's
+/// instruction set.
 
 #include "common/export.h"
 #include "common/modes.h"

@@ -347,4 +347,16 @@ TEST(BilateralFilter, NoSizeNoWork)
     }
 }
 
+TEST(BilateralFilter, AThreadThatIsNoneOfThemHasNoShare)
+{
+    auto source = random_image<float>(90, 18);
+    Weights weights = usual_weights(2.0f);
+    for (int const thread : {-1, 3, 4, 64}) {
+        std::vector<float> destination(90, -1.0f);
+        BilateralFilter(source.data(), destination.data(), 9, 10, 2.0f, weights.spatial.data(),
+                        weights.range.data(), thread, 3);
+        EXPECT_EQ(destination, std::vector<float>(90, -1.0f)) << thread;
+    }
+}
+
 } // namespace

@@ -249,4 +249,17 @@ TEST(BlendNormal, NoSizeNoWork)
     BlendNormal(50.0f, nullptr, nullptr, nullptr, 5, -1);
 }
 
+TEST(Blend, AThreadThatIsNoneOfThemHasNoShare)
+{
+    auto first = random_image<float3>(35, 18);
+    auto second = random_image<float3>(35, 19);
+    for (BlendType const type : {BlendType_Blend, BlendType_Overlay}) {
+        for (int const thread : {-1, 3, 4, 34}) {
+            Image result(35, float3{-1.0f, -1.0f, -1.0f});
+            Blend(type, 50.0f, first.data(), second.data(), result.data(), 5, 7, thread, 3);
+            EXPECT_SAME_BITS(Image(35, float3{-1.0f, -1.0f, -1.0f}), result);
+        }
+    }
+}
+
 } // namespace

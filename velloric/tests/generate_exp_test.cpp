@@ -142,4 +142,13 @@ TEST(GenerateExp, ASliceHoldsEveryEntryOfItsThreadAndNoOther)
     }
 }
 
+TEST(GenerateExp, AThreadThatIsNoneOfThemHasNoShare)
+{
+    for (int const thread : {-1, 3, 4, 64}) {
+        std::vector<float> table(11, kUntouched);
+        GenerateExp(10.0f, table.data(), thread, 3);
+        EXPECT_EQ(table, std::vector<float>(11, kUntouched)) << thread;
+    }
+}
+
 } // namespace

@@ -174,4 +174,14 @@ TEST(Normal2UmbrixKernel, NoSizeNoWork)
     Normal2Umbrix(nullptr, 5, -1, Modes_Squared, 0, 1);
 }
 
+TEST(Normal2UmbrixKernel, AThreadThatIsNoneOfThemHasNoShare)
+{
+    Image const source = random_image<float3>(5 * 7, 4);
+    for (int const thread : {-1, 3, 4, 34}) {
+        Image slice = source;
+        Normal2Umbrix(slice.data(), 5, 7, Modes_Squared, thread, 3);
+        EXPECT_SAME_BITS(source, slice);
+    }
+}
+
 } // namespace

@@ -12,6 +12,7 @@
 #include "bilateral/sheet.h"
 #include "boundary/texture_kernels.h"
 #include "common/rounding.h"
+#include "common/thread_share.h"
 
 #include <algorithm>
 #include <cmath>
@@ -112,7 +113,7 @@ template <std::size_t kChannels>
 void filter_band(float const* source, float* destination, int height, int width, float radius,
                  float const* spatial, float const* range, int thread, int threads)
 {
-    if (height < 1 || width < 1) {
+    if (height < 1 || width < 1 || !umbrixlib::detail::has_share(thread, threads)) {
         return;
     }
     auto const rows = static_cast<std::size_t>(height);

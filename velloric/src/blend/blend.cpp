@@ -2,6 +2,7 @@
 #include "blend/row.h"
 #include "boundary/texture_kernels.h"
 #include "common/rounding.h"
+#include "common/thread_share.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -70,7 +71,7 @@ template <Combine combine>
 void combine_share(double share, float3 const* first, float3 const* second, float3* result, int height,
                    int width, int thread, int threads)
 {
-    if (height < 1 || width < 1) {
+    if (height < 1 || width < 1 || !umbrixlib::detail::has_share(thread, threads)) {
         return;
     }
     std::size_t const count = static_cast<std::size_t>(height) * static_cast<std::size_t>(width);

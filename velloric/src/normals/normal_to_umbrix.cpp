@@ -2,6 +2,7 @@
 #include "boundary/texture_kernels.h"
 #include "common/basis.h"
 #include "common/rounding.h"
+#include "common/thread_share.h"
 
 #include <cstddef>
 
@@ -59,7 +60,7 @@ void convert(float3* image, std::size_t count, float3 const& basis_c, std::size_
 
 void Normal2Umbrix(float3* image, int height, int width, Modes mode, int thread, int threads)
 {
-    if (height < 1 || width < 1) {
+    if (height < 1 || width < 1 || !umbrixlib::detail::has_share(thread, threads)) {
         return;
     }
     std::size_t const count = static_cast<std::size_t>(height) * static_cast<std::size_t>(width);
