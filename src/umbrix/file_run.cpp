@@ -203,11 +203,15 @@ void FileRun::filter_heights(int thread)
         if (thread == 0) {
             *status_ = "Bilateral Filtering";
         }
-        GenerateExp(options_.b_radius, spatial_table_.get(), thread, thread_count_);
-        GenerateExp(kRangeSigma, range_table_, thread, thread_count_);
+        if (has_share(thread)) {
+            GenerateExp(options_.b_radius, spatial_table_.get(), thread, thread_count_);
+            GenerateExp(kRangeSigma, range_table_, thread, thread_count_);
+        }
 #pragma omp barrier
-        BilateralFilter(heights_.data.get(), scratch_.data.get(), shape_.rows, shape_.cols, options_.b_radius,
-                        spatial_table_.get(), range_table_, thread, thread_count_);
+        if (has_share(thread)) {
+            BilateralFilter(heights_.data.get(), scratch_.data.get(), shape_.rows, shape_.cols,
+                            options_.b_radius, spatial_table_.get(), range_table_, thread, thread_count_);
+        }
 #pragma omp barrier
 #pragma omp single
         std::swap(heights_, scratch_);
@@ -266,7 +270,9 @@ void FileRun::convert_to_light(int thread)
         });
     }
 #pragma omp barrier
-    Normal2Umbrix(normals_.get(), shape_.rows, shape_.cols, options_.UmbrixMode, thread, thread_count_);
+    if (has_share(thread)) {
+        Normal2Umbrix(normals_.get(), shape_.rows, shape_.cols, options_.UmbrixMode, thread, thread_count_);
+    }
 }
 
 void FileRun::keep_full_light(int thread)
@@ -416,11 +422,13 @@ void FileRun::store(int thread)
 {
     auto const put = [this](std::ptrdiff_t first, std::ptrdiff_t count, float3 const* colours,
                             float const* alphas) {
-        store_block(colours, alphas, first, count, shape_, pixels_.get());
+        store_block(colours, alphas, first, count, shape_, pixels_.get(),
+                    is_left_out(first + count) ? Overhang::kWritten : Overhang::kOfNextTexel);
     };
     for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
         if (result_ != nullptr) {
-            store_bytes(result_.get() + first, first, last, shape_, pixels_.get());
+            store_bytes(result_.get() + first, first, last, shape_, pixels_.get(),
+                        is_left_out(last) ? Overhang::kWritten : Overhang::kOfNextTexel);
         } else {
             for_composed_blocks(first, last, put);
         }

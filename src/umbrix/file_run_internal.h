@@ -81,10 +81,22 @@ private:
         meeting_->arrive_and_wait();
     }
 
-    /// Whether no thread is missing in the team.
+    /// Whether no thread is missing in the team. It may have more than there are shares.
     bool is_whole_team() const
     {
-        return omp_get_num_threads() == thread_count_;
+        return omp_get_num_threads() >= thread_count_;
+    }
+
+    /// Whether @p thread has a share. A further thread only meets the others at the barriers.
+    bool has_share(int thread) const
+    {
+        return thread < thread_count_;
+    }
+
+    /// Whether the share of @p texel has no thread.
+    bool is_left_out(std::ptrdiff_t texel) const
+    {
+        return !is_whole_team() && texel % thread_count_ >= omp_get_num_threads();
     }
 
     /// Calls @p body with the first texel and the one behind the last, for pieces that are the share of
@@ -97,6 +109,9 @@ private:
     void for_own_texels(int thread, Body&& body)
     {
         std::ptrdiff_t const texels = shape_.texels();
+        if (!has_share(thread)) {
+            return;
+        }
         if (is_whole_team()) {
             body(texels * thread / thread_count_, texels * (thread + 1) / thread_count_);
             return;

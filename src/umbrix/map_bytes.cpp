@@ -31,7 +31,7 @@ void to_map_bytes(float const* values, std::ptrdiff_t count, unsigned char* byte
 } // namespace
 
 void store_block(float3 const* colours, float const* alphas, std::ptrdiff_t first, std::ptrdiff_t count,
-                 MapShape shape, unsigned char* bytes)
+                 MapShape shape, unsigned char* bytes, Overhang overhang)
 {
     unsigned char* target = bytes + first * shape.channels;
     if (shape.channels == 3) {
@@ -42,10 +42,10 @@ void store_block(float3 const* colours, float const* alphas, std::ptrdiff_t firs
     unsigned char of_alphas[kByteBlock];
     to_map_bytes(&colours->x, 3 * count, of_colours);
     to_map_bytes(alphas, count, of_alphas);
+    bool const is_end = overhang == Overhang::kWritten || first + count == shape.texels();
     int const own = std::min(shape.channels, 3);
     for (std::ptrdiff_t i = 0; i < count; ++i, target += shape.channels) {
-        // With fewer bytes per pixel than colours only the last texel of all writes them all.
-        std::copy_n(of_colours + 3 * i, first + i + 1 < shape.texels() ? own : 3, target);
+        std::copy_n(of_colours + 3 * i, is_end && i + 1 == count ? 3 : own, target);
         if (shape.channels > 3) {
             target[3] = of_alphas[i];
         }
@@ -53,7 +53,7 @@ void store_block(float3 const* colours, float const* alphas, std::ptrdiff_t firs
 }
 
 void store_bytes(float4 const* texels, std::ptrdiff_t first, std::ptrdiff_t last, MapShape shape,
-                 unsigned char* bytes)
+                 unsigned char* bytes, Overhang overhang)
 {
     float3 colours[kByteBlock];
     float alphas[kByteBlock];
@@ -63,7 +63,8 @@ void store_bytes(float4 const* texels, std::ptrdiff_t first, std::ptrdiff_t last
             colours[i] = {texels[i].x, texels[i].y, texels[i].z};
             alphas[i] = texels[i].w;
         }
-        store_block(colours, alphas, at, count, shape, bytes);
+        store_block(colours, alphas, at, count, shape, bytes,
+                    at + count == last ? overhang : Overhang::kOfNextTexel);
     }
 }
 

@@ -19,19 +19,22 @@ struct MapShape {
 /// Texels that are made into bytes at once; what is put together for them stays in the cache.
 inline constexpr std::ptrdiff_t kByteBlock = 256;
 
+/// Whose are the bytes that a texel's three colours reach over into, with fewer than three bytes per pixel:
+/// the next texel's, which has the last word on its own bytes, or, where nobody writes that texel, its own.
+enum class Overhang { kOfNextTexel, kWritten };
+
 /// At most kByteBlock texels, from @p first on, from colours and alphas that lie apart; else as
 /// `store_bytes`.
 void store_block(float3 const* colours, float const* alphas, std::ptrdiff_t first, std::ptrdiff_t count,
-                 MapShape shape, unsigned char* bytes);
+                 MapShape shape, unsigned char* bytes, Overhang overhang = Overhang::kOfNextTexel);
 
 /// Texels @p first to @p last - 1 of a map as bytes, for every name but a ".vtf" one.
 ///
-/// With fewer than three bytes per pixel the three colours of a texel reach into the next one, which has the
-/// last word on its own bytes.
-/// @param texels Those texels alone.
-/// @param bytes  Of the whole map.
+/// @param texels   Those texels alone.
+/// @param bytes    Of the whole map.
+/// @param overhang Of texel @p last - 1. The last texel of the map always writes all its colours.
 void store_bytes(float4 const* texels, std::ptrdiff_t first, std::ptrdiff_t last, MapShape shape,
-                 unsigned char* bytes);
+                 unsigned char* bytes, Overhang overhang = Overhang::kOfNextTexel);
 
 /// All texels of @p map on the default team, to the same bytes.
 void store_bytes(float4 const* map, MapShape shape, unsigned char* bytes);

@@ -146,4 +146,24 @@ TEST_F(UmbrixFileLayersRun, ABlankFirstLayerEndsInAPictureOfOneTexel)
     EXPECT_EQ(Picture::load(folder_ / "out.tga").width, 1) << "DevIL makes one of none";
 }
 
+TEST_F(UmbrixFileLayersRun, ALargerTeamGivesTheSamePicture)
+{
+    options_.b_radius = 1.5f;
+    for (bool const heights_of_layers : {false, true}) {
+        options_.blend_height = heights_of_layers;
+        umbrix_options const asked = options_;
+        NLayers stack(&layers_);
+        ASSERT_TRUE(run(stack, "as many.tga"));
+        for (int const team : {omp_get_num_procs() + 1, 16, 64}) {
+            options_ = asked;
+            omp_set_num_threads(team);
+            NLayers other_stack(&layers_);
+            ASSERT_TRUE(run(other_stack, "more.tga"));
+            EXPECT_EQ(Picture::load(folder_ / "as many.tga").bytes, Picture::load(folder_ / "more.tga").bytes)
+                << team;
+        }
+        omp_set_num_threads(omp_get_num_procs());
+    }
+}
+
 } // namespace

@@ -512,4 +512,44 @@ TEST_F(UmbrixFileCalls, TheNextRunTakesTheHeightsAndRaysOfTheLast)
         << "the filtered buffer of one run holds the heights of the next";
 }
 
+TEST_F(UmbrixFileCalls, ThreadsBeyondTheSharesCallNoKernel)
+{
+    umbrix_options options = neutral_options();
+    options.b_radius = 1.0f;
+    run(options);
+    auto const sorted = [] {
+        Calls calls = CallLog::instance().calls();
+        std::sort(calls.begin(), calls.end());
+        return calls;
+    };
+    std::size_t const calls = sorted().size();
+    Bytes const stored = DevilFake::instance().stored;
+    for (int const team : {omp_get_num_procs() + 1, 7, 64}) {
+        omp_set_num_threads(team);
+        run(options);
+        EXPECT_EQ(sorted().size(), calls) << team;
+        EXPECT_EQ(DevilFake::instance().stored, stored) << team;
+    }
+}
+
+TEST_F(UmbrixFileCalls, ASmallerTeamWritesThreeBytesATexelOfGreyAndAlpha)
+{
+    int const shares = omp_get_num_procs(); // on a single processor every team is large enough
+    DevilFake::instance().serve(6, 3, 16);
+    omp_set_num_threads(1);
+    for (float const brightness : {0.0f, 1.0f}) { // with 1 the map is stored before its bytes
+        umbrix_options options = neutral_options();
+        options.height_map = true;
+        options.brightness = brightness;
+        EXPECT_TRUE(run(options));
+        // Full light is white. Texel i of 18 has the bytes 2 * i to 2 * i + 2.
+        Bytes expected = DevilFake::instance().served;
+        expected.resize(std::size_t{18} * 3);
+        for (std::size_t i = 0; i < 18; i += static_cast<std::size_t>(shares)) {
+            std::fill_n(expected.begin() + static_cast<std::ptrdiff_t>(2 * i), 3, 255);
+        }
+        EXPECT_EQ(DevilFake::instance().stored, expected) << brightness;
+    }
+}
+
 } // namespace

@@ -478,4 +478,23 @@ TEST_F(UmbrixFileGpuRun, LimitsFromHighToLowGiveTheReliefOfUmbrixFile)
     }
 }
 
+TEST_F(UmbrixFileGpuRun, EveryTeamGivesTheSamePicture)
+{
+    noise_picture(kWidth, kHeight, 3).save(folder_ / "in.tga");
+    umbrix_options options = busy_options();
+    options.height_map = options.generate_normal = true;
+    options.b_radius = 2.0f;
+    ASSERT_TRUE(run(options, "in.tga", "as many.tga"));
+    delete[] options.height_copy;
+    for (int const team : {1, omp_get_num_procs() + 1, 16, 64}) {
+        omp_set_num_threads(team);
+        ASSERT_TRUE(run(options, "in.tga", "other.tga"));
+        delete[] options.height_copy;
+        // The operators of the grading share texels out by the number of processors, whatever the team.
+        if (team >= omp_get_num_procs()) {
+            EXPECT_EQ(load("as many.tga").bytes, load("other.tga").bytes) << team;
+        }
+    }
+}
+
 } // namespace

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <omp.h>
+#include <sched.h>
 
 namespace {
 
@@ -312,6 +313,59 @@ TEST_F(UmbrixFileRun, ASmallerTeamSeesNothingOfTheRunBefore)
         delete[] options.height_copy;
     }
     EXPECT_SAME_BITS(normals[0], normals[1]);
+}
+
+/// The team of a run, and how many processors its thread may use.
+struct Team {
+    int threads;
+    bool on_one_processor;
+};
+
+class UmbrixFileTeams : public UmbrixFileRun, public testing::WithParamInterface<Team> {
+protected:
+    /// Leaves the calling thread one processor, or gives it back what it had.
+    void narrow(bool narrowed)
+    {
+        if (!narrowed) {
+            sched_setaffinity(0, sizeof before_, &before_);
+            return;
+        }
+        ASSERT_EQ(sched_getaffinity(0, sizeof before_, &before_), 0);
+        cpu_set_t one;
+        CPU_ZERO(&one);
+        for (int processor = 0; processor < CPU_SETSIZE; ++processor) {
+            if (CPU_ISSET(processor, &before_)) {
+                CPU_SET(processor, &one);
+                break;
+            }
+        }
+        ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);
+    }
+
+private:
+    cpu_set_t before_;
+};
+INSTANTIATE_TEST_SUITE_P(Sizes, UmbrixFileTeams,
+                         testing::Values(Team{0, false}, Team{1, false}, Team{3, false}, Team{16, false},
+                                         Team{64, false}, Team{2, true}, Team{4, true}));
+
+TEST_P(UmbrixFileTeams, OfAtLeastTheNumberOfProcessorsGiveTheSamePicture)
+{
+    for (int const channels : {3, 4}) {
+        relief_picture(37, 23, channels).save(folder_ / "in.tga");
+        umbrix_options options = busy_options();
+        options.height_map = options.generate_normal = channels == 3;
+        options.b_radius = 2.0f;
+        ASSERT_TRUE(run(options, "in.tga", "as many.tga"));
+        omp_set_num_threads(GetParam().on_one_processor ? GetParam().threads
+                                                        : omp_get_num_procs() + GetParam().threads);
+        narrow(GetParam().on_one_processor);
+        bool const done = run(options, "in.tga", "more.tga");
+        narrow(false);
+        ASSERT_TRUE(done);
+        EXPECT_EQ(Picture::load(folder_ / "as many.tga").bytes, Picture::load(folder_ / "more.tga").bytes);
+        omp_set_num_threads(omp_get_num_procs());
+    }
 }
 
 } // namespace
