@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "boundary/folder_walk_internal.h"
 
-#include "boundary/platform.h"
-
 namespace umbrixlib::detail {
 
 namespace {
@@ -29,14 +27,15 @@ bool for_each_entry(char const* pattern, FolderVisitor const& visitor, Visit vis
     return true;
 }
 
-bool walk_subfolders(std::string const& folder, FolderVisitor const& visitor)
+bool walk_subfolders(std::string const& folder, FolderVisitor const& visitor, FolderPath const* above)
 {
     if (!platform::change_directory(folder.c_str())) {
         return false;
     }
+    FolderPath const here{platform::identify_folder("."), above};
     bool const finished = for_each_entry("*.*", visitor, [&](FolderEntry const& entry) {
-        if (is_subfolder(entry)) {
-            visitor.subfolder(entry.name, joined(folder, entry.name));
+        if (is_subfolder(entry) && !here.holds(entry.identity)) {
+            visitor.subfolder(entry.name, joined(folder, entry.name), here);
         }
     });
     return finished && !visitor.stopped();
@@ -44,10 +43,15 @@ bool walk_subfolders(std::string const& folder, FolderVisitor const& visitor)
 
 } // namespace
 
-bool walk_folder(std::string const& folder, std::string const& pattern, bool recurse,
-                 FolderVisitor const& visitor)
+bool FolderPath::holds(std::optional<platform::FolderIdentity> const& other) const
 {
-    if (visitor.stopped() || (recurse && !walk_subfolders(folder, visitor))) {
+    return other && (folder == other || (above != nullptr && above->holds(other)));
+}
+
+bool walk_folder(std::string const& folder, std::string const& pattern, bool recurse,
+                 FolderVisitor const& visitor, FolderPath const* above)
+{
+    if (visitor.stopped() || (recurse && !walk_subfolders(folder, visitor, above))) {
         return false;
     }
     // Once more behind a descent, which has moved the directory.

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -46,9 +47,21 @@ inline constexpr char kSeparator = '/';
 /// Makes @p folder the current directory of the process. False if that fails.
 bool change_directory(char const* folder);
 
+/// What tells one folder from all others, whatever names lead to it.
+struct FolderIdentity {
+    std::uint64_t volume;
+    std::uint64_t number;
+
+    bool operator==(FolderIdentity const&) const = default;
+};
+
+/// The identity of @p folder; none if it is not a folder or the system does not tell.
+std::optional<FolderIdentity> identify_folder(char const* folder);
+
 struct FolderEntry {
     std::string name;
     bool is_folder;
+    std::optional<FolderIdentity> identity = std::nullopt; ///< Of a folder.
 };
 
 /// The entries of the current directory whose names match @p pattern, "." and ".." included where they match,

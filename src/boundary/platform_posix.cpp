@@ -66,12 +66,6 @@ bool matches(std::string_view name, std::string_view pattern)
     return pattern.find_first_not_of('*', at_pattern) == std::string_view::npos;
 }
 
-bool is_folder(char const* name)
-{
-    struct stat status {};
-    return ::stat(name, &status) == 0 && S_ISDIR(status.st_mode);
-}
-
 } // namespace
 
 void show_message(char const* text, char const* title)
@@ -142,6 +136,15 @@ bool change_directory(char const* folder)
     return ::chdir(folder) == 0;
 }
 
+std::optional<FolderIdentity> identify_folder(char const* folder)
+{
+    struct stat status {};
+    if (::stat(folder, &status) != 0 || !S_ISDIR(status.st_mode)) {
+        return std::nullopt;
+    }
+    return FolderIdentity{status.st_dev, status.st_ino};
+}
+
 std::vector<FolderEntry> list_current_directory(char const* pattern)
 {
     std::vector<FolderEntry> found;
@@ -151,7 +154,8 @@ std::vector<FolderEntry> list_current_directory(char const* pattern)
     }
     while (dirent const* const entry = ::readdir(folder)) {
         if (matches(entry->d_name, pattern)) {
-            found.push_back({entry->d_name, is_folder(entry->d_name)});
+            auto const identity = identify_folder(entry->d_name);
+            found.push_back({entry->d_name, identity.has_value(), identity});
         }
     }
     ::closedir(folder);

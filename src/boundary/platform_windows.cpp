@@ -45,6 +45,23 @@ bool change_directory(char const* folder)
     return _chdir(folder) == 0;
 }
 
+std::optional<FolderIdentity> identify_folder(char const* folder)
+{
+    HANDLE const handle = CreateFileA(folder, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return std::nullopt;
+    }
+    BY_HANDLE_FILE_INFORMATION found;
+    bool const told = GetFileInformationByHandle(handle, &found) != 0;
+    CloseHandle(handle);
+    if (!told) {
+        return std::nullopt;
+    }
+    return FolderIdentity{found.dwVolumeSerialNumber,
+                          std::uint64_t{found.nFileIndexHigh} << 32 | found.nFileIndexLow};
+}
+
 std::vector<FolderEntry> list_current_directory(char const* pattern)
 {
     std::vector<FolderEntry> found;
@@ -54,7 +71,8 @@ std::vector<FolderEntry> list_current_directory(char const* pattern)
         return found;
     }
     do {
-        found.push_back({entry.name, (entry.attrib & _A_SUBDIR) != 0});
+        bool const is_folder = (entry.attrib & _A_SUBDIR) != 0;
+        found.push_back({entry.name, is_folder, is_folder ? identify_folder(entry.name) : std::nullopt});
     } while (_findnext64i32(walk, &entry) == 0);
     _findclose(walk);
     return found;

@@ -22,25 +22,19 @@ void convert_layered(NLayers& stack, std::string const& source, std::string cons
     stack.Clear();
 }
 
-} // namespace
-
-} // namespace umbrixlib::detail
-
-inline namespace umbrix_v0 {
-
-using namespace umbrixlib::detail;
-
-bool FolderToNormal(std::string path, std::string pattern, float n_scale, float gaussian, bool normal_flag_1,
-                    int mode, float L_Detail, bool normal_flag_2, LinkedList<n_layer> layers,
-                    bool normal_flag_3, bool recurse, std::string* current_name, std::string* progress_text,
-                    int* progress)
+/// `FolderToNormal` on one folder and, with @p recurse, those below it. Every folder has a stack of its own
+/// over a copy of the records.
+bool walk(std::string const& path, std::string const& pattern, float n_scale, float gaussian,
+          bool normal_flag_1, int mode, float L_Detail, bool normal_flag_2, LinkedList<n_layer> layers,
+          bool normal_flag_3, bool recurse, std::string* current_name, std::string* progress_text,
+          int* progress, FolderPath const* above)
 {
     NLayers stack(&layers);
     FolderVisitor visitor;
-    visitor.subfolder = [&](std::string const& name, std::string const& subfolder) {
+    visitor.subfolder = [&](std::string const& name, std::string const& subfolder, FolderPath const& here) {
         *current_name = polled_folder(name);
-        FolderToNormal(subfolder, pattern, n_scale, gaussian, normal_flag_1, mode, L_Detail, normal_flag_2,
-                       layers, normal_flag_3, recurse, current_name, progress_text, progress);
+        walk(subfolder, pattern, n_scale, gaussian, normal_flag_1, mode, L_Detail, normal_flag_2, layers,
+             normal_flag_3, recurse, current_name, progress_text, progress, &here);
     };
     visitor.file = [&](std::string const& name) {
         *current_name = name;
@@ -55,7 +49,24 @@ bool FolderToNormal(std::string path, std::string pattern, float n_scale, float 
             convert_layered(stack, source, output);
         }
     };
-    return walk_folder(path, pattern, recurse, visitor);
+    return walk_folder(path, pattern, recurse, visitor, above);
+}
+
+} // namespace
+
+} // namespace umbrixlib::detail
+
+inline namespace umbrix_v0 {
+
+using namespace umbrixlib::detail;
+
+bool FolderToNormal(std::string path, std::string pattern, float n_scale, float gaussian, bool normal_flag_1,
+                    int mode, float L_Detail, bool normal_flag_2, LinkedList<n_layer> layers,
+                    bool normal_flag_3, bool recurse, std::string* current_name, std::string* progress_text,
+                    int* progress)
+{
+    return walk(path, pattern, n_scale, gaussian, normal_flag_1, mode, L_Detail, normal_flag_2, layers,
+                normal_flag_3, recurse, current_name, progress_text, progress, nullptr);
 }
 
 bool FolderToNormal_GPU(GPU_opt /*options*/, std::string path, std::string pattern, float n_scale,

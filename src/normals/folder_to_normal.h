@@ -25,6 +25,7 @@ inline namespace umbrix_v0 {
 /// @param progress_text Set to "Processing" before each file, then by `HeightToNormal`.
 /// @param progress      Set to 0 before each file. Plain stores all three, for a polling front end; no null.
 /// @return False if @p path could not be entered. A subfolder or a file that fails does not stop the walk.
+///         A subfolder that is a link back to a folder above it is left out.
 ///
 /// Errors: a file without a '.' in its whole path raises std::out_of_range, which leaves the call.
 /// Threads: those of `HeightToNormal`. Calls must not overlap: DevIL's image and the current directory, which

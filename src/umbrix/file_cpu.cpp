@@ -7,12 +7,11 @@
 
 #include <omp.h>
 
-inline namespace umbrix_v0 {
+namespace umbrixlib::detail {
 
-using namespace umbrixlib::detail;
-
-bool UmbrixFile(std::string input, std::string output, umbrix_options& options, LinkedList<n_layer>* layers,
-                NLayers* stack, std::string* status, int* progress)
+bool convert_file(std::string const& input, std::string const& output, umbrix_options& options,
+                  KeptBuffers& kept, LinkedList<n_layer>* layers, NLayers* stack, std::string* status,
+                  int* progress)
 {
     int const thread_count = omp_get_num_procs();
     omp_set_nested(1);
@@ -23,11 +22,24 @@ bool UmbrixFile(std::string input, std::string output, umbrix_options& options, 
     LayerBranch layer_branch(layers, stack);
     join_layers(layer_branch, options, shape);
 
-    FileRun run(options, layer_branch, thread_count, status, progress);
+    FileRun run(options, kept, layer_branch, thread_count, status, progress);
     run.fetch_image(shape);
     run.run(has_reversed_rows(output));
     run.hand_over_image();
-    return close_file(output, options);
+    return close_file(output, options, kept);
+}
+
+} // namespace umbrixlib::detail
+
+inline namespace umbrix_v0 {
+
+using namespace umbrixlib::detail;
+
+bool UmbrixFile(std::string input, std::string output, umbrix_options& options, LinkedList<n_layer>* layers,
+                NLayers* stack, std::string* status, int* progress)
+{
+    KeptBuffers kept(options);
+    return convert_file(input, output, options, kept, layers, stack, status, progress);
 }
 
 } // namespace umbrix_v0

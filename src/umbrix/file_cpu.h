@@ -45,9 +45,10 @@ class NLayers;
 /// fetched behind that; those of @p input are expected. A run on pixels and layers shows the last layer's
 /// picture. Test: UmbrixFileLayers.PixelsAreThoseOfTheLastLayerLoaded
 ///
-/// Threads: one parallel region of the default team, whose size must be that of `omp_get_num_procs`: a
-/// smaller team leaves texels out. Turns nested parallelism on for the process. Calls must not overlap. One
-/// height buffer and three ray arrays stay allocated for the next run.
+/// Threads: one parallel region of the default team, whose size must be at least that of
+/// `omp_get_num_procs`: a smaller team leaves texels out, and what a larger one has beyond it is idle. Turns
+/// nested parallelism on for the process. Calls must not overlap. One height buffer and three ray arrays stay
+/// allocated for the next run.
 UMBRIX_API bool UmbrixFile(std::string input, std::string output, umbrix_options& options,
                            LinkedList<n_layer>* layers, NLayers* stack, std::string* status, int* progress);
 

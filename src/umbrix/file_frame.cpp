@@ -29,11 +29,11 @@ void hand_over_bytes(MapShape shape, unsigned char* bytes)
     replace_image({shape.cols, shape.rows}, shape.channels < 4 ? 3 : 4, bytes);
 }
 
-bool close_file(std::string const& output, umbrix_options& options)
+bool close_file(std::string const& output, umbrix_options const& options, KeptBuffers& kept)
 {
     if (save_image(output.c_str()) == FileOutcome::kMessageShown) {
         if (options.keep_buffers) {
-            delete[] options.ao_map;
+            kept.drop_ao_map();
         }
         return false;
     }

@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "boundary/gpu_library.h"
+#include "foundation/list.h"
+#include "foundation/n_layer.h"
+#include "layers/nlayers.h"
+#include "umbrix/kept_buffers_internal.h"
 #include "umbrix/layer_branch_internal.h"
 #include "umbrix/map_bytes_internal.h"
 #include "umbrix/umbrix_options.h"
@@ -24,9 +29,17 @@ void hand_over_bytes(MapShape shape, unsigned char* bytes);
 
 /// Saves the bound image and shuts DevIL down.
 /// @return False after a message box; then DevIL stays up, and a kept `ao_map` is released.
-bool close_file(std::string const& output, umbrix_options& options);
+bool close_file(std::string const& output, umbrix_options const& options, KeptBuffers& kept);
 
 /// Whether a file of that name gets its rows reversed.
 bool has_reversed_rows(std::string const& output);
+
+/// `UmbrixFile` and `UmbrixFile_GPU`, with @p kept for the arrays that they leave to the caller.
+bool convert_file(std::string const& input, std::string const& output, umbrix_options& options,
+                  KeptBuffers& kept, LinkedList<n_layer>* layers, NLayers* stack, std::string* status,
+                  int* progress);
+bool convert_file(GPU_opt gpu, std::string const& input, std::string const& output, umbrix_options& options,
+                  KeptBuffers& kept, LinkedList<n_layer>* layers, NLayers* stack, std::string* status,
+                  int* progress);
 
 } // namespace umbrixlib::detail

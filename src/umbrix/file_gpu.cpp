@@ -5,12 +5,11 @@
 #include "umbrix/file_gpu_run_internal.h"
 #include "umbrix/layer_branch_internal.h"
 
-inline namespace umbrix_v0 {
+namespace umbrixlib::detail {
 
-using namespace umbrixlib::detail;
-
-bool UmbrixFile_GPU(GPU_opt gpu, std::string input, std::string output, umbrix_options& options,
-                    LinkedList<n_layer>* layers, NLayers* stack, std::string* status, int* progress)
+bool convert_file(GPU_opt gpu, std::string const& input, std::string const& output, umbrix_options& options,
+                  KeptBuffers& kept, LinkedList<n_layer>* layers, NLayers* stack, std::string* status,
+                  int* progress)
 {
     MapShape shape{};
     if (!open_file(input, shape)) {
@@ -19,11 +18,24 @@ bool UmbrixFile_GPU(GPU_opt gpu, std::string input, std::string output, umbrix_o
     LayerBranch layer_branch(layers, stack);
     join_layers(layer_branch, options, shape);
 
-    FileGpuRun run(gpu, options, layer_branch, shape, status, progress);
+    FileGpuRun run(gpu, options, kept, layer_branch, shape, status, progress);
     run.fetch_image();
     run.run(has_reversed_rows(output));
     run.hand_over_image();
-    return close_file(output, options);
+    return close_file(output, options, kept);
+}
+
+} // namespace umbrixlib::detail
+
+inline namespace umbrix_v0 {
+
+using namespace umbrixlib::detail;
+
+bool UmbrixFile_GPU(GPU_opt gpu, std::string input, std::string output, umbrix_options& options,
+                    LinkedList<n_layer>* layers, NLayers* stack, std::string* status, int* progress)
+{
+    KeptBuffers kept(options);
+    return convert_file(gpu, input, output, options, kept, layers, stack, status, progress);
 }
 
 } // namespace umbrix_v0

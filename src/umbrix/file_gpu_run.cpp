@@ -28,9 +28,10 @@ float inverse_mean(float4 const& colour)
 
 } // namespace
 
-FileGpuRun::FileGpuRun(GPU_opt gpu, umbrix_options& options, LayerBranch const& layers, MapShape shape,
-                       std::string* status, int* progress)
-    : gpu_(gpu), options_(options), layers_(layers), shape_(shape), status_(status), progress_(progress)
+FileGpuRun::FileGpuRun(GPU_opt gpu, umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers,
+                       MapShape shape, std::string* status, int* progress)
+    : gpu_(gpu), options_(options), kept_(kept), layers_(layers), shape_(shape), status_(status),
+      progress_(progress)
 {
 }
 
@@ -46,7 +47,7 @@ void FileGpuRun::fetch_image()
     normals_ = make_large_array<float3>(texels);
     heights_ = retained_heights.take_to_overwrite(texels);
     platform::prefer_large_pages(heights_.data.get(), texels * sizeof(float));
-    options_.height_copy = new float[texels]();
+    kept_.make_height_copy(texels);
     pixels_ = make_image_bytes(texels, shape_.channels);
     PixelFormat const format = shape_.channels < 4 ? PixelFormat::kRgb : PixelFormat::kRgba;
     copy_pixels({shape_.cols, shape_.rows}, format, pixels_.get());
@@ -172,7 +173,7 @@ void FileGpuRun::decode_normals()
 void FileGpuRun::keep_normals()
 {
     auto const texels = static_cast<std::size_t>(shape_.texels());
-    options_.normal_map = new float3[texels]();
+    kept_.make_normal_map(texels);
     converted_ = make_large_array<float3>(texels);
     for_all_texels([&](std::ptrdiff_t i) { options_.normal_map[i] = normals_[i]; });
 }
@@ -195,7 +196,7 @@ void FileGpuRun::make_occlusion_map()
     normals_.reset();
     auto const texels = static_cast<std::size_t>(shape_.texels());
     if (options_.keep_buffers) {
-        options_.ao_map = new float3[texels]();
+        kept_.make_ao_map(texels);
     } else {
         occlusion_ = make_large_array<float3>(texels);
         options_.ao_map = occlusion_.get(); // the field keeps the address when the map is released

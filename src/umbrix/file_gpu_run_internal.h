@@ -5,6 +5,7 @@
 #include "boundary/image_io.h"
 #include "common/vector_types.h"
 #include "foundation/retained_buffer_internal.h"
+#include "umbrix/kept_buffers_internal.h"
 #include "umbrix/layer_branch_internal.h"
 #include "umbrix/map_bytes_internal.h"
 #include "umbrix/umbrix_options.h"
@@ -22,8 +23,8 @@ namespace umbrixlib::detail {
 /// graphics library each, and open none.
 class FileGpuRun {
 public:
-    FileGpuRun(GPU_opt gpu, umbrix_options& options, LayerBranch const& layers, MapShape shape,
-               std::string* status, int* progress);
+    FileGpuRun(GPU_opt gpu, umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers,
+               MapShape shape, std::string* status, int* progress);
     ~FileGpuRun();
     FileGpuRun(FileGpuRun const&) = delete;
     FileGpuRun& operator=(FileGpuRun const&) = delete;
@@ -71,6 +72,7 @@ private:
 
     GPU_opt const gpu_;
     umbrix_options& options_;
+    KeptBuffers& kept_;
     LayerBranch const& layers_;
     MapShape const shape_;
     std::string* const status_;

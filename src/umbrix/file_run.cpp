@@ -26,9 +26,10 @@ constexpr float3 kAll = {1.0f, 1.0f, 1.0f};
 
 } // namespace
 
-FileRun::FileRun(umbrix_options& options, LayerBranch const& layers, int thread_count, std::string* status,
-                 int* progress)
-    : options_(options), layers_(layers), thread_count_(thread_count), status_(status), progress_(progress),
+FileRun::FileRun(umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers, int thread_count,
+                 std::string* status, int* progress)
+    : options_(options), kept_(kept), layers_(layers), thread_count_(thread_count), status_(status),
+      progress_(progress),
       makes_light_(options.generate_normal || (!options.no_normal && !options.height_map)),
       makes_occlusion_(has_occlusion(options.calc_type))
 {
@@ -58,8 +59,8 @@ void FileRun::fetch_image(MapShape shape)
     pixels_ = make_image_bytes(texels, shape.channels);
     spatial_table_ = std::make_unique<float[]>(spatial_table_size(options_.b_radius));
     if (options_.keep_buffers) {
-        options_.normal_map = new float3[texels]();
-        options_.height_copy = new float[texels]();
+        kept_.make_normal_map(texels);
+        kept_.make_height_copy(texels);
     }
     if (options_.blend_height) {
         return;
@@ -287,7 +288,7 @@ void FileRun::make_occlusion_map(int thread)
     if (thread == 0) {
         auto const texels = static_cast<std::size_t>(shape_.texels());
         if (options_.keep_buffers) {
-            options_.ao_map = new float3[texels]();
+            kept_.make_ao_map(texels);
         } else {
             occlusion_ = make_large_array<float3>(texels);
             options_.ao_map = occlusion_.get(); // the field keeps the address when the map is released

@@ -6,6 +6,7 @@
 #include "boundary/texture_kernels.h"
 #include "common/vector_types.h"
 #include "foundation/retained_buffer_internal.h"
+#include "umbrix/kept_buffers_internal.h"
 #include "umbrix/layer_branch_internal.h"
 #include "umbrix/layer_heights_internal.h"
 #include "umbrix/map_bytes_internal.h"
@@ -30,8 +31,8 @@ namespace umbrixlib::detail {
 /// graded or reversed is ever stored as floats: those steps take the whole map.
 class FileRun {
 public:
-    FileRun(umbrix_options& options, LayerBranch const& layers, int thread_count, std::string* status,
-            int* progress);
+    FileRun(umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers, int thread_count,
+            std::string* status, int* progress);
     ~FileRun();
     FileRun(FileRun const&) = delete;
     FileRun& operator=(FileRun const&) = delete;
@@ -122,6 +123,7 @@ private:
     }
 
     umbrix_options& options_;
+    KeptBuffers& kept_;
     LayerBranch const& layers_;
     int const thread_count_;
     std::string* const status_;

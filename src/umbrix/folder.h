@@ -30,6 +30,9 @@ inline namespace umbrix_v0 {
 /// @return False if the stop flag ended the walk or @p path could not be entered. A subfolder or a file that
 ///         fails does not stop the walk.
 ///
+/// With `options.keep_buffers` every file takes the three arrays of the file before; after the walk they are
+/// the last file's and the caller's. A subfolder that is a link back to a folder above it is left out.
+///
 /// Errors: a file without a '.' in its whole path raises std::out_of_range, which leaves the call.
 /// Threads: those of `UmbrixFile`. Calls must not overlap: DevIL's image and the current directory, which is
 /// left at the last folder entered, are process-wide.
@@ -43,8 +46,8 @@ UMBRIX_API bool UmbrixFolder(std::string path, std::string search, umbrix_option
 /// once
 ///              for each description and whatever `options.generate_normal` says; null for none.
 ///
-/// The calls of the graphics library come from the calling thread. `height_copy` of the last file is left to
-/// the caller, as `UmbrixFile_GPU` says; all else as for `UmbrixFolder`.
+/// The calls of the graphics library come from the calling thread. `height_copy` is handed from file to file
+/// as well, whatever `options.keep_buffers` says; all else as for `UmbrixFolder`.
 UMBRIX_API bool UmbrixFolder_GPU(GPU_opt gpu, std::string path, std::string search, umbrix_options& options,
                                  LinkedList<n_layer>* layers, NLayers* stack, std::string* current,
                                  std::string* status, int* progress);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "umbrix/folder_batch_internal.h"
 
-#include "boundary/folder_walk_internal.h"
 #include "boundary/output_name_internal.h"
 
 #include <atomic>
@@ -18,24 +17,23 @@ bool is_set(bool* flag)
 
 } // namespace
 
-bool FolderBatch::run(std::function<void(std::string const& subfolder)> const& descend,
-                      std::function<void(std::string const& name)> const& convert) const
+bool FolderBatch::run(std::string const& folder, Convert const& convert, FolderPath const* above) const
 {
     FolderVisitor visitor;
     visitor.stopped = [this] { return is_set(options.cancel); };
-    visitor.subfolder = [&](std::string const& name, std::string const& subfolder) {
+    visitor.subfolder = [&](std::string const& name, std::string const& subfolder, FolderPath const& here) {
         *status = "Processing";
         *current = polled_folder(name);
-        descend(subfolder);
+        run(subfolder, convert, &here);
     };
-    visitor.file = convert;
-    return walk_folder(path, search, options.recurse, visitor);
+    visitor.file = [&](std::string const& name) { convert(folder, name); };
+    return walk_folder(folder, search, options.recurse, visitor, above);
 }
 
-FolderBatch::File FolderBatch::begin(std::string const& name) const
+FolderBatch::File FolderBatch::begin(std::string const& folder, std::string const& name) const
 {
     *current = name;
-    File file{joined(path, name), output_name(path, name, "_Umbrix", TagSearch::kFileName)};
+    File file{joined(folder, name), output_name(folder, name, "_Umbrix", TagSearch::kFileName)};
     *progress = 0;
     return file;
 }

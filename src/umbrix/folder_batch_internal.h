@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "boundary/folder_walk_internal.h"
 #include "umbrix/umbrix_options.h"
 
 #include <functional>
@@ -17,23 +18,23 @@ struct FolderBatch {
         std::string output;
     };
 
-    std::string const& path;
+    /// Converts the file @p name in @p folder: `begin`, then its pipeline.
+    using Convert = std::function<void(std::string const& folder, std::string const& name)>;
+
     std::string const& search;
     umbrix_options const& options;
     std::string* current;
     std::string* status;
     int* progress;
 
-    /// Walks the folder.
+    /// Walks @p folder and, if the options say so, its subfolders.
     ///
-    /// @param descend Calls the batch itself for the path of a subfolder.
-    /// @param convert Converts the file of that name: `begin`, then its pipeline.
+    /// @param above The folders above this one in the same walk; null for the first.
     /// @return What the batch returns.
-    bool run(std::function<void(std::string const& subfolder)> const& descend,
-             std::function<void(std::string const& name)> const& convert) const;
+    bool run(std::string const& folder, Convert const& convert, FolderPath const* above = nullptr) const;
 
-    /// Tells the front end of the file @p name, and makes its names.
-    File begin(std::string const& name) const;
+    /// Tells the front end of the file @p name in @p folder, and makes its names.
+    File begin(std::string const& folder, std::string const& name) const;
 };
 
 } // namespace umbrixlib::detail

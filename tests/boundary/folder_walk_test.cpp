@@ -13,6 +13,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using umbrixlib::detail::FolderPath;
 using umbrixlib::detail::FolderVisitor;
 using umbrixlib::detail::walk_folder;
 using umbrixlib::detail::platform::kSeparator;
@@ -30,20 +31,21 @@ protected:
     std::string root() const { return root_.path().string(); }
 
     /// Walks and notes what happens; asked @p asks times, the stop flag is set.
-    bool walk(std::string const& folder, char const* pattern, bool recurse, int asks = -1)
+    bool walk(std::string const& folder, char const* pattern, bool recurse, int asks = -1,
+              FolderPath const* above = nullptr)
     {
         FolderVisitor visitor;
         visitor.stopped = [this, asks] {
             events_.emplace_back("stopped?");
             return asks >= 0 && ++asked_ > asks;
         };
-        visitor.subfolder = [&](std::string const& name, std::string const& path) {
+        visitor.subfolder = [&](std::string const& name, std::string const& path, FolderPath const& here) {
             events_.push_back("folder " + name);
             EXPECT_EQ(path, folder + kSeparator + name);
-            last_subfolder_ = walk(path, pattern, recurse, asks);
+            last_subfolder_ = walk(path, pattern, recurse, asks, &here);
         };
         visitor.file = [&](std::string const& name) { events_.push_back("file " + name); };
-        return walk_folder(folder, pattern, recurse, visitor);
+        return walk_folder(folder, pattern, recurse, visitor, above);
     }
 
     /// The same without the questions in the notes.
@@ -106,7 +108,7 @@ TEST_F(FolderWalk, ASubfolderThatCannotBeEnteredDoesNotEndTheWalk)
     }
     FolderVisitor visitor;
     std::vector<std::string> files;
-    visitor.subfolder = [&](std::string const& name, std::string const& path) {
+    visitor.subfolder = [&](std::string const& name, std::string const& path, FolderPath const&) {
         fs::remove_all(root_ / "one");
         EXPECT_EQ(walk(path, "*.tga", true), name == "two");
     };
@@ -137,7 +139,9 @@ TEST_F(FolderWalk, FilesMadeInSubfoldersFirstAreFoundLater)
     add_file("sub/a.tga");
     FolderVisitor visitor;
     std::vector<std::string> files;
-    visitor.subfolder = [&](std::string const&, std::string const&) { add_file("late.tga"); };
+    visitor.subfolder = [&](std::string const&, std::string const&, FolderPath const&) {
+        add_file("late.tga");
+    };
     visitor.file = [&](std::string const& name) { files.push_back(name); };
     EXPECT_TRUE(walk_folder(root(), "*.tga", true, visitor));
     EXPECT_THAT(files, ElementsAre("late.tga")) << "the files are enumerated behind the subfolders";
@@ -224,6 +228,32 @@ TEST_F(FolderWalk, ARelativeFolderIsNotFoundAgainAfterADescent)
     fs::current_path(root_.path());
     events_.clear();
     EXPECT_THAT(visited("tree", "*.tga", false), ElementsAre("file a.tga"));
+}
+
+TEST_F(FolderWalk, ALinkThatLeadsBackUpIsNotEntered)
+{
+    for (char const* const name : {"a.tga", "sub/deep/b.tga"}) {
+        add_file(name);
+    }
+    fs::create_directory_symlink(".", root_ / "again");
+    fs::create_directory_symlink(root_.path(), root_ / "once more");
+    fs::create_directory_symlink("../..", root_ / "sub/deep/up");
+    fs::create_directory_symlink("deep", root_ / "sub/same");
+    EXPECT_THAT(visited(root(), "*.tga", true), ElementsAre("folder sub", "folder deep", "file b.tga",
+                                                            "folder same", "file b.tga", "file a.tga"))
+        << "a second way to a folder beside the path is no way back";
+}
+
+TEST_F(FolderWalk, FoldersThatLinkToEachOtherEnd)
+{
+    for (char const* const name : {"one/a.tga", "two/b.tga"}) {
+        add_file(name);
+    }
+    fs::create_directory_symlink("../two", root_ / "one/other");
+    fs::create_directory_symlink("../one", root_ / "two/other");
+    EXPECT_THAT(visited(root(), "*.tga", true),
+                ElementsAre("folder one", "folder other", "file b.tga", "file a.tga", "folder two",
+                            "folder other", "file a.tga", "file b.tga"));
 }
 
 TEST_F(FolderWalk, AnEmptyFolderIsWalkedThrough)

@@ -96,4 +96,13 @@ TEST_F(FolderToNormalFiles, WithLayersNothingIsWritten)
     EXPECT_EQ(names(), before);
 }
 
+TEST_F(FolderToNormalFiles, ATreeWithLinksThatLeadBackUpEnds)
+{
+    add_picture("a.tga", 1);
+    fs::create_directory_symlink(".", root_ / "again");
+    fs::create_directory_symlink(root_.path(), root_ / "once more");
+    ASSERT_TRUE(run("*.tga"));
+    EXPECT_EQ(names(), (std::set<std::string>{"a.tga", "a_Normal.tga"}));
+}
+
 } // namespace

@@ -330,4 +330,42 @@ TEST_F(UmbrixFolderCalls, TheOptionsCarryOverFromFileToFile)
     EXPECT_EQ(options_.image_height, 2);
 }
 
+/// What is deleted is never handed out again in this program, so an address names one array.
+TEST_F(UmbrixFolderCalls, KeptBuffersAreTakenByTheNextFile)
+{
+    add_files({"a.tga", "b.tga", "sub/c.tga"});
+    options_.recurse = options_.keep_buffers = options_.preserve = true;
+    options_.generate_normal = options_.height_map = true;
+    std::vector<void const*> arrays;
+    DevilFake::instance().on_call = [&](std::string const& call) {
+        if (call.rfind("ilSaveImage", 0) == 0) {
+            arrays.insert(arrays.end(), {options_.ao_map, options_.normal_map, options_.height_copy});
+        }
+    };
+    EXPECT_TRUE(run("*.tga"));
+    ASSERT_EQ(arrays.size(), 9U);
+    for (std::size_t i = 3; i < 9; ++i) {
+        EXPECT_EQ(arrays[i], arrays[i % 3]) << i;
+    }
+    EXPECT_EQ(options_.ao_map[15].x, 1.0f) << "those of the last file are the caller's";
+    delete[] options_.ao_map;
+    delete[] options_.normal_map;
+    delete[] options_.height_copy;
+}
+
+TEST_F(UmbrixFolderCalls, KeptBuffersGrowWithThePictures)
+{
+    add_files({"a.tga", "b.tga"});
+    DevilFake::instance().files[root() + "/b.tga"] = {9, 7, 24, std::vector<unsigned char>(63 * 3, 200)};
+    options_.keep_buffers = true;
+    EXPECT_TRUE(run("*.tga"));
+    for (int i = 0; i < 63; ++i) {
+        EXPECT_EQ(options_.ao_map[i].z, 1.0f);
+        EXPECT_EQ(options_.normal_map[i].z, float(double(float(200 / 255.0)) * 2.0 - 1.0));
+    }
+    delete[] options_.ao_map;
+    delete[] options_.normal_map;
+    delete[] options_.height_copy;
+}
+
 } // namespace

@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
+#include <utility>
 
 namespace {
 
@@ -59,7 +60,7 @@ protected:
 
     bool run(NLayers* stack)
     {
-        // Each file leaves its height_copy to the caller; here the next file's takes its place.
+        // A caller may take the array of a file: then the next file gets another.
         DevilFake::instance().on_call = [this](std::string const& call) {
             if (call.rfind("ilSaveImage", 0) == 0) {
                 delete[] options_.height_copy;
@@ -180,6 +181,36 @@ TEST_F(UmbrixFolderGpuCalls, TheStopFlagEndsTheWalkBetweenFiles)
     CallLog::instance().clear();
     EXPECT_FALSE(run(nullptr)) << "set before the call";
     EXPECT_THAT(CallLog::instance().calls(), IsEmpty());
+}
+
+/// What is deleted is never handed out again in this program, so an address names one array.
+TEST_F(UmbrixFolderGpuCalls, TheNextFileTakesTheBuffersOfTheLast)
+{
+    add_files({"a.tga", "b.tga", "sub/c.tga"});
+    options_.recurse = true;
+    for (bool const keep_buffers : {false, true}) {
+        options_.keep_buffers = keep_buffers;
+        options_.ao_map = options_.normal_map = nullptr;
+        std::vector<void const*> arrays;
+        DevilFake::instance().on_call = [&](std::string const& call) {
+            if (call.rfind("ilSaveImage", 0) == 0) {
+                arrays.push_back(options_.height_copy);
+                arrays.push_back(keep_buffers ? options_.ao_map : nullptr);
+                arrays.push_back(options_.normal_map);
+            }
+        };
+        EXPECT_TRUE(UmbrixFolder_GPU({true, 3, 17}, root_.path().string(), "?.tga", options_, &layers_,
+                                     nullptr, &current_, &status_, &progress_));
+        ASSERT_EQ(arrays.size(), 9U);
+        for (std::size_t i = 3; i < 9; ++i) {
+            EXPECT_EQ(arrays[i], arrays[i % 3]) << i;
+        }
+        if (keep_buffers) {
+            delete[] options_.ao_map;
+            delete[] options_.normal_map;
+        }
+        delete[] std::exchange(options_.height_copy, nullptr);
+    }
 }
 
 } // namespace

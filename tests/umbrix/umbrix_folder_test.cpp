@@ -123,4 +123,29 @@ TEST_F(UmbrixFolderFiles, ASecondRunTakesTheResultsOfTheFirstForInputs)
     EXPECT_EQ(names(), (std::set<std::string>{"a.tga", "a_Umbrix.tga", "a_Umbrix_Umbrix.tga"}));
 }
 
+TEST_F(UmbrixFolderFiles, ALargerTeamGivesTheSamePictures)
+{
+    add_picture("a.tga", 1);
+    add_picture("sub/b.tga", 2);
+    options_.b_radius = 2.0f;
+    ASSERT_TRUE(run("*.tga"));
+    Bytes const a = pixels(root_ / "a_Umbrix.tga");
+    Bytes const b = pixels(root_ / "sub/b_Umbrix.tga");
+    for (int const team : {omp_get_num_procs() + 1, 16, 64}) {
+        omp_set_num_threads(team);
+        ASSERT_TRUE(run("?.tga"));
+        EXPECT_EQ(pixels(root_ / "a_Umbrix.tga"), a) << team;
+        EXPECT_EQ(pixels(root_ / "sub/b_Umbrix.tga"), b) << team;
+    }
+}
+
+TEST_F(UmbrixFolderFiles, ATreeWithLinksThatLeadBackUpEnds)
+{
+    add_picture("a.tga", 1);
+    fs::create_directory_symlink(".", root_ / "again");
+    fs::create_directory_symlink(root_.path(), root_ / "once more");
+    ASSERT_TRUE(run("*.tga"));
+    EXPECT_EQ(names(), (std::set<std::string>{"a.tga", "a_Umbrix.tga"}));
+}
+
 } // namespace
