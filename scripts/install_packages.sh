@@ -1,16 +1,17 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs the Debian packages that are missing. Usage: scripts/install_packages.sh [tests|fuzz|bench|docs|arm]...
-# Without an argument: what the libraries and the command line need. With "tests", "fuzz", "bench" and "arm": what these
-# need besides. With "docs" alone: what the site of the documents needs, and nothing else.
+# Installs the Debian packages that are missing. Usage: scripts/install_packages.sh [tests|fuzz|tidy|bench|docs|arm]...
+# Without an argument: what the libraries and the command line need. With "tests", "fuzz", "tidy", "bench" and "arm": what
+# these need besides. With "docs" alone: what the site of the documents needs, and nothing else.
 set -euo pipefail
 
 build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libfmt-dev libcli11-dev nlohmann-json3-dev
     libtomlplusplus-dev opencl-c-headers"
 docs_packages="doxygen"
 test_packages="libgtest-dev libgmock-dev libpng-dev python3 pocl-opencl-icd ocl-icd-libopencl1 oclgrind dpkg-dev file binutils
-    g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel $docs_packages"
+    g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel clang-format-14 $docs_packages"
 fuzz_packages="clang libclang-rt-14-dev libomp-14-dev"
+tidy_packages="clang clang-tidy-14 libomp-14-dev python3"
 arm_packages="g++-aarch64-linux-gnu qemu-user debootstrap"
 bench_packages="libpng-dev libopencv-dev libembree-dev cimg-dev python3"
 
@@ -20,6 +21,7 @@ for group in "$@"; do
     case $group in
         tests) packages="$packages $test_packages" ;;
         fuzz) packages="$packages $fuzz_packages" ;;
+        tidy) packages="$packages $tidy_packages" ;;
         arm) packages="$packages $arm_packages" ;;
         bench) packages="$packages $bench_packages" ;;
         docs) packages="$packages $docs_packages" ;;

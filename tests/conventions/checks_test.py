@@ -7,6 +7,7 @@ from pathlib import Path
 
 import contracts
 import engine
+import formatting
 import includes
 import licences
 import sizes
@@ -185,6 +186,22 @@ class Engine(Tree):
             faults,
             ["toolkit/base/text.cpp:2: asks whether there is a terminal, which is the front end's: isatty"],
         )
+
+
+class Formatting(Tree):
+    def setUp(self):
+        super().setUp()
+        self.write(".clang-format", "BasedOnStyle: LLVM\n")
+
+    def test_formatted_sources_are_accepted(self):
+        self.write("src/filters/a.cpp", "int a = 1;\n")
+        self.assertEqual(formatting.check(self.root), [])
+
+    def test_each_other_source_is_found(self):
+        for number in range(5):
+            self.write(f"src/filters/{number}.cpp", "int  a=1;\n" if number in (1, 4) else "int a = 1;\n")
+        faults = formatting.check(self.root)
+        self.assertEqual([fault.split(":")[0] for fault in faults], ["src/filters/1.cpp", "src/filters/4.cpp"])
 
 
 class VectorCode(Tree):

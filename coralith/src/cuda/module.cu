@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "cuda/module.h"
 
+#include "device/kernel_list.h"
 #include "kernels/bilateral.h"
 #include "kernels/gaussian.h"
 #include "kernels/light.h"
 #include "kernels/normals.h"
 #include "kernels/occlusion.h"
 #include "kernels/tone.h"
-#include "device/kernel_list.h"
 
 #include <cstring>
 #include <cuda_runtime.h>
