@@ -2,7 +2,7 @@
 #include "umbrix/file_cpu.h"
 
 #include "umbrix/file_frame_internal.h"
-#include "umbrix/file_run_internal.h"
+#include "umbrix/map_run_internal.h"
 #include "umbrix/layer_branch_internal.h"
 
 #include <omp.h>
@@ -22,7 +22,7 @@ bool convert_file(std::string const& input, std::string const& output, umbrix_op
     LayerBranch layer_branch(layers, stack);
     join_layers(layer_branch, options, shape);
 
-    FileRun run(options, kept, layer_branch, thread_count, status, progress);
+    MapRun run(options, kept, layer_branch, thread_count, status, progress);
     run.fetch_image(shape);
     run.run(has_reversed_rows(output));
     run.hand_over_image();

@@ -2,7 +2,7 @@
 #include "umbrix/file_gpu.h"
 
 #include "umbrix/file_frame_internal.h"
-#include "umbrix/file_gpu_run_internal.h"
+#include "umbrix/gpu_map_run_internal.h"
 #include "umbrix/layer_branch_internal.h"
 
 namespace umbrixlib::detail {
@@ -18,7 +18,7 @@ bool convert_file(GPU_opt gpu, std::string const& input, std::string const& outp
     LayerBranch layer_branch(layers, stack);
     join_layers(layer_branch, options, shape);
 
-    FileGpuRun run(gpu, options, kept, layer_branch, shape, status, progress);
+    GpuMapRun run(gpu, options, kept, layer_branch, shape, status, progress);
     run.fetch_image();
     run.run(has_reversed_rows(output));
     run.hand_over_image();

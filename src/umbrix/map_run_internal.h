@@ -29,13 +29,13 @@ namespace umbrixlib::detail {
 ///
 /// Colours come together at the very end, from light, open shares and alpha: `compose`. Only a map that is
 /// graded or reversed is ever stored as floats: those steps take the whole map.
-class FileRun {
+class MapRun {
 public:
-    FileRun(umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers, int thread_count,
+    MapRun(umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers, int thread_count,
             std::string* status, int* progress);
-    ~FileRun();
-    FileRun(FileRun const&) = delete;
-    FileRun& operator=(FileRun const&) = delete;
+    ~MapRun();
+    MapRun(MapRun const&) = delete;
+    MapRun& operator=(MapRun const&) = delete;
 
     /// Allocates the buffers for an image of @p shape and fetches the bound image's bytes, unless the heights
     /// come from the layers.

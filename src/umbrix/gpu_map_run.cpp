@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "umbrix/file_gpu_run_internal.h"
+#include "umbrix/gpu_map_run_internal.h"
 
 #include "boundary/texture_kernels.h"
 #include "common/rounding.h"
@@ -28,19 +28,19 @@ float inverse_mean(float4 const& colour)
 
 } // namespace
 
-FileGpuRun::FileGpuRun(GPU_opt gpu, umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers,
+GpuMapRun::GpuMapRun(GPU_opt gpu, umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers,
                        MapShape shape, std::string* status, int* progress)
     : gpu_(gpu), options_(options), kept_(kept), layers_(layers), shape_(shape), status_(status),
       progress_(progress)
 {
 }
 
-FileGpuRun::~FileGpuRun()
+GpuMapRun::~GpuMapRun()
 {
     retained_heights.keep(std::move(heights_));
 }
 
-void FileGpuRun::fetch_image()
+void GpuMapRun::fetch_image()
 {
     auto const texels = static_cast<std::size_t>(shape_.texels());
     result_ = make_large_array<float4>(texels);
@@ -53,7 +53,7 @@ void FileGpuRun::fetch_image()
     copy_pixels({shape_.cols, shape_.rows}, format, pixels_.get());
 }
 
-void FileGpuRun::run(bool reverse_rows)
+void GpuMapRun::run(bool reverse_rows)
 {
     // Contract: `no_normal` wins over `generate_normal`; as in UmbrixFile, the other way round is expected.
     // Test: UmbrixFileGpuCalls.ComeInOrderForEveryCombinationOfTheOptions
@@ -105,19 +105,19 @@ void FileGpuRun::run(bool reverse_rows)
     result_.reset();
 }
 
-void FileGpuRun::hand_over_image()
+void GpuMapRun::hand_over_image()
 {
     hand_over_bytes(shape_, pixels_.get());
     pixels_.reset();
 }
 
-void FileGpuRun::announce(char const* stage)
+void GpuMapRun::announce(char const* stage)
 {
     *status_ = stage;
     *progress_ = 0;
 }
 
-void FileGpuRun::split_colours_and_heights()
+void GpuMapRun::split_colours_and_heights()
 {
     int const channels = shape_.channels;
     for_all_texels([&](std::ptrdiff_t i) {
@@ -133,14 +133,14 @@ void FileGpuRun::split_colours_and_heights()
     });
 }
 
-void FileGpuRun::take_heights_of_layers()
+void GpuMapRun::take_heights_of_layers()
 {
     blend_layer_heights(layers_.stack(), heights_, static_cast<std::size_t>(shape_.texels()));
     HeightRange const range = find_height_range(heights_.data.get(), shape_.texels());
     for_all_texels([&](std::ptrdiff_t i) { heights_.data[i] = range.stretched(heights_.data[i]); });
 }
 
-void FileGpuRun::filter_heights()
+void GpuMapRun::filter_heights()
 {
     auto const spatial = std::make_unique<float[]>(spatial_table_size(options_.b_radius));
     float range[kRangeTableSize] = {};
@@ -153,24 +153,24 @@ void FileGpuRun::filter_heights()
     heights_ = std::move(filtered);
 }
 
-void FileGpuRun::keep_heights()
+void GpuMapRun::keep_heights()
 {
     for_all_texels(
         [&](std::ptrdiff_t i) { options_.height_copy[i] = options_.preserve ? heights_.data[i] : 1.0f; });
 }
 
-void FileGpuRun::set_flat_normals()
+void GpuMapRun::set_flat_normals()
 {
     for_all_texels([&](std::ptrdiff_t i) { normals_[i] = {0.0f, 0.0f, 1.0f}; });
 }
 
-void FileGpuRun::decode_normals()
+void GpuMapRun::decode_normals()
 {
     announce("Retreving Normal Map");
     for_all_texels([&](std::ptrdiff_t i) { normals_[i] = decoded_normal(result_[i]); });
 }
 
-void FileGpuRun::keep_normals()
+void GpuMapRun::keep_normals()
 {
     auto const texels = static_cast<std::size_t>(shape_.texels());
     kept_.make_normal_map(texels);
@@ -178,7 +178,7 @@ void FileGpuRun::keep_normals()
     for_all_texels([&](std::ptrdiff_t i) { options_.normal_map[i] = normals_[i]; });
 }
 
-void FileGpuRun::convert_to_light()
+void GpuMapRun::convert_to_light()
 {
     announce("Normal -> Umbrix");
     float3* const light = options_.keep_buffers ? converted_.get() : normals_.get();
@@ -186,12 +186,12 @@ void FileGpuRun::convert_to_light()
     for_all_texels([&](std::ptrdiff_t i) { set_colour(result_[i], light[i]); });
 }
 
-void FileGpuRun::set_full_light()
+void GpuMapRun::set_full_light()
 {
     for_all_texels([&](std::ptrdiff_t i) { set_colour(result_[i], {1.0f, 1.0f, 1.0f}); });
 }
 
-void FileGpuRun::make_occlusion_map()
+void GpuMapRun::make_occlusion_map()
 {
     normals_.reset();
     auto const texels = static_cast<std::size_t>(shape_.texels());
@@ -203,14 +203,14 @@ void FileGpuRun::make_occlusion_map()
     }
 }
 
-void FileGpuRun::set_no_occlusion()
+void GpuMapRun::set_no_occlusion()
 {
     if (options_.keep_buffers) {
         for_all_texels([&](std::ptrdiff_t i) { options_.ao_map[i] = {1.0f, 1.0f, 1.0f}; });
     }
 }
 
-void FileGpuRun::multiply_occlusion()
+void GpuMapRun::multiply_occlusion()
 {
     announce("Height -> AO");
     occlusion_group();
@@ -220,13 +220,13 @@ void FileGpuRun::multiply_occlusion()
     });
 }
 
-void FileGpuRun::release_unkept()
+void GpuMapRun::release_unkept()
 {
     converted_.reset();
     occlusion_.reset();
 }
 
-void FileGpuRun::store(bool reverse_rows)
+void GpuMapRun::store(bool reverse_rows)
 {
     if (reverse_rows) {
         store_bytes_reversed(result_.get(), shape_, RowsFrom::kHeight, pixels_.get(), progress_);
@@ -235,7 +235,7 @@ void FileGpuRun::store(bool reverse_rows)
     }
 }
 
-void FileGpuRun::pre_process_group()
+void GpuMapRun::pre_process_group()
 {
     float* const heights = heights_.data.get();
     SetDevice(gpu_.device);
@@ -244,7 +244,7 @@ void FileGpuRun::pre_process_group()
     GetDest(heights, shape_.rows, shape_.cols);
 }
 
-void FileGpuRun::normals_group()
+void GpuMapRun::normals_group()
 {
     SetDevice(gpu_.device);
     SetDest(normals_.get(), shape_.rows, shape_.cols);
@@ -253,7 +253,7 @@ void FileGpuRun::normals_group()
     GetDest(normals_.get(), shape_.rows, shape_.cols);
 }
 
-void FileGpuRun::light_group(float3* uploaded, float3* downloaded)
+void GpuMapRun::light_group(float3* uploaded, float3* downloaded)
 {
     SetDevice(gpu_.device);
     SetDest(uploaded, shape_.rows, shape_.cols);
@@ -263,7 +263,7 @@ void FileGpuRun::light_group(float3* uploaded, float3* downloaded)
     DeleteSrc();
 }
 
-void FileGpuRun::occlusion_group()
+void GpuMapRun::occlusion_group()
 {
     float* const heights = heights_.data.get();
     SetDevice(gpu_.device);
@@ -279,7 +279,7 @@ void FileGpuRun::occlusion_group()
     DeleteSrc();
 }
 
-void FileGpuRun::post_process_group()
+void GpuMapRun::post_process_group()
 {
     // The device of the group before still holds.
     SetDest(result_.get(), shape_.rows, shape_.cols);

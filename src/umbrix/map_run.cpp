@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "umbrix/file_run_internal.h"
+#include "umbrix/map_run_internal.h"
 
 #include "common/rounding.h"
 #include "normals/filter_tables_internal.h"
@@ -26,7 +26,7 @@ constexpr float3 kAll = {1.0f, 1.0f, 1.0f};
 
 } // namespace
 
-FileRun::FileRun(umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers, int thread_count,
+MapRun::MapRun(umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers, int thread_count,
                  std::string* status, int* progress)
     : options_(options), kept_(kept), layers_(layers), thread_count_(thread_count), status_(status),
       progress_(progress),
@@ -35,7 +35,7 @@ FileRun::FileRun(umbrix_options& options, KeptBuffers& kept, LayerBranch const& 
 {
 }
 
-FileRun::~FileRun()
+MapRun::~MapRun()
 {
     retained_heights.keep(std::move(heights_));
     if (rays_a_.data != nullptr) {
@@ -45,7 +45,7 @@ FileRun::~FileRun()
     }
 }
 
-void FileRun::fetch_image(MapShape shape)
+void MapRun::fetch_image(MapShape shape)
 {
     shape_ = shape;
     auto const texels = static_cast<std::size_t>(shape.texels());
@@ -71,7 +71,7 @@ void FileRun::fetch_image(MapShape shape)
     copy_pixels({shape.cols, shape.rows}, format, pixels_.get());
 }
 
-void FileRun::run(bool reverse_rows)
+void MapRun::run(bool reverse_rows)
 {
     bool const normals_from_image = !options_.no_normal && !options_.generate_normal && !options_.height_map;
     bool const needs_whole_map = reverse_rows || grades_map(options_);
@@ -129,13 +129,13 @@ void FileRun::run(bool reverse_rows)
     release_sources(0);
 }
 
-void FileRun::hand_over_image()
+void MapRun::hand_over_image()
 {
     hand_over_bytes(shape_, pixels_.get());
     pixels_.reset();
 }
 
-void FileRun::announce(int thread, char const* stage)
+void MapRun::announce(int thread, char const* stage)
 {
     if (thread == 0) {
         *status_ = stage;
@@ -144,7 +144,7 @@ void FileRun::announce(int thread, char const* stage)
 }
 
 /// What a share without a thread leaves is zero: buffers other than these two begin that way.
-void FileRun::clear_left_out_texels()
+void MapRun::clear_left_out_texels()
 {
     if (!is_whole_team()) {
 #pragma omp single
@@ -154,7 +154,7 @@ void FileRun::clear_left_out_texels()
     }
 }
 
-void FileRun::make_heights(int thread)
+void MapRun::make_heights(int thread)
 {
     int const channels = std::max(shape_.channels, 1);
     unsigned char const* const bytes = pixels_.get();
@@ -174,7 +174,7 @@ void FileRun::make_heights(int thread)
     });
 }
 
-void FileRun::take_heights_of_layers(int thread)
+void MapRun::take_heights_of_layers(int thread)
 {
     // No height is stretched before the range is known to all.
     on_one_thread([&] {
@@ -188,7 +188,7 @@ void FileRun::take_heights_of_layers(int thread)
     });
 }
 
-void FileRun::keep_heights(int thread)
+void MapRun::keep_heights(int thread)
 {
     if (options_.preserve && options_.height_copy != nullptr) {
         float const* const heights = heights_.data.get();
@@ -198,7 +198,7 @@ void FileRun::keep_heights(int thread)
     }
 }
 
-void FileRun::filter_heights(int thread)
+void MapRun::filter_heights(int thread)
 {
     if (filters_heights()) {
         if (thread == 0) {
@@ -224,12 +224,12 @@ void FileRun::filter_heights(int thread)
 #pragma omp barrier
 }
 
-void FileRun::pre_process()
+void MapRun::pre_process()
 {
     on_one_thread([&] { PreProcess(heights_.data.get(), shape_.rows, shape_.cols, options_); });
 }
 
-void FileRun::generate_normals(int thread)
+void MapRun::generate_normals(int thread)
 {
     if (thread == 0) {
         *status_ = "Generating Normal Map";
@@ -247,7 +247,7 @@ void FileRun::generate_normals(int thread)
     });
 }
 
-void FileRun::decode_normals(int thread)
+void MapRun::decode_normals(int thread)
 {
     announce(thread, "Retreving Normal Map");
     float3* const target = target_normals();
@@ -262,7 +262,7 @@ void FileRun::decode_normals(int thread)
     });
 }
 
-void FileRun::convert_to_light(int thread)
+void MapRun::convert_to_light(int thread)
 {
     announce(thread, "Normal -> Umbrix");
     if (options_.keep_buffers) {
@@ -276,14 +276,14 @@ void FileRun::convert_to_light(int thread)
     }
 }
 
-void FileRun::keep_full_light(int thread)
+void MapRun::keep_full_light(int thread)
 {
     for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
         std::fill(options_.normal_map + first, options_.normal_map + last, kAll);
     });
 }
 
-void FileRun::make_occlusion_map(int thread)
+void MapRun::make_occlusion_map(int thread)
 {
     if (thread == 0) {
         auto const texels = static_cast<std::size_t>(shape_.texels());
@@ -296,14 +296,14 @@ void FileRun::make_occlusion_map(int thread)
     }
 }
 
-void FileRun::keep_no_occlusion(int thread)
+void MapRun::keep_no_occlusion(int thread)
 {
     for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
         std::fill(options_.ao_map + first, options_.ao_map + last, kAll);
     });
 }
 
-void FileRun::find_occlusion(int thread)
+void MapRun::find_occlusion(int thread)
 {
     announce(thread, "Height -> AO");
     float* const heights = heights_.data.get();
@@ -332,7 +332,7 @@ void FileRun::find_occlusion(int thread)
 }
 
 /// The image's alpha. The bytes of a run on layers' heights were never fetched.
-float FileRun::alpha(std::ptrdiff_t texel) const
+float MapRun::alpha(std::ptrdiff_t texel) const
 {
     if (options_.blend_height) {
         return 0.0f;
@@ -341,7 +341,7 @@ float FileRun::alpha(std::ptrdiff_t texel) const
 }
 
 /// @p count texels of the map before its grading, from @p first on.
-void FileRun::compose(std::ptrdiff_t first, std::ptrdiff_t count, float3* colours, float* alphas) const
+void MapRun::compose(std::ptrdiff_t first, std::ptrdiff_t count, float3* colours, float* alphas) const
 {
     float3 const* const light = normals_.get() + first;
     float3 const* const open = options_.ao_map + first;
@@ -368,7 +368,7 @@ void FileRun::compose(std::ptrdiff_t first, std::ptrdiff_t count, float3* colour
 /// Calls @p body with the number of the first texel, how many there are, their colours and alphas, for blocks
 /// that together are the texels from @p first to @p last - 1.
 template <typename Body>
-void FileRun::for_composed_blocks(std::ptrdiff_t first, std::ptrdiff_t last, Body&& body) const
+void MapRun::for_composed_blocks(std::ptrdiff_t first, std::ptrdiff_t last, Body&& body) const
 {
     float3 colours[kByteBlock];
     float alphas[kByteBlock];
@@ -379,7 +379,7 @@ void FileRun::for_composed_blocks(std::ptrdiff_t first, std::ptrdiff_t last, Bod
     }
 }
 
-void FileRun::compose_map(int thread)
+void MapRun::compose_map(int thread)
 {
     auto const put = [this](std::ptrdiff_t first, std::ptrdiff_t count, float3 const* colours,
                             float const* alphas) {
@@ -394,7 +394,7 @@ void FileRun::compose_map(int thread)
 }
 
 /// What the map is composed of.
-void FileRun::release_sources(int thread)
+void MapRun::release_sources(int thread)
 {
     if (thread == 0) {
         normals_.reset();
@@ -402,7 +402,7 @@ void FileRun::release_sources(int thread)
     }
 }
 
-void FileRun::post_process()
+void MapRun::post_process()
 {
     on_one_thread([&] {
         if (result_ != nullptr) {
@@ -419,7 +419,7 @@ void FileRun::post_process()
     });
 }
 
-void FileRun::store(int thread)
+void MapRun::store(int thread)
 {
     auto const put = [this](std::ptrdiff_t first, std::ptrdiff_t count, float3 const* colours,
                             float const* alphas) {

@@ -21,13 +21,13 @@ namespace umbrixlib::detail {
 /// The stages run one after the other on the calling thread, in the order of their declaration. Those in the
 /// upper part open a parallel loop over the texels; those in the lower part are a group of calls of the
 /// graphics library each, and open none.
-class FileGpuRun {
+class GpuMapRun {
 public:
-    FileGpuRun(GPU_opt gpu, umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers,
+    GpuMapRun(GPU_opt gpu, umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers,
                MapShape shape, std::string* status, int* progress);
-    ~FileGpuRun();
-    FileGpuRun(FileGpuRun const&) = delete;
-    FileGpuRun& operator=(FileGpuRun const&) = delete;
+    ~GpuMapRun();
+    GpuMapRun(GpuMapRun const&) = delete;
+    GpuMapRun& operator=(GpuMapRun const&) = delete;
 
     /// Allocates the buffers and fetches the bound image's bytes.
     void fetch_image();
