@@ -90,7 +90,9 @@ CORALITH_API void UmbrixNormal_GPU(GPU_opt gpu, float3* normals, int mode, int r
 /// @param at_once  The negation of `GPU_opt::ao_flag`. False keeps the desktop responsive: the work is cut
 ///                 into dispatches of about 50 ms. True cuts it only where a display would stand no more.
 /// @param ao_value If above 0, and @p at_once is false, the rays of one dispatch instead.
-/// @param progress Goes from 0 to 1000, never back, written by the calling thread; may be null.
+/// @param progress Goes from 0 to 1000, never back, written by the calling thread; may be null. Once it holds
+///                 INT_MIN, stored atomically by any thread before the call or during it, the stage leaves it
+///                 so, returns after the dispatch at work and has no result.
 CORALITH_API void DirectionalAO_GPU(float* heights, int rows, int cols, int rays, float alpha_limit,
                                     float theta_limit, float radius, int device, bool h_tile, bool v_tile,
                                     bool at_once, int ao_value, int* progress);

@@ -171,9 +171,14 @@ bool Session::directional_occlusion(float const* heights, int rows, int cols,
         return false;
     }
     Progress shown(progress);
-    return run(Stage::kDirectionalOcclusion, shape, destination_3, [&](Backend& backend, float* result) {
-        return coralith::directional_occlusion(backend, shape, settings, rule, input, result, shown);
-    });
+    bool const has_run =
+        run(Stage::kDirectionalOcclusion, shape, destination_3, [&](Backend& backend, float* result) {
+            return coralith::directional_occlusion(backend, shape, settings, rule, input, result, shown);
+        });
+    if (shown.is_stopped()) {
+        destination_3.clear();
+    }
+    return has_run && !shown.is_stopped();
 }
 
 Session& session()

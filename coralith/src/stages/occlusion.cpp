@@ -53,7 +53,7 @@ public:
     bool count_band(int channel, std::vector<ray> const& rays)
     {
         int const all = static_cast<int>(rays.size());
-        for (int first = 0; first < all;) {
+        for (int first = 0; first < all && !progress_.is_stopped();) {
             RayTable const table = tabulate(walk_, rays.data(), first, all, kMostStepsOfTable);
             if (!offsets_.fill(table.offsets.data(), table.offsets.size()) ||
                 !climbs_.fill(table.climbs.data(), table.climbs.size()) ||
@@ -71,10 +71,10 @@ private:
     bool count_table(int channel, int rays, bool starts)
     {
         Index const texels = walk_.shape.texels();
-        for (int ray = 0; ray < rays;) {
+        for (int ray = 0; ray < rays && !progress_.is_stopped();) {
             Index const wanted = rule_.rays > 0 ? rule_.rays : std::max<Index>(portions_.units() / texels, 1);
             int const count = static_cast<int>(std::min<Index>(wanted, rays - ray));
-            for (Index first = 0; first < texels;) {
+            for (Index first = 0; first < texels && !progress_.is_stopped();) {
                 Index const most = rule_.rays > 0 ? texels : std::max<Index>(portions_.units() / count, 1);
                 Index const part = std::min(most, texels - first);
                 if (!dispatch(channel, starts && ray == 0, ray, count, first, part)) {
@@ -165,6 +165,9 @@ bool directional_occlusion(Backend& backend, Shape shape, OcclusionSettings cons
         }
     }
     Index const floats = shape.texels() * 3;
+    if (progress.is_stopped()) {
+        return true; // no failure of the device; nobody takes the result
+    }
     if (!result.reserve(shape.bytes(3)) ||
         !backend.launch(Kernel::kCountsToShares, floats, {counts, share_table, result, floats}) ||
         !backend.finish() || !backend.download(result.memory(), occlusion, shape.bytes(3))) {

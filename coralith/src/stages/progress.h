@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/stop_request.h"
+
 #include <algorithm>
-#include <atomic>
 
 namespace coralith {
 
@@ -22,6 +23,9 @@ public:
     }
     void finish() { write(kWhole); }
 
+    /// Whether the rest of the work is to be left: a front end asks for that in the place of its progress.
+    bool is_stopped() const { return target_ != nullptr && umbrixlib::detail::is_stop_requested(*target_); }
+
 private:
     static constexpr int kWhole = 1000;
 
@@ -29,7 +33,7 @@ private:
     {
         shown_ = value;
         if (target_ != nullptr) {
-            std::atomic_ref<int>(*target_).store(value, std::memory_order_relaxed);
+            umbrixlib::detail::store_progress(*target_, value);
         }
     }
 

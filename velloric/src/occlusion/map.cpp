@@ -71,11 +71,14 @@ public:
             turn.first = first;
             turn.last = reducer.done();
         }
+        if (progress_.is_stopped()) {
+            return;
+        }
         make_planes(turns);
 #pragma omp parallel for schedule(dynamic)
         for (int part = 0; part < tiles() * 3; ++part) {
             Turn const& turn = turns[static_cast<std::size_t>(part % 3)];
-            if (turn.pending) {
+            if (turn.pending && !progress_.is_stopped()) {
                 finish_tile(tile(part / 3), turn, part % 3);
                 progress_.add(static_cast<int>(turn.share.rays()), omp_get_thread_num() == 0);
             }
@@ -190,7 +193,7 @@ void map_occlusion(Relief const& relief, std::array<ray const*, 3> const& bands,
         return;
     }
     Mapper mapper(relief, bands, rays, occlusion, progress);
-    for (bool first = true; !mapper.done(); first = false) {
+    for (bool first = true; !mapper.done() && !progress.is_stopped(); first = false) {
         mapper.next_round(first);
     }
 }

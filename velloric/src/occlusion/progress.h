@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/stop_request.h"
+
 #include <atomic>
 
 namespace velloric {
 
-/// The share of finished work in thousandths, written where a front end polls it. Never goes back.
+/// The share of finished work in thousandths, written where a front end polls it. Never goes back. A front
+/// end that asks for a stop does so in the same place, which then stays as it is.
 class Progress {
 public:
     /// @param target May be null.
     explicit Progress(int* target) : target_(target) { write(0); }
+
+    /// Whether the rest of the work is to be left.
+    bool is_stopped() const { return target_ != nullptr && umbrixlib::detail::is_stop_requested(*target_); }
 
     /// Says how much work there is, in any unit. Before the first `add`.
     void expect(long long work) { expected_ = work; }
@@ -31,7 +37,7 @@ private:
     void write(int value)
     {
         if (target_ != nullptr) {
-            std::atomic_ref<int>(*target_).store(value, std::memory_order_relaxed);
+            umbrixlib::detail::store_progress(*target_, value);
         }
     }
 
