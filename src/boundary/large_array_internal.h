@@ -2,31 +2,15 @@
 #pragma once
 
 #include "boundary/platform.h"
+#include "boundary/texel_array.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 
 namespace umbrixlib::detail {
 
-/// Releases what `make_large_array` has made.
-struct ReleaseLargeArray {
-    std::size_t mapped_bytes = 0; ///< 0 for an array from the array allocator.
-
-    template <typename T>
-    void operator()(T* array) const
-    {
-        if (mapped_bytes != 0) {
-            platform::unmap_zeros(array, mapped_bytes);
-        } else {
-            delete[] array;
-        }
-    }
-};
-
-/// An array of a picture's size that stays with the run which made it.
 template <typename T>
-using LargeArray = std::unique_ptr<T[], ReleaseLargeArray>;
+using LargeArray = TexelArray<T>;
 
 /// @p count elements, all zero. A large array costs nothing before it is written to: its pages come with the
 /// first access to each, so the threads that fill it share that work, and what nobody touches takes no

@@ -58,33 +58,12 @@ std::ptrdiff_t reversed_offset(layer_size size, int x, int y)
     return (static_cast<std::ptrdiff_t>(size.height - y) * size.width + x) * 3;
 }
 
-/// Heights stretched to bytes from 0, the lowest, to 255.
-class GreyScale {
-public:
-    explicit GreyScale(float const* heights, std::ptrdiff_t texels) : heights_(heights)
-    {
-        if (texels > 0) {
-            low_ = high_ = heights[0];
-        }
-        for (std::ptrdiff_t i = 0; i < texels; ++i) {
-            low_ = low_ > heights[i] ? heights[i] : low_;
-            high_ = heights[i] > high_ ? heights[i] : high_;
-        }
-        range_ = high_ - low_;
-    }
+/// Heights as grey bytes.
+struct GreyScale {
+    float const* heights;
+    HeightStretch stretch;
 
-    /// A range of 0 makes every height NaN, whose byte is 0.
-    unsigned char operator[](std::ptrdiff_t i) const
-    {
-        float const above_low = heights_[i] - low_;
-        return to_byte(wide(above_low / range_) * 255.0);
-    }
-
-private:
-    float const* heights_;
-    float low_ = 0.0f;
-    float high_ = 0.0f;
-    float range_;
+    unsigned char operator[](std::ptrdiff_t i) const { return stretch.byte(heights[i]); }
 };
 
 /// Rows in reverse order, all threads stepping one column counter; see the contract of `SaveHeight`.
@@ -141,11 +120,7 @@ bool NLayers::SaveResult(char const* file)
             }
         }
     } else {
-        std::ptrdiff_t const texels = texels_of(size);
-#pragma omp parallel for schedule(static)
-        for (std::ptrdiff_t i = 0; i < texels; ++i) {
-            put_normal(saved[i], bytes + 3 * i);
-        }
+        umbrixlib::normals_to_bytes(saved, texels_of(size), bytes);
     }
     save_bytes(file, size, std::move(image));
     return true;
@@ -168,7 +143,7 @@ bool NLayers::SaveHeight(char const* file)
     if (heights_now != heights_before) {
         blended.capacity = texels;
     }
-    GreyScale const greys(heights_now, texels_of(size));
+    GreyScale const greys{heights_now, HeightStretch(heights_now, texels_of(size))};
     if (is_vtf(file)) {
         put_reversed(greys, size, bytes.get());
     } else {

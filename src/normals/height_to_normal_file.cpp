@@ -3,8 +3,9 @@
 
 #include "boundary/image_io.h"
 #include "boundary/texture_kernels.h"
-#include "common/rounding.h"
+#include "filters/narrowing.h"
 #include "filters/recursive_gaussian.h"
+#include "foundation/picture_samples_internal.h"
 #include "normals/filter_tables_internal.h"
 
 #include <cstddef>
@@ -13,16 +14,6 @@
 namespace umbrixlib::detail {
 
 namespace {
-
-float from_byte(unsigned char byte)
-{
-    return narrow(byte / 255.0);
-}
-
-unsigned char normal_to_byte(float component)
-{
-    return to_byte((wide(component) + 1.0) * 255.0 * 0.5);
-}
 
 /// Runs the bilateral filter into a buffer that nobody reads; see the contract in the header.
 void filter_without_effect(float3* image, ImageSize size, std::size_t texels, float radius)
@@ -78,12 +69,7 @@ bool HeightToNormal(char const* source, char const* destination, float n_scale, 
     }
     Height2Normal(image.get(), size.height, size.width, n_scale);
 
-#pragma omp parallel for schedule(static)
-    for (std::ptrdiff_t i = 0; i < texels; ++i) {
-        for (std::ptrdiff_t c = 3 * i; c < 3 * i + 3; ++c) {
-            component_bytes[c] = normal_to_byte(components[c]);
-        }
-    }
+    umbrixlib::normals_to_bytes(image.get(), texels, bytes.get());
     refill_image(size, bytes.get());
     return save_image(destination) != FileOutcome::kMessageShown;
 }

@@ -16,9 +16,26 @@ bool open_file(std::string const& input, MapShape& shape)
     return true;
 }
 
-void join_layers(LayerBranch& layers, umbrix_options& options, MapShape& shape)
+FileStack::FileStack(LinkedList<n_layer>* layers, NLayers* stack) : stack_(stack)
 {
-    layers.follow_descriptions();
+    int const described = layers != nullptr && layers->count > 0 ? layers->count : 0;
+    if (stack_ == nullptr && described > 0) {
+        stack_ = &own_.emplace(layers);
+    }
+    // Contract: equal numbers leave the stack as it is, whatever it holds; one would expect file names to be
+    // compared. A stack that was filled by hand stays. Test:
+    // UmbrixFileLayers.AStackOfTheSameNumberOfLayersIsNotRebuilt
+    if (stack_ == nullptr || stack_->Count() == described) {
+        return;
+    }
+    stack_->Clear();
+    for (int i = 0; i < described; ++i) {
+        stack_->AddLayer(layers->GetRef(i)->filename.c_str());
+    }
+}
+
+void settle_size(LayerBranch const& layers, umbrix_options& options, MapShape& shape)
+{
     layers.settle(options, shape);
     options.image_height = shape.rows;
     options.image_width = shape.cols;

@@ -10,6 +10,7 @@
 #include "umbrix/map_bytes_internal.h"
 #include "umbrix/umbrix_options.h"
 
+#include <optional>
 #include <string>
 
 namespace umbrixlib::detail {
@@ -20,9 +21,25 @@ namespace umbrixlib::detail {
 /// @return False after a message box.
 bool open_file(std::string const& input, MapShape& shape);
 
-/// Lets the stack follow its descriptions, then settles the run's size in @p shape and `blend_height` and the
-/// size fields in @p options.
-void join_layers(LayerBranch& layers, umbrix_options& options, MapShape& shape);
+/// The stack of a run on one file, which follows the descriptions.
+class FileStack {
+public:
+    /// Fills the stack anew from the files of @p layers, unless both have the same number of layers.
+    ///
+    /// @param layers Null counts as empty.
+    /// @param stack  Null counts as an empty stack, which lives as long as this object.
+    FileStack(LinkedList<n_layer>* layers, NLayers* stack);
+
+    /// Null if there is neither a stack nor a description.
+    NLayers* get() const { return stack_; }
+
+private:
+    std::optional<NLayers> own_;
+    NLayers* stack_;
+};
+
+/// Settles the run's size in @p shape, and `blend_height` and the size fields in @p options.
+void settle_size(LayerBranch const& layers, umbrix_options& options, MapShape& shape);
 
 /// Puts the bytes of the finished map into the bound image.
 void hand_over_bytes(MapShape shape, unsigned char* bytes);

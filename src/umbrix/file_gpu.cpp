@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "umbrix/file_gpu.h"
 
+#include "boundary/image_io.h"
 #include "umbrix/file_frame_internal.h"
 #include "umbrix/gpu_map_run_internal.h"
-#include "umbrix/layer_branch_internal.h"
 
 namespace umbrixlib::detail {
 
@@ -15,13 +15,27 @@ bool convert_file(GPU_opt gpu, std::string const& input, std::string const& outp
     if (!open_file(input, shape)) {
         return false;
     }
-    LayerBranch layer_branch(layers, stack);
-    join_layers(layer_branch, options, shape);
+    FileStack const file_stack(layers, stack);
+    LayerBranch const layer_branch(layers, file_stack.get());
+    settle_size(layer_branch, options, shape);
 
-    GpuMapRun run(gpu, options, kept, layer_branch, shape, status, progress);
-    run.fetch_image();
-    run.run(has_reversed_rows(output));
-    run.hand_over_image();
+    ImageBytes pixels = make_image_bytes(static_cast<std::size_t>(shape.texels()), shape.channels);
+    PixelFormat const format = shape.channels < 4 ? PixelFormat::kRgb : PixelFormat::kRgba;
+    copy_pixels({shape.cols, shape.rows}, format, pixels.get());
+    PictureSamples const samples{
+        pixels.get(), SampleType::kUint8, shape.channels, 1, 2, shape.channels == 4 ? 3 : -1};
+
+    RunReport report(status, progress);
+    GpuMapRun run(gpu, options, &kept, layer_branch, {samples}, shape, report);
+    if (has_reversed_rows(output)) {
+        run.run({}, {});
+        store_bytes_reversed(run.parts.map.get(), shape, RowsFrom::kHeight, pixels.get(), progress);
+        run.parts.map.reset();
+    } else {
+        run.run({pixels.get(), shape.channels}, {});
+    }
+    hand_over_bytes(shape, pixels.get());
+    pixels.reset();
     return close_file(output, options, kept);
 }
 

@@ -3,8 +3,8 @@
 
 #include "boundary/texture_kernels.h"
 #include "common/rounding.h"
+#include "normals/filter_parts_internal.h"
 #include "normals/filter_tables_internal.h"
-#include "umbrix/file_frame_internal.h"
 #include "umbrix/layer_heights_internal.h"
 #include "umbrix/texel_steps_internal.h"
 
@@ -16,22 +16,17 @@ namespace {
 
 RetainedBuffer<float> retained_heights;
 
-float inverse_of_byte(unsigned char byte)
-{
-    return narrow(1.0 - byte / 255.0);
-}
-
-float inverse_mean(float4 const& colour)
+float inverse_mean(float3 const& colour)
 {
     return narrow(1.0 - (wide(colour.x) + wide(colour.y) + wide(colour.z)) / 3.0);
 }
 
 } // namespace
 
-GpuMapRun::GpuMapRun(GPU_opt gpu, umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers,
-                       MapShape shape, std::string* status, int* progress)
-    : gpu_(gpu), options_(options), kept_(kept), layers_(layers), shape_(shape), status_(status),
-      progress_(progress)
+GpuMapRun::GpuMapRun(GPU_opt gpu, umbrix_options& options, KeptBuffers* kept, LayerBranch const& layers,
+                     MapSource const& source, MapShape shape, RunReport& report)
+    : gpu_(gpu), options_(options), kept_(kept), layers_(layers), source_(source), shape_(shape),
+      report_(report)
 {
 }
 
@@ -40,20 +35,36 @@ GpuMapRun::~GpuMapRun()
     retained_heights.keep(std::move(heights_));
 }
 
-void GpuMapRun::fetch_image()
+bool GpuMapRun::run(ByteTarget const& target, MapDemand const& wanted)
+{
+    wanted_ = wanted;
+    make_buffers();
+    if (!run_stages()) {
+        DeleteDest();
+        DeleteSrc();
+        return false;
+    }
+    if (target.bytes != nullptr) {
+        store_bytes(parts.map.get(), {shape_.rows, shape_.cols, target.channels}, target.bytes);
+        parts.map.reset();
+    }
+    return true;
+}
+
+void GpuMapRun::make_buffers()
 {
     auto const texels = static_cast<std::size_t>(shape_.texels());
-    result_ = make_large_array<float4>(texels);
+    parts.map = make_large_array<float4>(texels);
     normals_ = make_large_array<float3>(texels);
     heights_ = retained_heights.take_to_overwrite(texels);
     platform::prefer_large_pages(heights_.data.get(), texels * sizeof(float));
-    kept_.make_height_copy(texels);
-    pixels_ = make_image_bytes(texels, shape_.channels);
-    PixelFormat const format = shape_.channels < 4 ? PixelFormat::kRgb : PixelFormat::kRgba;
-    copy_pixels({shape_.cols, shape_.rows}, format, pixels_.get());
+    if (kept_ != nullptr) {
+        kept_->make_height_copy(texels);
+    }
 }
 
-void GpuMapRun::run(bool reverse_rows)
+/// @return False if the run was stopped.
+bool GpuMapRun::run_stages()
 {
     // Contract: `no_normal` wins over `generate_normal`; as in UmbrixFile, the other way round is expected.
     // Test: UmbrixFileGpuCalls.ComeInOrderForEveryCombinationOfTheOptions
@@ -68,12 +79,19 @@ void GpuMapRun::run(bool reverse_rows)
     }
     // Contract: the text shows whether a filter runs or not; with a filter only is expected. Test:
     // UmbrixFileGpuCalls.TheTextOfTheFilterShowsWithoutAFilterToo
-    *status_ = "Bilateral Filtering";
+    report_.show("Bilateral Filtering");
     if (options_.b_radius >= 1.0f) {
         filter_heights();
     }
-    keep_heights();
+    if (report_.stopping()) {
+        return false;
+    }
+    keep_filtered_heights();
     pre_process_group();
+    keep_graded_heights();
+    if (report_.stopping()) {
+        return false;
+    }
     if (normals_from_heights && layers_.has_layers()) {
         layers_.stack().BlendLayers(normals_.get());
     } else if (normals_from_heights) {
@@ -84,7 +102,10 @@ void GpuMapRun::run(bool reverse_rows)
     if (normals_from_image) {
         decode_normals();
     }
-    if (options_.keep_buffers) {
+    if (report_.stopping()) {
+        return false;
+    }
+    if (keeps_buffers() || (wanted_.normals && light)) {
         keep_normals();
     }
     if (light) {
@@ -92,44 +113,41 @@ void GpuMapRun::run(bool reverse_rows)
     } else {
         set_full_light();
     }
-    make_occlusion_map();
+    make_occlusion_map(light);
+    if (report_.stopping()) {
+        return false;
+    }
     if (has_occlusion(options_.calc_type)) {
+        report_.begin("Height -> AO");
+        occlusion_group();
+        if (report_.stopping()) {
+            return false;
+        }
         multiply_occlusion();
     } else {
         set_no_occlusion();
     }
     release_unkept();
     post_process_group();
-    announce("Storing Results");
-    store(reverse_rows);
-    result_.reset();
+    report_.begin("Storing Results");
+    return !report_.stopping();
 }
 
-void GpuMapRun::hand_over_image()
-{
-    hand_over_bytes(shape_, pixels_.get());
-    pixels_.reset();
-}
-
-void GpuMapRun::announce(char const* stage)
-{
-    *status_ = stage;
-    *progress_ = 0;
-}
-
+/// Colours and alphas go to the map, where the light and the open shares meet them.
 void GpuMapRun::split_colours_and_heights()
 {
-    int const channels = shape_.channels;
-    for_all_texels([&](std::ptrdiff_t i) {
-        unsigned char const* const bytes = pixels_.get() + i * channels;
-        float4& texel = result_[i];
-        texel = {from_byte(bytes[0]), from_byte(bytes[1]), from_byte(bytes[2]), 1.0f};
-        float height_of_alpha = 1.0f;
-        if (channels == 4) {
-            texel.w = from_byte(bytes[3]);
-            height_of_alpha = inverse_of_byte(bytes[3]);
-        }
-        heights_.data[i] = options_.height_map ? inverse_mean(texel) : height_of_alpha;
+    float4* const map = parts.map.get();
+    float* const heights = heights_.data.get();
+    source_.samples.visit([&](auto const& samples) {
+        for_all_texels([&](std::ptrdiff_t i) {
+            float3 const colour = samples.colour(i);
+            map[i] = {colour.x, colour.y, colour.z, samples.alpha_or_one(i)};
+            if (options_.height_map) {
+                heights[i] = inverse_mean(colour);
+            } else {
+                heights[i] = samples.has_alpha() ? narrow(1.0 - samples.exact_alpha(i)) : 1.0f;
+            }
+        });
     });
 }
 
@@ -148,15 +166,30 @@ void GpuMapRun::filter_heights()
     filtered.reserve(static_cast<std::size_t>(shape_.texels()));
     GenerateExp(options_.b_radius, spatial.get());
     GenerateExp(kRangeSigma, range);
-    BilateralFilter(heights_.data.get(), filtered.data.get(), shape_.rows, shape_.cols, options_.b_radius,
-                    spatial.get(), range);
+    if (report_.can_stop()) {
+        filter_in_parts(heights_.data.get(), filtered.data.get(), shape_.rows, shape_.cols, options_.b_radius,
+                        spatial.get(), range, report_);
+    } else {
+        BilateralFilter(heights_.data.get(), filtered.data.get(), shape_.rows, shape_.cols, options_.b_radius,
+                        spatial.get(), range);
+    }
     heights_ = std::move(filtered);
 }
 
-void GpuMapRun::keep_heights()
+void GpuMapRun::keep_filtered_heights()
 {
-    for_all_texels(
-        [&](std::ptrdiff_t i) { options_.height_copy[i] = options_.preserve ? heights_.data[i] : 1.0f; });
+    if (kept_ != nullptr) {
+        for_all_texels(
+            [&](std::ptrdiff_t i) { options_.height_copy[i] = options_.preserve ? heights_.data[i] : 1.0f; });
+    }
+}
+
+void GpuMapRun::keep_graded_heights()
+{
+    if (wanted_.heights) {
+        parts.heights = make_large_array<float>(static_cast<std::size_t>(shape_.texels()));
+        for_all_texels([&](std::ptrdiff_t i) { parts.heights[i] = heights_.data[i]; });
+    }
 }
 
 void GpuMapRun::set_flat_normals()
@@ -166,72 +199,80 @@ void GpuMapRun::set_flat_normals()
 
 void GpuMapRun::decode_normals()
 {
-    announce("Retreving Normal Map");
-    for_all_texels([&](std::ptrdiff_t i) { normals_[i] = decoded_normal(result_[i]); });
+    report_.begin("Retreving Normal Map");
+    for_all_texels([&](std::ptrdiff_t i) {
+        float4 const& texel = parts.map[i];
+        normals_[i] = decoded_normal({texel.x, texel.y, texel.z}, source_.coding);
+    });
 }
 
 void GpuMapRun::keep_normals()
 {
     auto const texels = static_cast<std::size_t>(shape_.texels());
-    kept_.make_normal_map(texels);
-    converted_ = make_large_array<float3>(texels);
-    for_all_texels([&](std::ptrdiff_t i) { options_.normal_map[i] = normals_[i]; });
+    if (keeps_buffers()) {
+        kept_->make_normal_map(texels);
+        kept_normals_ = options_.normal_map;
+    } else {
+        parts.normals = make_large_array<float3>(texels);
+        kept_normals_ = parts.normals.get();
+    }
+    parts.light = make_large_array<float3>(texels);
+    for_all_texels([&](std::ptrdiff_t i) { kept_normals_[i] = normals_[i]; });
 }
 
 void GpuMapRun::convert_to_light()
 {
-    announce("Normal -> Umbrix");
-    float3* const light = options_.keep_buffers ? converted_.get() : normals_.get();
-    light_group(options_.keep_buffers ? options_.normal_map : normals_.get(), light);
-    for_all_texels([&](std::ptrdiff_t i) { set_colour(result_[i], light[i]); });
+    report_.begin("Normal -> Umbrix");
+    bool const keeps = kept_normals_ != nullptr;
+    float3* const light = keeps ? parts.light.get() : normals_.get();
+    light_group(keeps ? kept_normals_ : normals_.get(), light);
+    for_all_texels([&](std::ptrdiff_t i) { set_colour(parts.map[i], light[i]); });
 }
 
 void GpuMapRun::set_full_light()
 {
-    for_all_texels([&](std::ptrdiff_t i) { set_colour(result_[i], {1.0f, 1.0f, 1.0f}); });
+    for_all_texels([&](std::ptrdiff_t i) { set_colour(parts.map[i], {1.0f, 1.0f, 1.0f}); });
 }
 
-void GpuMapRun::make_occlusion_map()
+void GpuMapRun::make_occlusion_map(bool light)
 {
+    if (wanted_.light && light && parts.light == nullptr) {
+        parts.light = std::move(normals_);
+    }
     normals_.reset();
     auto const texels = static_cast<std::size_t>(shape_.texels());
-    if (options_.keep_buffers) {
-        kept_.make_ao_map(texels);
+    if (keeps_buffers()) {
+        kept_->make_ao_map(texels);
     } else {
-        occlusion_ = make_large_array<float3>(texels);
-        options_.ao_map = occlusion_.get(); // the field keeps the address when the map is released
+        parts.occlusion = make_large_array<float3>(texels);
+        options_.ao_map = parts.occlusion.get(); // the field keeps the address when the map is released
     }
+    open_ = options_.ao_map;
 }
 
 void GpuMapRun::set_no_occlusion()
 {
-    if (options_.keep_buffers) {
-        for_all_texels([&](std::ptrdiff_t i) { options_.ao_map[i] = {1.0f, 1.0f, 1.0f}; });
+    if (keeps_buffers()) {
+        for_all_texels([&](std::ptrdiff_t i) { open_[i] = {1.0f, 1.0f, 1.0f}; });
     }
+    parts.occlusion.reset();
 }
 
 void GpuMapRun::multiply_occlusion()
 {
-    announce("Height -> AO");
-    occlusion_group();
     for_all_texels([&](std::ptrdiff_t i) {
-        multiply_colour(result_[i], options_.ao_map[i]);
-        result_[i].w = options_.preserve ? heights_.data[i] : 1.0f;
+        multiply_colour(parts.map[i], open_[i]);
+        parts.map[i].w = options_.preserve ? heights_.data[i] : 1.0f;
     });
 }
 
 void GpuMapRun::release_unkept()
 {
-    converted_.reset();
-    occlusion_.reset();
-}
-
-void GpuMapRun::store(bool reverse_rows)
-{
-    if (reverse_rows) {
-        store_bytes_reversed(result_.get(), shape_, RowsFrom::kHeight, pixels_.get(), progress_);
-    } else {
-        store_bytes(result_.get(), shape_, pixels_.get());
+    if (!wanted_.light) {
+        parts.light.reset();
+    }
+    if (!wanted_.occlusion) {
+        parts.occlusion.reset();
     }
 }
 
@@ -249,7 +290,7 @@ void GpuMapRun::normals_group()
     SetDevice(gpu_.device);
     SetDest(normals_.get(), shape_.rows, shape_.cols);
     HeightToNormal_GPU(gpu_, heights_.data.get(), shape_.rows, shape_.cols, options_.n_scale,
-                       options_.gaussian, options_.L_Detail, 0.0f, status_, progress_);
+                       options_.gaussian, options_.L_Detail, 0.0f, report_.status(), report_.progress());
     GetDest(normals_.get(), shape_.rows, shape_.cols);
 }
 
@@ -266,15 +307,20 @@ void GpuMapRun::light_group(float3* uploaded, float3* downloaded)
 void GpuMapRun::occlusion_group()
 {
     float* const heights = heights_.data.get();
+    // Short dispatches have the same result; between them the library sees a stop.
+    bool const at_once = !gpu_.ao_flag && !report_.can_stop();
+    int const ao_value = gpu_.ao_flag || !report_.can_stop() ? gpu_.ao_value : 0;
     SetDevice(gpu_.device);
-    SetDest(options_.ao_map, shape_.rows, shape_.cols);
-    SetSrc(options_.ao_map, shape_.rows, shape_.cols);
+    SetDest(open_, shape_.rows, shape_.cols);
+    SetSrc(open_, shape_.rows, shape_.cols);
     SetSrc(heights, shape_.rows, shape_.cols);
     SetDest(heights, shape_.rows, shape_.cols);
     DirectionalAO_GPU(heights, shape_.rows, shape_.cols, options_.rays, options_.alpha_limit,
                       options_.theta_limit, options_.radius, gpu_.device, options_.h_tile, options_.v_tile,
-                      !gpu_.ao_flag, gpu_.ao_value, progress_);
-    GetDest(options_.ao_map, shape_.rows, shape_.cols);
+                      at_once, ao_value, report_.kernel_progress());
+    if (!report_.stopping()) {
+        GetDest(open_, shape_.rows, shape_.cols);
+    }
     DeleteDest();
     DeleteSrc();
 }
@@ -282,9 +328,10 @@ void GpuMapRun::occlusion_group()
 void GpuMapRun::post_process_group()
 {
     // The device of the group before still holds.
-    SetDest(result_.get(), shape_.rows, shape_.cols);
-    PostProcess_GPU(gpu_, result_.get(), shape_.rows, shape_.cols, options_);
-    GetDest(result_.get(), shape_.rows, shape_.cols);
+    float4* const map = parts.map.get();
+    SetDest(map, shape_.rows, shape_.cols);
+    PostProcess_GPU(gpu_, map, shape_.rows, shape_.cols, options_);
+    GetDest(map, shape_.rows, shape_.cols);
     DeleteDest();
     DeleteSrc();
 }

@@ -2,17 +2,17 @@
 #pragma once
 
 #include "boundary/gpu_library.h"
-#include "boundary/image_io.h"
+#include "boundary/large_array_internal.h"
 #include "common/vector_types.h"
 #include "foundation/retained_buffer_internal.h"
+#include "foundation/run_report_internal.h"
 #include "umbrix/kept_buffers_internal.h"
 #include "umbrix/layer_branch_internal.h"
 #include "umbrix/map_bytes_internal.h"
+#include "umbrix/map_parts_internal.h"
 #include "umbrix/umbrix_options.h"
 
 #include <cstddef>
-#include <memory>
-#include <string>
 
 namespace umbrixlib::detail {
 
@@ -23,34 +23,38 @@ namespace umbrixlib::detail {
 /// graphics library each, and open none.
 class GpuMapRun {
 public:
-    GpuMapRun(GPU_opt gpu, umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers,
-               MapShape shape, std::string* status, int* progress);
+    /// @param kept  For the arrays that a run leaves to the caller; null keeps none.
+    /// @param shape Of the map; its channels are not looked at.
+    GpuMapRun(GPU_opt gpu, umbrix_options& options, KeptBuffers* kept, LayerBranch const& layers,
+              MapSource const& source, MapShape shape, RunReport& report);
     ~GpuMapRun();
     GpuMapRun(GpuMapRun const&) = delete;
     GpuMapRun& operator=(GpuMapRun const&) = delete;
 
-    /// Allocates the buffers and fetches the bound image's bytes.
-    void fetch_image();
-    /// All stages, from bytes to bytes.
-    void run(bool reverse_rows);
-    /// Puts the bytes into DevIL's bound image.
-    void hand_over_image();
+    /// All stages, to the bytes of @p target or, if that has none, to floats.
+    ///
+    /// @param wanted What the run leaves in `parts` beside the map.
+    /// @return False if the run was stopped.
+    bool run(ByteTarget const& target, MapDemand const& wanted);
+
+    /// What a run has made.
+    MapParts parts;
 
 private:
     void split_colours_and_heights();
     void take_heights_of_layers();
     void filter_heights();
-    void keep_heights();
+    void keep_filtered_heights();
+    void keep_graded_heights();
     void set_flat_normals();
     void decode_normals();
     void keep_normals();
     void convert_to_light();
     void set_full_light();
-    void make_occlusion_map();
+    void make_occlusion_map(bool light);
     void set_no_occlusion();
     void multiply_occlusion();
     void release_unkept();
-    void store(bool reverse_rows);
 
     void pre_process_group();
     void normals_group();
@@ -58,7 +62,9 @@ private:
     void occlusion_group();
     void post_process_group();
 
-    void announce(char const* stage);
+    void make_buffers();
+    bool run_stages();
+    bool keeps_buffers() const { return kept_ != nullptr && options_.keep_buffers; }
 
     template <typename Body>
     void for_all_texels(Body&& body)
@@ -72,18 +78,17 @@ private:
 
     GPU_opt const gpu_;
     umbrix_options& options_;
-    KeptBuffers& kept_;
+    KeptBuffers* const kept_;
     LayerBranch const& layers_;
+    MapSource const source_;
     MapShape const shape_;
-    std::string* const status_;
-    int* const progress_;
+    RunReport& report_;
 
-    LargeArray<float4> result_;
-    LargeArray<float3> normals_;   ///< Without `keep_buffers`: normals, then light.
-    LargeArray<float3> converted_; ///< With `keep_buffers`: light.
-    LargeArray<float3> occlusion_; ///< Where `ao_map` points, without `keep_buffers`.
+    MapDemand wanted_{};
+    LargeArray<float3> normals_;     ///< Without kept ones: normals, then light.
+    float3* kept_normals_ = nullptr; ///< Normals that outlive the light, which is in `parts` then.
+    float3* open_ = nullptr;         ///< The occlusion map.
     Buffer<float> heights_;
-    ImageBytes pixels_;
 };
 
 } // namespace umbrixlib::detail

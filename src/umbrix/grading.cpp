@@ -39,6 +39,11 @@ Grading map_grading(umbrix_options const& options)
     return {options.contrast, options.min, options.max, options.brightness, options.smooth};
 }
 
+Grading height_grading(umbrix_options const& options)
+{
+    return {options.h_contrast, options.h_min, options.h_max, options.h_brightness, options.h_smooth};
+}
+
 /// `change_contrast`, `limit_color` and `brighten` on one share, in one sweep: a texel's steps depend on no
 /// other texel, and each rounds to float as if it had been stored.
 template <typename Pixel>
@@ -57,8 +62,14 @@ void tone_share(Pixel* pixels, int rows, int cols, ToneSteps const& steps, Share
     sweep_share(pixels, both, brightened, only_brightened, share);
 }
 
+/// Who takes the shares of the tone steps.
+enum class Takers {
+    kOneEach, ///< Thread i takes share i, if there is such a thread.
+    kTeam,    ///< The team takes all, whatever its size.
+};
+
 template <typename Pixel>
-void grade(Pixel* pixels, int rows, int cols, Grading const& grading)
+void grade(Pixel* pixels, int rows, int cols, Grading const& grading, Takers takers)
 {
     if (rows < 1 || cols < 1) {
         return; // brightness on floats counts rows alone, and there are none to read
@@ -68,12 +79,12 @@ void grade(Pixel* pixels, int rows, int cols, Grading const& grading)
         // Contract: as many shares as processors, whatever the size of the team; the size of the team is
         // expected. With a smaller team the other shares stay as they are.
         // Test: Grading.ASmallerTeamLeavesTheOtherShares
-        int const threads = omp_get_num_procs();
+        int const shares = omp_get_num_procs();
 #pragma omp parallel
         {
-            int const thread = omp_get_thread_num();
-            if (thread < threads) {
-                tone_share(pixels, rows, cols, steps, {thread, threads});
+            int const step = takers == Takers::kTeam ? omp_get_num_threads() : shares;
+            for (int share = omp_get_thread_num(); share < shares; share += step) {
+                tone_share(pixels, rows, cols, steps, {share, shares});
             }
         }
     }
@@ -86,6 +97,16 @@ void grade(Pixel* pixels, int rows, int cols, Grading const& grading)
 
 } // namespace
 
+void grade_heights(float* heights, int rows, int cols, umbrix_options const& options)
+{
+    grade(heights, rows, cols, height_grading(options), Takers::kTeam);
+}
+
+void grade_map(float4* map, int rows, int cols, umbrix_options const& options)
+{
+    grade(map, rows, cols, map_grading(options), Takers::kTeam);
+}
+
 bool grades_map(umbrix_options const& options)
 {
     Grading const grading = map_grading(options);
@@ -94,27 +115,25 @@ bool grades_map(umbrix_options const& options)
 
 } // namespace umbrixlib::detail
 
-using umbrixlib::detail::grade;
-using umbrixlib::detail::map_grading;
-
 inline namespace umbrix_v0 {
+
+using namespace umbrixlib::detail;
 
 bool PreProcess(float* heights, int rows, int cols, umbrix_options& options)
 {
-    grade(heights, rows, cols,
-          {options.h_contrast, options.h_min, options.h_max, options.h_brightness, options.h_smooth});
+    grade(heights, rows, cols, height_grading(options), Takers::kOneEach);
     return true;
 }
 
 bool PostProcess(float3* map, int rows, int cols, umbrix_options& options)
 {
-    grade(map, rows, cols, map_grading(options));
+    grade(map, rows, cols, map_grading(options), Takers::kOneEach);
     return true;
 }
 
 bool PostProcess(float4* map, int rows, int cols, umbrix_options& options)
 {
-    grade(map, rows, cols, map_grading(options));
+    grade(map, rows, cols, map_grading(options), Takers::kOneEach);
     return true;
 }
 

@@ -7,20 +7,18 @@
 #include "umbrix/map_bytes_internal.h"
 #include "umbrix/umbrix_options.h"
 
-#include <optional>
-
 namespace umbrixlib::detail {
 
-/// How a layer stack enters a run on one file: the stack follows the list of descriptions, then decides where
-/// the heights come from and how large the map is.
+/// How a layer stack enters a run: it decides where the heights come from and how large the map is.
 class LayerBranch {
 public:
     /// @param layers Null counts as empty.
-    /// @param stack  Null counts as an empty stack, which lives as long as this object.
-    LayerBranch(LinkedList<n_layer>* layers, NLayers* stack);
+    /// @param stack  A layer for each of @p layers; null only if there are none.
+    LayerBranch(LinkedList<n_layer> const* layers, NLayers* stack)
+        : has_layers_(layers != nullptr && layers->count > 0), stack_(stack)
+    {
+    }
 
-    /// Fills the stack anew from the descriptions, unless both have the same number of layers.
-    void follow_descriptions();
     /// Settles `blend_height` and, where the stack overrules the image, the size in @p shape.
     void settle(umbrix_options& options, MapShape& shape) const;
 
@@ -31,8 +29,6 @@ public:
 
 private:
     bool has_layers_;
-    LinkedList<n_layer>* layers_;
-    std::optional<NLayers> empty_stack_;
     NLayers* stack_;
 };
 

@@ -8,28 +8,6 @@
 
 namespace umbrixlib::detail {
 
-namespace {
-
-/// Bytes of @p count values, at most three blocks of them: limited to 0..1, NaN to 0, times 255, truncated.
-/// Compilers take many values at once in each of the three loops, and not in one of all three.
-void to_map_bytes(float const* values, std::ptrdiff_t count, unsigned char* bytes)
-{
-    float limited[3 * kByteBlock];
-    int whole[3 * kByteBlock];
-    for (std::ptrdiff_t i = 0; i < count; ++i) {
-        float const from_zero = values[i] > 0.0f ? values[i] : 0.0f;
-        limited[i] = from_zero < 1.0f ? from_zero : 1.0f;
-    }
-    for (std::ptrdiff_t i = 0; i < count; ++i) {
-        whole[i] = static_cast<int>(wide(limited[i]) * 255.0);
-    }
-    for (std::ptrdiff_t i = 0; i < count; ++i) {
-        bytes[i] = static_cast<unsigned char>(whole[i]);
-    }
-}
-
-} // namespace
-
 void store_block(float3 const* colours, float const* alphas, std::ptrdiff_t first, std::ptrdiff_t count,
                  MapShape shape, unsigned char* bytes, Overhang overhang)
 {

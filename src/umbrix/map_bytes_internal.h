@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/vector_types.h"
+#include "filters/narrowing_internal.h"
 
 #include <cstddef>
 
@@ -15,9 +16,6 @@ struct MapShape {
 
     std::ptrdiff_t texels() const { return static_cast<std::ptrdiff_t>(rows) * cols; }
 };
-
-/// Texels that are made into bytes at once; what is put together for them stays in the cache.
-inline constexpr std::ptrdiff_t kByteBlock = 256;
 
 /// Whose are the bytes that a texel's three colours reach over into, with fewer than three bytes per pixel:
 /// the next texel's, which has the last word on its own bytes, or, where nobody writes that texel, its own.

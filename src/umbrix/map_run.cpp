@@ -2,9 +2,9 @@
 #include "umbrix/map_run_internal.h"
 
 #include "common/rounding.h"
+#include "normals/filter_parts_internal.h"
 #include "normals/filter_tables_internal.h"
-#include "normals/height_to_normal.h"
-#include "umbrix/file_frame_internal.h"
+#include "normals/height_to_normal_internal.h"
 #include "umbrix/grading_internal.h"
 #include "umbrix/texel_steps_internal.h"
 
@@ -26,12 +26,12 @@ constexpr float3 kAll = {1.0f, 1.0f, 1.0f};
 
 } // namespace
 
-MapRun::MapRun(umbrix_options& options, KeptBuffers& kept, LayerBranch const& layers, int thread_count,
-                 std::string* status, int* progress)
-    : options_(options), kept_(kept), layers_(layers), thread_count_(thread_count), status_(status),
-      progress_(progress),
-      makes_light_(options.generate_normal || (!options.no_normal && !options.height_map)),
-      makes_occlusion_(has_occlusion(options.calc_type))
+MapRun::MapRun(umbrix_options& options, KeptBuffers* kept, LayerBranch const& layers, MapSource const& source,
+               MapShape shape, Shares shares, RunReport& report)
+    : options_(options), kept_(kept), layers_(layers), source_(source), shape_(shape), share_rule_(shares),
+      report_(report), makes_light_(options.generate_normal || (!options.no_normal && !options.height_map)),
+      makes_occlusion_(has_occlusion(options.calc_type)),
+      decodes_normals_(!options.no_normal && !options.generate_normal && !options.height_map)
 {
 }
 
@@ -45,10 +45,43 @@ MapRun::~MapRun()
     }
 }
 
-void MapRun::fetch_image(MapShape shape)
+bool MapRun::run(ByteTarget const& target, MapDemand const& wanted)
 {
-    shape_ = shape;
-    auto const texels = static_cast<std::size_t>(shape.texels());
+    target_ = target;
+    wanted_ = wanted;
+    make_buffers();
+#pragma omp parallel
+    {
+#pragma omp single
+        {
+            int const team = omp_get_num_threads();
+            shares_ = share_rule_ == Shares::kTeam ? team : omp_get_num_procs();
+            meeting_.emplace(team);
+        }
+        run_stages(omp_get_thread_num());
+    }
+    if (thrown_ != nullptr) {
+        std::rethrow_exception(thrown_);
+    }
+    if (target_.bytes != nullptr) {
+        parts.map.reset();
+    }
+    if (wanted_.light && makes_light_) {
+        parts.light = std::move(normals_);
+    }
+    if (!makes_light_) {
+        parts.normals.reset();
+    }
+    if (!wanted_.occlusion || !makes_occlusion_) {
+        parts.occlusion.reset();
+    }
+    normals_.reset();
+    return !stopped_;
+}
+
+void MapRun::make_buffers()
+{
+    auto const texels = static_cast<std::size_t>(shape_.texels());
     normals_ = make_large_array<float3>(texels);
     heights_ = retained_heights.take_to_overwrite(texels);
     platform::prefer_large_pages(heights_.data.get(), texels * sizeof(float));
@@ -56,97 +89,100 @@ void MapRun::fetch_image(MapShape shape)
         scratch_.reserve(texels);
         platform::prefer_large_pages(scratch_.data.get(), texels * sizeof(float));
     }
-    pixels_ = make_image_bytes(texels, shape.channels);
     spatial_table_ = std::make_unique<float[]>(spatial_table_size(options_.b_radius));
-    if (options_.keep_buffers) {
-        kept_.make_normal_map(texels);
-        kept_.make_height_copy(texels);
+    if (keeps_buffers()) {
+        kept_->make_normal_map(texels);
+        kept_->make_height_copy(texels);
+        kept_normals_ = options_.normal_map;
+    } else if (wanted_.normals) {
+        parts.normals = make_large_array<float3>(texels);
+        kept_normals_ = parts.normals.get();
     }
+    if (wanted_.heights) {
+        parts.heights = make_large_array<float>(texels);
+    }
+    if (target_.bytes == nullptr || grades_map(options_)) {
+        parts.map = make_large_array<float4>(texels);
+    }
+}
+
+void MapRun::run_stages(int thread)
+{
+    clear_left_out_texels();
     if (options_.blend_height) {
+        take_heights_of_layers(thread);
+    } else {
+        make_heights(thread);
+    }
+    if (ends_early()) {
         return;
     }
-    PixelFormat const format = shape.channels == 1  ? PixelFormat::kOneByte
-                               : shape.channels < 4 ? PixelFormat::kRgb
-                                                    : PixelFormat::kRgba;
-    copy_pixels({shape.cols, shape.rows}, format, pixels_.get());
-}
-
-void MapRun::run(bool reverse_rows)
-{
-    bool const normals_from_image = !options_.no_normal && !options_.generate_normal && !options_.height_map;
-    bool const needs_whole_map = reverse_rows || grades_map(options_);
-    if (needs_whole_map) {
-        result_ = make_large_array<float4>(static_cast<std::size_t>(shape_.texels()));
+    keep_heights_before_filter(thread);
+    filter_heights(thread);
+    pre_process();
+    if (ends_early()) {
+        return;
     }
-
-#pragma omp parallel
-    {
-        int const thread = omp_get_thread_num();
-#pragma omp single
-        meeting_.emplace(omp_get_num_threads());
-        clear_left_out_texels();
-        if (options_.blend_height) {
-            take_heights_of_layers(thread);
-        } else {
-            make_heights(thread);
-        }
-#pragma omp barrier
-        keep_heights(thread);
-        filter_heights(thread);
-        pre_process();
-        if (options_.generate_normal) {
-            generate_normals(thread);
-        }
-        if (normals_from_image) {
-            decode_normals(thread);
-        }
-        if (makes_light_) {
-            convert_to_light(thread);
-        } else if (options_.keep_buffers) {
-            keep_full_light(thread);
-        }
-#pragma omp barrier
-        make_occlusion_map(thread);
-#pragma omp barrier
-        if (makes_occlusion_) {
-            find_occlusion(thread);
-        } else if (options_.keep_buffers) {
-            keep_no_occlusion(thread);
-        }
-        if (needs_whole_map) {
-            compose_map(thread);
-            release_sources(thread);
-        }
-        post_process();
-        if (reverse_rows) {
-#pragma omp single
-            store_bytes_reversed(result_.get(), shape_, RowsFrom::kWidth, pixels_.get(), progress_);
-        } else {
-            store(thread);
-        }
+    keep_graded_heights(thread);
+    if (options_.generate_normal) {
+        generate_normals(thread);
     }
-    result_.reset();
-    release_sources(0);
+    if (decodes_normals_) {
+        decode_normals(thread);
+    }
+    if (ends_early()) {
+        return;
+    }
+    if (makes_light_) {
+        convert_to_light(thread);
+    } else if (keeps_buffers()) {
+        keep_full_light(thread);
+    }
+#pragma omp barrier
+    make_occlusion_map(thread);
+    if (ends_early()) {
+        return;
+    }
+    if (makes_occlusion_) {
+        find_occlusion(thread);
+    } else if (keeps_buffers()) {
+        keep_no_occlusion(thread);
+    }
+    if (ends_early()) {
+        return;
+    }
+    if (parts.map != nullptr) {
+        compose_map(thread);
+        release_sources(thread);
+    }
+    post_process();
+    if (!ends_early() && target_.bytes != nullptr) {
+        store(thread);
+    }
 }
 
-void MapRun::hand_over_image()
+/// Whether the run is to end here, the same for every thread.
+bool MapRun::ends_early()
 {
-    hand_over_bytes(shape_, pixels_.get());
-    pixels_.reset();
+#pragma omp single
+    stopped_ = thrown_ != nullptr || report_.stopping();
+    bool const ends = stopped_;
+    // Nobody asks again before all have read.
+#pragma omp barrier
+    return ends;
 }
 
-void MapRun::announce(int thread, char const* stage)
+void MapRun::begin(int thread, char const* stage)
 {
     if (thread == 0) {
-        *status_ = stage;
-        *progress_ = 0;
+        report_.begin(stage);
     }
 }
 
 /// What a share without a thread leaves is zero: buffers other than these two begin that way.
 void MapRun::clear_left_out_texels()
 {
-    if (!is_whole_team()) {
+    if (leaves_texels_out()) {
 #pragma omp single
         for (Buffer<float>* const buffer : {&heights_, &scratch_}) {
             std::fill_n(buffer->data.get(), buffer->capacity, 0.0f);
@@ -156,21 +192,13 @@ void MapRun::clear_left_out_texels()
 
 void MapRun::make_heights(int thread)
 {
-    int const channels = std::max(shape_.channels, 1);
-    unsigned char const* const bytes = pixels_.get();
     float* const heights = heights_.data.get();
-    for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
-        if (options_.height_map) {
-            int const second = channels > 1 ? 1 : 0;
+    source_.samples.visit([&](auto const& samples) {
+        for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
             for (std::ptrdiff_t i = first; i < last; ++i) {
-                unsigned char const* const b = bytes + i * channels;
-                heights[i] = mean_of_bytes(b[0], b[second], b[2 * second]);
+                heights[i] = options_.height_map ? samples.mean(i) : samples.alpha_or_one(i);
             }
-        } else {
-            for (std::ptrdiff_t i = first; i < last; ++i) {
-                heights[i] = alpha(i);
-            }
-        }
+        });
     });
 }
 
@@ -181,6 +209,9 @@ void MapRun::take_heights_of_layers(int thread)
         blend_layer_heights(layers_.stack(), heights_, static_cast<std::size_t>(shape_.texels()));
         height_range_ = find_height_range(heights_.data.get(), shape_.texels());
     });
+    if (thrown_ != nullptr) {
+        return;
+    }
     for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
         for (std::ptrdiff_t i = first; i < last; ++i) {
             heights_.data[i] = height_range_.stretched(heights_.data[i]);
@@ -188,7 +219,7 @@ void MapRun::take_heights_of_layers(int thread)
     });
 }
 
-void MapRun::keep_heights(int thread)
+void MapRun::keep_heights_before_filter(int thread)
 {
     if (options_.preserve && options_.height_copy != nullptr) {
         float const* const heights = heights_.data.get();
@@ -202,16 +233,15 @@ void MapRun::filter_heights(int thread)
 {
     if (filters_heights()) {
         if (thread == 0) {
-            *status_ = "Bilateral Filtering";
+            report_.show("Bilateral Filtering");
         }
         if (has_share(thread)) {
-            GenerateExp(options_.b_radius, spatial_table_.get(), thread, thread_count_);
-            GenerateExp(kRangeSigma, range_table_, thread, thread_count_);
+            GenerateExp(options_.b_radius, spatial_table_.get(), thread, shares_);
+            GenerateExp(kRangeSigma, range_table_, thread, shares_);
         }
 #pragma omp barrier
         if (has_share(thread)) {
-            BilateralFilter(heights_.data.get(), scratch_.data.get(), shape_.rows, shape_.cols,
-                            options_.b_radius, spatial_table_.get(), range_table_, thread, thread_count_);
+            run_filter(thread);
         }
 #pragma omp barrier
 #pragma omp single
@@ -224,15 +254,41 @@ void MapRun::filter_heights(int thread)
 #pragma omp barrier
 }
 
+/// The share of @p thread in the filter, in parts between which a run that can be stopped looks.
+void MapRun::run_filter(int thread)
+{
+    int const all_parts =
+        report_.can_stop() ? filter_parts(shape_.rows, options_.b_radius, shares_) : shares_;
+    for (int part = thread; part < all_parts && !report_.stopping(); part += shares_) {
+        BilateralFilter(heights_.data.get(), scratch_.data.get(), shape_.rows, shape_.cols, options_.b_radius,
+                        spatial_table_.get(), range_table_, part, all_parts);
+    }
+}
+
 void MapRun::pre_process()
 {
-    on_one_thread([&] { PreProcess(heights_.data.get(), shape_.rows, shape_.cols, options_); });
+    on_one_thread([&] {
+        if (share_rule_ == Shares::kTeam) {
+            grade_heights(heights_.data.get(), shape_.rows, shape_.cols, options_);
+        } else {
+            PreProcess(heights_.data.get(), shape_.rows, shape_.cols, options_);
+        }
+    });
+}
+
+void MapRun::keep_graded_heights(int thread)
+{
+    if (parts.heights != nullptr) {
+        for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
+            std::copy(heights_.data.get() + first, heights_.data.get() + last, parts.heights.get() + first);
+        });
+    }
 }
 
 void MapRun::generate_normals(int thread)
 {
     if (thread == 0) {
-        *status_ = "Generating Normal Map";
+        report_.show("Generating Normal Map");
     }
     // HeightToNormal sets the text as well, on the thread that comes first.
 #pragma omp barrier
@@ -240,58 +296,67 @@ void MapRun::generate_normals(int thread)
         if (layers_.has_layers()) {
             layers_.stack().BlendLayers(target_normals());
         } else {
-            HeightToNormal(heights_.data.get(), target_normals(), shape_.rows, shape_.cols, options_.n_scale,
-                           options_.gaussian, 0.0f, options_.normal_flag_1, options_.mode, options_.L_Detail,
-                           options_.normal_flag_2, 0.0f, 0.0f, options_.normal_flag_3, status_, progress_);
+            make_normals_of(heights_.data.get(), target_normals(), shape_.rows, shape_.cols,
+                            {options_.n_scale, options_.gaussian, 0.0f, options_.L_Detail, 0.0f, 0.0f},
+                            report_);
         }
     });
 }
 
 void MapRun::decode_normals(int thread)
 {
-    announce(thread, "Retreving Normal Map");
+    begin(thread, "Retreving Normal Map");
     float3* const target = target_normals();
-    int const channels = std::max(shape_.channels, 1);
-    int const second = channels > 1 ? 1 : 0;
-    for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
-        for (std::ptrdiff_t i = first; i < last; ++i) {
-            unsigned char const* const b = pixels_.get() + i * channels;
-            target[i] =
-                decoded_normal({from_byte(b[0]), from_byte(b[second]), from_byte(b[2 * second]), 1.0f});
-        }
+    if (options_.blend_height) {
+        for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
+            std::fill(target + first, target + last, decoded_normal({}, source_.coding));
+        });
+        return;
+    }
+    source_.samples.visit([&](auto const& samples) {
+        for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
+            for (std::ptrdiff_t i = first; i < last; ++i) {
+                target[i] = decoded_normal(samples.colour(i), source_.coding);
+            }
+        });
     });
 }
 
 void MapRun::convert_to_light(int thread)
 {
-    announce(thread, "Normal -> Umbrix");
-    if (options_.keep_buffers) {
+    begin(thread, "Normal -> Umbrix");
+    if (kept_normals_ != nullptr) {
         for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
-            std::copy(options_.normal_map + first, options_.normal_map + last, normals_.get() + first);
+            std::copy(kept_normals_ + first, kept_normals_ + last, normals_.get() + first);
         });
     }
 #pragma omp barrier
     if (has_share(thread)) {
-        Normal2Umbrix(normals_.get(), shape_.rows, shape_.cols, options_.UmbrixMode, thread, thread_count_);
+        Normal2Umbrix(normals_.get(), shape_.rows, shape_.cols, options_.UmbrixMode, thread, shares_);
     }
 }
 
 void MapRun::keep_full_light(int thread)
 {
     for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
-        std::fill(options_.normal_map + first, options_.normal_map + last, kAll);
+        std::fill(kept_normals_ + first, kept_normals_ + last, kAll);
     });
 }
 
 void MapRun::make_occlusion_map(int thread)
 {
     if (thread == 0) {
-        auto const texels = static_cast<std::size_t>(shape_.texels());
-        if (options_.keep_buffers) {
-            kept_.make_ao_map(texels);
-        } else {
-            occlusion_ = make_large_array<float3>(texels);
-            options_.ao_map = occlusion_.get(); // the field keeps the address when the map is released
+        try {
+            auto const texels = static_cast<std::size_t>(shape_.texels());
+            if (keeps_buffers()) {
+                kept_->make_ao_map(texels);
+            } else {
+                parts.occlusion = make_large_array<float3>(texels);
+                options_.ao_map = parts.occlusion.get(); // the field keeps the address when the map goes
+            }
+            open_ = options_.ao_map;
+        } catch (...) {
+            thrown_ = std::current_exception();
         }
     }
 }
@@ -299,52 +364,55 @@ void MapRun::make_occlusion_map(int thread)
 void MapRun::keep_no_occlusion(int thread)
 {
     for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
-        std::fill(options_.ao_map + first, options_.ao_map + last, kAll);
+        std::fill(open_ + first, open_ + last, kAll);
     });
 }
 
 void MapRun::find_occlusion(int thread)
 {
-    announce(thread, "Height -> AO");
+    begin(thread, "Height -> AO");
     float* const heights = heights_.data.get();
     for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
         for (std::ptrdiff_t i = first; i < last; ++i) {
             heights[i] = product(heights[i], options_.h_scale);
         }
     });
-    if (thread == 0) {
+#pragma omp barrier
+    on_one_thread([&] {
         std::size_t const room = 2 * static_cast<std::size_t>(std::max(options_.rays, 0));
         rays_a_ = retained_rays_a.take(room);
         rays_b_ = retained_rays_b.take(room);
         rays_c_ = retained_rays_c.take(room);
-    }
-#pragma omp barrier
-    on_one_thread([&] {
         ray* a = rays_a_.data.get();
         ray* b = rays_b_.data.get();
         ray* c = rays_c_.data.get();
         GenerateRays(shape_.rows, shape_.cols, a, b, c, options_.rays, options_.theta_limit,
                      options_.alpha_limit);
-        Height2DirectionalAO(options_.ao_map, heights, shape_.rows, shape_.cols, a, b, c, options_.rays,
+        Height2DirectionalAO(open_, heights, shape_.rows, shape_.cols, a, b, c, options_.rays,
                              options_.h_scale, options_.radius, options_.tile, options_.h_tile,
-                             options_.v_tile, progress_);
+                             options_.v_tile, report_.kernel_progress());
     });
 }
 
-/// The image's alpha. The bytes of a run on layers' heights were never fetched.
-float MapRun::alpha(std::ptrdiff_t texel) const
+/// The source's alphas. With layers' heights none of its samples is read.
+void MapRun::find_alphas(std::ptrdiff_t first, std::ptrdiff_t count, float* alphas) const
 {
     if (options_.blend_height) {
-        return 0.0f;
+        std::fill_n(alphas, count, 0.0f);
+        return;
     }
-    return shape_.channels == 4 ? from_byte(pixels_[static_cast<std::size_t>(4 * texel + 3)]) : 1.0f;
+    source_.samples.visit([&](auto const& samples) {
+        for (std::ptrdiff_t i = 0; i < count; ++i) {
+            alphas[i] = samples.alpha_or_one(first + i);
+        }
+    });
 }
 
 /// @p count texels of the map before its grading, from @p first on.
 void MapRun::compose(std::ptrdiff_t first, std::ptrdiff_t count, float3* colours, float* alphas) const
 {
     float3 const* const light = normals_.get() + first;
-    float3 const* const open = options_.ao_map + first;
+    float3 const* const open = open_ + first;
     if (makes_light_ && makes_occlusion_) {
         for (std::ptrdiff_t i = 0; i < count; ++i) {
             colours[i] = product(light[i], open[i]);
@@ -359,9 +427,7 @@ void MapRun::compose(std::ptrdiff_t first, std::ptrdiff_t count, float3* colours
     } else if (makes_occlusion_) {
         std::fill_n(alphas, count, 1.0f);
     } else {
-        for (std::ptrdiff_t i = 0; i < count; ++i) {
-            alphas[i] = alpha(first + i);
-        }
+        find_alphas(first, count, alphas);
     }
 }
 
@@ -383,7 +449,7 @@ void MapRun::compose_map(int thread)
 {
     auto const put = [this](std::ptrdiff_t first, std::ptrdiff_t count, float3 const* colours,
                             float const* alphas) {
-        float4* const texels = result_.get() + first;
+        float4* const texels = parts.map.get() + first;
         for (std::ptrdiff_t i = 0; i < count; ++i) {
             texels[i] = {colours[i].x, colours[i].y, colours[i].z, alphas[i]};
         }
@@ -393,43 +459,44 @@ void MapRun::compose_map(int thread)
 #pragma omp barrier
 }
 
-/// What the map is composed of.
+/// What the map is composed of, but for what is wanted by itself.
 void MapRun::release_sources(int thread)
 {
     if (thread == 0) {
-        normals_.reset();
-        occlusion_.reset();
+        if (!wanted_.light) {
+            normals_.reset();
+        }
+        if (!wanted_.occlusion) {
+            parts.occlusion.reset();
+        }
     }
 }
 
 void MapRun::post_process()
 {
     on_one_thread([&] {
-        if (result_ != nullptr) {
-            PostProcess(result_.get(), shape_.rows, shape_.cols, options_);
+        if (parts.map != nullptr && share_rule_ == Shares::kTeam) {
+            grade_map(parts.map.get(), shape_.rows, shape_.cols, options_);
+        } else if (parts.map != nullptr) {
+            PostProcess(parts.map.get(), shape_.rows, shape_.cols, options_);
         }
-        *status_ = "Storing Results";
-        *progress_ = 0;
-        if (shape_.channels == 1) {
-            // The bytes of a grey picture have room for one channel; the map has three. All threads take the
-            // new buffer: one that kept the old bytes would leave its texels out.
-            shape_.channels = 3;
-            pixels_ = make_image_bytes(static_cast<std::size_t>(shape_.texels()), shape_.channels);
-        }
+        report_.begin("Storing Results");
     });
 }
 
 void MapRun::store(int thread)
 {
-    auto const put = [this](std::ptrdiff_t first, std::ptrdiff_t count, float3 const* colours,
-                            float const* alphas) {
-        store_block(colours, alphas, first, count, shape_, pixels_.get(),
-                    is_left_out(first + count) ? Overhang::kWritten : Overhang::kOfNextTexel);
+    MapShape const stored{shape_.rows, shape_.cols, target_.channels};
+    auto const overhang = [this](std::ptrdiff_t last) {
+        return is_left_out(last) ? Overhang::kWritten : Overhang::kOfNextTexel;
+    };
+    auto const put = [&](std::ptrdiff_t first, std::ptrdiff_t count, float3 const* colours,
+                         float const* alphas) {
+        store_block(colours, alphas, first, count, stored, target_.bytes, overhang(first + count));
     };
     for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
-        if (result_ != nullptr) {
-            store_bytes(result_.get() + first, first, last, shape_, pixels_.get(),
-                        is_left_out(last) ? Overhang::kWritten : Overhang::kOfNextTexel);
+        if (parts.map != nullptr) {
+            store_bytes(parts.map.get() + first, first, last, stored, target_.bytes, overhang(last));
         } else {
             for_composed_blocks(first, last, put);
         }

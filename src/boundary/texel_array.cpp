@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+#include "boundary/texel_array.h"
+
+#include "boundary/platform.h"
+
+namespace umbrixlib::detail {
+
+void release_mapped(void* memory, std::size_t bytes)
+{
+    platform::unmap_zeros(memory, bytes);
+}
+
+} // namespace umbrixlib::detail

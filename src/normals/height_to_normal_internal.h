@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "common/vector_types.h"
+#include "foundation/run_report_internal.h"
+
+namespace umbrixlib::detail {
+
+/// What `HeightToNormal` reads of its arguments.
+struct NormalSettings {
+    float n_scale;
+    float gaussian;
+    float depth;
+    float L_Detail;
+    float edge_a;
+    float edge_b;
+};
+
+/// `HeightToNormal` on a buffer. If the run is stopped, @p destination holds anything.
+void make_normals_of(float const* source, float3* destination, int height, int width,
+                     NormalSettings const& settings, RunReport& report);
+
+} // namespace umbrixlib::detail

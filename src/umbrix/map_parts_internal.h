@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "boundary/large_array_internal.h"
+#include "common/vector_types.h"
+#include "foundation/picture_samples_internal.h"
+
+namespace umbrixlib::detail {
+
+/// The picture that a run works on. Without samples every one of them counts as 0.
+struct MapSource {
+    PictureSamples samples;
+    NormalCoding coding = NormalCoding::kColours;
+};
+
+/// Where a run puts the bytes of its map.
+struct ByteTarget {
+    unsigned char* bytes = nullptr; ///< Null for a map of floats.
+    int channels = 0;               ///< From one texel to the next.
+};
+
+/// What a run leaves beside the map.
+struct MapDemand {
+    bool light = false;
+    bool occlusion = false;
+    bool normals = false;
+    bool heights = false;
+};
+
+/// What a run has made, of the sizes of its map; null where it was not asked for or does not come about.
+struct MapParts {
+    LargeArray<float4> map;
+    LargeArray<float3> light;
+    LargeArray<float3> occlusion;
+    LargeArray<float3> normals;
+    LargeArray<float> heights;
+};
+
+} // namespace umbrixlib::detail
