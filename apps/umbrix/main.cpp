@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "commands/command_line.h"
+#include "terminal/advice.h"
 #include "terminal/put_text.h"
 #include "terminal/standard_output.h"
-#include "toolkit/base/failure.h"
 #include "toolkit/base/stop.h"
 #include "toolkit/workers/worker_process.h"
 #include "toolkit_names.h"
@@ -32,10 +32,10 @@ void run_and_print(Command& command, Interrupts const& interrupts)
     finish_standard_output();
 }
 
-int complain(std::string const& who, Failure const& failure)
+int complain(std::string const& who, Complaint const& complaint)
 {
-    put_text(stderr, complaint_about(failure, who));
-    return failure.code;
+    put_text(stderr, error_line(complaint, who));
+    return complaint.code;
 }
 
 int run_command(Command& command, std::string const& name)
@@ -44,8 +44,10 @@ int run_command(Command& command, std::string const& name)
     try {
         run_and_print(command, interrupts);
         return kDone;
+    } catch (Complaint const& complaint) {
+        return complain(name, complaint);
     } catch (Failure const& failure) {
-        return complain(name, failure);
+        return complain(name, complaint_about(failure));
     } catch (std::filesystem::filesystem_error const& error) { // something has gone since it was looked at
         return complain(name,
                         {error.path1().string(), error.code().message(), "check that it is still there"});

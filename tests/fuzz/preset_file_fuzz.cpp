@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Any bytes as a preset: options within their ranges that come back from a saved preset, or one sentence that
 // tells why not.
-#include "commands/command_line.h"
 #include "demand.h"
 #include "memory_file.h"
 #include "one_line.h"
 #include "options/setting_options.h"
-#include "toolkit/base/failure.h"
+#include "terminal/advice.h"
+#include "toolkit/base/utf8.h"
 #include "toolkit/settings/preset.h"
 
 namespace {
@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t siz
     try {
         preset = read_preset(file.name());
     } catch (Failure const& failure) {
-        umbrixlib::fuzz::demand_one_line(complaint_about(failure, "umbrix map"));
+        umbrixlib::fuzz::demand_one_line(error_line(complaint_about(failure), "umbrix map"));
         return 0;
     }
     check(preset, file); // no Failure is right here

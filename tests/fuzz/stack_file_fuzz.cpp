@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Any bytes as a stack file: a description that can be worked on, or one sentence that tells why not.
-#include "commands/command_line.h"
 #include "demand.h"
 #include "memory_file.h"
 #include "one_line.h"
-#include "toolkit/base/failure.h"
+#include "terminal/advice.h"
 #include "toolkit/settings/stack_file.h"
 
 #include <nlohmann/json.hpp>
@@ -57,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t siz
     try {
         check(read_stack_file(file.name()));
     } catch (Failure const& failure) {
-        demand_one_line(complaint_about(failure, "umbrix stack"));
+        demand_one_line(error_line(complaint_about(failure), "umbrix stack"));
     }
     return 0;
 }

@@ -48,9 +48,9 @@ void act(std::string const& name, std::string const& word)
     } else if (name == "phase") {
         send_phase(static_cast<Phase>(std::stoi(word)));
     } else if (name == "note") {
-        send_note(word, word == "detail");
+        send_note({word, NoteKind::kPlain, word == "detail"});
     } else if (name == "fail") {
-        throw Failure("input", word, "do it again");
+        throw Failure(Fault::kNotWorkedOn, "input", word);
     } else if (name == "rave") {
         std::string const nonsense = "{\"phase\": \"" + word + "\"}\n{]\n";
         if (write(kEventDescriptor, nonsense.data(), nonsense.size()) > 0) {
@@ -104,9 +104,10 @@ public:
         double const limit = limits.contains(index) ? limits.at(index) : 60.0;
         return acts_[index].empty() ? nullptr : std::make_unique<Task>(*this, acts_[index], limit);
     }
-    void note(std::size_t index, std::string const& file, std::string const& text, bool detail) override
+    void note(std::size_t index, std::string const& file, Note const& note) override
     {
-        notes.push_back(std::to_string(index) + " " + file + ": " + text + (detail ? " in detail" : ""));
+        notes.push_back(std::to_string(index) + " " + file + ": " + note.text +
+                        (note.detail ? " in detail" : ""));
     }
     void end(PoolEnding const& ending) override
     {
@@ -237,7 +238,7 @@ TEST_F(WorkerPool, GoesOnAfterPiecesThatDoNotBegin)
     Director director({"note a", "", "note b", "note c", "note d"});
     director.on_open = [this](std::size_t index) {
         if (index == 2) {
-            throw Failure("b", "it is not there", "look elsewhere");
+            throw Failure(Fault::kMissingFile, "b", "it is not there");
         }
         if (index == 3) {
             throw std::runtime_error("no memory");
@@ -258,7 +259,7 @@ TEST_F(WorkerPool, TellsIfAPieceCannotBeCompleted)
     Director director({"note a", "note b", "note c"});
     director.on_complete = [](nlohmann::json const& report) {
         if (report.at("input") == "note b") {
-            throw Failure("out", "it cannot take its name", "rename it");
+            throw Failure(Fault::kNameNotTaken, "out", "it cannot take its name");
         }
     };
     EXPECT_TRUE(run(director, 3, 2));

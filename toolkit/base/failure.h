@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "toolkit/base/exit_codes.h"
+#include "toolkit/base/fault.h"
 
 #include <stdexcept>
 #include <string>
@@ -9,17 +9,17 @@
 
 namespace umbrixlib::toolkit {
 
-/// Why a command stops: shown as one sentence, `umbrix map: error: <subject>: <what>; <advice>`.
+/// Why work ends without a result: what() is wrong with the subject, "brick.png": "it is damaged". Texts may
+/// hold file names, so they may have line breaks and need not be UTF-8.
 struct Failure : std::runtime_error {
-    Failure(std::string subject_, std::string const& what_, std::string advice_,
-            ExitCode code_ = kInputFailed)
-        : std::runtime_error(what_), subject(std::move(subject_)), advice(std::move(advice_)), code(code_)
+    Failure(Fault fault_, std::string subject_, std::string const& what_, std::string remedy_ = {})
+        : std::runtime_error(what_), fault(fault_), subject(std::move(subject_)), remedy(std::move(remedy_))
     {
     }
 
-    std::string subject; ///< The file or the option at fault.
-    std::string advice;  ///< What the user can do about it.
-    ExitCode code;
+    Fault fault;
+    std::string subject; ///< The file at fault, or the part of the system. In a worker: "input" or "output".
+    std::string remedy;  ///< What helps, where that depends on data: "give 0 to 10". Else empty.
 };
 
 } // namespace umbrixlib::toolkit

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "toolkit/base/failure.h"
+#include "toolkit/base/note.h"
 #include "toolkit/base/phase.h"
 
 #include <nlohmann/json.hpp>
@@ -10,7 +11,8 @@
 
 /// @file
 /// The worker's side of the pipe: one JSON object a line, to the descriptor below. A line holds one of
-/// {"phase": number}, {"stage": text, "permille": number}, {"file": text}, {"note": text, "detail": flag},
+/// {"phase": number}, {"stage": text, "permille": number}, {"file": text}, {"note": text, "kind": number,
+/// "detail": flag},
 /// {"failure": {...}}, {"result": {...}}. The last two end the job. Texts name files as "input" and "output".
 
 namespace umbrixlib::toolkit {
@@ -23,10 +25,12 @@ void send_phase(Phase phase);
 void send_file(std::string const& file);
 void send_progress(std::string_view stage, int permille);
 
-/// Something that the user ought to know; with @p only_if_verbose, only if asked for.
-void send_note(std::string const& text, bool only_if_verbose = false);
-
+void send_note(Note const& note);
 void send_failure(Failure const& failure);
+
+/// The line that send_failure() sends.
+std::string failure_event(Failure const& failure);
+
 void send_result(nlohmann::json const& result);
 
 } // namespace umbrixlib::toolkit

@@ -55,11 +55,10 @@ void check_that_targets_differ(std::vector<BatchFile> const& files)
         }
     }
     if (first != nullptr) {
-        throw Failure(first->target.string(),
+        throw Failure(Fault::kSameTarget, first->target.string(),
                       fmt::format("{} and {} would both be written there{}", first->source.string(),
                                   second->source.string(),
-                                  more == 0 ? "" : fmt::format(", and {} more are like that", more)),
-                      "take one of them, for instance with --pattern '*_H.*'", kWrongUsage);
+                                  more == 0 ? "" : fmt::format(", and {} more are like that", more)));
     }
 }
 
@@ -73,9 +72,9 @@ void check_that_no_source_is_lost(std::vector<BatchFile> const& files, OutputPol
         auto const lost = sources.find(key_of(file.target));
         // An output that is kept because it exists endangers nothing, unless it is its own input.
         if (lost != sources.end() && (policy != OutputPolicy::kKeep || lost->second == &file)) {
-            throw Failure(file.source.string(),
-                          fmt::format("its output would replace the input {}", lost->second->source.string()),
-                          "give another --suffix, or another folder with --keep-tree", kWrongUsage);
+            throw Failure(
+                Fault::kTargetIsSource, file.source.string(),
+                fmt::format("its output would replace the input {}", lost->second->source.string()));
         }
     }
 }
@@ -85,12 +84,10 @@ Failure nothing_found(BatchChoice const& choice, BatchPlan const& plan)
     std::string const where =
         choice.search.places.size() == 1 ? choice.search.places.front() : std::string("input");
     if (plan.outputs_left_out > 0) {
-        return {where, "all that is found there are outputs of earlier runs",
-                "take them as inputs with --include-outputs"};
+        return {Fault::kOnlyOutputsFound, where, "all that is found there are outputs of earlier runs"};
     }
-    return {where, "no picture is found there",
-            choice.search.recurse ? "check the name, or give another --pattern"
-                                  : "check the name, give another --pattern, or look deeper with --recurse"};
+    return {choice.search.recurse ? Fault::kNothingFound : Fault::kNothingFoundAtTop, where,
+            "no picture is found there"};
 }
 
 } // namespace

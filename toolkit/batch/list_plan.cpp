@@ -34,7 +34,7 @@ std::vector<BatchFile> files_of(umbrix_node const& job, ListChoice const& choice
         std::move(plan.failures.begin(), plan.failures.end(), std::back_inserter(failures));
         return plan.files;
     } catch (Failure const& failure) {
-        if (failure.code == kWrongUsage) {
+        if (failure.fault == Fault::kSameTarget || failure.fault == Fault::kTargetIsSource) {
             throw;
         }
         failures.push_back(failure);

@@ -60,9 +60,10 @@ private:
             walk({name, below});
         } else if (status.type() == fs::file_type::not_found &&
                    !fs::exists(fs::symlink_status(name, error))) {
-            result_.failures.emplace_back(name.string(), "there is no such file or folder", "check the name");
+            result_.failures.emplace_back(Fault::kMissingFile, name.string(),
+                                          "there is no such file or folder");
         } else if (!fs::exists(status) && !fs::is_symlink(fs::symlink_status(name, error))) {
-            result_.failures.emplace_back(name.string(), error.message(), "check the name");
+            result_.failures.emplace_back(Fault::kMissingFile, name.string(), error.message());
         } else if (search_.pattern.empty() || matches(search_.pattern, name.filename().string())) {
             add(name, below.parent_path());
         }
@@ -99,8 +100,8 @@ private:
                 continue; // it was removed since
             }
             if (error) {
-                result_.failures.emplace_back(path.string(), "it cannot be looked at: " + error.message(),
-                                              "check the name and its access rights");
+                result_.failures.emplace_back(Fault::kUnreachable, path.string(),
+                                              "it cannot be looked at: " + error.message());
             } else if (fs::is_directory(path, error)) {
                 if (search_.recurse && !name.string().starts_with('.') && !is_avoided(path)) {
                     Folder const next{path, folder.tree / name};
@@ -121,8 +122,8 @@ private:
             names.push_back(entry->path().filename());
         }
         if (error) {
-            result_.failures.emplace_back(folder.string(), "the folder cannot be read: " + error.message(),
-                                          "check its access rights");
+            result_.failures.emplace_back(Fault::kUnreadable, folder.string(),
+                                          "the folder cannot be read: " + error.message());
         }
         std::sort(names.begin(), names.end());
         return names;

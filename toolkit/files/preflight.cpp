@@ -17,20 +17,20 @@ void check_input(fs::path const& input)
     std::error_code error;
     fs::file_status const status = fs::status(input, error);
     if (!fs::exists(status)) {
-        throw Failure(input.string(),
-                      status.type() == fs::file_type::not_found ? "there is no such file" : error.message(),
-                      "check the name");
+        throw Failure(Fault::kMissingFile, input.string(),
+                      status.type() == fs::file_type::not_found ? "there is no such file" : error.message());
     }
     if (!fs::is_regular_file(status)) {
-        throw Failure(input.string(), fs::is_directory(status) ? "it is a folder" : "it is not a plain file",
+        throw Failure(Fault::kNotPlainFile, input.string(),
+                      fs::is_directory(status) ? "it is a folder" : "it is not a plain file",
                       "name an image file");
     }
     if (access(input.c_str(), R_OK) != 0) {
-        throw Failure(input.string(), fmt::format("it cannot be read: {}", std::strerror(errno)),
-                      "check its access rights");
+        throw Failure(Fault::kUnreadable, input.string(),
+                      fmt::format("it cannot be read: {}", std::strerror(errno)));
     }
     if (fs::file_size(input, error) == 0) {
-        throw Failure(input.string(), "it is empty", "copy or save it again");
+        throw Failure(Fault::kEmptyFile, input.string(), "it is empty");
     }
 }
 

@@ -142,8 +142,8 @@ OutputFile::OutputFile(fs::path target, std::string const& extension) : target_(
             return file;
         });
     if (!made.lock) {
-        throw Failure(target_.string(), std::string("its folder takes no new file: ") + std::strerror(errno),
-                      "choose another folder");
+        throw Failure(Fault::kFolderTakesNoFile, target_.string(),
+                      std::string("its folder takes no new file: ") + std::strerror(errno));
     }
     temporary_ = std::move(made.path);
     lock_ = std::move(made.lock);
@@ -161,9 +161,8 @@ void OutputFile::move_into_place(bool overwrite)
     bool const done = overwrite ? std::rename(temporary_.c_str(), target_.c_str()) == 0
                                 : rename_to_new_name(temporary_, target_);
     if (!done) {
-        throw Failure(target_.string(),
-                      std::string("the finished file cannot take its name: ") + std::strerror(errno),
-                      errno == EEXIST ? "add --overwrite to replace it" : "check the folder");
+        throw Failure(errno == EEXIST ? Fault::kOutputAppeared : Fault::kNameNotTaken, target_.string(),
+                      std::string("the finished file cannot take its name: ") + std::strerror(errno));
     }
     placed_ = true;
 }
@@ -177,9 +176,8 @@ ScratchFolder::ScratchFolder()
         made = make_locked((parent / scratch_prefix()).string() + kRandom, make_folder);
     }
     if (!made.lock) {
-        throw Failure(error ? "TMPDIR" : parent.string(),
-                      "no folder for intermediate files can be made there",
-                      "set TMPDIR to a folder that takes files");
+        throw Failure(Fault::kNoScratchFolder, error ? "TMPDIR" : parent.string(),
+                      "no folder for intermediate files can be made there");
     }
     path_ = std::move(made.path);
     lock_ = std::move(made.lock);

@@ -29,18 +29,19 @@ void check_text_output(fs::path const& target, bool overwrite)
     std::error_code error;
     fs::path const folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
     if (!fs::is_directory(folder, error)) {
-        throw Failure(target.string(), "its folder does not exist", "create it, or choose another");
+        throw Failure(Fault::kMissingFolder, target.string(), "its folder does not exist");
     }
     if (!fs::exists(fs::symlink_status(target, error))) {
         return;
     }
     fs::file_status const status = fs::status(target, error);
     if (!fs::is_regular_file(status)) {
-        throw Failure(target.string(), fs::is_directory(status) ? "it is a folder" : "it is not a plain file",
+        throw Failure(Fault::kNotPlainFile, target.string(),
+                      fs::is_directory(status) ? "it is a folder" : "it is not a plain file",
                       "give a file name");
     }
     if (!overwrite) {
-        throw Failure(target.string(), "it exists", "add --overwrite to replace it, or give another name");
+        throw Failure(Fault::kOutputExists, target.string(), "it exists");
     }
 }
 
@@ -53,7 +54,7 @@ void write_text_file(fs::path const& target, std::string_view text, bool overwri
     stream << text;
     stream.close();
     if (!stream || !flush_to_disk(output.temporary())) {
-        throw Failure(target.string(), "it could not be written", "free some space or choose another folder");
+        throw Failure(Fault::kNotWritten, target.string(), "it could not be written");
     }
     output.move_into_place(overwrite);
 }

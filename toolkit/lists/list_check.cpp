@@ -29,7 +29,7 @@ public:
     void walk()
     {
         if (rest_.size() < 8) {
-            throw Failure(name_, "it is too short for a work list", "name another file");
+            throw Failure(Fault::kNoList, name_, "it is too short for a work list");
         }
         check_version(std::bit_cast<float>(number()));
         std::int32_t const jobs = count("jobs", "the list");
@@ -45,8 +45,7 @@ public:
 private:
     [[noreturn]] void damaged(std::string const& how) const
     {
-        throw Failure(name_, "it is damaged: " + how,
-                      "restore it from a copy, or import it again from an export");
+        throw Failure(Fault::kDamagedList, name_, "it is damaged: " + how);
     }
 
     void check_version(float version) const
@@ -56,11 +55,10 @@ private:
         }
         // A list of another version begins with a small number; what does not is something else.
         if (version >= 1.0f && version < 100.0f) {
-            throw Failure(name_,
-                          fmt::format("it is of version {:.3g}, and only {} can be read", version, kVersion),
-                          "save it again with the program that it comes from");
+            throw Failure(Fault::kListVersion, name_,
+                          fmt::format("it is of version {:.3g}, and only {} can be read", version, kVersion));
         }
-        throw Failure(name_, "it is no work list", "name another file");
+        throw Failure(Fault::kNoList, name_, "it is no work list");
     }
 
     void walk_job()

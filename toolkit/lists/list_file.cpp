@@ -22,18 +22,18 @@ fs::path target_of(fs::path const& file, bool overwrite)
     std::error_code error;
     fs::path const folder = file.has_parent_path() ? file.parent_path() : fs::path(".");
     if (!fs::is_directory(folder, error)) {
-        throw Failure(file.string(), "its folder does not exist", "create it, or choose another");
+        throw Failure(Fault::kMissingFolder, file.string(), "its folder does not exist");
     }
     fs::file_status const status = fs::status(file, error);
     if (!fs::exists(status)) {
         return folder / file.filename();
     }
     if (!fs::is_regular_file(status)) {
-        throw Failure(file.string(), fs::is_directory(status) ? "it is a folder" : "it is not a plain file",
-                      "name a file");
+        throw Failure(Fault::kNotPlainFile, file.string(),
+                      fs::is_directory(status) ? "it is a folder" : "it is not a plain file", "name a file");
     }
     if (!overwrite) {
-        throw Failure(file.string(), "it exists", "add --overwrite to replace it, or give another name");
+        throw Failure(Fault::kOutputExists, file.string(), "it exists");
     }
     fs::path const behind_links = fs::canonical(file, error);
     return error ? file : behind_links; // it may vanish meanwhile
@@ -51,13 +51,13 @@ bool is_whole_list(fs::path const& file)
 
 } // namespace
 
-void check_readable(fs::path const& file, std::string const& advice)
+void check_readable(fs::path const& file, std::string const& remedy)
 {
     std::error_code error;
     fs::file_status const status = fs::status(file, error);
     if (fs::exists(status) && !fs::is_regular_file(status)) {
-        throw Failure(file.string(), fs::is_directory(status) ? "it is a folder" : "it is not a plain file",
-                      advice);
+        throw Failure(Fault::kNotPlainFile, file.string(),
+                      fs::is_directory(status) ? "it is a folder" : "it is not a plain file", remedy);
     }
     check_input(file);
 }
@@ -67,7 +67,7 @@ void read_list(fs::path const& file, umbrix_list& list)
     check_readable(file, "name a work list");
     check_list(file);
     if (!list.load_list(file.string())) {
-        throw Failure(file.string(), "it cannot be read any more", "check that nothing else writes it");
+        throw Failure(Fault::kListChanged, file.string(), "it cannot be read any more");
     }
 }
 
@@ -78,7 +78,7 @@ void write_list(umbrix_list& list, fs::path const& file, bool overwrite)
     OutputFile output(target, ".ulist");
     list.save_list(output.temporary().string());
     if (!is_whole_list(output.temporary()) || !flush_to_disk(output.temporary())) {
-        throw Failure(file.string(), "it could not be written", "free some space or choose another folder");
+        throw Failure(Fault::kNotWritten, file.string(), "it could not be written");
     }
     output.move_into_place(overwrite);
 }
@@ -86,9 +86,8 @@ void write_list(umbrix_list& list, fs::path const& file, bool overwrite)
 int index_of_job(umbrix_list& list, std::string const& file, int number)
 {
     if (number < 1 || number > list.get_size()) {
-        throw Failure(file,
-                      fmt::format("there is no job {} among its {}", number, count_of_jobs(list.get_size())),
-                      "umbrix list show tells their numbers");
+        throw Failure(Fault::kNoSuchJob, file,
+                      fmt::format("there is no job {} among its {}", number, count_of_jobs(list.get_size())));
     }
     return number - 1;
 }

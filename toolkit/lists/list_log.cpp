@@ -84,8 +84,8 @@ void ListLog::open_for_adding()
 {
     descriptor_ = open(file_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     if (descriptor_ < 0) {
-        throw Failure(file_.string(), fmt::format("the log cannot be written: {}", std::strerror(errno)),
-                      "the list's folder has to take it");
+        throw Failure(Fault::kLogNotWritable, file_.string(),
+                      fmt::format("the log cannot be written: {}", std::strerror(errno)));
     }
 }
 
@@ -112,7 +112,7 @@ void ListLog::add(fs::path const& target, std::uint64_t digest, std::string cons
     // A line break in front: what a killed run left of its last line must not swallow this one.
     std::string const line = fmt::format("\n{}\n", entry.dump());
     if (write(descriptor_, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
-        throw Failure(file_.string(), "the log did not take all of it", "free some space");
+        throw Failure(Fault::kLogIncomplete, file_.string(), "the log did not take all of it");
     }
 }
 

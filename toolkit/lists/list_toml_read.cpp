@@ -2,6 +2,7 @@
 #include "toolkit/lists/list_toml.h"
 
 #include "toolkit/base/failure.h"
+#include "toolkit/settings/toml_reading_internal.h"
 
 #include <bit>
 #include <charconv>
@@ -20,19 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char const* kHint = "umbrix list export writes such a file";
-
-/// A value of TOML and the words that say where it stands.
-struct Value {
-    std::string subject; ///< "jobs.toml: job 2: rays".
-    toml::node const& node;
-
-    [[noreturn]] void refuse(std::string const& what, std::string const& advice) const
-    {
-        throw Failure(fmt::format("{} (line {})", subject, node.source().begin.line), what, advice);
-    }
-};
-
 std::optional<std::uint32_t> hexadecimal(std::string_view digits)
 {
     std::uint32_t value = 0;
@@ -41,7 +29,7 @@ std::optional<std::uint32_t> hexadecimal(std::string_view digits)
     return whole ? std::optional(value) : std::nullopt;
 }
 
-std::string with_bytes(Value const& value, std::string const& text)
+std::string with_bytes(TomlEntry const& value, std::string const& text)
 {
     std::string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -60,9 +48,9 @@ std::string with_bytes(Value const& value, std::string const& text)
     return result;
 }
 
-void read(Value const& value, std::string& text)
+void read(TomlEntry const& value, std::string& text)
 {
-    constexpr char const* kAdvice = "give a text in quotes, or { bytes = \"...\" }";
+    constexpr char const* kRemedy = "give a text in quotes, or { bytes = \"...\" }";
     if (auto const plain = value.node.value_exact<std::string>()) {
         text = *plain;
     } else {
@@ -71,7 +59,7 @@ void read(Value const& value, std::string& text)
                                ? table->at_path("bytes").value_exact<std::string>()
                                : std::nullopt;
         if (!bytes) {
-            value.refuse("it is not a text", kAdvice);
+            value.refuse("it is not a text", kRemedy);
         }
         text = with_bytes(value, *bytes);
     }
@@ -80,7 +68,7 @@ void read(Value const& value, std::string& text)
     }
 }
 
-void read(Value const& value, float& number)
+void read(TomlEntry const& value, float& number)
 {
     if (auto const text = value.node.value_exact<std::string>()) {
         std::optional<std::uint32_t> const bits =
@@ -102,7 +90,7 @@ void read(Value const& value, float& number)
     number = std::isnan(*found) ? std::numeric_limits<float>::quiet_NaN() : narrowed;
 }
 
-void read(Value const& value, bool& flag)
+void read(TomlEntry const& value, bool& flag)
 {
     auto const found = value.node.value_exact<bool>();
     if (!found) {
@@ -112,7 +100,7 @@ void read(Value const& value, bool& flag)
 }
 
 template <typename T>
-void read(Value const& value, T& number)
+void read(TomlEntry const& value, T& number)
 {
     using Limits = std::numeric_limits<std::conditional_t<sizeof(T) == 1, std::uint8_t, std::int32_t>>;
     auto const found = value.node.value_exact<std::int64_t>();
@@ -134,11 +122,12 @@ public:
     {
         toml::node const* const node = table_.get(name);
         if (node == nullptr) {
-            throw Failure(fmt::format("{} (line {}): {}", subject_, table_.source().begin.line, name),
-                          "it is missing", kHint);
+            throw Failure(Fault::kNoExportedList,
+                          fmt::format("{} (line {}): {}", subject_, table_.source().begin.line, name),
+                          "it is missing");
         }
         known_.insert_or_assign(name, true);
-        read(Value{fmt::format("{}: {}", subject_, name), *node}, to);
+        read(TomlEntry{fmt::format("{}: {}", subject_, name), *node}, to);
     }
 
     /// The tables of a list of them, which may be missing.
@@ -150,13 +139,13 @@ public:
         if (node == nullptr) {
             return tables;
         }
-        Value const value{fmt::format("{}: {}", subject_, name), *node};
+        TomlEntry const value{fmt::format("{}: {}", subject_, name), *node};
         if (!node->is_array()) {
-            value.refuse("it is not a list of tables", kHint);
+            value.refuse(Fault::kNoExportedList, "it is not a list of tables");
         }
         for (toml::node const& each : *node->as_array()) {
             if (!each.is_table()) {
-                value.refuse("it is not a list of tables", kHint);
+                value.refuse(Fault::kNoExportedList, "it is not a list of tables");
             }
             tables.push_back(each.as_table());
         }
@@ -167,8 +156,8 @@ public:
     {
         for (auto const& [key, node] : table_) {
             if (!known_.contains(key)) {
-                Value{fmt::format("{}: {}", subject_, key.str()), node}.refuse("there is no such field",
-                                                                               kHint);
+                TomlEntry{fmt::format("{}: {}", subject_, key.str()), node}.refuse(Fault::kNoExportedList,
+                                                                                   "there is no such field");
             }
         }
     }
@@ -211,13 +200,7 @@ toml::table parse(fs::path const& file)
 {
     std::ifstream stream(file, std::ios::binary);
     std::string const text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-    try {
-        return toml::parse(text);
-    } catch (toml::parse_error const& error) {
-        toml::source_position const at = error.source().begin;
-        throw Failure(fmt::format("{}: line {}, column {}", file.string(), at.line, at.column),
-                      std::string(error.description()), kHint);
-    }
+    return parse_toml(text, file.string(), Fault::kNoExportedList);
 }
 
 } // namespace
@@ -226,7 +209,7 @@ void read_toml(fs::path const& file, umbrix_list& list)
 {
     toml::table const top = parse(file);
     if (!top.contains("job")) {
-        throw Failure(file.string(), "it has no jobs", kHint);
+        throw Failure(Fault::kNoExportedList, file.string(), "it has no jobs");
     }
     Fields fields(file.string(), top);
     std::vector<toml::table const*> const jobs = fields.take_tables("job");

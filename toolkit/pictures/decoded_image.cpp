@@ -79,28 +79,25 @@ DecodedImage::DecodedImage(std::filesystem::path const& file, std::string const&
     FileStamp const before = stamp_of(file);
     bool const loaded = ilLoadImage(file.c_str()) != 0;
     if (stamp_of(file) != before) { // what was read may be a part of each
-        throw Failure(subject, "it changed while it was read", "try again when nothing writes it any more");
+        throw Failure(Fault::kChangedWhileRead, subject, "it changed while it was read");
     }
     if (!loaded) {
         if (ran_out_of_memory()) {
             throw std::bad_alloc();
         }
-        throw Failure(subject, "it is damaged, or not an image of a known format",
-                      "save it again in a program that opens it, for instance as PNG");
+        throw Failure(Fault::kDamagedPicture, subject, "it is damaged, or not an image of a known format");
     }
     width_ = ilGetInteger(IL_IMAGE_WIDTH);
     height_ = ilGetInteger(IL_IMAGE_HEIGHT);
     double const texels = static_cast<double>(width_) * height_;
     if (width_ < 1 || height_ < 1 || texels > max_texels) {
         throw Failure(
-            subject,
-            fmt::format("its size of {} x {} is more than {:.0f} texels", width_, height_, max_texels),
-            "allow more with --max-texels");
+            Fault::kTooManyTexels, subject,
+            fmt::format("its size of {} x {} is more than {:.0f} texels", width_, height_, max_texels));
     }
     if (width_ > kLongestSide || height_ > kLongestSide) {
-        throw Failure(subject,
-                      fmt::format("its size of {} x {} has a side above {}", width_, height_, kLongestSide),
-                      "cut it into parts");
+        throw Failure(Fault::kSideTooLong, subject,
+                      fmt::format("its size of {} x {} has a side above {}", width_, height_, kLongestSide));
     }
     take_over();
 }

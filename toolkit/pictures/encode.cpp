@@ -84,15 +84,13 @@ bool disk_is_full(std::filesystem::path const& file)
 void check_size(OutputFormat const& format, int width, int height)
 {
     if (std::max(width, height) > format.longest_side) {
-        throw Failure("output",
-                      fmt::format("{} files end at {} texels a side", format.extension, format.longest_side),
-                      "give a name ending in .png");
+        throw Failure(Fault::kSizeOutsideFormat, "output",
+                      fmt::format("{} files end at {} texels a side", format.extension, format.longest_side));
     }
     if (format.powers_of_two && !(is_power_of_two(width) && is_power_of_two(height))) {
-        throw Failure(
-            "output",
-            fmt::format("{} files have sides of powers of two, not {} x {}", format.extension, width, height),
-            "give a name ending in .png");
+        throw Failure(Fault::kSizeOutsideFormat, "output",
+                      fmt::format("{} files have sides of powers of two, not {} x {}", format.extension,
+                                  width, height));
     }
 }
 
@@ -108,10 +106,9 @@ void write_picture(std::filesystem::path const& file, OutputFormat const& format
         return;
     }
     if (disk_is_full(file)) {
-        throw Failure("output", "the disk is full", "free some space or choose another folder");
+        throw Failure(Fault::kNotWritten, "output", "the disk is full");
     }
-    throw Failure("output", "what was written does not read back as it should",
-                  "check the disk and the limits on memory, or choose another folder or format");
+    throw Failure(Fault::kNotReadBack, "output", "what was written does not read back as it should");
 }
 
 } // namespace umbrixlib::toolkit

@@ -16,10 +16,10 @@ void check_output_format(fs::path const& output)
 {
     if (output_format(output) == nullptr) {
         std::string const extension = output.extension().string();
-        throw Failure(output.string(),
+        throw Failure(Fault::kUnknownFormat, output.string(),
                       extension.empty() ? "its name has no extension to tell the format by"
                                         : fmt::format("pictures cannot be written as {}", extension),
-                      "use one of " + output_extensions(), kWrongUsage);
+                      "use one of " + output_extensions());
     }
 }
 
@@ -31,22 +31,20 @@ fs::path check_output(fs::path const& output, fs::path const& input, bool overwr
     std::error_code error;
     fs::path const folder = output.has_parent_path() ? output.parent_path() : fs::path(".");
     if (!fs::is_directory(folder, error)) {
-        throw Failure(output.string(), "its folder does not exist", "create it, or choose another");
+        throw Failure(Fault::kMissingFolder, output.string(), "its folder does not exist");
     }
     fs::file_status const status = fs::status(output, error);
     if (fs::exists(status)) {
         if (fs::equivalent(output, input, error)) {
-            throw Failure(output.string(), "it is the input, which would be lost", "give another name",
-                          kWrongUsage);
+            throw Failure(Fault::kOutputIsInput, output.string(), "it is the input, which would be lost");
         }
         if (!fs::is_regular_file(status)) {
-            throw Failure(output.string(),
+            throw Failure(Fault::kNotPlainFile, output.string(),
                           fs::is_directory(status) ? "it is a folder" : "it is not a plain file",
                           "give a file name");
         }
         if (!overwrite) {
-            throw Failure(output.string(), "it exists",
-                          "add --overwrite to replace it, or give another name");
+            throw Failure(Fault::kOutputExists, output.string(), "it exists");
         }
         fs::path const behind_links = fs::canonical(output, error);
         return error ? output : behind_links; // it may vanish meanwhile

@@ -7,7 +7,7 @@
 #include "toolkit/files/text_file.h"
 #include "toolkit/settings/preset_texts.h"
 #include "toolkit/settings/setting_table.h"
-#include "toolkit/settings/toml_reading.h"
+#include "toolkit/settings/toml_reading_internal.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,7 +20,6 @@ namespace {
 
 constexpr char const* kDescription = "description";
 constexpr char const* kExtension = ".toml";
-constexpr char const* kSaveHint = "`umbrix preset save` writes a preset with every key";
 
 /// Takes the value of one key into the settings.
 class Take {
@@ -67,11 +66,11 @@ public:
     void operator()(Choice Settings::*) const
     {
         auto const names = choices(row_);
-        std::string const advice = fmt::format("give \"{}\"", fmt::join(names, "\", \""));
-        std::string const text = entry_.text(advice);
+        std::string const remedy = fmt::format("give \"{}\"", fmt::join(names, "\", \""));
+        std::string const text = entry_.text(remedy);
         auto const found = std::find(names.begin(), names.end(), text);
         if (found == names.end()) {
-            entry_.refuse(fmt::format("'{}' is not known", text), advice);
+            entry_.refuse(fmt::format("'{}' is not known", text), remedy);
         }
         choose(row_, settings_, static_cast<int>(found - names.begin()));
     }
@@ -91,8 +90,10 @@ private:
         keys.push_back(preset_key(row));
     }
     std::string_view const meant = meant_by(key, {keys.begin(), keys.end()});
-    entry.refuse("there is no such key",
-                 meant.empty() ? kSaveHint : fmt::format("perhaps {} is meant", meant));
+    if (meant.empty()) {
+        entry.refuse(Fault::kNoPreset, "there is no such key");
+    }
+    entry.refuse(Fault::kUnknownKey, "there is no such key", fmt::format("perhaps {} is meant", meant));
 }
 
 Preset preset_from(toml::table const& table, std::string const& subject)
@@ -122,15 +123,14 @@ Preset read_shipped(std::string const& name)
 {
     for (ShippedPreset const& each : kShippedPresets) {
         if (name == each.name) {
-            return preset_from(parse_toml(each.text, name, kSaveHint), name);
+            return preset_from(parse_toml(each.text, name, Fault::kNoPreset), name);
         }
     }
     std::string_view const meant = meant_by(name, shipped_presets());
-    throw Failure("--preset", fmt::format("'{}' is not a shipped preset", name),
+    throw Failure(Fault::kUnknownPreset, name, fmt::format("'{}' is not a shipped preset", name),
                   fmt::format("{}; the shipped ones are {}, and the name of a file ends in {}",
                               meant.empty() ? "check the name" : fmt::format("perhaps {} is meant", meant),
-                              fmt::join(shipped_presets(), ", "), kExtension),
-                  kWrongUsage);
+                              fmt::join(shipped_presets(), ", "), kExtension));
 }
 
 bool names_file(std::string const& name)
@@ -168,7 +168,7 @@ std::vector<std::string_view> shipped_presets()
 
 Preset read_preset(std::string const& name)
 {
-    return names_file(name) ? preset_from(parse_toml_file(name, "a preset", kSaveHint), name)
+    return names_file(name) ? preset_from(parse_toml_file(name, "a preset", Fault::kNoPreset), name)
                             : read_shipped(name);
 }
 
@@ -200,8 +200,7 @@ bool is_one_line(std::string_view text)
 void check_preset_output(std::string const& file, bool overwrite)
 {
     if (!file.ends_with(kExtension)) {
-        throw Failure(file, fmt::format("its name does not end in {}", kExtension),
-                      "give one that does, so that --preset finds it", kWrongUsage);
+        throw Failure(Fault::kPresetName, file, fmt::format("its name does not end in {}", kExtension));
     }
     check_text_output(file, overwrite);
 }

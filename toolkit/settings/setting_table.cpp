@@ -147,8 +147,9 @@ void check_ranges(Settings const& settings, std::string const& subject)
     for (SettingRow const& row : kTable) {
         auto const check = [&](double value) {
             if (!(value >= row.minimum && value <= row.maximum)) { // what is no number, too
-                throw Failure(subject, fmt::format("its {} is {}, out of the range", row.name, value),
-                              fmt::format("give {} to {} with umbrix list set", row.minimum, row.maximum));
+                throw Failure(Fault::kSettingOutOfRange, subject,
+                              fmt::format("its {} is {}, out of the range", row.name, value),
+                              fmt::format("give {} to {}", row.minimum, row.maximum));
             }
         };
         std::visit(Overloaded{

@@ -3,7 +3,7 @@
 
 #include "toolkit/base/failure.h"
 #include "toolkit/files/preflight.h"
-#include "toolkit/settings/toml_reading.h"
+#include "toolkit/settings/toml_reading_internal.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -18,7 +18,6 @@ namespace fs = std::filesystem;
 
 constexpr double kAny = 1e6;
 constexpr char const* kBlendNames[] = {"blend", "overlay", "multiply", "add"}; // in the library's order
-constexpr char const* kNewHint = "umbrix stack --new writes an example";
 
 using Entry = TomlEntry;
 
@@ -37,21 +36,21 @@ void read_file(Entry const& entry, StackLayer& layer)
 
 void read_kind(Entry const& entry, StackLayer& layer)
 {
-    constexpr char const* kAdvice = "give \"height\" or \"normal\"";
-    std::string const kind = entry.text(kAdvice);
+    constexpr char const* kRemedy = "give \"height\" or \"normal\"";
+    std::string const kind = entry.text(kRemedy);
     if (kind != "height" && kind != "normal") {
-        entry.refuse(fmt::format("'{}' is no kind of layer", kind), kAdvice);
+        entry.refuse(fmt::format("'{}' is no kind of layer", kind), kRemedy);
     }
     layer.is_normal_map = kind == "normal";
 }
 
 void read_blend(Entry const& entry, StackLayer& layer)
 {
-    constexpr char const* kAdvice = R"(give "blend", "overlay", "multiply" or "add")";
-    std::string const blend = entry.text(kAdvice);
+    constexpr char const* kRemedy = R"(give "blend", "overlay", "multiply" or "add")";
+    std::string const blend = entry.text(kRemedy);
     auto const* const found = std::find(std::begin(kBlendNames), std::end(kBlendNames), blend);
     if (found == std::end(kBlendNames)) {
-        entry.refuse(fmt::format("'{}' is no way to blend", blend), kAdvice);
+        entry.refuse(fmt::format("'{}' is no way to blend", blend), kRemedy);
     }
     layer.blend = static_cast<int>(found - std::begin(kBlendNames));
 }
@@ -125,12 +124,12 @@ public:
                     entry.refuse("it is not a list of tables", "begin each layer with [[layer]]");
                 }
             } else {
-                entry.refuse("there is no such key", "known at the top are normal_scale and [[layer]]");
+                entry.refuse(Fault::kUnknownKey, "there is no such key",
+                             "known at the top are normal_scale and [[layer]]");
             }
         }
         if (layers == nullptr || layers->empty()) {
-            throw Failure(file_.string(), "it has no layers",
-                          fmt::format("begin each layer with [[layer]]; {}", kNewHint));
+            throw Failure(Fault::kNoLayers, file_.string(), "it has no layers");
         }
         for (toml::node const& layer : *layers) {
             read_layer(*layer.as_table());
@@ -148,17 +147,17 @@ private:
             Entry const entry{fmt::format("{}: {}", layer.label, key.str()), node};
             LayerKey const* const known = key_named(key.str());
             if (known == nullptr) {
-                entry.refuse("there is no such key", "known are " + key_names());
+                entry.refuse(Fault::kUnknownKey, "there is no such key", "known are " + key_names());
             }
             known->read(entry, layer);
         }
         if (layer.file.empty()) {
-            throw Failure(layer.label + ": file", "it is missing", "name a picture");
+            throw Failure(Fault::kWrongValue, layer.label + ": file", "it is missing", "name a picture");
         }
         layer.file = (file_.parent_path() / layer.file).string();
         if (number == 1 && layer.is_normal_map) {
-            throw Failure(layer.label + ": kind", "the first layer has to be a height map",
-                          "put a height layer below, or give this one's heights");
+            throw Failure(Fault::kFirstLayerNotHeights, layer.label + ": kind",
+                          "the first layer has to be a height map");
         }
         note_what_has_no_effect(table, layer, number == 1);
         result_.description.layers.push_back(std::move(layer));
@@ -198,7 +197,7 @@ private:
 
 StackFile read_stack_file(fs::path const& file)
 {
-    return StackReader(file).read(parse_toml_file(file, "a stack file", kNewHint));
+    return StackReader(file).read(parse_toml_file(file, "a stack file", Fault::kNoStackFile));
 }
 
 void check_layer_files(StackDescription const& description)
@@ -207,7 +206,7 @@ void check_layer_files(StackDescription const& description)
         try {
             check_input(layer.file);
         } catch (Failure const& failure) {
-            throw Failure(layer.file_label(), failure.what(), failure.advice);
+            throw Failure(failure.fault, layer.file_label(), failure.what(), failure.remedy);
         }
     }
 }

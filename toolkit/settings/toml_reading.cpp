@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/settings/toml_reading.h"
-
-#include "toolkit/base/failure.h"
+#include "toolkit/settings/toml_reading_internal.h"
 
 #include <cmath>
 #include <fmt/format.h>
@@ -17,42 +15,46 @@ namespace fs = std::filesystem;
 
 constexpr std::uintmax_t kLargestFile = 1024 * 1024;
 
-std::string content_of(fs::path const& file, std::string const& what, std::string const& advice)
+std::string content_of(fs::path const& file, std::string const& what, Fault fault)
 {
     std::error_code error;
     fs::file_status const status = fs::status(file, error);
     if (!fs::exists(status)) {
-        throw Failure(file.string(),
-                      status.type() == fs::file_type::not_found ? "there is no such file" : error.message(),
-                      "check the name");
+        throw Failure(Fault::kMissingFile, file.string(),
+                      status.type() == fs::file_type::not_found ? "there is no such file" : error.message());
     }
     if (!fs::is_regular_file(status)) {
-        throw Failure(file.string(), fs::is_directory(status) ? "it is a folder" : "it is not a plain file",
-                      "name " + what);
+        throw Failure(Fault::kNotPlainFile, file.string(),
+                      fs::is_directory(status) ? "it is a folder" : "it is not a plain file", "name " + what);
     }
     if (fs::file_size(file, error) > kLargestFile) {
-        throw Failure(file.string(), "it is too large for " + what, advice);
+        throw Failure(fault, file.string(), "it is too large for " + what);
     }
     std::ifstream stream(file, std::ios::binary);
     std::string content{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
     if (!stream) {
-        throw Failure(file.string(), "it cannot be read", "check its access rights");
+        throw Failure(Fault::kUnreadable, file.string(), "it cannot be read");
     }
     return content;
 }
 
 } // namespace
 
-void TomlEntry::refuse(std::string const& what, std::string const& advice) const
+void TomlEntry::refuse(Fault fault, std::string const& what, std::string const& remedy) const
 {
-    throw Failure(fmt::format("{} (line {})", subject, node.source().begin.line), what, advice);
+    throw Failure(fault, fmt::format("{} (line {})", subject, node.source().begin.line), what, remedy);
 }
 
-std::string TomlEntry::text(std::string const& advice) const
+void TomlEntry::refuse(std::string const& what, std::string const& remedy) const
+{
+    refuse(Fault::kWrongValue, what, remedy);
+}
+
+std::string TomlEntry::text(std::string const& remedy) const
 {
     std::optional<std::string> const value = node.value_exact<std::string>();
     if (!value) {
-        refuse("it is not a text in quotes", advice);
+        refuse("it is not a text in quotes", remedy);
     }
     return *value;
 }
@@ -69,20 +71,20 @@ double TomlEntry::number(double minimum, double maximum) const
     return *value;
 }
 
-toml::table parse_toml(std::string_view text, std::string const& subject, std::string const& advice)
+toml::table parse_toml(std::string_view text, std::string const& subject, Fault fault)
 {
     try {
         return toml::parse(text);
     } catch (toml::parse_error const& error) {
         toml::source_position const at = error.source().begin;
-        throw Failure(fmt::format("{}: line {}, column {}", subject, at.line, at.column),
-                      std::string(error.description()), advice);
+        throw Failure(fault, fmt::format("{}: line {}, column {}", subject, at.line, at.column),
+                      std::string(error.description()));
     }
 }
 
-toml::table parse_toml_file(fs::path const& file, std::string const& what, std::string const& advice)
+toml::table parse_toml_file(fs::path const& file, std::string const& what, Fault fault)
 {
-    return parse_toml(content_of(file, what, advice), file.string(), advice);
+    return parse_toml(content_of(file, what, fault), file.string(), fault);
 }
 
 } // namespace umbrixlib::toolkit

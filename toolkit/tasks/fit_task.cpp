@@ -70,8 +70,8 @@ Pair read_pair(Job const& job)
     {
         PreparedInput const input = prepare_input(job);
         if (input.guess.kind == Kind::kNormalMap) {
-            send_note("this looks like a normal map (" + input.guess.reason +
-                      "); its brightness is taken for heights");
+            send_note({"this looks like a normal map (" + input.guess.reason +
+                       "); its brightness is taken for heights"});
         }
         pair.width = input.width;
         pair.height = input.height;
@@ -82,13 +82,12 @@ Pair read_pair(Job const& job)
     second.input = job.normals;
     PreparedInput input = prepare_input(second);
     if (input.width != pair.width || input.height != pair.height) {
-        throw Failure("input",
+        throw Failure(Fault::kSizesDiffer, "input",
                       fmt::format("its size is {} x {} and that of the height map {} x {}", input.width,
-                                  input.height, pair.width, pair.height),
-                      "bring both to the same size");
+                                  input.height, pair.width, pair.height));
     }
     if (input.guess.kind == Kind::kHeightMap) {
-        send_note("this does not look like a normal map: " + input.guess.reason);
+        send_note({"this does not look like a normal map: " + input.guess.reason});
     }
     pair.picture = std::move(input.picture);
     send_file("");

@@ -26,12 +26,11 @@ nlohmann::json open_device(Graphics const& graphics)
     send_phase(Phase::kOpeningDevice);
     int const count = DeviceCount();
     if (count == 0) {
-        throw Failure("--gpu", "the graphics library of this build has no device", "leave it out",
-                      kWrongUsage);
+        throw Failure(Fault::kNoDevice, "graphics device",
+                      "the graphics library of this build has no device");
     }
     if (device >= count) {
-        throw Failure("--gpu", fmt::format("there is no device {}", device), "umbrix devices lists them",
-                      kWrongUsage);
+        throw Failure(Fault::kNoSuchDevice, "graphics device", fmt::format("there is no device {}", device));
     }
     SetDevice(device);
     std::string const backend = ActiveBackend();
@@ -39,11 +38,11 @@ nlohmann::json open_device(Graphics const& graphics)
     report_at_opening = LastError();
     if (backend == kHostBackend) {
         send_note(
-            fmt::format("device {}, {}, is the processor itself, so --gpu saves no time", device, name));
+            {fmt::format("device {}, {}, is the processor itself", device, name), NoteKind::kDeviceIsCpu});
     }
     if (!graphics.match_cpu) {
-        send_note("on a graphics processor heights count inverted and at full scale; --match-cpu gives the "
-                  "relief of a run without --gpu");
+        send_note(
+            {"on a graphics processor heights count inverted and at full scale", NoteKind::kGraphicsHeights});
     }
     return {{"name", name}, {"backend", backend}};
 }
@@ -51,7 +50,7 @@ nlohmann::json open_device(Graphics const& graphics)
 void note_fallback()
 {
     if (report_at_opening != LastError()) {
-        send_note(fmt::format("the processor took over from the graphics processor: {}", LastError()));
+        send_note({fmt::format("the processor took over from the graphics processor: {}", LastError())});
     }
 }
 

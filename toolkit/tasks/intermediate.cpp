@@ -12,8 +12,8 @@ namespace {
 
 Failure no_room_for(std::filesystem::path const& file)
 {
-    return {file.parent_path().string(), "the intermediate picture does not fit there",
-            "free some space, or set TMPDIR to a folder with more"};
+    return {Fault::kNoRoomForScratch, file.parent_path().string(),
+            "the intermediate picture does not fit there"};
 }
 
 } // namespace

@@ -98,9 +98,8 @@ void check_team_size()
 #pragma omp single
     team = omp_get_num_threads();
     if (team != omp_get_num_procs()) {
-        throw Failure("OpenMP",
-                      fmt::format("it gives {} threads for {} processors", team, omp_get_num_procs()),
-                      "raise the limit on processes (ulimit -u)");
+        throw Failure(Fault::kTooFewThreads, "OpenMP",
+                      fmt::format("it gives {} threads for {} processors", team, omp_get_num_procs()));
     }
 }
 
@@ -137,8 +136,8 @@ void run_library(std::function<bool(std::string* status, int* progress)> const& 
         std::rethrow_exception(error);
     }
     if (!good || !box_text.empty()) {
-        throw Failure("input", box_text.empty() ? "the library could not work on it" : box_text,
-                      "try another picture");
+        throw Failure(Fault::kNotWorkedOn, "input",
+                      box_text.empty() ? "the library could not work on it" : box_text);
     }
 }
 

@@ -63,8 +63,8 @@ Picture with_heights_in_alpha(Picture const& map, float const* heights, bool inv
 void check_relief_size(Settings const& settings, int width, int height)
 {
     if (settings.occlusion && (width < 2 || height < 2)) {
-        throw Failure("input", fmt::format("{} x {} texels have no relief to look at", width, height),
-                      "give at least 2 x 2, or --no-occlusion");
+        throw Failure(Fault::kTooSmallForRelief, "input",
+                      fmt::format("{} x {} texels have no relief to look at", width, height));
     }
 }
 

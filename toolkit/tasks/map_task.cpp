@@ -34,14 +34,14 @@ void note_normal_map(Job const& job, PreparedInput const& input)
         bool const asks_for_heights =
             job.settings.occlusion || job.settings.generate_normal || job.settings.height_in_alpha;
         if (asks_for_heights) {
-            send_note("a normal map carries its heights in its alpha, and this one has none there: its "
-                      "ground counts "
-                      "as flat");
+            send_note({"a normal map carries its heights in its alpha, and this one has none there: its "
+                       "ground counts "
+                       "as flat"});
         }
     } else if (is_tiff(job.input)) {
-        send_note(
-            "the alpha of a TIFF may have been multiplied into its colours: if the map looks wrong, save the "
-            "picture as PNG");
+        send_note({"the alpha of a TIFF may have been multiplied into its colours: if the map looks wrong, "
+                   "save the "
+                   "picture as PNG"});
     }
 }
 

@@ -32,8 +32,8 @@ nlohmann::json run_normal_task(Job const& job)
     OutputFormat const& format = *output_format(job.output);
     check_size(format, input.width, input.height);
     if (input.guess.kind == Kind::kNormalMap) {
-        send_note("this looks like a normal map already (" + input.guess.reason +
-                  "); its brightness is taken for heights");
+        send_note({"this looks like a normal map already (" + input.guess.reason +
+                   "); its brightness is taken for heights"});
     }
 
     Intermediate const files(job.scratch);

@@ -18,12 +18,12 @@ constexpr double kProgram = 1024.0 * 1024.0 * 1024.0;
 void note_conversion(DecodedImage const& image)
 {
     if (image.bits_per_channel() > 8) {
-        send_note(fmt::format("{} is worked on with 8 bits a channel, so its finest steps are lost",
-                              image.description()));
+        send_note({fmt::format("{} is worked on with 8 bits a channel, so its finest steps are lost",
+                               image.description())});
     } else if (!image.is_plain()) {
-        send_note(fmt::format("{} is converted to {} bits a texel", image.description(),
-                              image.has_alpha() ? 32 : 24),
-                  true);
+        send_note({fmt::format("{} is converted to {} bits a texel", image.description(),
+                               image.has_alpha() ? 32 : 24),
+                   NoteKind::kPlain, true});
     }
 }
 

@@ -34,9 +34,9 @@ void note_other_size(PreparedInput const& picture, ReadyStack const& stack)
 {
     bool const smaller = picture.width < stack.width || picture.height < stack.height;
     bool const larger = picture.width > stack.width || picture.height > stack.height;
-    send_note(fmt::format("its size is {} x {} and that of the first layer {} x {}, so it {}{}{}",
-                          picture.width, picture.height, stack.width, stack.height, smaller ? "repeats" : "",
-                          smaller && larger ? " and " : "", larger ? "is cut off" : ""));
+    send_note({fmt::format("its size is {} x {} and that of the first layer {} x {}, so it {}{}{}",
+                           picture.width, picture.height, stack.width, stack.height, smaller ? "repeats" : "",
+                           smaller && larger ? " and " : "", larger ? "is cut off" : "")});
 }
 
 /// Whether the layer counts. A normal layer of another size than the first layer's would be left out by the
@@ -47,9 +47,10 @@ bool fits(StackLayer const& layer, PreparedInput const& picture, ReadyStack cons
         return true;
     }
     if (layer.is_normal_map) {
-        send_note(fmt::format("its size is {} x {} and that of the first layer {} x {}, so this normal layer "
-                              "is left out",
-                              picture.width, picture.height, stack.width, stack.height));
+        send_note(
+            {fmt::format("its size is {} x {} and that of the first layer {} x {}, so this normal layer "
+                         "is left out",
+                         picture.width, picture.height, stack.width, stack.height)});
         return false;
     }
     note_other_size(picture, stack);
@@ -81,8 +82,8 @@ ReadyStack read_layers(Job const& job)
         decoding.input = layer.file;
         PreparedInput const picture = prepare_input(decoding);
         if (!layer.is_normal_map && picture.guess.kind == Kind::kNormalMap) {
-            send_note("this looks like a normal map (" + picture.guess.reason +
-                      "); its brightness is taken for heights");
+            send_note({"this looks like a normal map (" + picture.guess.reason +
+                       "); its brightness is taken for heights"});
         }
         if (stack.layers.empty()) {
             stack.width = picture.width;
@@ -169,7 +170,7 @@ void note_layers_without_normals(ReadyStack const& stack)
         StackLayer const& layer = *stack.layers[i].description;
         if (layer.blend == 0) {
             send_file(layer.label + ": blend");
-            send_note("--map-from-layers leaves the normals of this layer out of the map");
+            send_note({"the map has nothing of the normals of this layer", NoteKind::kNormalsLeftOut});
             send_file("");
         }
     }

@@ -127,12 +127,12 @@ void Conversation::take(nlohmann::json const& event)
         event.at("file").get_to(file_);
     } else if (event.contains("note")) {
         if (hearing_.note) {
-            hearing_.note(input(), event.at("note"), event.at("detail"));
+            hearing_.note(input(), {event.at("note"), event.at("kind").get<NoteKind>(), event.at("detail")});
         }
     } else if (event.contains("failure")) {
         nlohmann::json const& told = event.at("failure");
-        failure_.emplace(subject(told.at("subject")), told.at("what").get<std::string>(), told.at("advice"),
-                         told.at("code").get<ExitCode>());
+        failure_.emplace(told.at("fault").get<Fault>(), subject(told.at("subject")),
+                         told.at("what").get<std::string>(), told.at("remedy"));
     } else {
         result_ = event.at("result");
     }
@@ -150,24 +150,21 @@ std::string const& Conversation::file_at_work() const
 
 Failure Conversation::took_too_long() const
 {
-    return {file_at_work(), fmt::format("it was still being read after {} s", briefing_.timeout_seconds),
-            "it is probably damaged; --timeout allows more"};
+    return {Fault::kDecodedTooLong, file_at_work(),
+            fmt::format("it was still being read after {} s", briefing_.timeout_seconds)};
 }
 
 Failure Conversation::broke_down(std::string const& how) const
 {
     switch (phase_) {
     case Phase::kOpeningDevice:
-        return {"graphics driver", fmt::format("it broke down ({})", how),
-                "update it, or leave --gpu out; -v shows more"};
+        return {Fault::kDeviceBrokeDown, "graphics driver", fmt::format("it broke down ({})", how)};
     case Phase::kReading:
-        return {input(), fmt::format("its decoder broke down ({})", how),
-                "the file is damaged; save it again in a program that opens it"};
+        return {Fault::kDecoderBrokeDown, input(), fmt::format("its decoder broke down ({})", how)};
     case Phase::kMaking:
-        return {input(), fmt::format("the run broke down ({})", how),
-                "a picture that is too large for the memory can be the reason; -v shows more"};
+        return {Fault::kRunBrokeDown, input(), fmt::format("the run broke down ({})", how)};
     default:
-        return {output(), fmt::format("writing it broke down ({})", how), "choose another format"};
+        return {Fault::kWritingBrokeDown, output(), fmt::format("writing it broke down ({})", how)};
     }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "toolkit/base/failure.h"
+#include "toolkit/base/note.h"
 #include "toolkit/base/phase.h"
 #include "toolkit/base/utf8.h"
 #include "toolkit/tasks/job.h"
@@ -26,8 +27,7 @@ struct Briefing {
 /// What a worker says while it is at work. Either may be empty.
 struct Hearing {
     std::function<void(std::string const& stage, int permille)> progress;
-    /// @p detail: only for users who want to know more.
-    std::function<void(std::string const& file, std::string const& text, bool detail)> note;
+    std::function<void(std::string const& file, Note const& note)> note;
 };
 
 /// A worker that does a job, and what it says meanwhile. Several can be listened to at a time: wait for the

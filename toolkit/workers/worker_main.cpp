@@ -7,7 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <new>
-#include <string_view>
+#include <string>
 #include <sys/prctl.h>
 #include <system_error>
 #include <unistd.h>
@@ -21,7 +21,7 @@ void end_with_parent(char const* parent)
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (std::to_string(getppid()) != parent) {
-        _exit(kInterrupted);
+        _exit(EXIT_FAILURE);
     }
 }
 
@@ -36,16 +36,20 @@ std::vector<std::uint8_t> read_standard_input()
     return all;
 }
 
-/// For operator new. In a parallel region there is nobody to catch an exception, and no memory to word it
-/// with.
+/// What is told of too little memory. The first call words it and takes memory, later ones take none.
+std::string const& no_memory_event()
+{
+    static std::string const event =
+        failure_event({Fault::kNoMemory, "input", "there is not enough memory to work on it"});
+    return event;
+}
+
+/// For operator new. In a parallel region there is nobody to catch an exception.
 [[noreturn]] void tell_of_too_little_memory()
 {
-    constexpr std::string_view kEvent =
-        R"({"failure":{"subject":"input","what":"there is not enough memory to work on it",)"
-        R"("advice":"make the picture smaller","code":1}})"
-        "\n";
-    static_cast<void>(!write(kEventDescriptor, kEvent.data(), kEvent.size()));
-    _exit(kInputFailed);
+    std::string const& event = no_memory_event();
+    static_cast<void>(!write(kEventDescriptor, event.data(), event.size()));
+    _exit(EXIT_FAILURE);
 }
 
 nlohmann::json run(Job const& job)
@@ -79,22 +83,22 @@ int run_worker(char const* parent)
 {
     end_with_parent(parent);
     std::signal(SIGXFSZ, SIG_IGN); // a limit on file sizes then reads as a full disk
+    no_memory_event();
     std::set_new_handler(tell_of_too_little_memory);
     try {
         send_result(run(unpack_job(read_standard_input())));
-        return kDone;
+        return EXIT_SUCCESS;
     } catch (Failure const& failure) {
         send_failure(failure);
     } catch (std::bad_alloc const&) { // of a size beyond all memory
         tell_of_too_little_memory();
     } catch (std::system_error const& error) { // of a thread that could not be started
-        send_failure(Failure("input", std::string("it is not worked on: ") + error.what(),
-                             "raise the limits on memory and processes (ulimit -v, ulimit -u)"));
+        send_failure(Failure(Fault::kNoThread, "input", std::string("it is not worked on: ") + error.what()));
     } catch (std::exception const& error) {
-        send_failure(Failure("input", error.what(), "try another picture"));
+        send_failure(Failure(Fault::kNotWorkedOn, "input", error.what()));
     }
     // Without a clean end: after a failed load DevIL's own would crash.
-    _exit(kInputFailed);
+    _exit(EXIT_FAILURE);
 }
 
 } // namespace umbrixlib::toolkit

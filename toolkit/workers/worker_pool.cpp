@@ -35,8 +35,9 @@ public:
             task_ = client.open(index);
             if (task_) {
                 Hearing hearing;
-                hearing.note = [index, &client](std::string const& file, std::string const& text,
-                                                bool detail) { client.note(index, file, text, detail); };
+                hearing.note = [index, &client](std::string const& file, Note const& note) {
+                    client.note(index, file, note);
+                };
                 conversation_ = std::make_unique<Conversation>(task_->job(), task_->briefing(),
                                                                std::move(hearing), processors_);
             }
@@ -76,7 +77,7 @@ private:
             ending_.failure.emplace(failure);
         } catch (std::exception const& error) {
             std::string const name = task_ ? task_->briefing().input : std::string("umbrix");
-            ending_.failure.emplace(name, error.what(), "try it by itself");
+            ending_.failure.emplace(Fault::kUnexpected, name, error.what());
         }
     }
 
@@ -171,8 +172,8 @@ private:
         }
         if (poll(records.data(), records.size(), limit) < 0) {
             if (errno != EINTR) {
-                throw Failure("umbrix", std::string("no word from its workers: ") + std::strerror(errno),
-                              "try again");
+                throw Failure(Fault::kWorkerUnheard, "umbrix",
+                              std::string("no word from its workers: ") + std::strerror(errno));
             }
             return;
         }

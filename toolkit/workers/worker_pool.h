@@ -52,7 +52,7 @@ public:
     virtual std::unique_ptr<PoolTask> open(std::size_t index) = 0;
 
     /// A note of the worker at work number @p index, about @p file.
-    virtual void note(std::size_t index, std::string const& file, std::string const& text, bool detail) = 0;
+    virtual void note(std::size_t index, std::string const& file, Note const& note) = 0;
 
     /// Called once for each task that was opened or failed to open.
     virtual void end(PoolEnding const& ending) = 0;

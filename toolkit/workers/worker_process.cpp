@@ -26,7 +26,8 @@ struct Pipe {
     {
         int ends[2];
         if (pipe2(ends, O_CLOEXEC) != 0) {
-            throw Failure("umbrix", std::string("no pipe to a worker: ") + std::strerror(errno), "try again");
+            throw Failure(Fault::kWorkerUnheard, "umbrix",
+                          std::string("no pipe to a worker: ") + std::strerror(errno));
         }
         read_end = ends[0];
         write_end = ends[1];
@@ -75,7 +76,7 @@ std::vector<char*> worker_environment()
 void put_job(Pipe& pipe, std::vector<std::uint8_t> const& job)
 {
     if (write(pipe.write_end, job.data(), job.size()) != static_cast<ssize_t>(job.size())) {
-        throw Failure("umbrix", "a worker does not take its job", "use shorter file names");
+        throw Failure(Fault::kJobNotTaken, "umbrix", "a worker does not take its job");
     }
     Pipe::close_end(pipe.write_end);
 }
@@ -118,8 +119,8 @@ WorkerProcess::WorkerProcess(std::vector<std::uint8_t> const& job, ProcessorSet 
         close(end);
     }
     if (error != 0) {
-        throw Failure("umbrix", std::string("no worker process can be started: ") + std::strerror(error),
-                      "check the limits on processes and memory");
+        throw Failure(Fault::kNoWorker, "umbrix",
+                      std::string("no worker process can be started: ") + std::strerror(error));
     }
     events_ = std::exchange(events.read_end, -1);
     chatter_ = std::exchange(chatter.read_end, -1);

@@ -5,8 +5,8 @@
 #include "options/map_usage.h"
 #include "options/normal_y_option.h"
 #include "options/setting_options.h"
+#include "terminal/complaint.h"
 #include "terminal/say.h"
-#include "toolkit/base/failure.h"
 
 #include <cstdio>
 #include <fmt/format.h>
@@ -93,8 +93,7 @@ void BatchCommand::declare_input(CLI::App& command)
 void BatchCommand::validate() const
 {
     if (suffix_ && suffix_->find('/') != std::string::npos) {
-        throw Failure("--suffix", "it cannot have a / in it", "name another folder with --keep-tree",
-                      kWrongUsage);
+        throw UsageError("--suffix", "it cannot have a / in it", "name another folder with --keep-tree");
     }
     if (normal_) {
         forbid_map_options();
@@ -103,8 +102,7 @@ void BatchCommand::validate() const
         check_graphics_usage(graphics_, settings_);
     }
     if (normal_y_ && kind_ == Kind::kHeightMap) {
-        throw Failure("--normal-y", "a height map has no green to point anywhere", "leave it out",
-                      kWrongUsage);
+        throw UsageError("--normal-y", "a height map has no green to point anywhere", "leave it out");
     }
 }
 
@@ -112,8 +110,8 @@ void BatchCommand::forbid_map_options() const
 {
     auto const forbid = [this](std::string const& option) {
         if (command_->get_option(option)->count() > 0) {
-            throw Failure(option, "normal maps are made without it", "leave it out, or leave --normal out",
-                          kWrongUsage);
+            throw UsageError(option, "normal maps are made without it",
+                             "leave it out, or leave --normal out");
         }
     };
     forbid("--gpu");
@@ -172,8 +170,8 @@ PlainWalk BatchCommand::plain_walk() const
 {
     auto const forbid = [this](char const* option) {
         if (command_->get_option(option)->count() > 0) {
-            throw Failure(option, "the library's own walk does not know it",
-                          "leave it out, or leave --plain out", kWrongUsage);
+            throw UsageError(option, "the library's own walk does not know it",
+                             "leave it out, or leave --plain out");
         }
     };
     for (char const* option :
@@ -183,17 +181,16 @@ PlainWalk BatchCommand::plain_walk() const
     }
     std::error_code error;
     if (search_.places.size() != 1 || !std::filesystem::is_directory(search_.places.front(), error)) {
-        throw Failure("--plain", "it takes one folder", "name a folder that exists", kWrongUsage);
+        throw UsageError("--plain", "it takes one folder", "name a folder that exists");
     }
     std::optional<Kind> const kind = kind_ ? kind_ : settings_.kind;
     bool const makes_normals =
         kind && settings_.light && (*kind == Kind::kHeightMap || settings_.generate_normal);
     if (!kind || (makes_normals && !settings_.n_scale)) {
-        throw Failure(
+        throw UsageError(
             "--plain", "the library guesses nothing",
             kind ? fmt::format("add --n-scale: for pictures 1024 texels wide {}", n_scale_of(settings_, 1024))
-                 : "add --height-map or --normal-map",
-            kWrongUsage);
+                 : "add --height-map or --normal-map");
     }
     return {std::filesystem::canonical(search_.places.front()),
             search_.pattern.empty() ? "*.*" : search_.pattern,

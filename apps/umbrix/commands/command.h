@@ -18,7 +18,7 @@ public:
     /// Adds itself to @p app and returns what was added.
     virtual CLI::App* declare(CLI::App& app) = 0;
 
-    /// Does the work after parsing. Throws Failure or Stopped.
+    /// Does the work after parsing. Throws Failure, Complaint or Stopped.
     virtual void run(Interrupts const& interrupts) = 0;
 };
 

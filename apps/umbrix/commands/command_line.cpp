@@ -14,7 +14,7 @@
 #include "commands/stack_command.h"
 #include "options/describe/help_formatter.h"
 #include "options/graphics_option.h"
-#include "toolkit/base/failure.h"
+#include "terminal/advice.h"
 #include "toolkit/base/utf8.h"
 
 #include <algorithm>
@@ -81,8 +81,9 @@ Asked CommandLine::parse(std::vector<std::string> const& words)
         asked.code = kWrongUsage;
         return asked;
     } catch (Failure const& failure) { // a preset is read while the command line is
-        asked.complaint = complaint_about(failure, asked.name);
-        asked.code = failure.code;
+        Complaint const complaint = complaint_about(failure);
+        asked.complaint = error_line(complaint, asked.name);
+        asked.code = complaint.code;
         return asked;
     }
     for (Declared const& each : commands_) {
@@ -94,13 +95,6 @@ Asked CommandLine::parse(std::vector<std::string> const& words)
     asked.complaint = "umbrix: error: no command is given; see umbrix --help\n";
     asked.code = kWrongUsage;
     return asked;
-}
-
-std::string complaint_about(Failure const& failure, std::string const& name)
-{
-    return printable(
-               fmt::format("{}: error: {}: {}; {}", name, failure.subject, failure.what(), failure.advice)) +
-           "\n";
 }
 
 } // namespace umbrix_cli

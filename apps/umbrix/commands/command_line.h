@@ -2,7 +2,7 @@
 #pragma once
 
 #include "commands/command.h"
-#include "toolkit/base/exit_codes.h"
+#include "terminal/exit_codes.h"
 #include "toolkit/base/failure.h"
 #include "toolkit_names.h"
 
@@ -46,8 +46,5 @@ private:
     CLI::App app_;
     std::vector<Declared> commands_;
 };
-
-/// The line that tells of @p failure, whatever is in the words that it quotes.
-std::string complaint_about(Failure const& failure, std::string const& name);
 
 } // namespace umbrix_cli

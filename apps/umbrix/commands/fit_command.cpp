@@ -3,8 +3,8 @@
 
 #include "options/normal_y_option.h"
 #include "options/setting_options.h"
+#include "terminal/complaint.h"
 #include "terminal/say.h"
-#include "toolkit/base/failure.h"
 #include "toolkit/files/preflight.h"
 #include "toolkit/files/text_file.h"
 #include "toolkit/settings/preset.h"
@@ -64,8 +64,8 @@ CLI::App* FitCommand::declare(CLI::App& app)
 void FitCommand::save(nlohmann::json const& report) const
 {
     if (!report.at("beats_flat").get<bool>()) {
-        throw Failure(preset_output_, "it is not written, as no relief comes nearer than flat ground does",
-                      "check that the two pictures show the same material");
+        throw Complaint(preset_output_, "it is not written, as no relief comes nearer than flat ground does",
+                        "check that the two pictures show the same material");
     }
     Settings settings = settings_;
     settings.relief = report.at("relief").get<float>();

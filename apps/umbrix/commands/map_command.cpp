@@ -5,7 +5,7 @@
 #include "options/map_usage.h"
 #include "options/normal_y_option.h"
 #include "options/setting_options.h"
-#include "toolkit/base/failure.h"
+#include "terminal/complaint.h"
 #include "toolkit/base/utf8.h"
 #include "toolkit/pictures/picture_difference.h"
 
@@ -48,8 +48,7 @@ void MapCommand::validate() const
     check_map_usage(settings_, common_.output);
     check_graphics_usage(graphics_, settings_);
     if (normal_y_ && kind_ == Kind::kHeightMap) {
-        throw Failure("--normal-y", "a height map has no green to point anywhere", "leave it out",
-                      kWrongUsage);
+        throw UsageError("--normal-y", "a height map has no green to point anywhere", "leave it out");
     }
 }
 

@@ -4,7 +4,7 @@
 #include "options/describe/completion.h"
 #include "options/describe/manual_page.h"
 #include "options/describe/option_words.h"
-#include "toolkit/base/failure.h"
+#include "terminal/complaint.h"
 
 #include <filesystem>
 #include <fmt/format.h>
@@ -23,7 +23,7 @@ void write_all(std::map<std::string, std::string> const& pages, std::filesystem:
         std::filesystem::path const file = folder / (manual_page_name(name) + ".1");
         std::ofstream out(file);
         if (!(out << text).flush()) {
-            throw Failure(file.string(), "the page cannot be written", "check the folder");
+            throw Complaint(file.string(), "the page cannot be written", "check the folder");
         }
     }
 }
@@ -42,7 +42,7 @@ CLI::App* CompletionCommand::declare(CLI::App& app)
 void CompletionCommand::run(Interrupts const&)
 {
     if (shell_ != "bash" && shell_ != "zsh") {
-        throw Failure(shell_, "there is no completion for this shell", "give bash or zsh", kWrongUsage);
+        throw UsageError(shell_, "there is no completion for this shell", "give bash or zsh");
     }
     fmt::print("{}", shell_ == "bash" ? bash_completion(*tool_) : zsh_completion(*tool_));
 }
@@ -73,7 +73,7 @@ void ManualCommand::run(Interrupts const&)
     }
     auto const asked = pages.find(command_.empty() ? kTool : fmt::format("{} {}", kTool, command_));
     if (asked == pages.end()) {
-        throw Failure(command_, "there is no such command", "umbrix --help lists them", kWrongUsage);
+        throw UsageError(command_, "there is no such command", "umbrix --help lists them");
     }
     fmt::print("{}", asked->second);
 }

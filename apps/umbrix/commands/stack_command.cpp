@@ -3,8 +3,8 @@
 
 #include "options/map_usage.h"
 #include "options/setting_options.h"
+#include "terminal/complaint.h"
 #include "terminal/say.h"
-#include "toolkit/base/failure.h"
 #include "toolkit/batch/stack_target.h"
 #include "toolkit/files/preflight.h"
 #include "toolkit/files/stale_temporaries.h"
@@ -32,8 +32,8 @@ void check_that_no_layer_is_lost(fs::path const& output, StackDescription const&
     std::error_code error;
     for (StackLayer const& layer : description.layers) {
         if (fs::equivalent(output, layer.file, error)) {
-            throw Failure(output.string(), "it is the picture of a layer, which would be lost",
-                          "give another name", kWrongUsage);
+            throw UsageError(output.string(), "it is the picture of a layer, which would be lost",
+                             "give another name");
         }
     }
 }
@@ -43,10 +43,10 @@ void check_that_names_differ(std::vector<StackTarget> const& targets)
     for (std::size_t i = 0; i < targets.size(); ++i) {
         for (std::size_t j = 0; j < i; ++j) {
             if (targets[i].is_same_file(targets[j])) {
-                throw Failure(targets[i].named().string(),
-                              fmt::format("the {} and the {} would go to the same file", targets[j].what(),
-                                          targets[i].what()),
-                              "give each its own name", kWrongUsage);
+                throw UsageError(targets[i].named().string(),
+                                 fmt::format("the {} and the {} would go to the same file", targets[j].what(),
+                                             targets[i].what()),
+                                 "give each its own name");
             }
         }
     }
@@ -88,19 +88,17 @@ CLI::App* StackCommand::declare(CLI::App& app)
 void StackCommand::validate() const
 {
     if (common_.input.empty()) {
-        throw Failure("INPUT", "no stack file is given", "name one, or write an example with --new",
-                      kWrongUsage);
+        throw UsageError("INPUT", "no stack file is given", "name one, or write an example with --new");
     }
     if (map_from_layers_ && map_output_.empty()) {
-        throw Failure("--map-from-layers", "no map is to be made", "name it with --map", kWrongUsage);
+        throw UsageError("--map-from-layers", "no map is to be made", "name it with --map");
     }
     if (map_from_layers_ && !settings_.light) {
-        throw Failure("--map-from-layers", "without light the map has nothing of the layers' normals",
-                      "leave it or --no-light out", kWrongUsage);
+        throw UsageError("--map-from-layers", "without light the map has nothing of the layers' normals",
+                         "leave it or --no-light out");
     }
     if (graphics_.device && map_output_.empty()) {
-        throw Failure("--gpu", "it is for the map, and none is to be made", "name it with --map",
-                      kWrongUsage);
+        throw UsageError("--gpu", "it is for the map, and none is to be made", "name it with --map");
     }
     if (!map_output_.empty()) {
         check_map_usage(settings_, map_output_);
@@ -111,7 +109,7 @@ void StackCommand::validate() const
 void StackCommand::write_example() const
 {
     if (!common_.output.empty() || !height_output_.empty() || !map_output_.empty()) {
-        throw Failure("--new", "it makes no pictures", "leave -o, --height and --map out", kWrongUsage);
+        throw UsageError("--new", "it makes no pictures", "leave -o, --height and --map out");
     }
     fs::path const file = common_.input.empty() ? "stack.toml" : common_.input;
     if (!write_example_stack(file, common_.overwrite)) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "options/graphics_option.h"
 
-#include "toolkit/base/failure.h"
+#include "terminal/complaint.h"
 
 #include <CLI/Error.hpp>
 #include <charconv>
@@ -62,14 +62,14 @@ void check_graphics_usage(Graphics const& graphics, Settings const& settings)
     bool const graded = settings.h_contrast != 0.0f || settings.h_min != 0 || settings.h_max != 255 ||
                         settings.h_brightness != 0.0f;
     if (graded) {
-        throw Failure("--match-cpu", "it takes the grading of the heights for itself",
-                      "leave --h-contrast, --h-min, --h-max and --h-brightness out", kWrongUsage);
+        throw UsageError("--match-cpu", "it takes the grading of the heights for itself",
+                         "leave --h-contrast, --h-min, --h-max and --h-brightness out");
     }
     float const scale = h_scale_of(settings);
     if (!(scale > 0.0f && scale <= 1.0f)) {
-        throw Failure("--match-cpu",
-                      fmt::format("a graphics processor cannot be given a height scale of {}", scale),
-                      "give a --relief or --h-scale above 0 and up to 1", kWrongUsage);
+        throw UsageError("--match-cpu",
+                         fmt::format("a graphics processor cannot be given a height scale of {}", scale),
+                         "give a --relief or --h-scale above 0 and up to 1");
     }
 }
 

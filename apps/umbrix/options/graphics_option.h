@@ -14,7 +14,7 @@ namespace umbrix_cli {
 /// Adds --gpu [N] and --match-cpu to @p command, which then writes @p graphics. Returns --gpu.
 CLI::Option* declare_graphics(CLI::App& command, Graphics& graphics);
 
-/// Throws a Failure if the settings leave nothing to match a map of the processor with.
+/// Throws a UsageError if the settings leave nothing to match a map of the processor with.
 void check_graphics_usage(Graphics const& graphics, Settings const& settings);
 
 /// The words of a command line, with the number that may follow --gpu tied to it, or 0 if none does: an

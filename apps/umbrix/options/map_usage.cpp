@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "options/map_usage.h"
 
+#include "terminal/complaint.h"
 #include "toolkit/base/failure.h"
 #include "toolkit/pictures/output_format.h"
 
@@ -11,19 +12,18 @@ namespace umbrix_cli {
 void check_map_usage(Settings const& settings, std::string const& output)
 {
     if (!settings.light && !settings.occlusion) {
-        throw Failure("--no-light", "with --no-occlusion nothing is left to make a map of",
-                      "leave one of them out", kWrongUsage);
+        throw UsageError("--no-light", "with --no-occlusion nothing is left to make a map of",
+                         "leave one of them out");
     }
     if (settings.min > settings.max || settings.h_min > settings.h_max) {
         bool const result = settings.min > settings.max;
-        throw Failure(result ? "--min" : "--h-min", "it is above the upper limit", "give a smaller one",
-                      kWrongUsage);
+        throw UsageError(result ? "--min" : "--h-min", "it is above the upper limit", "give a smaller one");
     }
     if (settings.height_in_alpha && !output.empty()) {
         OutputFormat const* const format = output_format(output);
         if (format != nullptr && !format->alpha) {
-            throw Failure(output, fmt::format("{} files hold no alpha", format->extension),
-                          "give a name ending in .png, or leave --height-in-alpha out", kWrongUsage);
+            throw Failure(Fault::kNoAlphaInFormat, output,
+                          fmt::format("{} files hold no alpha", format->extension));
         }
     }
 }

@@ -8,8 +8,8 @@
 
 namespace umbrix_cli {
 
-/// Throws a Failure if no picture could make a map with these settings, or if @p output, where it is named,
-/// cannot hold it.
+/// Throws a UsageError if no picture could make a map with these settings, a Failure if @p output, where it
+/// is named, cannot hold it.
 void check_map_usage(Settings const& settings, std::string const& output);
 
 } // namespace umbrix_cli

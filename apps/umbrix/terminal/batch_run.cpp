@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "terminal/batch_run.h"
 
+#include "terminal/advice.h"
 #include "terminal/put_text.h"
 #include "terminal/say.h"
 #include "terminal/standard_output.h"
@@ -57,8 +58,8 @@ void make_folder_of(fs::path const& target)
 {
     std::error_code error;
     if (target.has_parent_path() && !fs::create_directories(target.parent_path(), error) && error) {
-        throw Failure(target.parent_path().string(), "the folder cannot be made: " + error.message(),
-                      "choose another with --keep-tree");
+        throw Failure(Fault::kFolderNotMade, target.parent_path().string(),
+                      "the folder cannot be made: " + error.message());
     }
 }
 
@@ -82,7 +83,7 @@ std::string short_name(fs::path const& file)
 std::string reason_of(Failure const& failure, BatchFile const& file)
 {
     bool const named = failure.subject == file.source.string() || failure.subject == file.target.string();
-    return named ? failure.what() : fmt::format("{}: {}", failure.subject, failure.what());
+    return named ? failure.what() : fmt::format("{}: {}", complaint_about(failure).subject, failure.what());
 }
 
 std::string kind_of(nlohmann::json const& report)
@@ -159,8 +160,8 @@ void run_batch(BatchPlan const& plan, BatchOrders const& orders, Interrupts cons
     }
     finish_standard_output();
     if (summary.failed > 0) {
-        throw Failure(fmt::format("{} of {} files", summary.failed, total), "they failed",
-                      "the results tell why");
+        throw Complaint(fmt::format("{} of {} files", summary.failed, total), "they failed",
+                        "the results tell why");
     }
 }
 
@@ -186,16 +187,16 @@ std::unique_ptr<PoolTask> BatchRun::open(std::size_t index)
     return task;
 }
 
-void BatchRun::note(std::size_t index, std::string const& file, std::string const& text, bool detail)
+void BatchRun::note(std::size_t index, std::string const& file, Note const& note)
 {
-    if (detail && !orders_.verbose) {
+    if (note.detail && !orders_.verbose) {
         return;
     }
     if (orders_.json) {
-        notes_[index].push_back(text);
+        notes_[index].push_back(text_of(note));
     } else {
         display_.clear();
-        say_note(orders_.command, file + ": " + text);
+        say_note(orders_.command, file + ": " + text_of(note));
     }
 }
 

@@ -32,7 +32,7 @@ struct BatchOrders {
 };
 
 /// Does what there is to do for the files of @p plan and prints the results. Removes what killed runs left in
-/// the folders that it writes to. Stopped if the user stopped it, a Failure if any file failed.
+/// the folders that it writes to. Stopped if the user stopped it, a Complaint if any file failed.
 void run_batch(BatchPlan const& plan, BatchOrders const& orders, Interrupts const& interrupts);
 
 /// The files of a batch on their way through a pool of workers, and the results on theirs to the report.
@@ -41,7 +41,7 @@ public:
     BatchRun(std::vector<BatchFile> files, BatchOrders const& orders, BatchReport& report);
 
     std::unique_ptr<PoolTask> open(std::size_t index) override;
-    void note(std::size_t index, std::string const& file, std::string const& text, bool detail) override;
+    void note(std::size_t index, std::string const& file, Note const& note) override;
     void end(PoolEnding const& ending) override;
     void stopping(std::size_t running) override;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "terminal/plain_walk.h"
 
+#include "terminal/advice.h"
 #include "terminal/put_text.h"
 #include "terminal/say.h"
 #include "toolkit/base/failure.h"
@@ -53,9 +54,9 @@ public:
         return std::make_unique<WalkTask>(walk_, scratch_.path());
     }
 
-    void note(std::size_t, std::string const& file, std::string const& text, bool) override
+    void note(std::size_t, std::string const& file, Note const& note) override
     {
-        say_note(kCommand, file + ": " + text);
+        say_note(kCommand, file + ": " + text_of(note));
     }
 
     void end(PoolEnding const& ending) override { failure_ = ending.failure; }

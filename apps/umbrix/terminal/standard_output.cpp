@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "terminal/standard_output.h"
 
-#include "toolkit/base/failure.h"
+#include "terminal/complaint.h"
 #include "toolkit_names.h"
 
 #include <cstdio>
@@ -12,7 +12,8 @@ void finish_standard_output()
 {
     std::fflush(stdout);
     if (std::ferror(stdout) != 0) {
-        throw Failure("standard output", "it did not take all of the results", "the files are not affected");
+        throw Complaint("standard output", "it did not take all of the results",
+                        "the files are not affected");
     }
 }
 

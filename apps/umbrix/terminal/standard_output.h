@@ -3,7 +3,7 @@
 
 namespace umbrix_cli {
 
-/// Brings out what was printed. A Failure if not all of it could be: the disk is full, or nobody reads any
+/// Brings out what was printed. A Complaint if not all of it could be: the disk is full, or nobody reads any
 /// more.
 void finish_standard_output();
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "terminal/supervise.h"
 
+#include "terminal/advice.h"
 #include "terminal/put_text.h"
 #include "terminal/say.h"
 
@@ -17,10 +18,10 @@ Hearing shown_by(ProgressDisplay& display, Supervision const& supervision)
 {
     Hearing hearing;
     hearing.progress = [&display](std::string const& stage, int permille) { display.show(stage, permille); };
-    hearing.note = [&](std::string const& file, std::string const& text, bool detail) {
-        if (supervision.verbose || !detail) {
+    hearing.note = [&](std::string const& file, Note const& note) {
+        if (supervision.verbose || !note.detail) {
             display.clear();
-            say_note(supervision.command, file + ": " + text);
+            say_note(supervision.command, file + ": " + text_of(note));
         }
     };
     return hearing;
@@ -37,8 +38,8 @@ nlohmann::json supervise(Job const& job, Supervision const& supervision)
         conversation.fill(records);
         records[Conversation::kDescriptors] = {supervision.interrupts.descriptor(), POLLIN, 0};
         if (poll(records, std::size(records), conversation.patience()) < 0 && errno != EINTR) {
-            throw Failure("umbrix", std::string("no word from its worker: ") + std::strerror(errno),
-                          "try again");
+            throw Failure(Fault::kWorkerUnheard, "umbrix",
+                          std::string("no word from its worker: ") + std::strerror(errno));
         }
         open = conversation.listen(records);
         supervision.interrupts.check();

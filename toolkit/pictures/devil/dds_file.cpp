@@ -56,8 +56,8 @@ void refuse_dds_with_too_little_data(std::filesystem::path const& file, std::str
     double const needed =
         std::floor(blocks(12)) * std::floor(blocks(16)) * depth * block_size(word_at(header, 84));
     if (given < needed) {
-        throw Failure(subject, "it is damaged: its header promises less data than its size needs",
-                      "save it again in a program that opens it, for instance as PNG");
+        throw Failure(Fault::kDamagedPicture, subject,
+                      "it is damaged: its header promises less data than its size needs");
     }
 }
 

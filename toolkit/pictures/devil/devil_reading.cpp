@@ -6,6 +6,7 @@
 
 #include <IL/il.h>
 #include <cstdio>
+#include <cstdlib>
 #include <unistd.h>
 
 namespace umbrixlib::toolkit {
@@ -19,9 +20,8 @@ int vain_reads = 0;
 void note(bool got_something)
 {
     if (!got_something && ++vain_reads > kMostVainReads) {
-        send_failure(Failure("input", "it is damaged: it ends too early",
-                             "save it again in a program that opens it, for instance as PNG"));
-        _exit(kInputFailed);
+        send_failure(Failure(Fault::kDamagedPicture, "input", "it is damaged: it ends too early"));
+        _exit(EXIT_FAILURE);
     }
 }
 

@@ -155,8 +155,8 @@ void refuse_hdr_with_damaged_rows(std::filesystem::path const& file, std::string
     try {
         reader.check();
     } catch (Damage const&) {
-        throw Failure(subject, "it is damaged: its rows are not what its size asks for",
-                      "save it again in a program that opens it, for instance as PNG");
+        throw Failure(Fault::kDamagedPicture, subject,
+                      "it is damaged: its rows are not what its size asks for");
     }
 }
 

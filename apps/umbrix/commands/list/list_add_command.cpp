@@ -4,8 +4,8 @@
 #include "commands/list/lock_list.h"
 #include "options/list_argument.h"
 #include "options/map_usage.h"
+#include "terminal/complaint.h"
 #include "terminal/say.h"
-#include "toolkit/base/failure.h"
 #include "toolkit/lists/list_file.h"
 #include "toolkit/lists/list_settings.h"
 
@@ -48,8 +48,8 @@ std::string ListAddCommand::pattern_for(std::string const& source) const
         return options_.is_given("search") ? options_.search : kAllFiles;
     }
     if (options_.is_given("search")) {
-        throw Failure("--search", fmt::format("{} is no folder", source), "leave it out, or name a folder",
-                      kWrongUsage);
+        throw UsageError("--search", fmt::format("{} is no folder", source),
+                         "leave it out, or name a folder");
     }
     return "";
 }
@@ -62,9 +62,8 @@ ListAddCommand::NewJob ListAddCommand::job_for(std::string const& source, Interr
     SourceLook const look =
         look_at_source(source, options_.settings, options_.kind(), Surroundings{kCommand, interrupts});
     if (look.kind == Kind::kNormalMap && options_.settings.normal_y == NormalY::kDown) {
-        throw Failure("--preset", "its green points down, and a job of a list takes green for up",
-                      "turn the green of the picture over, or leave the direction out of the preset",
-                      kWrongUsage);
+        throw UsageError("--preset", "its green points down, and a job of a list takes green for up",
+                         "turn the green of the picture over, or leave the direction out of the preset");
     }
     static_cast<umbrix_data&>(job) = data_for(options_.settings, look.kind, look.width);
     job.filename = name_in_list(source);

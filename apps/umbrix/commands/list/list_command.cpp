@@ -8,7 +8,7 @@
 #include "commands/list/list_run_command.h"
 #include "commands/list/list_set_command.h"
 #include "commands/list/list_show_command.h"
-#include "toolkit/base/exit_codes.h"
+#include "terminal/exit_codes.h"
 
 namespace umbrix_cli {
 

@@ -2,8 +2,8 @@
 #include "commands/list/list_export_command.h"
 
 #include "options/list_argument.h"
+#include "terminal/complaint.h"
 #include "terminal/say.h"
-#include "toolkit/base/failure.h"
 #include "toolkit/files/text_file.h"
 #include "toolkit/lists/list_file.h"
 #include "toolkit/lists/list_toml.h"
@@ -34,8 +34,7 @@ void ListExportCommand::run(Interrupts const& /*interrupts*/)
     }
     std::error_code error;
     if (std::filesystem::equivalent(output_, file_, error)) {
-        throw Failure(output_, "it is the list, which would be lost", "give another name with -o",
-                      kWrongUsage);
+        throw UsageError(output_, "it is the list, which would be lost", "give another name with -o");
     }
     write_text_file(output_, text, overwrite_);
     say("wrote {}: {} of {}", output_, count_of_jobs(list.get_size()), file_);

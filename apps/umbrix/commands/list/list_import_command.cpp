@@ -2,8 +2,8 @@
 #include "commands/list/list_import_command.h"
 
 #include "commands/list/lock_list.h"
+#include "terminal/complaint.h"
 #include "terminal/say.h"
-#include "toolkit/base/failure.h"
 #include "toolkit/lists/list_file.h"
 #include "toolkit/lists/list_toml.h"
 
@@ -29,8 +29,8 @@ void ListImportCommand::run(Interrupts const& interrupts)
     fs::path const output =
         output_.empty() ? fs::path(input_).replace_extension(".ulist") : fs::path(output_);
     if (fs::equivalent(output, input_, error)) {
-        throw Failure(output.string(), "it is the input, which would be lost", "give another name with -o",
-                      kWrongUsage);
+        throw UsageError(output.string(), "it is the input, which would be lost",
+                         "give another name with -o");
     }
     ListLock const lock = lock_list(output, "umbrix list import", interrupts);
     umbrix_list list;

@@ -4,9 +4,9 @@
 #include "options/common_options.h"
 #include "options/kind_option.h"
 #include "options/setting_options.h"
+#include "terminal/complaint.h"
 #include "terminal/say.h"
 #include "terminal/supervise.h"
-#include "toolkit/base/failure.h"
 #include "toolkit/files/preflight.h"
 #include "toolkit/lists/list_settings.h"
 #include "toolkit/settings/stack_file.h"
@@ -38,14 +38,13 @@ nlohmann::json info_of(fs::path const& picture, Surroundings const& surroundings
 void demand_all_of_a_folder(fs::path const& folder, Settings const& settings, std::optional<Kind> kind)
 {
     if (!kind) {
-        throw Failure(folder.string(), "what its pictures are cannot be guessed",
-                      "add --height-map or --normal-map", kWrongUsage);
+        throw UsageError(folder.string(), "what its pictures are cannot be guessed",
+                         "add --height-map or --normal-map");
     }
     if (!settings.n_scale && makes_normals(settings, *kind)) {
-        throw Failure(
+        throw UsageError(
             folder.string(), "a fitting strength of the normals cannot be worked out for a folder",
-            fmt::format("add --n-scale: for pictures 1024 texels wide {}", n_scale_of(settings, 1024)),
-            kWrongUsage);
+            fmt::format("add --n-scale: for pictures 1024 texels wide {}", n_scale_of(settings, 1024)));
     }
 }
 
@@ -129,8 +128,8 @@ LinkedList<n_layer> layers_for_job(fs::path const& stack_file, Settings const& s
     std::vector<StackLayer> const& layers = file.description.layers;
     for (StackLayer const& layer : layers) {
         if (layer.is_normal_map) {
-            throw Failure(layer.label + ": kind", "a work list takes every layer for heights",
-                          "leave the normal layers out");
+            throw Complaint(layer.label + ": kind", "a work list takes every layer for heights",
+                            "leave the normal layers out");
         }
     }
     check_layer_files(file.description);

@@ -5,8 +5,8 @@
 #include "options/list_argument.h"
 #include "options/map_usage.h"
 #include "options/setting_options.h"
+#include "terminal/complaint.h"
 #include "terminal/say.h"
-#include "toolkit/base/failure.h"
 #include "toolkit/lists/list_file.h"
 #include "toolkit/lists/list_settings.h"
 
@@ -94,7 +94,7 @@ void ListSetCommand::change_layers(umbrix_node& job, Interrupts const& interrupt
 void ListSetCommand::run(Interrupts const& interrupts)
 {
     if (options_.given().empty() && !options_.is_given("search") && options_.layers.empty() && !no_layers_) {
-        throw Failure("INDEX", "nothing is told to be changed", "name an option", kWrongUsage);
+        throw UsageError("INDEX", "nothing is told to be changed", "name an option");
     }
     ListLock const lock = lock_list(file_, kCommand, interrupts);
     umbrix_list list;

@@ -3,7 +3,7 @@
 
 #include "options/describe/help_formatter.h"
 #include "options/describe/option_words.h"
-#include "toolkit/base/exit_codes.h"
+#include "terminal/exit_codes.h"
 #include "toolkit_names.h"
 
 #include <algorithm>

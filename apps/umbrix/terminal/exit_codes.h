@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-namespace umbrixlib::toolkit {
+namespace umbrix_cli {
 
 /// What the tool tells its caller. `--help` and the manual quote these lines.
 enum ExitCode : int {
@@ -14,4 +14,4 @@ enum ExitCode : int {
 inline constexpr char const* kExitCodesHelp =
     "Exit codes: 0 done, 1 an input or output file failed, 2 wrong usage, 130 interrupted.";
 
-} // namespace umbrixlib::toolkit
+} // namespace umbrix_cli
