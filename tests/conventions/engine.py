@@ -26,19 +26,6 @@ EXCEPTIONS = {("toolkit/workers/worker_main.cpp", "handles signals")}
 
 # What does so far.
 PENDING = {
-    ("toolkit/batch/batch_plan.cpp", "names an option"),
-    ("toolkit/files/temporary.cpp", "names an option"),
-    ("toolkit/files/text_file.cpp", "names an option"),
-    ("toolkit/lists/list_file.cpp", "names an option"),
-    ("toolkit/pictures/decoded_image.cpp", "names an option"),
-    ("toolkit/pictures/output_check.cpp", "names an option"),
-    ("toolkit/settings/preset.cpp", "names an option"),
-    ("toolkit/settings/stack_example.cpp", "looks up the program that it runs in"),
-    ("toolkit/settings/stack_file.cpp", "names an option"),
-    ("toolkit/tasks/graphics_run.cpp", "names an option"),
-    ("toolkit/tasks/map_picture.cpp", "names an option"),
-    ("toolkit/tasks/stack_task.cpp", "names an option"),
-    ("toolkit/workers/conversation.cpp", "names an option"),
     ("toolkit/workers/worker_process.cpp", "looks up the program that it runs in"),
     ("toolkit/workers/worker_process.h", "names an option"),
 }

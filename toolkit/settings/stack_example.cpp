@@ -34,14 +34,13 @@ fs::path textures_above(fs::path start)
 }
 
 /// What a stack file in @p folder calls the folder of the example textures, or nothing.
-std::string textures_for(fs::path const& folder)
+std::string textures_for(fs::path const& folder, fs::path const& further)
 {
-    std::error_code error;
     fs::path const near = textures_above(folder);
     if (!near.empty()) {
         return near.lexically_relative(folder).string();
     }
-    return textures_above(fs::read_symlink("/proc/self/exe", error).parent_path()).string();
+    return textures_above(further).string();
 }
 
 bool needs_no_escape(std::string const& text)
@@ -62,11 +61,11 @@ std::string with_folder(std::string text, std::string const& folder)
 
 } // namespace
 
-bool write_example_stack(fs::path const& file, bool overwrite)
+bool write_example_stack(fs::path const& file, fs::path const& further, bool overwrite)
 {
     std::error_code error;
     fs::path const folder = fs::weakly_canonical(fs::absolute(file).parent_path(), error);
-    std::string const textures = textures_for(folder);
+    std::string const textures = textures_for(folder, further);
     bool const found = !textures.empty() && needs_no_escape(textures);
     write_text_file(file, found ? with_folder(kStackExample, textures) : kStackExample, overwrite);
     return found;

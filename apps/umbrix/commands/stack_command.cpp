@@ -112,7 +112,9 @@ void StackCommand::write_example() const
         throw UsageError("--new", "it makes no pictures", "leave -o, --height and --map out");
     }
     fs::path const file = common_.input.empty() ? "stack.toml" : common_.input;
-    if (!write_example_stack(file, common_.overwrite)) {
+    std::error_code error;
+    fs::path const program = fs::read_symlink("/proc/self/exe", error);
+    if (!write_example_stack(file, program.parent_path(), common_.overwrite)) {
         say_note(kCommand, fmt::format("{}: the example textures are not near; change the names of its files",
                                        file.string()));
     }
