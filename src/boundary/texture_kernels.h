@@ -53,10 +53,9 @@ VELLORIC_API void BilateralFilter(float3* source, float3* destination, int heigh
 VELLORIC_API void BilateralFilter(float* source, float* destination, int height, int width, float radius,
                                   float* spatial, float* range, int thread, int threads);
 
-/// Bends the relief in place: with u = h / @p n_scale, h becomes n_scale * sign(u) * |u|^(2^depth). A
-/// positive
-/// @p depth deepens the relief between the peaks, a negative one fills it. An @p n_scale of 0 leaves the
-/// heights alone.
+/// Bends the relief in place: with u = h / @p n_scale, h becomes n_scale * sign(u) * |u|^(2^depth), rounded
+/// once, to the nearest float. A positive @p depth deepens the relief between the peaks, a negative one fills
+/// it. An @p n_scale of 0 leaves the heights alone; a height that is not a number stays one.
 /// @param heights Heights already multiplied by @p n_scale.
 VELLORIC_API void ChangeDepth(float* heights, int height, int width, float depth, float n_scale);
 
