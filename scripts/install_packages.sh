@@ -5,15 +5,15 @@
 # these need besides. With "docs" alone: what the site of the documents needs, and nothing else.
 set -euo pipefail
 
-build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libfmt-dev libcli11-dev nlohmann-json3-dev
+build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libpng-dev libfmt-dev libcli11-dev nlohmann-json3-dev
     libtomlplusplus-dev opencl-c-headers"
 docs_packages="doxygen"
-test_packages="libgtest-dev libgmock-dev libpng-dev python3 pocl-opencl-icd ocl-icd-libopencl1 oclgrind dpkg-dev file binutils
+test_packages="libgtest-dev libgmock-dev python3 pocl-opencl-icd ocl-icd-libopencl1 oclgrind dpkg-dev file binutils
     g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel clang-format-14 $docs_packages"
 fuzz_packages="clang libclang-rt-14-dev libomp-14-dev"
 tidy_packages="clang clang-tidy-14 libomp-14-dev python3"
 arm_packages="g++-aarch64-linux-gnu qemu-user debootstrap"
-bench_packages="libpng-dev libopencv-dev libembree-dev cimg-dev python3"
+bench_packages="libopencv-dev libembree-dev cimg-dev python3"
 
 packages=$build_packages
 [ "$*" != docs ] || packages=

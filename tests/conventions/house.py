@@ -63,7 +63,6 @@ PARTS = [
         ["src"],
         [
             ("toolkit/files/file_search.cpp", "toolkit/pictures/input_formats.h"),
-            ("toolkit/pictures/encode.cpp", "toolkit/tasks/intermediate.h"),
         ],
     ),
     Part(

@@ -6,6 +6,8 @@
 
 namespace umbrixlib::toolkit {
 
+class Encoder;
+
 /// An image format that pictures are written in. Only formats that can be read back are among them.
 struct OutputFormat {
     char const* extension;  ///< Lower case, with the dot.
@@ -16,6 +18,7 @@ struct OutputFormat {
     bool rows_from_the_top; ///< Is handed the top row first; all others the bottom row.
     int longest_side;       ///< In texels.
     char const* warning;    ///< Told with every picture written; "" if there is nothing to tell.
+    Encoder const* encoder; ///< What writes it.
 };
 
 /// The format of @p file by its extension in any letter case, or null if pictures cannot be written so.

@@ -9,7 +9,7 @@ namespace umbrixlib::toolkit {
 nlohmann::json run_info_task(Job const& job)
 {
     DecodedImage const image = decode_input(job);
-    KindGuess const guess = guess_kind(image.to_picture(false), job.input);
+    KindGuess const guess = guess_kind(in_8_bits(image.to_picture(false)), job.input);
     nlohmann::json channels = nlohmann::json::array();
     for (ChannelRange const& range : image.ranges()) {
         channels.push_back({{"name", range.name},

@@ -4,11 +4,18 @@
 #include "toolkit/base/failure.h"
 #include "toolkit/base/text.h"
 #include "toolkit/pictures/decoded_image.h"
-#include "toolkit/pictures/tga_file.h"
+#include "toolkit/pictures/encoder.h"
 
 namespace umbrixlib::toolkit {
 
 namespace {
+
+/// Smallest size in bytes that an uncompressed TGA of this shape has.
+std::uintmax_t tga_size(int width, int height, int channels)
+{
+    return 18 + static_cast<std::uintmax_t>(width) * static_cast<std::uintmax_t>(height) *
+                    static_cast<std::uintmax_t>(channels);
+}
 
 Failure no_room_for(std::filesystem::path const& file)
 {
@@ -20,7 +27,7 @@ Failure no_room_for(std::filesystem::path const& file)
 
 void write_source(std::filesystem::path const& file, Picture const& picture)
 {
-    if (!write_tga(file, picture)) {
+    if (!tga_encoder().encode(file, picture)) {
         throw no_room_for(file);
     }
 }
@@ -29,7 +36,6 @@ Picture read_result(std::filesystem::path const& file, int width, int height, in
 {
     std::error_code error;
     std::uintmax_t const size = std::filesystem::file_size(file, error);
-    // DevIL reads a TGA that was cut off as if it were whole.
     if (error || size < tga_size(width, height, channels)) {
         throw no_room_for(file);
     }

@@ -40,7 +40,7 @@ PreparedInput prepare_input(Job const& job)
 {
     DecodedImage const image = decode_input(job);
     note_conversion(image);
-    Picture picture = image.to_picture(image.has_alpha());
+    Picture picture = in_8_bits(image.to_picture(image.has_alpha()));
     KindGuess guess = guess_kind(picture, job.input);
     return {image.width(),       image.height(),   image.has_alpha(),
             image.description(), std::move(guess), std::move(picture)};

@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/pictures/decoder.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+constexpr std::size_t kLongestWord = 32;
+
+bool is_space(int byte)
+{
+    return byte == ' ' || (byte >= '\t' && byte <= '\r');
+}
+
+/// The words of a header, and of pictures that are text.
+class Words {
+public:
+    explicit Words(SourceFile& source) : source_(source) {}
+
+    /// The next byte that is neither blank nor in a comment.
+    int next_letter()
+    {
+        for (;;) {
+            int const byte = source_.next();
+            if (byte == '#') {
+                skip_line();
+            } else if (byte < 0) {
+                source_.refuse_as_damaged();
+            } else if (!is_space(byte)) {
+                return byte;
+            }
+        }
+    }
+
+    /// Takes the one blank behind it, too.
+    std::string next()
+    {
+        std::string word;
+        for (int byte = next_letter(); byte >= 0 && !is_space(byte); byte = source_.next()) {
+            if (byte == '#') {
+                skip_line();
+                break;
+            }
+            word += static_cast<char>(byte);
+            if (word.size() > kLongestWord) {
+                source_.refuse_as_damaged();
+            }
+        }
+        return word;
+    }
+
+    int next_number() { return number_in(next()); }
+
+    int number_in(std::string const& word)
+    {
+        int number = -1;
+        auto const [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+        if (error != std::errc() || end != word.data() + word.size() || number < 0) {
+            source_.refuse_as_damaged();
+        }
+        return number;
+    }
+
+private:
+    void skip_line()
+    {
+        for (int byte = source_.next(); byte >= 0 && byte != '\n';) {
+            byte = source_.next();
+        }
+    }
+
+    SourceFile& source_;
+};
+
+struct Header {
+    int width = 0;
+    int height = 0;
+    int channels = 1;
+    int most = 1; ///< The sample that stands for 1.
+    bool text = false;
+    bool bits = false; ///< One for each texel, set where it is black.
+};
+
+/// "P1" to "P6".
+Header read_header(SourceFile& source, int kind)
+{
+    Words words(source);
+    Header header;
+    header.text = kind <= 3;
+    header.bits = kind % 3 == 1;
+    header.channels = kind % 3 == 0 ? 3 : 1;
+    header.width = words.next_number();
+    header.height = words.next_number();
+    header.most = header.bits ? 1 : words.next_number();
+    return header;
+}
+
+/// "P7": lines of a word and a number.
+Header read_arbitrary_header(SourceFile& source)
+{
+    Words words(source);
+    Header header;
+    for (std::string word = words.next(); word != "ENDHDR"; word = words.next()) {
+        if (word == "TUPLTYPE") {
+            words.next(); // the number of channels tells
+            continue;
+        }
+        int* const field = word == "WIDTH"    ? &header.width
+                           : word == "HEIGHT" ? &header.height
+                           : word == "DEPTH"  ? &header.channels
+                           : word == "MAXVAL" ? &header.most
+                                              : nullptr;
+        if (field == nullptr) {
+            source.refuse_as_damaged();
+        }
+        *field = words.next_number();
+    }
+    return header;
+}
+
+void read_bits(SourceFile& source, Header const& header, Picture& picture)
+{
+    auto const width = static_cast<std::size_t>(header.width);
+    std::vector<std::uint8_t> row((width + 7) / 8);
+    for (std::size_t at = 0; at < picture.bytes.size(); at += width) {
+        source.read(row);
+        for (std::size_t x = 0; x < width; ++x) {
+            bool const black = (row[x / 8] >> (7 - x % 8) & 1) != 0;
+            picture.bytes[at + x] = black ? 0 : 1;
+        }
+    }
+}
+
+void read_text(SourceFile& source, Header const& header, Picture& picture)
+{
+    Words words(source);
+    auto const read_into = [&](auto samples) {
+        for (auto& sample : samples) {
+            int const number = header.bits ? words.next_letter() - '0' : words.next_number();
+            if (number < 0 || number > header.most) {
+                source.refuse_as_damaged();
+            }
+            sample =
+                static_cast<std::remove_reference_t<decltype(sample)>>(header.bits ? 1 - number : number);
+        }
+    };
+    if (picture.type == SampleType::kUint8) {
+        read_into(picture.samples<std::uint8_t>());
+    } else {
+        read_into(picture.samples<std::uint16_t>());
+    }
+}
+
+void read_samples(SourceFile& source, Picture& picture)
+{
+    source.read(picture.bytes);
+    if (picture.type == SampleType::kUint16) {
+        for (std::size_t i = 0; i < picture.bytes.size(); i += 2) { // the high byte comes first
+            auto const value = static_cast<std::uint16_t>(picture.bytes[i] << 8 | picture.bytes[i + 1]);
+            picture.samples<std::uint16_t>()[i / 2] = value;
+        }
+    }
+}
+
+/// Spreads 0 to @p most over all that the samples can hold.
+template <typename Sample>
+void spread(std::span<Sample> samples, unsigned most)
+{
+    constexpr unsigned kFull = static_cast<Sample>(-1);
+    if (most != kFull) {
+        for (Sample& sample : samples) {
+            sample = static_cast<Sample>((std::min<unsigned>(sample, most) * kFull + most / 2) / most);
+        }
+    }
+}
+
+Picture read_picture(SourceFile& source, Header const& header)
+{
+    source.check_size(header.width, header.height);
+    if (header.most < 1 || header.most > 65535 || header.channels < 1 || header.channels > 4) {
+        source.refuse_as_damaged();
+    }
+    SampleType const type = header.most > 255 ? SampleType::kUint16 : SampleType::kUint8;
+    double const texels = static_cast<double>(header.width) * header.height;
+    double const texel_size = header.bits && !header.text ? 1.0 / 8.0
+                              : header.text               ? header.channels
+                                            : header.channels * static_cast<double>(sample_size(type));
+    source.check_length(texels * texel_size);
+    Picture picture = make_picture(header.width, header.height, header.channels, type);
+    if (header.text) {
+        read_text(source, header, picture);
+    } else if (header.bits) {
+        read_bits(source, header, picture);
+    } else {
+        read_samples(source, picture);
+    }
+    if (type == SampleType::kUint8) {
+        spread(picture.samples<std::uint8_t>(), static_cast<unsigned>(header.most));
+    } else {
+        spread(picture.samples<std::uint16_t>(), static_cast<unsigned>(header.most));
+    }
+    return upside_down(picture);
+}
+
+/// Netpbm's formats: PBM, PGM, PPM and PAM.
+class PnmDecoder : public Decoder {
+public:
+    bool takes(SourceFile const& source) const override
+    {
+        auto const head = source.head();
+        return head.size() > 2 && head[0] == 'P' && head[1] >= '1' && head[1] <= '7' &&
+               (is_space(head[2]) || head[2] == '#');
+    }
+
+    DecodedFile decode(SourceFile& source) const override
+    {
+        source.skip(1);
+        int const kind = source.next() - '0';
+        return {read_picture(source, kind == 7 ? read_arbitrary_header(source) : read_header(source, kind))};
+    }
+};
+
+} // namespace
+
+Decoder const& pnm_decoder()
+{
+    static PnmDecoder const decoder;
+    return decoder;
+}
+
+} // namespace umbrixlib::toolkit

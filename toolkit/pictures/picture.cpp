@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/pictures/picture.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+std::uint8_t to_byte(std::uint8_t value)
+{
+    return value;
+}
+
+std::uint8_t to_byte(std::uint16_t value)
+{
+    return static_cast<std::uint8_t>((value * 255U + 32767U) / 65535U);
+}
+
+/// NaN gives 0.
+std::uint8_t to_byte(float value)
+{
+    return static_cast<std::uint8_t>(value > 0.0f ? std::min(value, 1.0f) * 255.0f + 0.5f : 0.0f);
+}
+
+std::uint8_t to_byte(Half value)
+{
+    return to_byte(to_float(value));
+}
+
+constexpr std::uint8_t one_of(std::uint8_t)
+{
+    return 255;
+}
+
+constexpr std::uint16_t one_of(std::uint16_t)
+{
+    return 65535;
+}
+
+constexpr Half one_of(Half)
+{
+    return {0x3c00};
+}
+
+constexpr float one_of(float)
+{
+    return 1.0f;
+}
+
+} // namespace
+
+Picture make_picture(int width, int height, int channels, SampleType type)
+{
+    Picture picture{width, height, channels, {}, type, PictureKind::kUnknown};
+    picture.bytes.resize(picture.texels() * static_cast<std::size_t>(channels) * sample_size(type));
+    return picture;
+}
+
+Picture without_alpha(Picture const& source)
+{
+    Picture result = make_picture(source.width, source.height, source.channels - 1, source.type);
+    result.kind = source.kind;
+    std::size_t const from = static_cast<std::size_t>(source.channels) * sample_size(source.type);
+    std::size_t const to = static_cast<std::size_t>(result.channels) * sample_size(source.type);
+    for (std::size_t i = 0; i < source.texels(); ++i) {
+        std::copy_n(&source.bytes[i * from], to, &result.bytes[i * to]);
+    }
+    return result;
+}
+
+Picture upside_down(Picture const& source)
+{
+    Picture result = source;
+    std::size_t const row = result.bytes.size() / static_cast<std::size_t>(result.height);
+    for (std::size_t y = 0; y < static_cast<std::size_t>(result.height); ++y) {
+        auto const from = source.bytes.end() - static_cast<std::ptrdiff_t>((y + 1) * row);
+        std::copy(from, from + static_cast<std::ptrdiff_t>(row),
+                  result.bytes.begin() + static_cast<std::ptrdiff_t>(y * row));
+    }
+    return result;
+}
+
+Picture in_colour(Picture const& source, bool with_alpha)
+{
+    int const channels = with_alpha ? 4 : 3;
+    if (source.channels == channels) {
+        return source;
+    }
+    Picture result = make_picture(source.width, source.height, channels, source.type);
+    result.kind = source.kind;
+    with_samples(source, [&]<typename Sample>(std::span<Sample const> from) {
+        auto const step = static_cast<std::size_t>(source.channels);
+        std::size_t const next_colour = step < 3 ? 0 : 1;
+        Sample* to = result.samples<Sample>().data();
+        for (std::size_t i = 0; i < from.size(); i += step) {
+            for (std::size_t c = 0; c < 3; ++c) {
+                *to++ = from[i + c * next_colour];
+            }
+            if (with_alpha) {
+                *to++ = source.has_alpha() ? from[i + step - 1] : one_of(Sample{});
+            }
+        }
+    });
+    return result;
+}
+
+Picture in_8_bits(Picture source)
+{
+    if (source.type == SampleType::kUint8) {
+        return source;
+    }
+    Picture result = make_picture(source.width, source.height, source.channels);
+    result.kind = source.kind;
+    with_samples(source, [&](auto samples) {
+        std::transform(samples.begin(), samples.end(), result.bytes.begin(),
+                       [](auto sample) { return to_byte(sample); });
+    });
+    return result;
+}
+
+float to_float(Half half)
+{
+    std::uint32_t const sign = (half.bits & 0x8000U) << 16U;
+    std::uint32_t const exponent = half.bits >> 10U & 31U;
+    std::uint32_t const fraction = half.bits & 0x3ffU;
+    if (exponent == 0) {
+        float const small = std::ldexp(static_cast<float>(fraction), -24);
+        return sign != 0 ? -small : small;
+    }
+    std::uint32_t const wide_exponent = exponent == 31 ? 255 : exponent + 112;
+    return std::bit_cast<float>(sign | wide_exponent << 23U | fraction << 13U);
+}
+
+} // namespace umbrixlib::toolkit

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/pictures/source_file.h"
+
+#include "toolkit/base/failure.h"
+
+#include <algorithm>
+#include <cstring>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <utility>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+constexpr double kLongestSide = 65535.0;
+constexpr std::size_t kBuffer = 65536;
+
+} // namespace
+
+SourceFile::SourceFile(std::filesystem::path path, std::string subject, double max_texels)
+    : path_(std::move(path)), subject_(std::move(subject)), max_texels_(max_texels),
+      stream_(std::fopen(path_.c_str(), "rbe"))
+{
+    if (!stream_) {
+        refuse_as_damaged();
+    }
+    std::setvbuf(stream_.get(), nullptr, _IOFBF, kBuffer);
+    head_size_ = std::fread(head_.data(), 1, head_.size(), stream_.get());
+}
+
+std::size_t SourceFile::read_some(void* to, std::size_t bytes)
+{
+    std::size_t const of_head = std::min(bytes, head_size_ - head_read_);
+    std::memcpy(to, head_.data() + head_read_, of_head);
+    head_read_ += of_head;
+    auto* const rest = static_cast<std::uint8_t*>(to) + of_head;
+    return of_head + std::fread(rest, 1, bytes - of_head, stream_.get());
+}
+
+void SourceFile::read(std::span<std::uint8_t> bytes)
+{
+    if (!bytes.empty() && read_some(bytes.data(), bytes.size()) != bytes.size()) {
+        refuse_as_damaged();
+    }
+}
+
+void SourceFile::skip(std::size_t bytes)
+{
+    for (; bytes > 0; --bytes) {
+        if (next() < 0) {
+            refuse_as_damaged();
+        }
+    }
+}
+
+int SourceFile::next()
+{
+    return head_read_ < head_size_ ? head_[head_read_++] : getc_unlocked(stream_.get());
+}
+
+void SourceFile::check_size(double width, double height) const
+{
+    if (width < 1 || height < 1 || width * height > max_texels_) {
+        throw Failure(Fault::kTooManyTexels, subject_,
+                      fmt::format("its size of {:.0f} x {:.0f} is more than {:.0f} texels", width, height,
+                                  max_texels_));
+    }
+    if (width > kLongestSide || height > kLongestSide) {
+        throw Failure(
+            Fault::kSideTooLong, subject_,
+            fmt::format("its size of {:.0f} x {:.0f} has a side above {:.0f}", width, height, kLongestSide));
+    }
+}
+
+void SourceFile::check_length(double bytes) const
+{
+    struct stat status = {};
+    if (fstat(fileno(stream_.get()), &status) == 0 && S_ISREG(status.st_mode) &&
+        static_cast<double>(status.st_size) < bytes) {
+        refuse_as_damaged();
+    }
+}
+
+void SourceFile::refuse_as_damaged() const
+{
+    throw Failure(Fault::kDamagedPicture, subject_, "it is damaged, or not an image of a known format");
+}
+
+} // namespace umbrixlib::toolkit

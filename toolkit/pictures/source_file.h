@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace umbrixlib::toolkit {
+
+/// A file while it is decoded: read once, from its start to its end. A decoder asks it for leave before it
+/// takes memory for a picture.
+class SourceFile {
+public:
+    /// @param subject    Names the file in a Failure.
+    /// @param max_texels No picture has more.
+    SourceFile(std::filesystem::path path, std::string subject, double max_texels);
+
+    std::filesystem::path const& path() const { return path_; }
+    std::string const& subject() const { return subject_; }
+
+    /// What the file begins with, at most 32 bytes; reading still begins at the first of them.
+    std::span<std::uint8_t const> head() const { return {head_.data(), head_size_}; }
+
+    /// Fills @p bytes. A Failure if the file ends before.
+    void read(std::span<std::uint8_t> bytes);
+    void skip(std::size_t bytes);
+
+    /// Reads what there is, at most @p bytes, and says how much it was.
+    std::size_t read_some(void* to, std::size_t bytes);
+
+    /// The next byte; -1 at the end.
+    int next();
+
+    /// A Failure if the picture is too large, or has no texel.
+    void check_size(double width, double height) const;
+
+    /// A Failure if the whole file has less than @p bytes.
+    void check_length(double bytes) const;
+
+    [[noreturn]] void refuse_as_damaged() const;
+
+private:
+    struct Close {
+        void operator()(std::FILE* stream) const { std::fclose(stream); }
+    };
+
+    std::filesystem::path path_;
+    std::string subject_;
+    double max_texels_;
+    std::unique_ptr<std::FILE, Close> stream_;
+    std::array<std::uint8_t, 32> head_{};
+    std::size_t head_size_ = 0;
+    std::size_t head_read_ = 0; ///< How much of the head was handed out.
+};
+
+} // namespace umbrixlib::toolkit
