@@ -91,8 +91,10 @@ inline Bytes stored(Bytes const& bytes)
 } // namespace png_detail
 
 /// A PNG file. @p rows has the packed bytes of each row, the top one first.
+/// @param transparency      Content of its tRNS chunk.
+/// @param interlaced_height Above 0: the height, and the rows are those of the seven passes.
 inline Bytes png_bytes(int width, PngColour colour, int bits, std::vector<Bytes> const& rows,
-                       Bytes const& palette = {})
+                       Bytes const& palette = {}, Bytes const& transparency = {}, int interlaced_height = 0)
 {
     Bytes raw;
     for (Bytes const& row : rows) {
@@ -101,13 +103,18 @@ inline Bytes png_bytes(int width, PngColour colour, int bits, std::vector<Bytes>
     }
     Bytes header;
     png_detail::append_big_endian(header, static_cast<std::uint32_t>(width));
-    png_detail::append_big_endian(header, static_cast<std::uint32_t>(rows.size()));
-    header.insert(header.end(),
-                  {static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(colour), 0, 0, 0});
+    bool const interlaced = interlaced_height > 0;
+    auto const height = static_cast<std::size_t>(interlaced_height);
+    png_detail::append_big_endian(header, static_cast<std::uint32_t>(interlaced ? height : rows.size()));
+    header.insert(header.end(), {static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(colour), 0, 0,
+                                 static_cast<std::uint8_t>(interlaced ? 1 : 0)});
     Bytes file{0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
     png_detail::append_chunk(file, "IHDR", header);
     if (!palette.empty()) {
         png_detail::append_chunk(file, "PLTE", palette);
+    }
+    if (!transparency.empty()) {
+        png_detail::append_chunk(file, "tRNS", transparency);
     }
     png_detail::append_chunk(file, "IDAT", png_detail::stored(raw));
     png_detail::append_chunk(file, "IEND", {});
