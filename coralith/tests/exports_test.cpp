@@ -10,6 +10,7 @@
 #include "same_bits.h"
 #include "umbrix/grading.h"
 
+#include <climits>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <spawn.h>
@@ -245,6 +246,29 @@ TEST(CoralithExports, AForkedChildOfAUserRunsOnTheHost)
     SetReportHandler(nullptr);
     EXPECT_TRUE(same(expected, of_device(0))) << "the parent keeps its device";
     EXPECT_STRNE(ActiveBackend(), "host");
+}
+
+TEST(CoralithExports, AStopOfTheOcclusionLeavesNoResultAndRetiresNoDevice)
+{
+    std::vector<float> heights = random_image<float>(kTexels, 1);
+    for (int device = 0; device < DeviceCount(); ++device) {
+        auto const run = [&](int progress) {
+            DirectionalAO_GPU(heights.data(), kRows, kCols, 12, 60.0f, 100.0f, 0.8f, device, true, false,
+                              false, 0, &progress);
+            return progress;
+        };
+        std::vector<float3> result(kTexels, float3{-7.0f, -7.0f, -7.0f});
+        EXPECT_EQ(run(INT_MIN), INT_MIN);
+        GetDest(result.data(), kRows, kCols);
+        EXPECT_EQ(result.front().x, -7.0f) << "there is no result";
+        std::string const backend = ActiveBackend();
+        EXPECT_EQ(run(0), 1000);
+        EXPECT_EQ(ActiveBackend(), backend);
+        GetDest(result.data(), kRows, kCols);
+        EXPECT_GE(result.front().x, 0.0f);
+        DeleteDest();
+        DeleteSrc();
+    }
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 /// floats are compared bit for bit.
 
 #include "boundary/texture_kernels.h"
+#include "common/stop_request.h"
+#include "host/backend.h"
 #include "normals/height_to_normal.h"
 #include "random_image.h"
 #include "same_bits.h"
@@ -268,6 +270,66 @@ TEST(CoralithStages, RaysThatFillSeveralTablesAddUp)
     auto flat = heights;
     flat[7] = 3e6f; // so that they have something to climb to
     expect_occlusion(shape, settings, flat, PortionRule::of(true, 0), "long rays");
+}
+
+/// The host, where a front end asks for a stop while dispatch @p stop_at of the occlusion is at work.
+class StoppedBackend final : public Backend {
+public:
+    StoppedBackend(int& progress, int stop_at) : progress_(progress), stop_at_(stop_at) {}
+
+    char const* kind() const override { return host_.kind(); }
+    coralith::Limits limits() const override { return host_.limits(); }
+    bool allocate(std::size_t bytes, coralith::Memory& memory) override
+    {
+        return host_.allocate(bytes, memory);
+    }
+    void release(coralith::Memory& memory) override { host_.release(memory); }
+    bool upload(coralith::Memory const& memory, void const* from, std::size_t bytes) override
+    {
+        return host_.upload(memory, from, bytes);
+    }
+    bool download(coralith::Memory const& memory, void* to, std::size_t bytes) override
+    {
+        ++downloads;
+        return host_.download(memory, to, bytes);
+    }
+    bool launch(coralith::Kernel kernel, coralith::Index items, coralith::Arguments arguments) override
+    {
+        if (launches++ == stop_at_) {
+            progress_ = umbrixlib::detail::kStopRequest;
+        }
+        return host_.launch(kernel, items, arguments);
+    }
+    bool finish() override { return host_.finish(); }
+
+    int launches = 0;
+    int downloads = 0;
+
+private:
+    coralith::HostBackend host_;
+    int& progress_;
+    int stop_at_;
+};
+
+TEST(CoralithOcclusion, NoDispatchFollowsAStop)
+{
+    Shape const shape{64, 31};
+    auto const heights = random_image<float>(texels(shape), 3);
+    std::vector<float> result(3 * texels(shape));
+    OcclusionSettings const settings{9, 90.0f, 90.0f, 0.7f, true, true};
+    PortionRule rule{50.0};
+    rule.rays = 1; // so that there are 27 dispatches
+    for (int const stop_at : {0, 1, 8, 9, 26}) {
+        int progress = 0;
+        StoppedBackend backend(progress, stop_at);
+        coralith::Progress shown(&progress);
+        EXPECT_TRUE(coralith::directional_occlusion(backend, shape, settings, rule, heights.data(),
+                                                    result.data(), shown))
+            << "the device is not to blame";
+        EXPECT_EQ(backend.launches, stop_at + 1);
+        EXPECT_EQ(backend.downloads, 0);
+        EXPECT_EQ(progress, umbrixlib::detail::kStopRequest);
+    }
 }
 
 } // namespace

@@ -108,6 +108,13 @@ struct TexelSamples {
         return {sample_value(at[0]), sample_value(at[green]), sample_value(at[blue])};
     }
 
+    /// The three colours before they are rounded to floats.
+    std::array<double, 3> exact_colour(std::ptrdiff_t texel) const
+    {
+        Sample const* const at = first + texel * stride;
+        return {exact_sample(at[0]), exact_sample(at[green]), exact_sample(at[blue])};
+    }
+
     /// Mean of the three colours.
     float mean(std::ptrdiff_t texel) const
     {
@@ -143,6 +150,14 @@ struct PictureSamples {
         bool const coloured = view.channels > 2;
         int const alpha = view.channels % 2 == 0 ? view.channels - 1 : -1;
         return {view.samples, view.type, view.channels, coloured ? 1 : 0, coloured ? 2 : 0, alpha};
+    }
+
+    /// Whether the samples of @p view can be read.
+    static bool are_readable(PictureView const& view)
+    {
+        bool const is_empty = view.width == 0 || view.height == 0;
+        return view.width >= 0 && view.height >= 0 && view.channels >= 1 && view.channels <= 4 &&
+               (is_empty || view.samples != nullptr);
     }
 
     /// Calls @p body with the samples as TexelSamples of their type.

@@ -27,6 +27,9 @@ struct PictureView {
     SampleType type = SampleType::kUint8;
 };
 
+/// Marks a constructor of what works with pictures in memory alone.
+struct InMemory {};
+
 /// What the colours of a picture of normals are.
 enum class NormalCoding {
     kColours, ///< 0..1 stands for -1..1, as in image files.

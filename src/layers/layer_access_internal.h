@@ -4,6 +4,7 @@
 #include "layers/nlayers.h"
 
 #include <cstddef>
+#include <memory>
 
 namespace umbrixlib::detail {
 
@@ -48,6 +49,29 @@ inline n_layer* record_at(NLayers const& stack, int index)
 {
     bool const listed = stack.records != nullptr && index >= 0 && index < stack.records->count;
     return listed ? stack.records->GetRef(index) : nullptr;
+}
+
+/// Zeros for a layer of @p size.
+template <typename T>
+std::unique_ptr<T[]> make_layer_buffer(layer_size size)
+{
+    return std::make_unique<T[]>(static_cast<std::size_t>(texels_of(size)));
+}
+
+/// Puts a layer behind the last one; null stands for a buffer that it has not.
+inline void append_layer(NLayers& stack, std::unique_ptr<float3[]> normals, std::unique_ptr<float[]> heights,
+                         layer_size size)
+{
+    stack.normals.Add(normals.release());
+    stack.heights.Add(heights.release());
+    stack.sizes.Add(size);
+}
+
+inline void set_regenerate(NLayers const& stack, int index, bool regenerate)
+{
+    if (n_layer* const record = record_at(stack, index)) {
+        record->regenerate = regenerate;
+    }
 }
 
 } // namespace umbrixlib::detail

@@ -5,6 +5,7 @@
 #include "common/vector_types.h"
 #include "foundation/list.h"
 #include "foundation/n_layer.h"
+#include "foundation/picture_view.h"
 
 inline namespace umbrix_v0 {
 
@@ -34,12 +35,14 @@ struct layer_size {
 /// where the first layer of a blend is concerned, the whole call. What nothing fills is zero.
 ///
 /// Threads. One thread at a time. Parallel loops run inside the calls, and their number of threads shows in
-/// no result, with the one exception that `SaveHeight` names. No two calls that load or save may overlap,
-/// in any objects: DevIL's bound image is process-wide.
+/// no result, with the one exception that `SaveHeight` names. No two calls that load or save files may
+/// overlap, in any objects: DevIL's bound image is process-wide.
 class UMBRIX_API NLayers {
 public:
     /// An empty stack over the caller's records. Prepares DevIL.
     explicit NLayers(LinkedList<n_layer>* layers);
+    /// The same for layers from pictures in memory alone: DevIL is left alone.
+    NLayers(LinkedList<n_layer>* layers, umbrixlib::InMemory);
     /// As `Clear`. Leaves the records and DevIL alone.
     ~NLayers();
     NLayers(NLayers const&) = delete;
@@ -68,6 +71,14 @@ public:
     /// first layer and of this one, which gets new buffers. Otherwise its buffers are kept if they have the
     /// room. What is replaced stays valid until `Clear`.
     void SetLayerData(int index, char const* file);
+
+    // The same three from pictures in memory, of any sample type. Nothing is narrowed: heights are the mean
+    // of the colours, of bytes truncated to a whole one as those of a file. False, and nothing is done, if
+    // the picture cannot be read or there is no such layer.
+    bool AddLayer(umbrixlib::PictureView const& picture);
+    bool AddNormalLayer(umbrixlib::PictureView const& picture,
+                        umbrixlib::NormalCoding coding = umbrixlib::NormalCoding::kColours);
+    bool SetLayerData(int index, umbrixlib::PictureView const& picture);
 
     /// Takes layer @p index away. An index that is no layer's does nothing, here and in the next two.
     void RemoveLayer(int index);

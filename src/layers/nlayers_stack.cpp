@@ -2,14 +2,16 @@
 // The stack as a list: what it holds, in which order, and who releases it.
 #include "layers/nlayers.h"
 
-#include "boundary/image_io.h"
 #include "boundary/platform.h"
 #include "layers/layer_access_internal.h"
+#include "layers/picture_files_internal.h"
 
 #include <memory>
 #include <utility>
 
 namespace umbrixlib::detail {
+
+void (*prepare_picture_files)() = nullptr;
 
 namespace {
 
@@ -37,8 +39,12 @@ using namespace umbrixlib::detail;
 
 NLayers::NLayers(LinkedList<n_layer>* layers) : records(layers)
 {
-    prepare_devil(Overwrite::kAllow);
+    if (prepare_picture_files != nullptr) {
+        prepare_picture_files();
+    }
 }
+
+NLayers::NLayers(LinkedList<n_layer>* layers, umbrixlib::InMemory /*tag*/) : records(layers) {}
 
 NLayers::~NLayers()
 {

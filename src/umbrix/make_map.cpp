@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "umbrix/make_map.h"
 
+#include "boundary/run_turn_internal.h"
 #include "layers/nlayers.h"
 #include "umbrix/gpu_map_run_internal.h"
 #include "umbrix/map_run_internal.h"
 
 #include <algorithm>
-#include <chrono>
-#include <mutex>
 #include <omp.h>
 #include <utility>
 
@@ -16,29 +15,6 @@ namespace umbrixlib {
 namespace detail {
 
 namespace {
-
-/// The turn of a run among those of other threads. The kernels and the graphics library are called by one
-/// thread at a time.
-class Turn {
-public:
-    /// Waits for it, unless @p report says to stop.
-    explicit Turn(RunReport const& report) : lock_(turns(), std::defer_lock)
-    {
-        constexpr std::chrono::milliseconds kLookEvery(5);
-        while (!lock_.try_lock_for(kLookEvery) && !report.stopping()) {
-        }
-    }
-    bool has_come() const { return lock_.owns_lock(); }
-
-private:
-    static std::timed_mutex& turns()
-    {
-        static std::timed_mutex only;
-        return only;
-    }
-
-    std::unique_lock<std::timed_mutex> lock_;
-};
 
 /// Lets a parallel region inside a parallel region have threads.
 class NestedTeams {
@@ -51,13 +27,6 @@ public:
 private:
     int const before_ = omp_get_max_active_levels();
 };
-
-bool is_readable(PictureView const& view)
-{
-    bool const has_size = view.width >= 0 && view.height >= 0;
-    bool const is_empty = view.width == 0 || view.height == 0;
-    return has_size && view.channels >= 1 && view.channels <= 4 && (is_empty || view.samples != nullptr);
-}
 
 /// Whether the stack has a layer for each description.
 bool has_whole_stack(MapRequest const& request)
@@ -112,12 +81,12 @@ MapResult make_map(MapRequest const& request)
     LayerBranch const layers(request.layers, request.stack);
     MapShape shape{request.source.height, request.source.width, 0};
     layers.settle(options, shape);
-    if (!options.blend_height && !is_readable(request.source)) {
+    if (!options.blend_height && !PictureSamples::are_readable(request.source)) {
         return result;
     }
 
     RunReport report(request.control);
-    Turn const turn(report);
+    RunTurn const turn(report);
     if (!turn.has_come()) {
         result.outcome = Outcome::kStopped;
         return result;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "boundary/folder_walk_internal.h"
 #include "boundary/platform.h"
+#include "files/folder_walk_internal.h"
 
 #include "kept_directory.h"
 #include "temporary_folder.h"

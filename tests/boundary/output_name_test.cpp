@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "boundary/output_name_internal.h"
 #include "boundary/platform.h"
+#include "files/output_name_internal.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

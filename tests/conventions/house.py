@@ -25,14 +25,12 @@ PARTS = [
     Part("common", [], []),
     Part(
         "src",
-        [["foundation"], ["boundary"], ["filters"], ["normals"], ["layers"], ["umbrix"], ["worklist"]],
+        [["foundation"], ["boundary"], ["filters"], ["normals"], ["layers"], ["umbrix"], ["files", "texels", "worklist"]],
         ["common/*"],
         ["src"],
         [
             # The boundary declares functions that take the plain record of the options.
             ("src/boundary/*.h", "src/umbrix/umbrix_options.h"),
-            # The folder batch of normals drives a layer stack.
-            ("src/normals/folder_to_normal*", "src/layers/*"),
         ],
     ),
     # A companion takes from src/ the declarations that it implements, and the plain records in them.

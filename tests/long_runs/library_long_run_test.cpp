@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The pipelines five hundred times in one process: memory, handles and threads after the first ten runs are
 // those of the last.
+#include "files/umbrix_file.h"
+#include "files/umbrix_file_gpu.h"
 #include "layers/nlayers.h"
 #include "process_use.h"
 #include "temporary_folder.h"
 #include "test_picture.h"
-#include "umbrix/file_cpu.h"
-#include "umbrix/file_gpu.h"
 #include "umbrix_test_options.h"
 
 #include <functional>

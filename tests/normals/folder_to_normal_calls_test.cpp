@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The calls that the folder batch of normal maps makes. The files are empty: stand-ins serve the pictures.
-#include "normals/folder_to_normal.h"
+#include "files/folder_to_normal.h"
 
 #include "call_log.h"
 #include "devil_fake.h"

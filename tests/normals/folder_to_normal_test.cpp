@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The folder batch of normal maps on real pictures.
-#include "normals/folder_to_normal.h"
+#include "files/folder_to_normal.h"
 
 #include "kept_directory.h"
 #include "normals/height_to_normal.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "umbrix/texel_umbrix.h"
+#include "texels/texel_umbrix.h"
 
 #include "umbrix_test_options.h"
 

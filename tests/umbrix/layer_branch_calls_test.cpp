@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // How a layer stack enters a run of UmbrixFile, with stand-ins for DevIL and the kernels. The input is 4x4
 // texels; the bilateral filter adds 1/8, generated normals are (0, 0, height), light adds 1/4 to x.
-#include "umbrix/file_cpu.h"
+#include "files/umbrix_file.h"
 
 #include "call_log.h"
 #include "devil_fake.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // UmbrixFile with layers, the real kernels and the real DevIL, compared with its steps called one by one.
-#include "umbrix/file_cpu.h"
+#include "files/umbrix_file.h"
 
 #include "boundary/texture_kernels.h"
 #include "layers/nlayers.h"

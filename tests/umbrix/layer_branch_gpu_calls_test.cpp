@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // How a layer stack enters a run of UmbrixFile_GPU, with stand-ins for DevIL, the kernels and the graphics
 // library. The input is 4x4 texels; the bilateral filter adds 1/8, pre-processing 1/16.
-#include "umbrix/file_gpu.h"
+#include "files/umbrix_file_gpu.h"
 
 #include "call_log.h"
 #include "devil_fake.h"

@@ -4,10 +4,12 @@
 #include "umbrix/make_map.h"
 
 #include "devil_fake.h"
+#include "files/umbrix_file.h"
+#include "files/umbrix_file_gpu.h"
 #include "filters/narrowing.h"
 #include "layers/nlayers.h"
-#include "umbrix/file_cpu.h"
-#include "umbrix/file_gpu.h"
+#include "normals/height_to_normal.h"
+#include "normals/make_normals.h"
 #include "umbrix_test_options.h"
 
 #include <array>
@@ -38,9 +40,11 @@ struct BytePicture {
     std::size_t texels() const { return static_cast<std::size_t>(width) * static_cast<std::size_t>(height); }
 
     /// What a file of it holds: three or four bytes a texel.
-    DevilFake::File file() const
+    DevilFake::File file() const { return file(channels % 2 == 0 ? 4 : 3); }
+
+    /// The stand-in hands out the bytes as they are, so who asks for three a texel has them served.
+    DevilFake::File file(int stored) const
     {
-        int const stored = channels % 2 == 0 ? 4 : 3;
         DevilFake::File file{width, height, 8 * stored, {}};
         for (std::size_t i = 0; i < texels(); ++i) {
             unsigned char const* const texel = &bytes[i * static_cast<std::size_t>(channels)];
@@ -66,7 +70,8 @@ public:
         uses_gpu = below(3) == 0;
         int const layers = below(3) == 0 ? 1 + below(3) : 0;
         for (int i = 0; i < layers; ++i) {
-            layer_pictures.push_back(picture(below(2) == 0 ? 3 : 4));
+            layer_pictures.push_back(picture(1 + below(4)));
+            layers_are_normals.push_back(i > 0 && below(3) == 0);
             if (below(3) != 0) {
                 layer_pictures.back().width = source.width;
                 layer_pictures.back().height = source.height;
@@ -80,6 +85,7 @@ public:
     umbrix_options options;
     bool uses_gpu;
     std::vector<BytePicture> layer_pictures;
+    std::vector<bool> layers_are_normals;
     std::vector<n_layer> records;
 
     int below(int end) { return static_cast<int>(generator_() % static_cast<std::uint32_t>(end)); }
@@ -186,13 +192,14 @@ Bytes through_files(RandomRun const& run)
     DevilFake& devil = DevilFake::instance();
     devil.serve(1, 1, 24);
     for (std::size_t i = 0; i < run.layer_pictures.size(); ++i) {
-        devil.files[run.records[i].filename] = run.layer_pictures[i].file();
+        devil.files[run.records[i].filename] = run.layer_pictures[i].file(3);
     }
     devil.files["source"] = run.source.file();
     LinkedList<n_layer> records = list_of(run.records);
-    NLayers stack(&records);
-    for (n_layer const& record : run.records) {
-        stack.AddLayer(record.filename.c_str()); // before the source, which is then the bound image
+    NLayers stack(&records); // filled before the source is loaded, which is then the bound image
+    for (std::size_t i = 0; i < run.records.size(); ++i) {
+        char const* const file = run.records[i].filename.c_str();
+        run.layers_are_normals[i] ? stack.AddNormalLayer(file) : stack.AddLayer(file);
     }
     umbrix_options options = run.options;
     std::string status;
@@ -215,12 +222,11 @@ public:
 
     MapResult make(MapForm form)
     {
-        DevilFake& devil = DevilFake::instance();
         LinkedList<n_layer> records = list_of(run_.records);
-        NLayers stack(&records);
+        NLayers stack(&records, umbrixlib::InMemory{});
         for (std::size_t i = 0; i < run_.layer_pictures.size(); ++i) {
-            devil.files[run_.records[i].filename] = run_.layer_pictures[i].file();
-            stack.AddLayer(run_.records[i].filename.c_str());
+            PictureView const view = run_.layer_pictures[i].view();
+            EXPECT_TRUE(run_.layers_are_normals[i] ? stack.AddNormalLayer(view) : stack.AddLayer(view));
         }
         MapRequest request;
         request.source = view_;
@@ -298,6 +304,66 @@ TEST(MakeMapParity, AWiderCopyOfAPictureOfBytesHasItsMap)
             view.type = SampleType::kFloat;
             ASSERT_EQ(InMemory(run, view).narrowed(channels), expected) << seed;
         }
+    }
+}
+
+/// The bytes of a stack's results as its file functions store them.
+TEST(MakeMapParity, ResultsOfAStackNarrowToTheBytesOfItsFiles)
+{
+    for (std::uint32_t seed = 0; seed < 600; ++seed) {
+        RandomRun const run(seed);
+        if (run.layer_pictures.empty()) {
+            continue;
+        }
+        LinkedList<n_layer> records = list_of(run.records);
+        NLayers stack(&records, umbrixlib::InMemory{});
+        for (BytePicture const& picture : run.layer_pictures) {
+            stack.AddLayer(picture.view());
+        }
+        stack.BlendLayers();
+        ASSERT_TRUE(stack.SaveResult("normals"));
+        auto const texels = static_cast<std::size_t>(stack.GetResultSize());
+        Bytes bytes(3 * texels);
+        umbrixlib::normals_to_bytes(stack.GetResult(), stack.GetResultSize(), bytes.data());
+        ASSERT_EQ(bytes, DevilFake::instance().stored) << seed;
+
+        ASSERT_TRUE(stack.SaveHeight("heights"));
+        auto* heights = new float[texels]();
+        stack.BlendHeightMap(heights);
+        Bytes greys(texels);
+        umbrixlib::heights_to_bytes(heights, stack.GetResultSize(), greys.data());
+        umbrixlib::stretch_heights(heights, stack.GetResultSize());
+        for (std::size_t i = 0; i < texels; ++i) {
+            ASSERT_EQ(greys[i], DevilFake::instance().stored[3 * i]) << seed;
+            ASSERT_EQ(greys[i], static_cast<unsigned char>(static_cast<double>(heights[i]) * 255.0)) << seed;
+        }
+        delete[] heights;
+    }
+}
+
+TEST(MakeMapParity, NormalsOfBytesNarrowToTheBytesOfTheFileFunction)
+{
+    for (std::uint32_t seed = 0; seed < 600; ++seed) {
+        RandomRun run(seed);
+        float const n_scale = run.options.n_scale;
+        float const gaussian = run.options.gaussian;
+        DevilFake& devil = DevilFake::instance();
+        devil.serve(1, 1, 24);
+        devil.files["source"] = run.source.file(3);
+        std::string status;
+        int progress = 0;
+        HeightToNormal("source", "normals", n_scale, gaussian, false, 0, run.options.L_Detail, false, false,
+                       &status, &progress);
+        umbrixlib::NormalsRequest request;
+        request.heights = run.source.view();
+        request.n_scale = n_scale;
+        request.gaussian = gaussian;
+        umbrixlib::NormalsResult const result = umbrixlib::make_normals(request);
+        ASSERT_EQ(result.outcome, Outcome::kDone);
+        auto const texels = static_cast<std::ptrdiff_t>(result.rows) * result.cols;
+        Bytes bytes(static_cast<std::size_t>(3 * texels));
+        umbrixlib::normals_to_bytes(result.normals.get(), texels, bytes.data());
+        ASSERT_EQ(bytes, devil.stored) << seed;
     }
 }
 

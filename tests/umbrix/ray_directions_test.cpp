@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "umbrix/ray_directions_internal.h"
+#include "texels/ray_directions_internal.h"
 
 #include "boundary/platform.h"
 #include "umbrix_test_options.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The calls that UmbrixFile makes into DevIL and the companion libraries, for every combination of the
 // options that steer its stages. Calls of the threads of one stage may come in any order; stages may not.
-#include "umbrix/file_cpu.h"
+#include "files/umbrix_file.h"
 
 #include "call_log.h"
 #include "devil_fake.h"

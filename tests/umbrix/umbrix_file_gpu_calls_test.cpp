@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The calls that UmbrixFile_GPU makes into the graphics library, DevIL and the kernels, and the bytes that
 // come out, for every combination of the options that steer its stages.
-#include "umbrix/file_gpu.h"
+#include "files/umbrix_file_gpu.h"
 
 #include "call_log.h"
 #include "devil_fake.h"

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 // UmbrixFile_GPU with the real kernels and the real DevIL, and with a graphics library whose stages call the
 // operators of the processor: compared with its steps called one by one, and with UmbrixFile.
-#include "umbrix/file_gpu.h"
+#include "files/umbrix_file_gpu.h"
 
 #include "boundary/texture_kernels.h"
+#include "files/umbrix_file.h"
 #include "graphics_fake.h"
 #include "layers/nlayers.h"
 #include "normals/height_to_normal.h"
@@ -11,7 +12,6 @@
 #include "same_bits.h"
 #include "temporary_folder.h"
 #include "test_picture.h"
-#include "umbrix/file_cpu.h"
 #include "umbrix/grading.h"
 #include "umbrix_test_options.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // UmbrixFile with the real kernels and the real DevIL, compared with its steps called one by one.
-#include "umbrix/file_cpu.h"
+#include "files/umbrix_file.h"
 
 #include "boundary/texture_kernels.h"
 #include "normals/height_to_normal.h"
@@ -8,8 +8,8 @@
 #include "same_bits.h"
 #include "temporary_folder.h"
 #include "test_picture.h"
+#include "texels/texel_umbrix.h"
 #include "umbrix/grading.h"
-#include "umbrix/texel_umbrix.h"
 #include "umbrix_test_options.h"
 
 #include <IL/il.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The calls that the folder batch of Umbrix maps makes. The files are empty: stand-ins serve the pictures.
-#include "umbrix/folder.h"
+#include "files/umbrix_folder.h"
 
 #include "call_log.h"
 #include "devil_fake.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The calls that the graphics form of the folder batch makes. The walk itself is that of UmbrixFolder.
-#include "umbrix/folder.h"
+#include "files/umbrix_folder.h"
 
 #include "call_log.h"
 #include "devil_fake.h"

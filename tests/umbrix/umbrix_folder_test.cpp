@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The folder batch of Umbrix maps on real pictures.
-#include "umbrix/folder.h"
+#include "files/umbrix_folder.h"
 
+#include "files/umbrix_file.h"
 #include "kept_directory.h"
 #include "picture_files.h"
 #include "temporary_folder.h"
-#include "umbrix/file_cpu.h"
 #include "umbrix_test_options.h"
 
 #include <gtest/gtest.h>

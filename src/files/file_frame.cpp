@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "umbrix/file_frame_internal.h"
+#include "files/file_frame_internal.h"
 
 #include "boundary/image_io.h"
 

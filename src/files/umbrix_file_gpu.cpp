@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "umbrix/file_gpu.h"
+#include "files/umbrix_file_gpu.h"
 
 #include "boundary/image_io.h"
-#include "umbrix/file_frame_internal.h"
+#include "files/file_frame_internal.h"
 #include "umbrix/gpu_map_run_internal.h"
 
 namespace umbrixlib::detail {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "boundary/folder_walk_internal.h"
+#include "files/folder_walk_internal.h"
 #include "umbrix/umbrix_options.h"
 
 #include <functional>

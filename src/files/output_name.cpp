@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "boundary/output_name_internal.h"
+#include "files/output_name_internal.h"
 
-#include "boundary/folder_walk_internal.h"
+#include "files/folder_walk_internal.h"
 #include "foundation/text.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "umbrix/file_cpu.h"
+#include "files/umbrix_file.h"
 
 #include "boundary/image_io.h"
-#include "umbrix/file_frame_internal.h"
+#include "files/file_frame_internal.h"
 #include "umbrix/map_run_internal.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "boundary/folder_walk_internal.h"
+#include "files/folder_walk_internal.h"
 
 namespace umbrixlib::detail {
 

@@ -4,8 +4,7 @@
 #include "boundary/image_io.h"
 #include "boundary/texture_kernels.h"
 #include "filters/narrowing.h"
-#include "filters/recursive_gaussian.h"
-#include "foundation/picture_samples_internal.h"
+#include "normals/colour_heights_internal.h"
 #include "normals/filter_tables_internal.h"
 
 #include <cstddef>
@@ -32,6 +31,7 @@ void filter_without_effect(float3* image, ImageSize size, std::size_t texels, fl
 
 inline namespace umbrix_v0 {
 
+using namespace umbrixlib;
 using namespace umbrixlib::detail;
 
 bool HeightToNormal(char const* source, char const* destination, float n_scale, float gaussian,
@@ -46,30 +46,17 @@ bool HeightToNormal(char const* source, char const* destination, float n_scale, 
     auto const texels = static_cast<std::ptrdiff_t>(size.width) * size.height;
     auto const count = static_cast<std::size_t>(texels);
     ImageBytes const bytes = make_image_bytes(count, 3);
-    auto const image = make_large_array<float3>(count);
-
     copy_pixels(size, PixelFormat::kRgb, bytes.get());
-    auto* const components = reinterpret_cast<float*>(image.get());
-    unsigned char* const component_bytes = bytes.get();
-#pragma omp parallel for schedule(static)
-    for (std::ptrdiff_t i = 0; i < texels; ++i) {
-        for (std::ptrdiff_t c = 3 * i; c < 3 * i + 3; ++c) {
-            components[c] = from_byte(component_bytes[c]);
-        }
-    }
-    *progress_text = "Generating Normal";
-    *progress = 0;
-
+    PictureView const view{bytes.get(), size.width, size.height, 3, SampleType::kUint8};
+    auto const image = fetch_colours(PictureSamples::of(view), size.height, size.width);
+    RunReport report(progress_text, progress);
+    report.begin("Generating Normal");
     if (L_Detail > 1.0f) {
         filter_without_effect(image.get(), size, count, L_Detail);
     }
-    if (gaussian > 0.0f) {
-        auto const scratch = make_large_array<float3>(count);
-        gaussianFilterRGBA(image.get(), image.get(), scratch.get(), size.width, size.height, gaussian);
-    }
-    Height2Normal(image.get(), size.height, size.width, n_scale);
+    turn_into_normals(image.get(), size.height, size.width, n_scale, gaussian, report);
 
-    umbrixlib::normals_to_bytes(image.get(), texels, bytes.get());
+    normals_to_bytes(image.get(), texels, bytes.get());
     refill_image(size, bytes.get());
     return save_image(destination) != FileOutcome::kMessageShown;
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "umbrix/texel_umbrix.h"
+#include "texels/texel_umbrix.h"
 
 #include "boundary/platform.h"
 #include "common/rounding.h"
-#include "umbrix/ray_directions_internal.h"
+#include "texels/ray_directions_internal.h"
 
 #include <algorithm>
 #include <atomic>

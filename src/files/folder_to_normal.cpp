@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "normals/folder_to_normal.h"
+#include "files/folder_to_normal.h"
 
-#include "boundary/folder_walk_internal.h"
-#include "boundary/output_name_internal.h"
+#include "files/folder_walk_internal.h"
+#include "files/output_name_internal.h"
 #include "layers/nlayers.h"
 #include "normals/height_to_normal.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "umbrix/folder_batch_internal.h"
+#include "files/folder_batch_internal.h"
 
-#include "boundary/output_name_internal.h"
+#include "files/output_name_internal.h"
 
 #include <atomic>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "umbrix/texel_umbrix.h"
+#include "texels/texel_umbrix.h"
 
 #include "common/rounding.h"
 

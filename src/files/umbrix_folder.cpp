@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "umbrix/folder.h"
+#include "files/umbrix_folder.h"
 
-#include "umbrix/file_frame_internal.h"
-#include "umbrix/folder_batch_internal.h"
+#include "files/file_frame_internal.h"
+#include "files/folder_batch_internal.h"
 #include "umbrix/kept_buffers_internal.h"
 
 inline namespace umbrix_v0 {
