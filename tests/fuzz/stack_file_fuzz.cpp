@@ -5,8 +5,7 @@
 #include "one_line.h"
 #include "terminal/advice.h"
 #include "toolkit/settings/stack_file.h"
-
-#include <nlohmann/json.hpp>
+#include "toolkit/workers/crossing_internal.h"
 
 namespace {
 
@@ -42,9 +41,9 @@ void check(StackFile const& file)
     // What a worker is told is all of it.
     StackJob job;
     job.description = description;
-    nlohmann::json const told = job;
-    nlohmann::json const heard = nlohmann::json::parse(told.dump());
-    demand(nlohmann::json(heard.get<StackJob>()) == told, "a worker hears what it is told");
+    std::string message = pack(Job(job));
+    Job const arrived = unpack_job(take_message(message, message.size()).value());
+    demand(std::get<StackJob>(arrived) == job, "a worker hears what it is told");
 }
 
 } // namespace

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-/// The pool with stand-ins for its workers. This program plays them itself: what one does is the name of its
-/// input.
+/// The pool with stand-ins for its workers. This program plays them itself: what one does is the scratch
+/// folder of its job.
 #include "toolkit/base/stop.h"
 #include "toolkit/workers/worker_pool.h"
 
-#include "toolkit/base/worker_channel.h"
 #include "toolkit/workers/processor_share.h"
+#include "toolkit/workers/worker_channel.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -39,18 +39,19 @@ std::vector<int> own_processors()
 }
 
 /// Acts of a stand-in, each with a word after it.
-void act(std::string const& name, std::string const& word)
+void act(WorkerChannel& channel, std::string const& name, std::string const& word)
 {
     if (name == "abort") {
         std::abort();
     } else if (name == "exit") {
         std::_Exit(std::stoi(word));
     } else if (name == "phase") {
-        send_phase(static_cast<Phase>(std::stoi(word)));
+        auto const phase = static_cast<Phase>(std::stoi(word));
+        channel.begin(phase, phase == Phase::kReading || phase == Phase::kMaking ? "in" : "out");
     } else if (name == "note") {
-        send_note({word, NoteKind::kPlain, word == "detail"});
+        channel.note("in", {word, NoteKind::kPlain, word == "detail"});
     } else if (name == "fail") {
-        throw Failure(Fault::kNotWorkedOn, "input", word);
+        throw Failure(Fault::kNotWorkedOn, "in", word);
     } else if (name == "rave") {
         std::string const nonsense = "{\"phase\": \"" + word + "\"}\n{]\n";
         if (write(kEventDescriptor, nonsense.data(), nonsense.size()) > 0) {
@@ -65,27 +66,27 @@ void act(std::string const& name, std::string const& word)
     } else if (name == "take") {
         std::vector<char> memory(static_cast<std::size_t>(std::stoi(word)) << 20U, 1);
         std::fill(memory.begin(), memory.end(), static_cast<char>(getpid()));
-        send_progress("taken", memory[memory.size() / 2]);
+        channel.stage("taken", memory[memory.size() / 2]);
     }
 }
 
 int play_a_worker()
 {
     alarm(60);
-    std::string bytes;
-    char piece[4096];
-    for (ssize_t got = 0; (got = read(STDIN_FILENO, piece, sizeof piece)) > 0;) {
-        bytes.append(piece, static_cast<std::size_t>(got));
-    }
-    Job const job = unpack_job({bytes.begin(), bytes.end()});
+    WorkerChannel channel;
+    auto const job = std::get<MapJob>(channel.read_job());
     try {
-        std::istringstream acts(job.input);
+        std::istringstream acts(job.files.scratch);
         for (std::string name, word; acts >> name >> word;) {
-            act(name, word);
+            act(channel, name, word);
         }
-        send_result({{"input", job.input}, {"processors", own_processors()}, {"team", omp_get_num_procs()}});
+        MapReport report;
+        report.reason = job.files.scratch;
+        report.difference = own_processors();
+        report.width = omp_get_num_procs();
+        channel.send(report);
     } catch (Failure const& failure) {
-        send_failure(failure);
+        channel.send(failure);
     }
     return 0;
 }
@@ -131,7 +132,7 @@ public:
     std::map<std::size_t, double> limits; ///< Seconds for decoding; else plenty.
     std::function<void(std::size_t)> on_open;
     std::function<void()> on_stopping;
-    std::function<void(nlohmann::json const&)> on_complete;
+    std::function<void(MapReport const&)> on_complete;
     std::map<std::size_t, PoolEnding> endings;
     std::vector<std::string> notes;
     std::vector<std::size_t> stopped_with;
@@ -152,16 +153,17 @@ private:
 
         umbrixlib::toolkit::Job job() const override
         {
-            umbrixlib::toolkit::Job job;
-            job.input = act_;
+            MapJob job;
+            job.files.input = "in";
+            job.files.scratch = act_;
             return job;
         }
-        Briefing briefing() const override { return {"in", "out", limit_}; }
-        void complete(nlohmann::json const& report) override
+        double timeout_seconds() const override { return limit_; }
+        void complete(Report const& report) override
         {
             ++director_.completed;
             if (director_.on_complete) {
-                director_.on_complete(report);
+                director_.on_complete(std::get<MapReport>(report));
             }
         }
 
@@ -196,7 +198,7 @@ TEST_F(WorkerPool, EndsEachPieceOnce)
     EXPECT_TRUE(run(director, acts.size(), 4));
     EXPECT_EQ(director.endings.size(), acts.size());
     for (auto const& [index, ending] : director.endings) {
-        EXPECT_EQ(ending.report.at("input"), acts[index]);
+        EXPECT_EQ(std::get<MapReport>(ending.report.value()).reason, acts[index]);
         EXPECT_FALSE(ending.failure || ending.stopped);
         EXPECT_GT(ending.seconds, 0.0);
         EXPECT_GT(ending.peak_kib, 0);
@@ -257,8 +259,8 @@ TEST_F(WorkerPool, GoesOnAfterPiecesThatDoNotBegin)
 TEST_F(WorkerPool, TellsIfAPieceCannotBeCompleted)
 {
     Director director({"note a", "note b", "note c"});
-    director.on_complete = [](nlohmann::json const& report) {
-        if (report.at("input") == "note b") {
+    director.on_complete = [](MapReport const& report) {
+        if (report.reason == "note b") {
             throw Failure(Fault::kNameNotTaken, "out", "it cannot take its name");
         }
     };
@@ -289,8 +291,9 @@ TEST_F(WorkerPool, SharesTheProcessorsOut)
         EXPECT_TRUE(run(director, workers, workers));
         std::map<int, std::size_t> used;
         for (auto const& [index, ending] : director.endings) {
-            auto const processors = ending.report.at("processors").get<std::vector<int>>();
-            EXPECT_EQ(ending.report.at("team"), processors.size());
+            auto const& report = std::get<MapReport>(ending.report.value());
+            std::vector<int> const& processors = report.difference;
+            EXPECT_EQ(report.width, processors.size());
             EXPECT_GE(processors.size(), std::max<std::size_t>(all.size() / workers, 1));
             for (int const processor : processors) {
                 ++used[processor];
@@ -308,9 +311,9 @@ TEST_F(WorkerPool, KeepsTheLastThatLibrariesPrinted)
 {
     Director director({"say hello wait 20", "say bye fail badly", "say \x1b[2J wait 1"});
     EXPECT_TRUE(run(director, 3, 1));
-    EXPECT_EQ(director.endings.at(0).chatter, "hello");
-    EXPECT_EQ(director.endings.at(1).chatter, "bye");
-    EXPECT_EQ(director.endings.at(2).chatter, "\\x1B[2J");
+    EXPECT_EQ(director.endings.at(0).printed, "hello");
+    EXPECT_EQ(director.endings.at(1).printed, "bye");
+    EXPECT_EQ(director.endings.at(2).printed, "\\x1B[2J");
 }
 
 TEST_F(WorkerPool, MeasuresTheMemoryOfEachWorker)

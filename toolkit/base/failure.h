@@ -18,7 +18,7 @@ struct Failure : std::runtime_error {
     }
 
     Fault fault;
-    std::string subject; ///< The file at fault, or the part of the system. In a worker: "input" or "output".
+    std::string subject; ///< The file at fault, or the part of the system. Empty: the file at work.
     std::string remedy;  ///< What helps, where that depends on data: "give 0 to 10". Else empty.
 };
 

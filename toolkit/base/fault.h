@@ -75,7 +75,6 @@ enum class Fault {
     kRunBrokeDown,     ///< The worker ended while it made the result.
     kWritingBrokeDown, ///< The worker ended while it wrote the result.
     kWorkerUnheard,    ///< A worker cannot be listened to.
-    kJobNotTaken,      ///< A worker does not take its job.
     kNoWorker,         ///< No worker can be started.
 
     // Batches.

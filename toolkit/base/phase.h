@@ -3,9 +3,9 @@
 
 namespace umbrixlib::toolkit {
 
-/// What a worker is doing, so that its sudden end can be told from.
+/// What a job is at. Where it ends all of a sudden, the reason follows from it.
 enum class Phase {
-    kReading,       ///< Decoding the input.
+    kReading,       ///< Decoding a file.
     kMaking,        ///< The work itself.
     kWriting,       ///< Encoding the output.
     kChecking,      ///< Reading the output back.

@@ -64,12 +64,14 @@ ListPiece piece_of(umbrix_node job, fs::path const& file, Graphics const& graphi
     }
     job.filename = file.string();
     ListPiece piece;
-    piece.job = pack_list_job(job);
+    piece.job.data = job;
+    piece.job.layers = layers_of(job);
+    piece.job.graphics = graphics;
     std::vector<fs::path> read{file};
-    for (auto const* each = job.layers.head; each != nullptr; each = each->next) {
-        read.emplace_back(each->data.filename);
+    for (n_layer const& layer : piece.job.layers) {
+        read.emplace_back(layer.filename);
     }
-    std::vector<std::uint8_t> made_of = piece.job;
+    std::vector<std::uint8_t> made_of = pack_list_job(job);
     made_of.push_back(road_of(graphics));
     piece.digest = digest_of(made_of, read);
     return piece;

@@ -3,7 +3,7 @@
 
 #include "toolkit/batch/batch_plan.h"
 #include "toolkit/lists/list_log.h"
-#include "toolkit/settings/graphics_settings.h"
+#include "toolkit/tasks/jobs.h"
 
 #include <cstdint>
 #include <umbrixlib.h>
@@ -19,9 +19,9 @@ struct ListChoice {
     Graphics graphics;
 };
 
-/// A file of a job: what a worker is told, and what the log remembers.
+/// A file of a job of the list: what is to be done, and what the log remembers.
 struct ListPiece {
-    std::vector<std::uint8_t> job;
+    ListJob job; ///< Without the files.
     std::uint64_t digest = 0;
 };
 

@@ -27,18 +27,21 @@ PictureFile::PictureFile(fs::path const& input, fs::path named, bool overwrite)
 {
 }
 
-void PictureFile::name_files(Job& job) const
+void PictureFile::name_files(JobFiles& files) const
 {
-    job.input = input_.string();
-    job.output = file_.temporary().string();
-    job.scratch = scratch_.path().string();
+    files.input = input_.string();
+    files.output = {file_.temporary().string(), named_.string()};
+    files.scratch = scratch_.path().string();
 }
 
-Written PictureFile::complete(nlohmann::json report)
+void PictureFile::complete()
 {
     file_.move_into_place(overwrite_);
-    std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start_;
-    return {named_, std::move(report), taken.count()};
+}
+
+double PictureFile::seconds() const
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
 }
 
 } // namespace umbrixlib::toolkit

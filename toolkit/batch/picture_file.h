@@ -2,20 +2,12 @@
 #pragma once
 
 #include "toolkit/files/temporary.h"
-#include "toolkit/tasks/job.h"
+#include "toolkit/tasks/jobs.h"
 
 #include <chrono>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 
 namespace umbrixlib::toolkit {
-
-/// A finished file and the worker's report about it.
-struct Written {
-    std::filesystem::path output;
-    nlohmann::json report;
-    double seconds;
-};
 
 /// A picture on its way from an input to an output: the checks, the temporary files of the worker, and the
 /// renaming in the end. Nothing temporary outlives the object.
@@ -25,11 +17,14 @@ public:
     /// @param named The output as the user knows it.
     PictureFile(std::filesystem::path const& input, std::filesystem::path named, bool overwrite);
 
-    /// Fills in the fields of @p job that name files.
-    void name_files(Job& job) const;
+    /// Fills in @p files, but for the limit on texels.
+    void name_files(JobFiles& files) const;
 
     /// Gives the file its name. What the worker wrote is whole and read back by now.
-    Written complete(nlohmann::json report);
+    void complete();
+
+    /// Since the object was made.
+    double seconds() const;
 
 private:
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();

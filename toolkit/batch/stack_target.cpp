@@ -9,7 +9,7 @@ namespace umbrixlib::toolkit {
 
 namespace fs = std::filesystem;
 
-StackTarget::StackTarget(fs::path named, fs::path target, char const* what, StackOutput StackJob::*field)
+StackTarget::StackTarget(fs::path named, fs::path target, char const* what, Output StackJob::*field)
     : named_(std::move(named)), target_(std::move(target)), what_(what), field_(field)
 {
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "toolkit/files/temporary.h"
-#include "toolkit/settings/stack_description.h"
+#include "toolkit/tasks/jobs.h"
 
 #include <filesystem>
 #include <memory>
@@ -17,7 +17,7 @@ public:
     /// @param what   "normal map" and the like.
     /// @param field  The output in a job.
     StackTarget(std::filesystem::path named, std::filesystem::path target, char const* what,
-                StackOutput StackJob::*field);
+                Output StackJob::*field);
 
     std::filesystem::path const& named() const { return named_; }
     char const* what() const { return what_; }
@@ -33,7 +33,7 @@ private:
     std::filesystem::path named_;
     std::filesystem::path target_;
     char const* what_;
-    StackOutput StackJob::*field_;
+    Output StackJob::*field_;
     std::unique_ptr<OutputFile> file_;
 };
 

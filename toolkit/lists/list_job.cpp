@@ -73,6 +73,25 @@ umbrix_node unpack_list_job(std::vector<std::uint8_t> const& bytes)
     return record;
 }
 
+std::vector<n_layer> layers_of(umbrix_node const& job)
+{
+    std::vector<n_layer> layers;
+    for (auto const* each = job.layers.head; each != nullptr; each = each->next) {
+        layers.push_back(each->data);
+    }
+    return layers;
+}
+
+umbrix_node node_of(umbrix_data const& data, std::vector<n_layer> const& layers)
+{
+    umbrix_node node;
+    static_cast<umbrix_data&>(node) = data;
+    for (n_layer const& layer : layers) {
+        node.layers.Add(layer);
+    }
+    return node;
+}
+
 #undef UMBRIX_PACK
 #undef UMBRIX_UNPACK
 

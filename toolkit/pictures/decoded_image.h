@@ -15,6 +15,8 @@ struct ChannelRange {
     double minimum;
     double maximum;
     double mean;
+
+    bool operator==(ChannelRange const&) const = default;
 };
 
 /// A file as its decoder read it. Hostile files can crash some decoders, so an object of this class is made

@@ -2,7 +2,6 @@
 #include "toolkit/pictures/encode.h"
 
 #include "toolkit/base/failure.h"
-#include "toolkit/base/worker_channel.h"
 #include "toolkit/files/flush_to_disk.h"
 #include "toolkit/pictures/decoded_image.h"
 #include "toolkit/pictures/encoder.h"
@@ -46,35 +45,36 @@ bool disk_is_full(std::filesystem::path const& file)
 
 } // namespace
 
-void check_size(OutputFormat const& format, int width, int height)
+void check_size(OutputFormat const& format, std::string const& name, int width, int height)
 {
     if (std::max(width, height) > format.longest_side) {
-        throw Failure(Fault::kSizeOutsideFormat, "output",
+        throw Failure(Fault::kSizeOutsideFormat, name,
                       fmt::format("{} files end at {} texels a side", format.extension, format.longest_side));
     }
     if (format.powers_of_two && !(is_power_of_two(width) && is_power_of_two(height))) {
-        throw Failure(Fault::kSizeOutsideFormat, "output",
+        throw Failure(Fault::kSizeOutsideFormat, name,
                       fmt::format("{} files have sides of powers of two, not {} x {}", format.extension,
                                   width, height));
     }
 }
 
-void write_picture(std::filesystem::path const& file, OutputFormat const& format, Picture const& picture)
+void write_picture(std::filesystem::path const& file, OutputFormat const& format, std::string const& name,
+                   Picture const& picture, Observer& observer)
 {
-    check_size(format, picture.width, picture.height);
+    check_size(format, name, picture.width, picture.height);
     Picture const upright = picture.channels == 4 && !format.alpha ? without_alpha(picture) : picture;
-    send_phase(Phase::kWriting);
+    observer.begin(Phase::kWriting, name);
     bool const saved =
         format.encoder->encode(file, format.rows_from_the_top ? upside_down(upright) : upright) &&
         flush_to_disk(file);
-    send_phase(Phase::kChecking);
+    observer.begin(Phase::kChecking, name);
     if (saved && reads_back(file, format, upright)) {
         return;
     }
     if (disk_is_full(file)) {
-        throw Failure(Fault::kNotWritten, "output", "the disk is full");
+        throw Failure(Fault::kNotWritten, name, "the disk is full");
     }
-    throw Failure(Fault::kNotReadBack, "output", "what was written does not read back as it should");
+    throw Failure(Fault::kNotReadBack, name, "what was written does not read back as it should");
 }
 
 } // namespace umbrixlib::toolkit

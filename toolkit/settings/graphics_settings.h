@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 
 namespace umbrixlib::toolkit {
@@ -10,9 +9,8 @@ namespace umbrixlib::toolkit {
 struct Graphics {
     std::optional<int> device; ///< Number of the device; empty: on the CPU.
     bool match_cpu = false;    ///< Heights are turned and scaled to those of a map made on the CPU.
-};
 
-void to_json(nlohmann::json& fields, Graphics const& graphics);
-void from_json(nlohmann::json const& fields, Graphics& graphics);
+    bool operator==(Graphics const&) const = default;
+};
 
 } // namespace umbrixlib::toolkit

@@ -51,6 +51,8 @@ struct Settings {
     int max;
     float brightness;
     float smooth;
+
+    bool operator==(Settings const&) const = default;
 };
 
 /// Height scale of the occlusion: `h_scale`, or the relief.

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,31 +23,16 @@ struct StackLayer {
 
     /// What messages call its picture.
     std::string file_label() const { return label + ": file: " + file; }
+
+    bool operator==(StackLayer const&) const = default;
 };
 
 /// Layers from the lowest to the uppermost.
 struct StackDescription {
     float normal_scale = 1;
     std::vector<StackLayer> layers;
-};
 
-/// A picture to be made: the temporary file that is written, empty if the picture is not wanted, and what
-/// messages call it.
-struct StackOutput {
-    std::string file;
-    std::string name;
+    bool operator==(StackDescription const&) const = default;
 };
-
-/// What a worker is told about a stack.
-struct StackJob {
-    StackDescription description;
-    StackOutput normals;
-    StackOutput heights;
-    StackOutput map;
-    bool map_from_layers = false; ///< The map is made by the library's own way with layers.
-};
-
-void to_json(nlohmann::json& fields, StackJob const& job);
-void from_json(nlohmann::json const& fields, StackJob& job);
 
 } // namespace umbrixlib::toolkit

@@ -1,24 +1,20 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/base/worker_channel.h"
-#include "toolkit/tasks/job.h"
+#include "toolkit/tasks/tasks.h"
 
-#include <nlohmann/json.hpp>
 #include <umbrixlib.h>
 
 namespace umbrixlib::toolkit {
 
-nlohmann::json run_devices_task()
+DevicesReport run(DevicesJob const& /*job*/, Observer& observer)
 {
-    send_phase(Phase::kOpeningDevice);
-    nlohmann::json devices = nlohmann::json::array();
+    observer.begin(Phase::kOpeningDevice, "graphics library");
+    DevicesReport report;
     for (int device = 0; device < DeviceCount(); ++device) {
         SetDevice(device);
-        devices.push_back({{"number", device},
-                           {"name", DeviceName(device)},
-                           {"backend", ActiveBackend()},
-                           {"default", device == 0}});
+        report.devices.push_back({device, DeviceName(device), ActiveBackend(), device == 0});
     }
-    return {{"devices", devices}, {"last_error", LastError()}};
+    report.last_error = LastError();
+    return report;
 }
 
 } // namespace umbrixlib::toolkit

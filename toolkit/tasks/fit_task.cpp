@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/base/failure.h"
-#include "toolkit/base/worker_channel.h"
-#include "toolkit/tasks/job.h"
 #include "toolkit/tasks/library_run.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/relief_fit.h"
+#include "toolkit/tasks/tasks.h"
 
 #include <cmath>
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 #include <umbrixlib.h>
 #include <utility>
 
@@ -64,33 +62,29 @@ struct Pair {
     Picture picture; ///< The normal map.
 };
 
-Pair read_pair(Job const& job)
+Pair read_pair(FitJob const& job, Observer& observer)
 {
     Pair pair{};
     {
-        PreparedInput const input = prepare_input(job);
+        PreparedInput const input = prepare_input({job.heights, job.heights, job.max_texels}, observer);
         if (input.guess.kind == Kind::kNormalMap) {
-            send_note({"this looks like a normal map (" + input.guess.reason +
-                       "); its brightness is taken for heights"});
+            observer.note(job.heights, {"this looks like a normal map (" + input.guess.reason +
+                                        "); its brightness is taken for heights"});
         }
         pair.width = input.width;
         pair.height = input.height;
         pair.heights = heights_of(input.picture);
     }
-    send_file(job.normals);
-    Job second = job;
-    second.input = job.normals;
-    PreparedInput input = prepare_input(second);
+    PreparedInput input = prepare_input({job.normals, job.normals, job.max_texels}, observer);
     if (input.width != pair.width || input.height != pair.height) {
-        throw Failure(Fault::kSizesDiffer, "input",
+        throw Failure(Fault::kSizesDiffer, job.normals,
                       fmt::format("its size is {} x {} and that of the height map {} x {}", input.width,
                                   input.height, pair.width, pair.height));
     }
     if (input.guess.kind == Kind::kHeightMap) {
-        send_note({"this does not look like a normal map: " + input.guess.reason});
+        observer.note(job.normals, {"this does not look like a normal map: " + input.guess.reason});
     }
     pair.picture = std::move(input.picture);
-    send_file("");
     return pair;
 }
 
@@ -176,12 +170,12 @@ double rounded(double value)
 
 } // namespace
 
-nlohmann::json run_fit_task(Job const& job)
+FitReport run(FitJob const& job, Observer& observer)
 {
-    Pair pair = read_pair(job);
-    send_phase(Phase::kMaking);
-    nlohmann::json report;
-    run_library([&](std::string* status, int* progress) {
+    Pair pair = read_pair(job, observer);
+    observer.begin(Phase::kMaking, job.heights);
+    FitReport report;
+    run_library(job.heights, observer, [&](std::string* status, int* progress) {
         PairFit fit(pair, job.settings.detail, status, progress);
         double gaussian = rounded(static_cast<double>(job.settings.gaussian));
         fit.choose_middle(gaussian);
@@ -194,16 +188,16 @@ nlohmann::json run_fit_task(Job const& job)
         FittedScale const& best = result.best();
         double const flat = flat_mean_angle_degrees(fit.normals());
         double const relief = rounded(fit.relief_of(best.n_scale));
-        report = {{"width", pair.width},
-                  {"height", pair.height},
-                  {"relief", relief},
-                  {"n_scale", rounded(relief * pair.width / 2.0)},
-                  {"gaussian", gaussian},
-                  {"green", down ? NormalY::kDown : NormalY::kUp},
-                  {"mean_angle_degrees", best.mean_angle_degrees},
-                  {"other_green_mean_angle_degrees", (down ? result.up : result.down).mean_angle_degrees},
-                  {"flat_mean_angle_degrees", flat},
-                  {"beats_flat", best.mean_angle_degrees < kBetter * flat}};
+        report.width = pair.width;
+        report.height = pair.height;
+        report.relief = relief;
+        report.n_scale = rounded(relief * pair.width / 2.0);
+        report.gaussian = gaussian;
+        report.green = down ? NormalY::kDown : NormalY::kUp;
+        report.mean_angle_degrees = best.mean_angle_degrees;
+        report.other_green_mean_angle_degrees = (down ? result.up : result.down).mean_angle_degrees;
+        report.flat_mean_angle_degrees = flat;
+        report.beats_flat = best.mean_angle_degrees < kBetter * flat;
         return true;
     });
     return report;

@@ -2,11 +2,9 @@
 #include "toolkit/tasks/graphics_run.h"
 
 #include "toolkit/base/failure.h"
-#include "toolkit/base/worker_channel.h"
 
 #include <cmath>
 #include <fmt/format.h>
-#include <string>
 
 namespace umbrixlib::toolkit {
 
@@ -20,10 +18,10 @@ std::string report_at_opening;
 
 } // namespace
 
-nlohmann::json open_device(Graphics const& graphics)
+DeviceReport open_device(Graphics const& graphics, std::string const& file, Observer& observer)
 {
     int const device = graphics.device.value();
-    send_phase(Phase::kOpeningDevice);
+    observer.begin(Phase::kOpeningDevice, file);
     int const count = DeviceCount();
     if (count == 0) {
         throw Failure(Fault::kNoDevice, "graphics device",
@@ -37,20 +35,21 @@ nlohmann::json open_device(Graphics const& graphics)
     std::string const name = DeviceName(device);
     report_at_opening = LastError();
     if (backend == kHostBackend) {
-        send_note(
-            {fmt::format("device {}, {}, is the processor itself", device, name), NoteKind::kDeviceIsCpu});
+        observer.note(file, {fmt::format("device {}, {}, is the processor itself", device, name),
+                             NoteKind::kDeviceIsCpu});
     }
     if (!graphics.match_cpu) {
-        send_note(
-            {"on a graphics processor heights count inverted and at full scale", NoteKind::kGraphicsHeights});
+        observer.note(file, {"on a graphics processor heights count inverted and at full scale",
+                             NoteKind::kGraphicsHeights});
     }
-    return {{"name", name}, {"backend", backend}};
+    return {name, backend};
 }
 
-void note_fallback()
+void note_fallback(std::string const& file, Observer& observer)
 {
     if (report_at_opening != LastError()) {
-        send_note({fmt::format("the processor took over from the graphics processor: {}", LastError())});
+        observer.note(file,
+                      {fmt::format("the processor took over from the graphics processor: {}", LastError())});
     }
 }
 

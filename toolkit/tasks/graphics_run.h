@@ -1,21 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/base/observer.h"
 #include "toolkit/settings/graphics_settings.h"
+#include "toolkit/tasks/reports.h"
 
-#include <nlohmann/json.hpp>
+#include <string>
 #include <umbrixlib.h>
 
 namespace umbrixlib::toolkit {
 
-/// The worker's side of a run on a graphics processor.
-
-/// Selects the device, tells what the user should know about it, and returns its name and backend for the
-/// report. A Failure if there is no such device.
-nlohmann::json open_device(Graphics const& graphics);
+/// Selects the device for a run on @p file, and tells what the user should know about it. A Failure if there
+/// is no such device.
+DeviceReport open_device(Graphics const& graphics, std::string const& file, Observer& observer);
 
 /// Notes that stages were run on the processor instead, if they were.
-void note_fallback();
+void note_fallback(std::string const& file, Observer& observer);
 
 /// How the library is asked to run on @p device.
 GPU_opt gpu_options(int device);

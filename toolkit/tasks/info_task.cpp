@@ -1,29 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/tasks/job.h"
 #include "toolkit/tasks/prepared_input.h"
-
-#include <nlohmann/json.hpp>
+#include "toolkit/tasks/tasks.h"
 
 namespace umbrixlib::toolkit {
 
-nlohmann::json run_info_task(Job const& job)
+InfoReport run(InfoJob const& job, Observer& observer)
 {
-    DecodedImage const image = decode_input(job);
+    DecodedImage const image = decode_input({job.input, job.input, job.max_texels}, observer);
     KindGuess const guess = guess_kind(in_8_bits(image.to_picture(false)), job.input);
-    nlohmann::json channels = nlohmann::json::array();
-    for (ChannelRange const& range : image.ranges()) {
-        channels.push_back({{"name", range.name},
-                            {"minimum", range.minimum},
-                            {"maximum", range.maximum},
-                            {"mean", range.mean}});
-    }
-    return {{"width", image.width()},
-            {"height", image.height()},
-            {"bits_per_channel", image.bits_per_channel()},
-            {"pixel", image.description()},
-            {"channels", channels},
-            {"taken_for", guess.kind == Kind::kHeightMap ? "height map" : "normal map"},
-            {"because", guess.reason}};
+    return {image.width(), image.height(), image.bits_per_channel(), image.description(), image.ranges(),
+            guess.kind,    guess.reason};
 }
 
 } // namespace umbrixlib::toolkit

@@ -39,7 +39,7 @@ Picture read_result(std::filesystem::path const& file, int width, int height, in
     if (error || size < tga_size(width, height, channels)) {
         throw no_room_for(file);
     }
-    DecodedImage const image(file, "input", static_cast<double>(width) * height);
+    DecodedImage const image(file, "", static_cast<double>(width) * height);
     return image.to_picture(channels == 4);
 }
 

@@ -2,7 +2,6 @@
 #include "toolkit/tasks/library_run.h"
 
 #include "toolkit/base/failure.h"
-#include "toolkit/base/worker_channel.h"
 
 #include <atomic>
 #include <chrono>
@@ -105,7 +104,7 @@ void check_team_size()
 
 } // namespace
 
-void run_library(std::function<bool(std::string* status, int* progress)> const& work)
+void run_library(std::string const& file, Observer& observer, LibraryCall const& call, bool* cancel)
 {
     set_message_handler(keep_error_box);
     ProgressPair pair;
@@ -117,7 +116,7 @@ void run_library(std::function<bool(std::string* status, int* progress)> const& 
     std::thread worker([&] {
         try {
             check_team_size();
-            good = work(pair.status(), pair.progress());
+            good = call(pair.status(), pair.progress());
         } catch (...) {
             error = std::current_exception();
         }
@@ -128,7 +127,10 @@ void run_library(std::function<bool(std::string* status, int* progress)> const& 
     {
         std::unique_lock lock(mutex);
         while (!finished.wait_for(lock, kPollInterval, [&] { return done; })) {
-            send_progress(stage_name(pair.stage()), pair.permille());
+            observer.stage(stage_name(pair.stage()), pair.permille());
+            if (cancel != nullptr && observer.stopping()) {
+                std::atomic_ref(*cancel).store(true, std::memory_order_relaxed);
+            }
         }
     }
     worker.join();
@@ -136,7 +138,7 @@ void run_library(std::function<bool(std::string* status, int* progress)> const& 
         std::rethrow_exception(error);
     }
     if (!good || !box_text.empty()) {
-        throw Failure(Fault::kNotWorkedOn, "input",
+        throw Failure(Fault::kNotWorkedOn, file,
                       box_text.empty() ? "the library could not work on it" : box_text);
     }
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/base/observer.h"
+
 #include <functional>
 #include <string>
 
@@ -10,8 +12,14 @@ namespace umbrixlib::toolkit {
 inline constexpr char const* kBlendingLayers = "Blending Layers";
 inline constexpr char const* kFittingRelief = "Fitting Relief";
 
-/// Runs @p work, one call into the library, on a thread of its own, and sends its progress while it runs.
-/// Throws a Failure if the machine does not give it all its threads, or if the library showed an error box.
-void run_library(std::function<bool(std::string* status, int* progress)> const& work);
+/// A call into the library, with the progress pair that it writes.
+using LibraryCall = std::function<bool(std::string* status, int* progress)>;
+
+/// Makes @p call on a thread of its own and tells @p observer how far it is. Throws a Failure about @p file
+/// if the library could not do it or showed an error box, and another one if the machine does not give it all
+/// its threads.
+/// @param cancel Set as soon as the observer is stopping; may be null.
+void run_library(std::string const& file, Observer& observer, LibraryCall const& call,
+                 bool* cancel = nullptr);
 
 } // namespace umbrixlib::toolkit

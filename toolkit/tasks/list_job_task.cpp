@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/base/worker_channel.h"
-#include "toolkit/lists/list_job.h"
 #include "toolkit/lists/list_settings.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/tasks/graphics_run.h"
 #include "toolkit/tasks/intermediate.h"
-#include "toolkit/tasks/job.h"
 #include "toolkit/tasks/map_picture.h"
 #include "toolkit/tasks/prepared_input.h"
+#include "toolkit/tasks/tasks.h"
 
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 namespace umbrixlib::toolkit {
 
@@ -18,7 +15,7 @@ namespace {
 
 /// The library's record for a job of a list: the fields that the list holds, and around them what every run
 /// of the tool has.
-umbrix_options options_of_job(umbrix_node const& record, int width)
+umbrix_options options_of_job(umbrix_data const& record, int width)
 {
     umbrix_options options = options_for(settings_of(record), kind_of(record), width);
 #define UMBRIX_COPY(type, name, offset) options.name = record.name;
@@ -27,48 +24,47 @@ umbrix_options options_of_job(umbrix_node const& record, int width)
     return options;
 }
 
-/// Decodes the layers into pictures that the library can read, and names those in the descriptions.
-void read_layers(Job const& job, LinkedList<n_layer>& layers)
+/// Decodes the layers into pictures that the library can read, which the result names.
+LinkedList<n_layer> read_layers(ListJob const& job, Observer& observer)
 {
-    int number = 0;
-    for (auto* each = layers.head; each != nullptr; each = each->next) {
-        send_file(each->data.filename);
-        Job decoding = job;
-        decoding.input = each->data.filename;
-        PreparedInput const picture = prepare_input(decoding);
+    LinkedList<n_layer> layers;
+    for (n_layer layer : job.layers) {
+        PreparedInput const picture =
+            prepare_input({layer.filename, layer.filename, job.files.max_texels}, observer);
         std::string const file =
-            (std::filesystem::path(job.scratch) / fmt::format("layer{}.tga", number++)).string();
+            (std::filesystem::path(job.files.scratch) / fmt::format("layer{}.tga", layers.count)).string();
         write_source(file, picture.has_alpha ? without_alpha(picture.picture) : picture.picture);
-        each->data.filename = file;
+        layer.filename = file;
+        layers.Add(layer);
     }
-    send_file("");
+    return layers;
 }
 
 } // namespace
 
-nlohmann::json run_list_job_task(Job const& job)
+ListReport run(ListJob const& job, Observer& observer)
 {
-    umbrix_node record = unpack_list_job(job.list_job);
-    Settings const settings = settings_of(record);
-    PreparedInput input = prepare_input(job);
-    check_relief_size(settings, input.width, input.height);
-    OutputFormat const& format = *output_format(job.output);
-    check_size(format, input.width, input.height);
-    read_layers(job, record.layers);
+    JobFiles const& files = job.files;
+    Settings const settings = settings_of(job.data);
+    PreparedInput input = prepare_input({files.input, files.input, files.max_texels}, observer);
+    check_relief_size(settings, files.input, input.width, input.height);
+    OutputFormat const& format = *output_format(files.output.file);
+    check_size(format, files.output.name, input.width, input.height);
+    LinkedList<n_layer> layers = read_layers(job, observer);
     if (job.graphics.device) {
-        open_device(job.graphics);
+        open_device(job.graphics, files.input, observer);
     }
-    send_phase(Phase::kMaking);
-    NLayers stack(&record.layers);
-    for (auto const* each = record.layers.head; each != nullptr; each = each->next) {
+    observer.begin(Phase::kMaking, files.input);
+    NLayers stack(&layers);
+    for (auto const* each = layers.head; each != nullptr; each = each->next) {
         stack.AddLayer(each->data.filename.c_str());
     }
-    bool const has_layers = record.layers.count > 0;
-    Picture const map =
-        make_umbrix_map(std::move(input.picture), options_of_job(record, input.width), job.scratch,
-                        has_layers ? &record.layers : nullptr, has_layers ? &stack : nullptr, job.graphics);
-    write_picture(job.output, format, map);
-    return {{"width", map.width}, {"height", map.height}, {"kind", kind_of(record)}};
+    bool const has_layers = layers.count > 0;
+    Picture const map = make_umbrix_map(
+        std::move(input.picture), files.input, options_of_job(job.data, input.width), files.scratch, observer,
+        has_layers ? &layers : nullptr, has_layers ? &stack : nullptr, job.graphics);
+    write_picture(files.output.file, format, files.output.name, map, observer);
+    return {map.width, map.height, kind_of(job.data)};
 }
 
 } // namespace umbrixlib::toolkit

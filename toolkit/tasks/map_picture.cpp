@@ -21,10 +21,11 @@ struct KeptBuffers {
     std::unique_ptr<float[]> heights;
 };
 
-KeptBuffers run_pipeline(Intermediate const& files, umbrix_options& options, LinkedList<n_layer>* layers,
-                         NLayers* stack, std::optional<int> device)
+KeptBuffers run_pipeline(Intermediate const& files, std::string const& name, umbrix_options& options,
+                         Observer& observer, LinkedList<n_layer>* layers, NLayers* stack,
+                         std::optional<int> device)
 {
-    run_library([&](std::string* status, int* progress) {
+    run_library(name, observer, [&](std::string* status, int* progress) {
         if (device) {
             return UmbrixFile_GPU(gpu_options(*device), files.source, files.result, options, layers, stack,
                                   status, progress);
@@ -40,7 +41,7 @@ KeptBuffers run_pipeline(Intermediate const& files, umbrix_options& options, Lin
         kept.heights.reset(options.height_copy);
     }
     if (device) {
-        note_fallback();
+        note_fallback(name, observer);
     }
     return kept;
 }
@@ -60,16 +61,17 @@ Picture with_heights_in_alpha(Picture const& map, float const* heights, bool inv
 
 } // namespace
 
-void check_relief_size(Settings const& settings, int width, int height)
+void check_relief_size(Settings const& settings, std::string const& name, int width, int height)
 {
     if (settings.occlusion && (width < 2 || height < 2)) {
-        throw Failure(Fault::kTooSmallForRelief, "input",
+        throw Failure(Fault::kTooSmallForRelief, name,
                       fmt::format("{} x {} texels have no relief to look at", width, height));
     }
 }
 
-Picture make_umbrix_map(Picture source, umbrix_options options, std::filesystem::path const& folder,
-                        LinkedList<n_layer>* layers, NLayers* stack, Graphics const& graphics)
+Picture make_umbrix_map(Picture source, std::string const& name, umbrix_options options,
+                        std::filesystem::path const& folder, Observer& observer, LinkedList<n_layer>* layers,
+                        NLayers* stack, Graphics const& graphics)
 {
     Intermediate const files(folder);
     write_source(files.source, source);
@@ -80,7 +82,7 @@ Picture make_umbrix_map(Picture source, umbrix_options options, std::filesystem:
     if (graphics.match_cpu) {
         match_processor(options, channels);
     }
-    KeptBuffers const kept = run_pipeline(files, options, layers, stack, graphics.device);
+    KeptBuffers const kept = run_pipeline(files, name, options, observer, layers, stack, graphics.device);
     Picture map = read_result(files.result, width, height, channels);
     if (!options.keep_buffers) {
         return map;

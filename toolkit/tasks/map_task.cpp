@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/base/worker_channel.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/pictures/picture_difference.h"
 #include "toolkit/tasks/graphics_run.h"
 #include "toolkit/tasks/intermediate.h"
-#include "toolkit/tasks/job.h"
 #include "toolkit/tasks/map_picture.h"
 #include "toolkit/tasks/prepared_input.h"
-
-#include <nlohmann/json.hpp>
+#include "toolkit/tasks/tasks.h"
 
 namespace umbrixlib::toolkit {
 
@@ -28,20 +25,18 @@ bool has_relief_in_alpha(Picture const& picture)
     return false;
 }
 
-void note_normal_map(Job const& job, PreparedInput const& input)
+void note_normal_map(MapJob const& job, PreparedInput const& input, Observer& observer)
 {
     if (!has_relief_in_alpha(input.picture)) {
         bool const asks_for_heights =
             job.settings.occlusion || job.settings.generate_normal || job.settings.height_in_alpha;
         if (asks_for_heights) {
-            send_note({"a normal map carries its heights in its alpha, and this one has none there: its "
-                       "ground counts "
-                       "as flat"});
+            observer.note(job.files.input, {"a normal map carries its heights in its alpha, and this one has "
+                                            "none there: its ground counts as flat"});
         }
-    } else if (is_tiff(job.input)) {
-        send_note({"the alpha of a TIFF may have been multiplied into its colours: if the map looks wrong, "
-                   "save the "
-                   "picture as PNG"});
+    } else if (is_tiff(job.files.input)) {
+        observer.note(job.files.input, {"the alpha of a TIFF may have been multiplied into its colours: if "
+                                        "the map looks wrong, save the picture as PNG"});
     }
 }
 
@@ -54,46 +49,52 @@ void turn_green(Picture& normals)
     }
 }
 
-/// The map, on the job's device; if asked for, @p report is told how far from the processor's it is.
-Picture make_map(Job const& job, Picture source, umbrix_options const& options, nlohmann::json& report)
+/// The map, on the job's device; if asked for, @p report is told how far from the CPU's it is.
+Picture make_map(MapJob const& job, Picture source, umbrix_options const& options, MapReport& report,
+                 Observer& observer)
 {
-    if (!job.compare_cpu) {
-        return make_umbrix_map(std::move(source), options, job.scratch, nullptr, nullptr, job.graphics);
+    JobFiles const& files = job.files;
+    Picture const kept = job.compare_cpu ? source : Picture{};
+    Picture map = make_umbrix_map(std::move(source), files.input, options, files.scratch, observer, nullptr,
+                                  nullptr, job.graphics);
+    if (job.compare_cpu) {
+        report.difference =
+            largest_difference(map, make_umbrix_map(kept, files.input, options, files.scratch, observer));
     }
-    Picture map = make_umbrix_map(source, options, job.scratch, nullptr, nullptr, job.graphics);
-    report["difference"] = largest_difference(map, make_umbrix_map(std::move(source), options, job.scratch));
     return map;
 }
 
 } // namespace
 
-nlohmann::json run_map_task(Job const& job)
+MapReport run(MapJob const& job, Observer& observer)
 {
-    PreparedInput input = prepare_input(job);
-    check_relief_size(job.settings, input.width, input.height);
-    OutputFormat const& format = *output_format(job.output);
-    check_size(format, input.width, input.height);
+    JobFiles const& files = job.files;
+    PreparedInput input = prepare_input({files.input, files.input, files.max_texels}, observer);
+    check_relief_size(job.settings, files.input, input.width, input.height);
+    OutputFormat const& format = *output_format(files.output.file);
+    check_size(format, files.output.name, input.width, input.height);
     Kind const kind = job.kind.value_or(input.guess.kind);
     if (kind == Kind::kNormalMap) {
-        note_normal_map(job, input);
+        note_normal_map(job, input, observer);
         if (job.normal_y == NormalY::kDown) {
             turn_green(input.picture);
         }
     }
 
     umbrix_options const options = options_for(job.settings, kind, input.width);
-    nlohmann::json report = {{"width", input.width},
-                             {"height", input.height},
-                             {"kind", kind},
-                             {"guessed", !job.kind.has_value()},
-                             {"reason", input.guess.reason},
-                             {"n_scale", options.n_scale}};
+    MapReport report;
+    report.width = input.width;
+    report.height = input.height;
+    report.kind = kind;
+    report.guessed = !job.kind.has_value();
+    report.reason = input.guess.reason;
+    report.n_scale = options.n_scale;
     if (job.graphics.device) {
-        report["device"] = open_device(job.graphics);
+        report.device = open_device(job.graphics, files.input, observer);
     }
-    send_phase(Phase::kMaking);
-    Picture const map = make_map(job, std::move(input.picture), options, report);
-    write_picture(job.output, format, map);
+    observer.begin(Phase::kMaking, files.input);
+    Picture const map = make_map(job, std::move(input.picture), options, report, observer);
+    write_picture(files.output.file, format, files.output.name, map, observer);
     return report;
 }
 

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/base/worker_channel.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/tasks/intermediate.h"
-#include "toolkit/tasks/job.h"
 #include "toolkit/tasks/library_run.h"
 #include "toolkit/tasks/prepared_input.h"
+#include "toolkit/tasks/tasks.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <umbrixlib.h>
 
 namespace umbrixlib::toolkit {
@@ -26,30 +24,31 @@ void turn_green(Picture& normals)
 
 } // namespace
 
-nlohmann::json run_normal_task(Job const& job)
+NormalReport run(NormalJob const& job, Observer& observer)
 {
-    PreparedInput const input = prepare_input(job);
-    OutputFormat const& format = *output_format(job.output);
-    check_size(format, input.width, input.height);
+    JobFiles const& files = job.files;
+    PreparedInput const input = prepare_input({files.input, files.input, files.max_texels}, observer);
+    OutputFormat const& format = *output_format(files.output.file);
+    check_size(format, files.output.name, input.width, input.height);
     if (input.guess.kind == Kind::kNormalMap) {
-        send_note({"this looks like a normal map already (" + input.guess.reason +
-                   "); its brightness is taken for heights"});
+        observer.note(files.input, {"this looks like a normal map already (" + input.guess.reason +
+                                    "); its brightness is taken for heights"});
     }
 
-    Intermediate const files(job.scratch);
-    send_phase(Phase::kMaking);
-    write_source(files.source, input.has_alpha ? without_alpha(input.picture) : input.picture);
+    Intermediate const between(files.scratch);
+    observer.begin(Phase::kMaking, files.input);
+    write_source(between.source, input.has_alpha ? without_alpha(input.picture) : input.picture);
     float const n_scale = n_scale_of(job.settings, input.width);
-    run_library([&](std::string* status, int* progress) {
-        return HeightToNormal(files.source.c_str(), files.result.c_str(), n_scale, job.settings.gaussian,
+    run_library(files.input, observer, [&](std::string* status, int* progress) {
+        return HeightToNormal(between.source.c_str(), between.result.c_str(), n_scale, job.settings.gaussian,
                               false, 0, job.settings.detail, false, false, status, progress);
     });
-    Picture normals = read_result(files.result, input.width, input.height, 3);
+    Picture normals = read_result(between.result, input.width, input.height, 3);
     if (job.normal_y == NormalY::kDown) {
         turn_green(normals);
     }
-    write_picture(job.output, format, normals);
-    return {{"width", input.width}, {"height", input.height}, {"n_scale", n_scale}};
+    write_picture(files.output.file, format, files.output.name, normals, observer);
+    return {input.width, input.height, n_scale};
 }
 
 } // namespace umbrixlib::toolkit

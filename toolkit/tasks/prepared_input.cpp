@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/tasks/prepared_input.h"
 
-#include "toolkit/base/worker_channel.h"
 #include "toolkit/pictures/address_space.h"
 
 #include <fmt/format.h>
@@ -15,33 +14,34 @@ namespace {
 constexpr double kBytesPerTexel = 32.0;
 constexpr double kProgram = 1024.0 * 1024.0 * 1024.0;
 
-void note_conversion(DecodedImage const& image)
+void note_conversion(DecodedImage const& image, Source const& source, Observer& observer)
 {
     if (image.bits_per_channel() > 8) {
-        send_note({fmt::format("{} is worked on with 8 bits a channel, so its finest steps are lost",
-                               image.description())});
+        observer.note(source.name,
+                      {fmt::format("{} is worked on with 8 bits a channel, so its finest steps are lost",
+                                   image.description())});
     } else if (!image.is_plain()) {
-        send_note({fmt::format("{} is converted to {} bits a texel", image.description(),
-                               image.has_alpha() ? 32 : 24),
-                   NoteKind::kPlain, true});
+        observer.note(source.name, {fmt::format("{} is converted to {} bits a texel", image.description(),
+                                                image.has_alpha() ? 32 : 24),
+                                    NoteKind::kPlain, true});
     }
 }
 
 } // namespace
 
-DecodedImage decode_input(Job const& job)
+DecodedImage decode_input(Source const& source, Observer& observer)
 {
-    send_phase(Phase::kReading);
-    AddressSpaceLimit const limit(kProgram + kBytesPerTexel * job.max_texels);
-    return {job.input, "input", job.max_texels};
+    observer.begin(Phase::kReading, source.name);
+    AddressSpaceLimit const limit(kProgram + kBytesPerTexel * source.max_texels);
+    return {source.file, source.name, source.max_texels};
 }
 
-PreparedInput prepare_input(Job const& job)
+PreparedInput prepare_input(Source const& source, Observer& observer)
 {
-    DecodedImage const image = decode_input(job);
-    note_conversion(image);
+    DecodedImage const image = decode_input(source, observer);
+    note_conversion(image, source, observer);
     Picture picture = in_8_bits(image.to_picture(image.has_alpha()));
-    KindGuess guess = guess_kind(picture, job.input);
+    KindGuess guess = guess_kind(picture, source.file);
     return {image.width(),       image.height(),   image.has_alpha(),
             image.description(), std::move(guess), std::move(picture)};
 }

@@ -1,17 +1,25 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/base/observer.h"
 #include "toolkit/pictures/decoded_image.h"
 #include "toolkit/pictures/kind_guess.h"
-#include "toolkit/tasks/job.h"
+
+#include <string>
 
 namespace umbrixlib::toolkit {
 
-/// Decodes the input of a job. The job's limits hold: on texels, and so on memory while the decoder is at
-/// work.
-DecodedImage decode_input(Job const& job);
+/// A picture to be read.
+struct Source {
+    std::string file;
+    std::string name; ///< What messages call it.
+    double max_texels;
+};
 
-/// The input of a job, decoded within the job's limits, with the notes that every user should see sent.
+/// Decodes a picture within its limit on texels, which limits the decoder's memory, too.
+DecodedImage decode_input(Source const& source, Observer& observer);
+
+/// A decoded picture, after the notes that every user should see.
 struct PreparedInput {
     int width;
     int height;
@@ -20,6 +28,6 @@ struct PreparedInput {
     KindGuess guess;
     Picture picture; ///< With alpha if the file has one.
 };
-PreparedInput prepare_input(Job const& job);
+PreparedInput prepare_input(Source const& source, Observer& observer);
 
 } // namespace umbrixlib::toolkit

@@ -13,12 +13,16 @@ namespace umbrixlib::toolkit {
 struct Light {
     double azimuth_degrees;
     double elevation_degrees;
+
+    bool operator==(Light const&) const = default;
 };
 
 /// How a map is turned into a picture.
 struct Relighting {
     Modes mode;      ///< Of the map: sets what flat ground has in its channels.
     double exposure; ///< Brightness of flat ground that nothing hides, 0 to 1.
+
+    bool operator==(Relighting const&) const = default;
 };
 
 /// Weights of the red, green and blue channel for a light: its clamped dot products with the unit vectors of

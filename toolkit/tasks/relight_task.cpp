@@ -1,25 +1,22 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/base/worker_channel.h"
 #include "toolkit/pictures/encode.h"
-#include "toolkit/tasks/job.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/relight.h"
-
-#include <nlohmann/json.hpp>
+#include "toolkit/tasks/tasks.h"
 
 namespace umbrixlib::toolkit {
 
-nlohmann::json run_relight_task(Job const& job)
+RelightReport run(RelightJob const& job, Observer& observer)
 {
-    PreparedInput const input = prepare_input(job);
-    OutputFormat const& format = *output_format(job.output);
-    Light const light{job.azimuth_degrees, job.elevation_degrees};
-    Relighting const look{job.settings.mode, job.exposure};
-    send_phase(Phase::kMaking);
-    Picture const lit = job.directions == 0 ? relit(input.picture, light, look)
-                                            : turntable(input.picture, light, look, job.directions, job.cell);
-    write_picture(job.output, format, lit);
-    return {{"width", lit.width}, {"height", lit.height}};
+    JobFiles const& files = job.files;
+    PreparedInput const input = prepare_input({files.input, files.input, files.max_texels}, observer);
+    OutputFormat const& format = *output_format(files.output.file);
+    observer.begin(Phase::kMaking, files.input);
+    Picture const lit = job.directions == 0
+                            ? relit(input.picture, job.light, job.look)
+                            : turntable(input.picture, job.light, job.look, job.directions, job.cell);
+    write_picture(files.output.file, format, files.output.name, lit, observer);
+    return {lit.width, lit.height};
 }
 
 } // namespace umbrixlib::toolkit

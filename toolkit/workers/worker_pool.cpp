@@ -4,9 +4,7 @@
 #include "toolkit/workers/processor_share.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <exception>
 #include <utility>
 #include <vector>
@@ -18,55 +16,63 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// One of the places for a worker. It keeps its processors from one worker to the next.
-class Place {
+class Place : public Observer {
 public:
-    explicit Place(ProcessorSet const* processors) : processors_(processors) {}
+    Place(PoolClient& client, ProcessorSet const* processors) : client_(client), processors_(processors) {}
 
-    bool busy() const { return conversation_ != nullptr; }
-    Conversation& conversation() const { return *conversation_; }
+    bool busy() const { return session_ != nullptr; }
+    Session& session() const { return *session_; }
 
     /// Has a worker begin with work number @p index, unless there is nothing to do or that fails.
-    void begin(std::size_t index, PoolClient& client)
+    void begin(std::size_t index)
     {
         ending_ = {};
         ending_.index = index;
         start_ = Clock::now();
         guarded([&] {
-            task_ = client.open(index);
+            task_ = client_.open(index);
             if (task_) {
-                Hearing hearing;
-                hearing.note = [index, &client](std::string const& file, Note const& note) {
-                    client.note(index, file, note);
-                };
-                conversation_ = std::make_unique<Conversation>(task_->job(), task_->briefing(),
-                                                               std::move(hearing), processors_);
+                session_ =
+                    std::make_unique<Session>(task_->job(), task_->timeout_seconds(), *this, processors_);
             }
         });
         if (ending_.failure) {
-            end(client);
+            end();
         }
     }
 
-    /// The worker has said all that it had to say.
-    void finish(PoolClient& client)
+    /// The worker has told all that it had to tell.
+    void finish()
     {
         guarded([&] {
-            nlohmann::json report = conversation_->finish();
+            Report const report = session_->finish();
             task_->complete(report);
-            ending_.report = std::move(report);
+            ending_.report = report;
         });
-        ending_.chatter = conversation_->chatter();
-        ending_.peak_kib = conversation_->peak_kib();
-        end(client);
+        ending_.peak_kib = session_->peak_kib();
+        end();
     }
 
-    void stop(PoolClient& client)
+    /// The first wish to stop.
+    void ask_to_stop()
+    {
+        if (task_->has_many_files()) {
+            session_->ask_to_stop();
+        }
+    }
+
+    /// The second one.
+    void stop()
     {
         ending_.stopped = true;
-        end(client);
+        end();
     }
 
 private:
+    void note(std::string const& file, Note const& note) override { client_.note(ending_.index, file, note); }
+
+    void printed(std::string const& lines) override { ending_.printed = lines; }
+
     /// Makes whatever goes wrong the end of this piece of work.
     template <typename Body>
     void guarded(Body&& body)
@@ -76,22 +82,23 @@ private:
         } catch (Failure const& failure) {
             ending_.failure.emplace(failure);
         } catch (std::exception const& error) {
-            std::string const name = task_ ? task_->briefing().input : std::string("umbrix");
+            std::string const name = task_ ? name_of_input(task_->job()) : std::string("umbrix");
             ending_.failure.emplace(Fault::kUnexpected, name, error.what());
         }
     }
 
-    void end(PoolClient& client)
+    void end()
     {
-        conversation_.reset(); // the worker first: it may be writing into the task's files
+        session_.reset(); // the worker first: it may be writing into the task's files
         task_.reset();
         ending_.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
-        client.end(ending_);
+        client_.end(ending_);
     }
 
+    PoolClient& client_;
     ProcessorSet const* processors_;
     std::unique_ptr<PoolTask> task_;
-    std::unique_ptr<Conversation> conversation_;
+    std::unique_ptr<Session> session_;
     Clock::time_point start_;
     PoolEnding ending_;
 };
@@ -102,7 +109,7 @@ public:
         : count_(count), client_(client), stop_(stop), shares_(share_processors(workers))
     {
         for (std::size_t i = 0; i < workers; ++i) {
-            places_.emplace_back(shares_.empty() ? nullptr : &shares_[i]);
+            places_.push_back(std::make_unique<Place>(client, shares_.empty() ? nullptr : &shares_[i]));
         }
     }
 
@@ -119,79 +126,62 @@ public:
 private:
     std::size_t running() const
     {
-        auto const busy = [](Place const& place) { return place.busy(); };
+        auto const busy = [](std::unique_ptr<Place> const& place) { return place->busy(); };
         return static_cast<std::size_t>(std::count_if(places_.begin(), places_.end(), busy));
     }
 
     void fill_places()
     {
-        for (Place& place : places_) {
+        for (auto const& place : places_) {
             // Work that is nothing or fails at once leaves its place free.
-            while (!place.busy() && next_ < count_ && !noticed_interrupt()) {
-                place.begin(next_++, client_);
+            while (!place->busy() && next_ < count_ && !noticed_wish_to_stop()) {
+                place->begin(next_++);
             }
         }
     }
 
-    bool noticed_interrupt()
+    bool noticed_wish_to_stop()
     {
         if (stop_.take()) {
-            if (stopping_) {
-                stop_all();
-            } else {
-                stopping_ = true;
+            bool const second = std::exchange(stopping_, true);
+            if (!second) {
                 client_.stopping(running());
+            }
+            for (auto const& place : places_) {
+                if (place->busy()) {
+                    if (second) {
+                        place->stop();
+                    } else {
+                        place->ask_to_stop();
+                    }
+                }
             }
         }
         return stopping_;
     }
 
-    void stop_all()
-    {
-        for (Place& place : places_) {
-            if (place.busy()) {
-                place.stop(client_);
-            }
-        }
-    }
-
     /// Waits for something to happen and takes it in.
     void listen()
     {
-        std::vector<pollfd> records{{stop_.descriptor(), POLLIN, 0}};
-        std::vector<Place*> listened;
-        int limit = -1;
-        for (Place& place : places_) {
-            if (place.busy()) {
-                listened.push_back(&place);
-                records.resize(records.size() + Conversation::kDescriptors);
-                place.conversation().fill(&records[records.size() - Conversation::kDescriptors]);
-                int const patience = place.conversation().patience();
-                limit = limit < 0 ? patience : patience < 0 ? limit : std::min(limit, patience);
+        std::vector<Session*> sessions;
+        std::vector<Place*> busy;
+        for (auto const& place : places_) {
+            if (place->busy()) {
+                busy.push_back(place.get());
+                sessions.push_back(&place->session());
             }
         }
-        if (poll(records.data(), records.size(), limit) < 0) {
-            if (errno != EINTR) {
-                throw Failure(Fault::kWorkerUnheard, "umbrix",
-                              std::string("no word from its workers: ") + std::strerror(errno));
-            }
-            return;
+        for (std::size_t const ended : wait_for(sessions, stop_)) {
+            busy[ended]->finish();
         }
-        pollfd const* heard = &records[1];
-        for (Place* place : listened) {
-            if (!place->conversation().listen(heard)) {
-                place->finish(client_);
-            }
-            heard += Conversation::kDescriptors;
-        }
-        noticed_interrupt();
+        noticed_wish_to_stop();
     }
 
     std::size_t count_;
     PoolClient& client_;
     Stop const& stop_;
     std::vector<ProcessorSet> shares_;
-    std::vector<Place> places_;
+    std::vector<std::unique_ptr<Place>> places_;
     std::size_t next_ = 0;
     bool stopping_ = false;
 };

@@ -2,11 +2,10 @@
 #pragma once
 
 #include "toolkit/base/stop.h"
-#include "toolkit/workers/conversation.h"
+#include "toolkit/workers/session.h"
 
 #include <cstddef>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 
@@ -22,19 +21,24 @@ public:
     PoolTask& operator=(PoolTask const&) = delete;
 
     virtual Job job() const = 0;
-    virtual Briefing briefing() const = 0;
+
+    /// Longest time for decoding a file.
+    virtual double timeout_seconds() const = 0;
+
+    /// Whether the job may end early at the first wish to stop, between two of its files.
+    virtual bool has_many_files() const { return false; }
 
     /// The worker has done its part: what is left to do. A Failure if that cannot be done.
-    virtual void complete(nlohmann::json const& report) = 0;
+    virtual void complete(Report const& report) = 0;
 };
 
 /// How one piece of work ended.
 struct PoolEnding {
     std::size_t index = 0;
-    nlohmann::json report;          ///< The worker's, if all went well.
+    std::optional<Report> report;   ///< The worker's, if all went well.
     std::optional<Failure> failure; ///< If not.
     bool stopped = false;           ///< Neither: the user would not wait for it.
-    std::string chatter;            ///< The last that libraries printed in the worker.
+    std::string printed;            ///< The last that libraries printed in the worker, fit for a terminal.
     double seconds = 0;             ///< From the opening of the task.
     long peak_kib = 0;              ///< Largest memory of the worker; 0 if there was none.
 };

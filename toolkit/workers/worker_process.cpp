@@ -2,18 +2,21 @@
 #include "toolkit/workers/worker_process.h"
 
 #include "toolkit/base/failure.h"
-#include "toolkit/base/worker_channel.h"
+#include "toolkit/workers/worker_channel.h"
 
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <spawn.h>
+#include <string>
 #include <string_view>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 extern char** environ; // NOLINT(readability-redundant-declaration): not every unistd.h has it
 
@@ -21,24 +24,16 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-struct Pipe {
-    Pipe()
+/// A pipe, or a pair of sockets. Ends that are not taken are closed.
+struct Ends {
+    Ends() = default;
+    ~Ends()
     {
-        int ends[2];
-        if (pipe2(ends, O_CLOEXEC) != 0) {
-            throw Failure(Fault::kWorkerUnheard, "umbrix",
-                          std::string("no pipe to a worker: ") + std::strerror(errno));
-        }
-        read_end = ends[0];
-        write_end = ends[1];
+        close_end(ours);
+        close_end(theirs);
     }
-    ~Pipe()
-    {
-        close_end(read_end);
-        close_end(write_end);
-    }
-    Pipe(Pipe const&) = delete;
-    Pipe& operator=(Pipe const&) = delete;
+    Ends(Ends const&) = delete;
+    Ends& operator=(Ends const&) = delete;
 
     static void close_end(int& end)
     {
@@ -47,9 +42,45 @@ struct Pipe {
         }
     }
 
-    int read_end;
-    int write_end;
+    int ours = -1;
+    int theirs = -1; ///< Above the descriptors that the worker expects something on.
 };
+
+[[noreturn]] void refuse_pipe()
+{
+    throw Failure(Fault::kWorkerUnheard, "umbrix",
+                  std::string("no pipe to a worker: ") + std::strerror(errno));
+}
+
+void keep(Ends& ends, int ours, int theirs)
+{
+    ends.ours = ours;
+    ends.theirs = fcntl(theirs, F_DUPFD_CLOEXEC, 10);
+    close(theirs);
+    if (ends.theirs < 0) {
+        refuse_pipe();
+    }
+}
+
+/// We read what they write.
+void open_pipe(Ends& ends)
+{
+    int both[2];
+    if (pipe2(both, O_CLOEXEC) != 0) {
+        refuse_pipe();
+    }
+    keep(ends, both[0], both[1]);
+}
+
+/// A socket: writing to one whose other end is closed raises no signal if told so.
+void open_socket(Ends& ends)
+{
+    int both[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, both) != 0) {
+        refuse_pipe();
+    }
+    keep(ends, both[0], both[1]);
+}
 
 /// The environment without anything that steers OpenMP, but for two settings of ours: a team has all its
 /// threads, and those that wait sleep. By default they would spin, which takes longer than a small job and
@@ -72,23 +103,16 @@ std::vector<char*> worker_environment()
     return kept;
 }
 
-/// A job is some hundred bytes and file names, less than any pipe holds.
-void put_job(Pipe& pipe, std::vector<std::uint8_t> const& job)
-{
-    if (write(pipe.write_end, job.data(), job.size()) != static_cast<ssize_t>(job.size())) {
-        throw Failure(Fault::kJobNotTaken, "umbrix", "a worker does not take its job");
-    }
-    Pipe::close_end(pipe.write_end);
-}
-
 } // namespace
 
-WorkerProcess::WorkerProcess(std::vector<std::uint8_t> const& job, ProcessorSet const* processors)
+WorkerProcess::WorkerProcess(ProcessorSet const* processors)
 {
-    Pipe input;
-    Pipe events;
-    Pipe chatter;
-    put_job(input, job);
+    Ends input;
+    Ends events;
+    Ends output;
+    open_socket(input);
+    open_pipe(events);
+    open_pipe(output);
 
     std::string const parent = std::to_string(getpid());
     std::vector<std::string> words{"umbrix", kWorkerArgument, parent};
@@ -98,32 +122,25 @@ WorkerProcess::WorkerProcess(std::vector<std::uint8_t> const& job, ProcessorSet 
     }
     arguments.push_back(nullptr);
 
-    // The pipes' own descriptors may be those that the worker expects something else on: lift them out of the
-    // way.
-    int const job_end = fcntl(input.read_end, F_DUPFD_CLOEXEC, 10);
-    int const event_end = fcntl(events.write_end, F_DUPFD_CLOEXEC, 10);
-    int const chatter_end = fcntl(chatter.write_end, F_DUPFD_CLOEXEC, 10);
     posix_spawn_file_actions_t files;
     posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_adddup2(&files, job_end, STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&files, chatter_end, STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&files, chatter_end, STDERR_FILENO);
-    posix_spawn_file_actions_adddup2(&files, event_end, kEventDescriptor);
+    posix_spawn_file_actions_adddup2(&files, input.theirs, STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&files, output.theirs, STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&files, output.theirs, STDERR_FILENO);
+    posix_spawn_file_actions_adddup2(&files, events.theirs, kEventDescriptor);
     int const error = [&] {
         ProcessorScope const scope(processors);
         return posix_spawn(&process_, "/proc/self/exe", &files, nullptr, arguments.data(),
                            worker_environment().data());
     }();
     posix_spawn_file_actions_destroy(&files);
-    for (int const end : {job_end, event_end, chatter_end}) {
-        close(end);
-    }
     if (error != 0) {
         throw Failure(Fault::kNoWorker, "umbrix",
                       std::string("no worker process can be started: ") + std::strerror(error));
     }
-    events_ = std::exchange(events.read_end, -1);
-    chatter_ = std::exchange(chatter.read_end, -1);
+    input_ = std::exchange(input.ours, -1);
+    events_ = std::exchange(events.ours, -1);
+    output_ = std::exchange(output.ours, -1);
 }
 
 WorkerProcess::~WorkerProcess()
@@ -132,8 +149,14 @@ WorkerProcess::~WorkerProcess()
         kill();
         wait();
     }
+    close(input_);
     close(events_);
-    close(chatter_);
+    close(output_);
+}
+
+void WorkerProcess::end_input()
+{
+    shutdown(input_, SHUT_WR);
 }
 
 void WorkerProcess::kill()

@@ -3,31 +3,32 @@
 
 #include "toolkit/workers/processor_share.h"
 
-#include <cstdint>
-#include <string>
 #include <sys/types.h>
-#include <vector>
 
 namespace umbrixlib::toolkit {
 
 /// The hidden first argument that makes the tool a worker.
 inline constexpr char const* kWorkerArgument = "--run-worker-job";
 
-/// A second process of this program, which does one job. It has its job on standard input, its events on a
-/// pipe, and another pipe for what libraries print. It starts with a clean OpenMP environment: the library
-/// shares its texels out by the number of processors, so a team made smaller by the user's variables would
-/// leave texels out, and OpenMP reads them only when a program starts. It ends with this process at the
-/// latest.
+/// A second process of this program, which does one job. It reads the job from its standard input, a socket,
+/// tells its events to a pipe, and has another pipe for what libraries print. It starts with a clean OpenMP
+/// environment: the library shares its texels out by the number of processors, so a team made smaller by the
+/// user's variables would leave texels out, and OpenMP reads them only when a program starts. It ends with
+/// this process at the latest.
 class WorkerProcess {
 public:
     /// @param processors That it may use; null for those of this process.
-    explicit WorkerProcess(std::vector<std::uint8_t> const& job, ProcessorSet const* processors = nullptr);
+    explicit WorkerProcess(ProcessorSet const* processors = nullptr);
     ~WorkerProcess(); ///< Ends it at once if it still runs.
     WorkerProcess(WorkerProcess const&) = delete;
     WorkerProcess& operator=(WorkerProcess const&) = delete;
 
-    int events() const { return events_; }
-    int chatter() const { return chatter_; }
+    int input() const { return input_; }   ///< To write the job to.
+    int events() const { return events_; } ///< To read events from.
+    int output() const { return output_; } ///< To read from what libraries print.
+
+    /// The worker finds the end of its input behind what was written.
+    void end_input();
 
     void kill();
     int wait(); ///< Its status, as waitpid has it.
@@ -37,8 +38,9 @@ public:
 
 private:
     pid_t process_ = -1;
+    int input_ = -1;
     int events_ = -1;
-    int chatter_ = -1;
+    int output_ = -1;
     long peak_kib_ = 0;
 };
 

@@ -143,19 +143,18 @@ BatchOrders BatchCommand::orders() const
 {
     BatchOrders orders;
     orders.command = "umbrix batch";
-    Job job;
-    job.task = normal_ ? Task::kNormal : Task::kMap;
-    job.settings = settings_;
-    job.max_texels = common_.max_texels;
-    job.normal_y = normal_y_.value_or(settings_.normal_y);
-    job.kind = kind_ ? kind_ : settings_.kind;
-    job.graphics = graphics_;
-    orders.job_for = [job](BatchFile const& file) {
-        if (job.task == Task::kMap) {
+    NormalY const normal_y = normal_y_.value_or(settings_.normal_y);
+    if (normal_) {
+        NormalJob const job{{}, settings_, normal_y};
+        orders.job_for = [job](BatchFile const&) { return job; };
+    } else {
+        MapJob const job{{}, settings_, kind_ ? kind_ : settings_.kind, normal_y, graphics_};
+        orders.job_for = [job](BatchFile const& file) {
             check_map_usage(job.settings, file.target.string());
-        }
-        return job;
-    };
+            return job;
+        };
+    }
+    orders.max_texels = common_.max_texels;
     orders.policy = choice().policy;
     orders.timeout_seconds = common_.timeout_seconds;
     orders.verbose = common_.verbose;
@@ -166,7 +165,7 @@ BatchOrders BatchCommand::orders() const
     return orders;
 }
 
-PlainWalk BatchCommand::plain_walk() const
+FolderJob BatchCommand::plain_walk() const
 {
     auto const forbid = [this](char const* option) {
         if (command_->get_option(option)->count() > 0) {
@@ -192,7 +191,7 @@ PlainWalk BatchCommand::plain_walk() const
             kind ? fmt::format("add --n-scale: for pictures 1024 texels wide {}", n_scale_of(settings_, 1024))
                  : "add --height-map or --normal-map");
     }
-    return {std::filesystem::canonical(search_.places.front()),
+    return {std::filesystem::canonical(search_.places.front()).string(),
             search_.pattern.empty() ? "*.*" : search_.pattern,
             search_.recurse,
             settings_,

@@ -28,7 +28,7 @@ private:
     void forbid_map_options() const;
     BatchChoice choice() const;
     BatchOrders orders() const;
-    PlainWalk plain_walk() const;
+    FolderJob plain_walk() const;
 
     CLI::App* command_ = nullptr;
     CommonOptions common_;

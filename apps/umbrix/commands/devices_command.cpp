@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "commands/devices_command.h"
 
+#include "terminal/report_json.h"
 #include "terminal/supervise.h"
 
 #include <fmt/format.h>
@@ -9,18 +10,17 @@ namespace umbrix_cli {
 
 namespace {
 
-void print_text(nlohmann::json const& report)
+void print_text(DevicesReport const& report)
 {
-    if (report.at("devices").empty()) {
+    if (report.devices.empty()) {
         fmt::print("the graphics library of this build has no device\n");
     }
-    for (nlohmann::json const& device : report.at("devices")) {
-        fmt::print("{:3}  {} ({}){}\n", device.at("number").get<int>(), device.at("name").get<std::string>(),
-                   device.at("backend").get<std::string>(),
-                   device.at("default").get<bool>() ? ", taken by --gpu without a number" : "");
+    for (DevicesReport::Device const& device : report.devices) {
+        fmt::print("{:3}  {} ({}){}\n", device.number, device.name, device.backend,
+                   device.is_default ? ", taken by --gpu without a number" : "");
     }
-    if (auto const error = report.at("last_error").get<std::string>(); !error.empty()) {
-        fmt::print("last reason for not using one: {}\n", error);
+    if (!report.last_error.empty()) {
+        fmt::print("last reason for not using one: {}\n", report.last_error);
     }
 }
 
@@ -37,16 +37,11 @@ CLI::App* DevicesCommand::declare(CLI::App& app)
 
 void DevicesCommand::run(Interrupts const& interrupts)
 {
-    Job job;
-    job.task = Task::kDevices;
     constexpr double kNoDecoding = 60;
-    nlohmann::json const report = supervise(job, {"umbrix devices",
-                                                  {"graphics library", "", kNoDecoding},
-                                                  verbose_,
-                                                  ProgressDisplay::Style::kNone,
-                                                  interrupts});
+    DevicesReport const report = supervise(
+        DevicesJob{}, {"umbrix devices", kNoDecoding, verbose_, ProgressDisplay::Style::kNone, interrupts});
     if (json_) {
-        fmt::print("{}\n", report.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+        fmt::print("{}", json_text(report));
     } else {
         print_text(report);
     }

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "commands/fit_command.h"
 
-#include "options/normal_y_option.h"
 #include "options/setting_options.h"
 #include "terminal/complaint.h"
+#include "terminal/kind_name.h"
+#include "terminal/report_json.h"
 #include "terminal/say.h"
 #include "toolkit/files/preflight.h"
 #include "toolkit/files/text_file.h"
@@ -17,24 +18,22 @@ namespace {
 
 constexpr char const* kCommand = "umbrix fit";
 
-void print_text(std::string const& heights, std::string const& normals, nlohmann::json const& report)
+void print_text(std::string const& heights, std::string const& normals, FitReport const& report)
 {
-    auto const number = [&](char const* name) { return report.at(name).get<double>(); };
-    NormalY const green = report.at("green").get<NormalY>();
-    NormalY const other = green == NormalY::kUp ? NormalY::kDown : NormalY::kUp;
-    say("{} to {}, {} x {}", heights, normals, report.at("width").get<int>(), report.at("height").get<int>());
-    if (!report.at("beats_flat").get<bool>()) {
+    NormalY const other = report.green == NormalY::kUp ? NormalY::kDown : NormalY::kUp;
+    say("{} to {}, {} x {}", heights, normals, report.width, report.height);
+    if (!report.beats_flat) {
         fmt::print("  no relief comes nearer to these normals than flat ground does\n"
                    "  mean angle {:.2f} degrees at best, {:.2f} of flat ground\n",
-                   number("mean_angle_degrees"), number("flat_mean_angle_degrees"));
+                   report.mean_angle_degrees, report.flat_mean_angle_degrees);
         return;
     }
-    fmt::print("  relief     {} image widths, n-scale {}, gaussian {}\n", number("relief"), number("n_scale"),
-               number("gaussian"));
-    fmt::print("  green      {} (with {} {:.2f} degrees would remain)\n", name_of(green), name_of(other),
-               number("other_green_mean_angle_degrees"));
-    fmt::print("  mean angle {:.2f} degrees, {:.2f} of flat ground\n", number("mean_angle_degrees"),
-               number("flat_mean_angle_degrees"));
+    fmt::print("  relief     {} image widths, n-scale {}, gaussian {}\n", report.relief, report.n_scale,
+               report.gaussian);
+    fmt::print("  green      {} (with {} {:.2f} degrees would remain)\n", name_of(report.green),
+               name_of(other), report.other_green_mean_angle_degrees);
+    fmt::print("  mean angle {:.2f} degrees, {:.2f} of flat ground\n", report.mean_angle_degrees,
+               report.flat_mean_angle_degrees);
 }
 
 } // namespace
@@ -61,22 +60,21 @@ CLI::App* FitCommand::declare(CLI::App& app)
     return command;
 }
 
-void FitCommand::save(nlohmann::json const& report) const
+void FitCommand::save(FitReport const& report) const
 {
-    if (!report.at("beats_flat").get<bool>()) {
+    if (!report.beats_flat) {
         throw Complaint(preset_output_, "it is not written, as no relief comes nearer than flat ground does",
                         "check that the two pictures show the same material");
     }
     Settings settings = settings_;
-    settings.relief = report.at("relief").get<float>();
+    settings.relief = static_cast<float>(report.relief);
     settings.h_scale = std::nullopt; // both follow from the relief on pictures of every size
     settings.n_scale = std::nullopt;
-    settings.gaussian = report.at("gaussian").get<float>();
-    settings.normal_y = report.at("green").get<NormalY>();
+    settings.gaussian = static_cast<float>(report.gaussian);
+    settings.normal_y = report.green;
     std::string const description = fmt::format("Fitted to {}: {:.2f} degrees remain, {:.2f} of flat ground",
                                                 std::filesystem::path(normals_).filename().string(),
-                                                report.at("mean_angle_degrees").get<double>(),
-                                                report.at("flat_mean_angle_degrees").get<double>());
+                                                report.mean_angle_degrees, report.flat_mean_angle_degrees);
     write_text_file(preset_output_,
                     preset_text({is_one_line(description) ? description : "Fitted", settings}),
                     common_.overwrite);
@@ -89,28 +87,23 @@ void FitCommand::run(Interrupts const& interrupts)
     if (!preset_output_.empty()) {
         check_preset_output(preset_output_, common_.overwrite);
     }
-    Job job;
-    job.task = Task::kFit;
-    job.input = common_.input;
+    FitJob job;
+    job.heights = common_.input;
     job.normals = normals_;
     job.max_texels = common_.max_texels;
     job.settings = settings_;
     job.fit_gaussian = fit_gaussian_;
-    nlohmann::json report = supervise(job, common_.supervision(kCommand, "", interrupts));
+    FitReport const report = supervise(job, common_.supervision(kCommand, interrupts));
     interrupts.check();
     if (json_) {
-        nlohmann::json shown = report;
-        shown["green"] = name_of(report.at("green").get<NormalY>());
-        shown["height_map"] = common_.input;
-        shown["normal_map"] = normals_;
-        fmt::print("{}\n", shown.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+        fmt::print("{}", json_text(report, common_.input, normals_));
     } else {
         print_text(common_.input, normals_, report);
     }
     if (!preset_output_.empty()) {
         save(report);
         if (!json_) {
-            say("wrote {}: preset, relief {}", preset_output_, report.at("relief").get<double>());
+            say("wrote {}: preset, relief {}", preset_output_, report.relief);
         }
     }
 }

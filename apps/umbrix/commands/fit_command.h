@@ -4,6 +4,7 @@
 #include "commands/command.h"
 #include "options/common_options.h"
 #include "toolkit/settings/defaults.h"
+#include "toolkit/tasks/reports.h"
 #include "toolkit_names.h"
 
 #include <string>
@@ -17,7 +18,7 @@ public:
     void run(Interrupts const& interrupts) override;
 
 private:
-    void save(nlohmann::json const& report) const;
+    void save(FitReport const& report) const;
 
     CommonOptions common_;
     Settings settings_ = kDefaults;

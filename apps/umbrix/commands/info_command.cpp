@@ -1,31 +1,32 @@
 // SPDX-License-Identifier: MIT
 #include "commands/info_command.h"
 
+#include "terminal/kind_name.h"
+#include "terminal/report_json.h"
 #include "terminal/say.h"
 #include "toolkit/files/preflight.h"
 
+#include <cmath>
 #include <fmt/format.h>
 
 namespace umbrix_cli {
 
 namespace {
 
-/// JSON has no word for infinity and what is no number, and float files have both.
-std::string shown(nlohmann::json const& number)
+/// Float files have infinity and what is no number, too.
+std::string shown(double number)
 {
-    return number.is_null() ? "none" : fmt::format("{:.6g}", number.get<double>());
+    return std::isfinite(number) ? fmt::format("{:.6g}", number) : "none";
 }
 
-void print_text(std::string const& file, nlohmann::json const& report)
+void print_text(std::string const& file, InfoReport const& report)
 {
-    say("{}: {} x {}, {}", file, report.at("width").get<int>(), report.at("height").get<int>(),
-        report.at("pixel").get<std::string>());
-    for (nlohmann::json const& channel : report.at("channels")) {
-        fmt::print("  {:5} {} to {}, mean {}\n", channel.at("name").get<std::string>(),
-                   shown(channel.at("minimum")), shown(channel.at("maximum")), shown(channel.at("mean")));
+    say("{}: {} x {}, {}", file, report.width, report.height, report.pixel);
+    for (ChannelRange const& channel : report.channels) {
+        fmt::print("  {:5} {} to {}, mean {}\n", channel.name, shown(channel.minimum), shown(channel.maximum),
+                   shown(channel.mean));
     }
-    fmt::print("  `umbrix map` takes it for a {}: {}\n", report.at("taken_for").get<std::string>(),
-               report.at("because").get<std::string>());
+    fmt::print("  `umbrix map` takes it for a {}: {}\n", name_of(report.taken_for), report.because);
 }
 
 } // namespace
@@ -42,14 +43,10 @@ CLI::App* InfoCommand::declare(CLI::App& app)
 void InfoCommand::run(Interrupts const& interrupts)
 {
     check_input(common_.input);
-    Job job;
-    job.task = Task::kInfo;
-    job.input = common_.input;
-    job.max_texels = common_.max_texels;
-    nlohmann::json report = supervise(job, common_.supervision("umbrix info", "", interrupts));
+    InfoReport const report =
+        supervise(InfoJob{common_.input, common_.max_texels}, common_.supervision("umbrix info", interrupts));
     if (json_) {
-        report["file"] = common_.input;
-        fmt::print("{}\n", report.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+        fmt::print("{}", json_text(report, common_.input));
     } else {
         print_text(common_.input, report);
     }

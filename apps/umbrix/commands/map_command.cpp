@@ -6,6 +6,7 @@
 #include "options/normal_y_option.h"
 #include "options/setting_options.h"
 #include "terminal/complaint.h"
+#include "terminal/kind_name.h"
 #include "toolkit/base/utf8.h"
 #include "toolkit/pictures/picture_difference.h"
 
@@ -16,11 +17,6 @@ namespace umbrix_cli {
 namespace {
 
 constexpr char const* kCommand = "umbrix map";
-
-char const* name_of(Kind kind)
-{
-    return kind == Kind::kHeightMap ? "height map" : "normal map";
-}
 
 } // namespace
 
@@ -52,46 +48,42 @@ void MapCommand::validate() const
     }
 }
 
-void MapCommand::print_relief(nlohmann::json const& report) const
+void MapCommand::print_relief(MapReport const& report) const
 {
     if (graphics_.device && !graphics_.match_cpu) {
         fmt::print(", heights inverted and at full scale");
     } else {
         fmt::print(", relief {}", h_scale_of(settings_));
     }
-    if (graphics_.device) {
-        nlohmann::json const& device = report.at("device");
-        fmt::print(", on {} ({})", device.at("name").get<std::string>(),
-                   device.at("backend").get<std::string>());
+    if (report.device) {
+        fmt::print(", on {} ({})", report.device->name, report.device->backend);
     }
 }
 
 void MapCommand::run(Interrupts const& interrupts)
 {
     validate();
-    Job job;
-    job.task = Task::kMap;
+    MapJob job;
     job.settings = settings_;
     job.graphics = graphics_;
     job.compare_cpu = compare_cpu_;
     job.normal_y = normal_y_.value_or(settings_.normal_y);
     job.kind = kind_ ? kind_ : settings_.kind;
-    Written const written = make_picture_file(kCommand, common_, job, "_Umbrix", interrupts);
-    Kind const kind = written.report.at("kind").get<Kind>();
-    bool const guessed = written.report.at("guessed").get<bool>();
-    fmt::print("wrote {}: Umbrix map, {} x {}, from a {}", printable(written.output.string()),
-               written.report.at("width").get<int>(), written.report.at("height").get<int>(), name_of(kind));
-    if (guessed) {
-        fmt::print(" (guessed: {})", written.report.at("reason").get<std::string>());
+    Made<MapJob> const made = make_picture_file(kCommand, common_, job, "_Umbrix", interrupts);
+    MapReport const& report = made.report;
+    fmt::print("wrote {}: Umbrix map, {} x {}, from a {}", printable(made.output.string()), report.width,
+               report.height, name_of(report.kind));
+    if (report.guessed) {
+        fmt::print(" (guessed: {})", report.reason);
     }
-    if (kind == Kind::kNormalMap) {
+    if (report.kind == Kind::kNormalMap) {
         fmt::print(", green {}", name_of(job.normal_y));
     }
-    print_relief(written.report);
-    fmt::print(", {:.1f} s\n", written.seconds);
+    print_relief(report);
+    fmt::print(", {:.1f} s\n", made.seconds);
     if (compare_cpu_) {
         fmt::print("largest difference from the map made without --gpu, of 255: {}\n",
-                   in_words(written.report.at("difference")));
+                   in_words(report.difference));
     }
 }
 

@@ -5,6 +5,7 @@
 #include "options/common_options.h"
 #include "options/graphics_option.h"
 #include "toolkit/settings/defaults.h"
+#include "toolkit/tasks/reports.h"
 #include "toolkit_names.h"
 
 #include <optional>
@@ -19,7 +20,7 @@ public:
 
 private:
     void validate() const;
-    void print_relief(nlohmann::json const& report) const;
+    void print_relief(MapReport const& report) const;
 
     CommonOptions common_;
     Settings settings_ = kDefaults;

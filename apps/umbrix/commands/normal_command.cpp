@@ -3,6 +3,7 @@
 
 #include "options/normal_y_option.h"
 #include "options/setting_options.h"
+#include "terminal/kind_name.h"
 #include "terminal/say.h"
 
 namespace umbrix_cli {
@@ -21,14 +22,13 @@ CLI::App* NormalCommand::declare(CLI::App& app)
 
 void NormalCommand::run(Interrupts const& interrupts)
 {
-    Job job;
-    job.task = Task::kNormal;
+    NormalJob job;
     job.settings = settings_;
     job.normal_y = normal_y_.value_or(settings_.normal_y);
-    Written const written = make_picture_file("umbrix normal", common_, job, "_Normal", interrupts);
-    say("wrote {}: normal map, {} x {}, green {}, n-scale {:.4g}, {:.1f} s", written.output.string(),
-        written.report.at("width").get<int>(), written.report.at("height").get<int>(), name_of(job.normal_y),
-        written.report.at("n_scale").get<double>(), written.seconds);
+    Made<NormalJob> const made = make_picture_file("umbrix normal", common_, job, "_Normal", interrupts);
+    say("wrote {}: normal map, {} x {}, green {}, n-scale {:.4g}, {:.1f} s", made.output.string(),
+        made.report.width, made.report.height, name_of(job.normal_y),
+        static_cast<double>(made.report.n_scale), made.seconds);
 }
 
 } // namespace umbrix_cli

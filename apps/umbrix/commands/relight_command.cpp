@@ -67,22 +67,18 @@ CLI::App* RelightCommand::declare(CLI::App& app)
 
 void RelightCommand::run(Interrupts const& interrupts)
 {
-    Job job;
-    job.task = Task::kRelight;
-    job.settings = settings_;
-    job.azimuth_degrees = azimuth_degrees_;
-    job.elevation_degrees = elevation_degrees_;
+    RelightJob job;
+    job.light = {azimuth_degrees_, elevation_degrees_};
+    job.look = {settings_.mode, exposure_};
     job.directions = directions_;
     job.cell = cell_;
-    job.exposure = exposure_;
-    Written const written = make_picture_file("umbrix relight", common_, job,
-                                              directions_ == 0 ? "_Relit" : "_Turntable", interrupts);
+    Made<RelightJob> const made = make_picture_file("umbrix relight", common_, job,
+                                                    directions_ == 0 ? "_Relit" : "_Turntable", interrupts);
     std::string const light = directions_ == 0
                                   ? fmt::format("azimuth {}", azimuth_degrees_)
                                   : fmt::format("{} azimuths from {}", directions_, azimuth_degrees_);
-    say("wrote {}: {} x {}, light from {}, elevation {}", written.output.string(),
-        written.report.at("width").get<int>(), written.report.at("height").get<int>(), light,
-        elevation_degrees_);
+    say("wrote {}: {} x {}, light from {}, elevation {}", made.output.string(), made.report.width,
+        made.report.height, light, elevation_degrees_);
 }
 
 } // namespace umbrix_cli

@@ -11,7 +11,6 @@
 #include "toolkit/files/temporary.h"
 #include "toolkit/pictures/naming.h"
 #include "toolkit/pictures/output_check.h"
-#include "toolkit/pictures/output_format.h"
 #include "toolkit/settings/stack_example.h"
 #include "toolkit/settings/stack_file.h"
 
@@ -126,7 +125,7 @@ std::vector<StackTarget> StackCommand::targets_for(StackDescription const& descr
     struct Named {
         fs::path file;
         char const* what;
-        StackOutput StackJob::*field;
+        Output StackJob::*field;
     };
     fs::path const normals =
         common_.output.empty() ? default_output(common_.input, "_Normal") : fs::path(common_.output);
@@ -161,26 +160,21 @@ void StackCommand::run(Interrupts const& interrupts)
         say_note(kCommand, each);
     }
 
-    Job job;
+    StackJob job;
     for (StackTarget& target : targets) {
-        OutputFormat const& format = *output_format(target.named());
-        if (*format.warning != '\0') {
-            say_note(kCommand, fmt::format("{}: {}", target.named().string(), format.warning));
-        }
+        note_format(kCommand, target.named());
         remove_leftovers_beside(target.named());
-        target.open(job.stack);
+        target.open(job);
     }
     ScratchFolder const scratch;
-    job.task = Task::kStack;
-    job.input = common_.input;
+    job.file = common_.input;
     job.scratch = scratch.path().string();
     job.max_texels = common_.max_texels;
     job.settings = settings_;
     job.graphics = graphics_;
-    job.stack.description = file.description;
-    job.stack.map_from_layers = map_from_layers_;
-    nlohmann::json const report =
-        supervise(job, common_.supervision(kCommand, targets.front().named().string(), interrupts));
+    job.description = file.description;
+    job.map_from_layers = map_from_layers_;
+    StackReport const report = supervise(job, common_.supervision(kCommand, interrupts));
     interrupts.check();
     // All pictures are whole and read back. A rename that fails now keeps the later ones from being replaced.
     for (StackTarget& target : targets) {
@@ -189,8 +183,7 @@ void StackCommand::run(Interrupts const& interrupts)
     std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start;
     for (StackTarget const& target : targets) {
         say("wrote {}: {}, {} x {}, of {} layers, {:.1f} s", target.named().string(), target.what(),
-            report.at("width").get<int>(), report.at("height").get<int>(), report.at("layers").get<int>(),
-            taken.count());
+            report.width, report.height, report.layers, taken.count());
     }
 }
 

@@ -86,28 +86,25 @@ void CommonOptions::declare_progress(CLI::App& command, std::string const& elsew
         ->group(kRun);
 }
 
-Supervision CommonOptions::supervision(std::string const& command, std::string const& output_name,
-                                       Interrupts const& interrupts) const
+Supervision CommonOptions::supervision(std::string const& command, Interrupts const& interrupts) const
 {
-    return {command, {input, output_name, timeout_seconds}, verbose, progress, interrupts};
+    return {command, timeout_seconds, verbose, progress, interrupts};
 }
 
-Written make_picture_file(std::string const& command, CommonOptions const& options, Job job,
-                          std::string const& suffix, Interrupts const& interrupts)
+std::filesystem::path prepare_output(CommonOptions const& options, std::string const& suffix)
 {
-    std::filesystem::path const named = options.output.empty() ? default_output(options.input, suffix)
-                                                               : std::filesystem::path(options.output);
+    std::filesystem::path named = options.output.empty() ? default_output(options.input, suffix)
+                                                         : std::filesystem::path(options.output);
     remove_leftovers_beside(named);
-    PictureFile file(options.input, named, options.overwrite);
-    OutputFormat const& format = *output_format(named);
+    return named;
+}
+
+void note_format(std::string const& command, std::filesystem::path const& output)
+{
+    OutputFormat const& format = *output_format(output);
     if (*format.warning != '\0') {
-        say_note(command, named.string() + ": " + format.warning);
+        say_note(command, output.string() + ": " + format.warning);
     }
-    job.max_texels = options.max_texels;
-    file.name_files(job);
-    nlohmann::json report = supervise(job, options.supervision(command, named.string(), interrupts));
-    interrupts.check();
-    return file.complete(std::move(report));
 }
 
 } // namespace umbrix_cli

@@ -4,10 +4,11 @@
 #include "terminal/progress_display.h"
 #include "terminal/supervise.h"
 #include "toolkit/batch/picture_file.h"
-#include "toolkit/tasks/job.h"
+#include "toolkit/tasks/jobs.h"
 #include "toolkit_names.h"
 
 #include <CLI/App.hpp>
+#include <filesystem>
 #include <string>
 
 namespace umbrix_cli {
@@ -32,15 +33,40 @@ struct CommonOptions {
     /// Part of declare_output(). @p elsewhere: what stands in for the bar where there is no terminal.
     void declare_progress(CLI::App& command, std::string const& elsewhere = "as lines");
 
-    Supervision supervision(std::string const& command, std::string const& output_name,
-                            Interrupts const& interrupts) const;
+    Supervision supervision(std::string const& command, Interrupts const& interrupts) const;
 };
+
+/// A picture that a job has made.
+template <typename OneJob>
+struct Made {
+    std::filesystem::path output;
+    typename OneJob::Report report;
+    double seconds;
+};
+
+/// The output that is named, or the default; what killed runs left beside it is removed.
+std::filesystem::path prepare_output(CommonOptions const& options, std::string const& suffix);
+
+/// Tells what the user should know of the format of @p output, if anything.
+void note_format(std::string const& command, std::filesystem::path const& output);
 
 /// Runs a job that makes one picture: all checks first, then a worker that writes under a temporary name
 /// beside the output, then the renaming. Nothing temporary outlives the call, however it ends.
-/// @param job    Without the fields that name files.
+/// @param job    Without its files.
 /// @param suffix For the name of an output that was not named: "_Umbrix".
-Written make_picture_file(std::string const& command, CommonOptions const& options, Job job,
-                          std::string const& suffix, Interrupts const& interrupts);
+template <typename OneJob>
+Made<OneJob> make_picture_file(std::string const& command, CommonOptions const& options, OneJob job,
+                               std::string const& suffix, Interrupts const& interrupts)
+{
+    std::filesystem::path const named = prepare_output(options, suffix);
+    PictureFile file(options.input, named, options.overwrite);
+    note_format(command, named);
+    job.files.max_texels = options.max_texels;
+    file.name_files(job.files);
+    typename OneJob::Report report = supervise(job, options.supervision(command, interrupts));
+    interrupts.check();
+    file.complete();
+    return {named, std::move(report), file.seconds()};
+}
 
 } // namespace umbrix_cli

@@ -14,9 +14,4 @@ namespace umbrix_cli {
 CLI::Option* declare_normal_y(CLI::App& command, std::optional<NormalY>& value,
                               std::string const& description);
 
-inline char const* name_of(NormalY direction)
-{
-    return direction == NormalY::kUp ? "up" : "down";
-}
-
 } // namespace umbrix_cli

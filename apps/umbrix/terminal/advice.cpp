@@ -73,7 +73,6 @@ constexpr Advice kAdvice[] = {
     {Fault::kRunBrokeDown, "a picture that is too large for the memory can be the reason; -v shows more"},
     {Fault::kWritingBrokeDown, "choose another format"},
     {Fault::kWorkerUnheard, "try again"},
-    {Fault::kJobNotTaken, "use shorter file names"},
     {Fault::kNoWorker, "check the limits on processes and memory"},
 
     {Fault::kSameTarget, "take one of them, for instance with --pattern '*_H.*'", kWrongUsage},

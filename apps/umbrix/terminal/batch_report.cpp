@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "terminal/batch_report.h"
 
+#include "terminal/kind_name.h"
 #include "terminal/put_text.h"
 #include "terminal/say.h"
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 #include <tuple>
 #include <utility>
 
@@ -15,7 +17,7 @@ namespace {
 
 constexpr char const* kNames[] = {"skipped", "done", "stopped", "failed"};
 
-char const* name_of(BatchState state)
+char const* word_for(BatchState state)
 {
     return kNames[static_cast<int>(state)];
 }
@@ -28,15 +30,15 @@ void print_line(nlohmann::json const& object)
 
 nlohmann::json to_json(BatchResult const& result)
 {
-    nlohmann::json object{{"source", result.source.string()}, {"state", name_of(result.state)}};
+    nlohmann::json object{{"source", result.source.string()}, {"state", word_for(result.state)}};
     if (!result.target.empty()) {
         object["target"] = result.target.string();
     }
     if (!result.reason.empty()) {
         object["reason"] = result.reason;
     }
-    if (!result.kind.empty()) {
-        object["taken_for"] = result.kind;
+    if (result.kind) {
+        object["taken_for"] = name_of(*result.kind);
     }
     if (result.peak_kib > 0) {
         object["seconds"] = result.seconds;
@@ -51,11 +53,12 @@ nlohmann::json to_json(BatchResult const& result)
 std::string row_of(BatchResult const& result)
 {
     if (result.state == BatchState::kDone) {
-        return fmt::format("{:8} {} -> {}{}, {:.1f} s", name_of(result.state), result.source.string(),
-                           result.target.string(), result.kind.empty() ? "" : ", from a " + result.kind,
+        return fmt::format("{:8} {} -> {}{}, {:.1f} s", word_for(result.state), result.source.string(),
+                           result.target.string(),
+                           result.kind ? fmt::format(", from a {}", name_of(*result.kind)) : "",
                            result.seconds);
     }
-    return fmt::format("{:8} {}: {}", name_of(result.state), result.source.string(), result.reason);
+    return fmt::format("{:8} {}: {}", word_for(result.state), result.source.string(), result.reason);
 }
 
 } // namespace

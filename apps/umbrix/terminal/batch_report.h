@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/base/kind.h"
+#include "toolkit_names.h"
+
 #include <cstddef>
 #include <filesystem>
-#include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,11 +20,11 @@ struct BatchResult {
     std::filesystem::path source;
     std::filesystem::path target; ///< Empty for a place where no files could be looked for.
     BatchState state = BatchState::kDone;
-    std::string reason; ///< Unless it is done.
-    std::string kind;   ///< What the source was taken for, if it is done and that was a question.
-    double seconds = 0; ///< 0 if no worker was begun, and so the next two.
-    long peak_kib = 0;  ///< Largest memory of the worker.
-    nlohmann::json notes = nlohmann::json::array();
+    std::string reason;       ///< Unless it is done.
+    std::optional<Kind> kind; ///< What the source was taken for, if it is done and that was a question.
+    double seconds = 0;       ///< 0 if no worker was begun, and so the next two.
+    long peak_kib = 0;        ///< Largest memory of the worker.
+    std::vector<std::string> notes;
 };
 
 struct BatchSummary {

@@ -27,29 +27,28 @@ namespace fs = std::filesystem;
 /// One file at work.
 class PictureTask : public PoolTask {
 public:
-    PictureTask(BatchFile const& file, Job job, BatchOrders const& orders)
-        : file_(file), job_(std::move(job)), orders_(orders),
+    PictureTask(BatchFile const& file, PictureJob job, BatchOrders const& orders)
+        : job_(std::move(job)), orders_(orders),
           picture_(file.source, file.target, file.outdated || orders.policy != OutputPolicy::kKeep)
     {
     }
 
     Job job() const override
     {
-        Job job = job_;
-        picture_.name_files(job);
-        return job;
+        auto const with_files = [&](auto job) -> Job {
+            picture_.name_files(job.files);
+            job.files.max_texels = orders_.max_texels;
+            return job;
+        };
+        return std::visit(with_files, job_);
     }
 
-    Briefing briefing() const override
-    {
-        return {file_.source.string(), file_.target.string(), orders_.timeout_seconds};
-    }
+    double timeout_seconds() const override { return orders_.timeout_seconds; }
 
-    void complete(nlohmann::json const& report) override { picture_.complete(report); }
+    void complete(Report const&) override { picture_.complete(); }
 
 private:
-    BatchFile const& file_;
-    Job job_;
+    PictureJob job_;
     BatchOrders const& orders_;
     PictureFile picture_;
 };
@@ -86,12 +85,17 @@ std::string reason_of(Failure const& failure, BatchFile const& file)
     return named ? failure.what() : fmt::format("{}: {}", complaint_about(failure).subject, failure.what());
 }
 
-std::string kind_of(nlohmann::json const& report)
+/// What the source was taken for, if that was a question.
+std::optional<Kind> kind_of(Report const& report)
 {
-    if (!report.contains("kind")) {
-        return {};
-    }
-    return report.at("kind").get<Kind>() == Kind::kHeightMap ? "height map" : "normal map";
+    auto const kind = [](auto const& each) -> std::optional<Kind> {
+        if constexpr (requires { each.kind; }) {
+            return each.kind;
+        } else {
+            return std::nullopt;
+        }
+    };
+    return std::visit(kind, report);
 }
 
 /// The files that there is something to do for. Those without and the failures go to @p report.
@@ -179,7 +183,7 @@ std::unique_ptr<PoolTask> BatchRun::open(std::size_t index)
         ++finished_;
         return nullptr;
     }
-    Job job = orders_.job_for(file);
+    PictureJob job = orders_.job_for(file);
     make_folder_of(file.target);
     auto task = std::make_unique<PictureTask>(file, std::move(job), orders_);
     display_.show(fmt::format("{} of {} {}", index + 1, files_.size(), short_name(file.source)),
@@ -216,7 +220,7 @@ void BatchRun::end(PoolEnding const& ending)
         result.reason = "it was stopped; nothing of it is left";
     } else if (!ending.failure) {
         result.state = BatchState::kDone;
-        result.kind = kind_of(ending.report);
+        result.kind = kind_of(*ending.report);
     } else if (auto const skip = reason_to_skip(file, orders_.policy);
                skip && orders_.policy == OutputPolicy::kKeep) {
         result.state = BatchState::kSkipped; // another run was faster
@@ -226,9 +230,9 @@ void BatchRun::end(PoolEnding const& ending)
         result.reason = reason_of(*ending.failure, file);
     }
     display_.clear();
-    if (orders_.verbose && !ending.chatter.empty()) {
+    if (orders_.verbose && !ending.printed.empty()) {
         put_text(stderr, fmt::format("{}: {}:\n{}\n", orders_.command, printable(file.source.string()),
-                                     ending.chatter));
+                                     ending.printed));
     }
     if (orders_.ended) {
         orders_.ended(file, result);

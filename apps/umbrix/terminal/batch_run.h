@@ -17,14 +17,15 @@ namespace umbrix_cli {
 /// What is the same for all files of a batch.
 struct BatchOrders {
     std::string command; ///< Begins every message: "umbrix batch".
-    /// The job for a file, without the fields that name files. A Failure if the output's name does not suit
+    /// The job for a file, without its files. A Failure if the output's name does not suit
     /// it.
-    std::function<Job(BatchFile const& file)> job_for;
+    std::function<PictureJob(BatchFile const& file)> job_for;
     /// Called as each file ends that was begun; may be empty.
     std::function<void(BatchFile const& file, BatchResult const& result)> ended;
     std::size_t workers = 1; ///< Files at a time.
     bool dry_run = false;    ///< Only tell what would be made of what.
     OutputPolicy policy = OutputPolicy::kKeep;
+    double max_texels = 0; ///< Largest picture that is worked on.
     double timeout_seconds = 60;
     bool verbose = false;
     bool json = false; ///< Notes go to the report instead of standard error.
@@ -50,7 +51,7 @@ private:
     BatchOrders const& orders_;
     BatchReport& report_;
     ProgressDisplay display_;
-    std::map<std::size_t, nlohmann::json> notes_; ///< Of files at work.
+    std::map<std::size_t, std::vector<std::string>> notes_; ///< Of files at work.
     std::size_t finished_ = 0;
 };
 

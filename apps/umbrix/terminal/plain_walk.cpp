@@ -5,11 +5,9 @@
 #include "terminal/put_text.h"
 #include "terminal/say.h"
 #include "toolkit/base/failure.h"
-#include "toolkit/files/temporary.h"
 #include "toolkit/workers/worker_pool.h"
 
 #include <fmt/format.h>
-#include <fstream>
 
 namespace umbrix_cli {
 
@@ -19,40 +17,23 @@ constexpr char const* kCommand = "umbrix batch";
 
 class WalkTask : public PoolTask {
 public:
-    WalkTask(PlainWalk const& walk, std::filesystem::path const& scratch) : walk_(walk), scratch_(scratch) {}
+    explicit WalkTask(FolderJob const& job) : job_(job) {}
 
-    Job job() const override
-    {
-        Job job;
-        job.task = Task::kFolder;
-        job.input = walk_.folder.string();
-        job.scratch = scratch_.string();
-        job.search = walk_.search;
-        job.recurse = walk_.recurse;
-        job.settings = walk_.settings;
-        job.kind = walk_.kind;
-        job.graphics = walk_.graphics;
-        return job;
-    }
-
-    Briefing briefing() const override { return {walk_.folder.string(), walk_.folder.string()}; }
-
-    void complete(nlohmann::json const&) override {}
+    Job job() const override { return job_; }
+    double timeout_seconds() const override { return 60; }
+    bool has_many_files() const override { return true; }
+    void complete(Report const&) override {}
 
 private:
-    PlainWalk const& walk_;
-    std::filesystem::path const& scratch_;
+    FolderJob const& job_;
 };
 
 /// The one piece of work of a pool.
 class WalkClient : public PoolClient {
 public:
-    explicit WalkClient(PlainWalk const& walk) : walk_(walk) {}
+    explicit WalkClient(FolderJob const& job) : job_(job) {}
 
-    std::unique_ptr<PoolTask> open(std::size_t) override
-    {
-        return std::make_unique<WalkTask>(walk_, scratch_.path());
-    }
+    std::unique_ptr<PoolTask> open(std::size_t) override { return std::make_unique<WalkTask>(job_); }
 
     void note(std::size_t, std::string const& file, Note const& note) override
     {
@@ -63,7 +44,6 @@ public:
 
     void stopping(std::size_t running) override
     {
-        std::ofstream(scratch_.path() / kStopRequest).flush();
         if (running > 0) {
             put_text(stderr,
                      fmt::format("{}: stopping when the file at work is finished; press Ctrl-C again to "
@@ -75,24 +55,22 @@ public:
     std::optional<Failure> const& failure() const { return failure_; }
 
 private:
-    PlainWalk const& walk_;
-    ScratchFolder scratch_;
+    FolderJob const& job_;
     std::optional<Failure> failure_;
 };
 
 } // namespace
 
-void run_plain_walk(PlainWalk const& walk, Interrupts const& interrupts)
+void run_plain_walk(FolderJob const& job, Interrupts const& interrupts)
 {
-    WalkClient client(walk);
+    WalkClient client(job);
     if (!run_pool(1, 1, client, interrupts)) {
         throw Stopped{"the walk was stopped; the same command begins it anew"};
     }
     if (client.failure()) {
         throw Failure(*client.failure());
     }
-    say("{}: the walk ran to its end; the library does not tell what became of each file",
-        walk.folder.string());
+    say("{}: the walk ran to its end; the library does not tell what became of each file", job.folder);
 }
 
 } // namespace umbrix_cli

@@ -5,50 +5,34 @@
 #include "terminal/put_text.h"
 #include "terminal/say.h"
 
-#include <cerrno>
-#include <cstring>
-#include <iterator>
-#include <poll.h>
-
 namespace umbrix_cli {
 
-namespace {
-
-Hearing shown_by(ProgressDisplay& display, Supervision const& supervision)
+void JobDisplay::begin(Phase phase, std::string const& /*file*/)
 {
-    Hearing hearing;
-    hearing.progress = [&display](std::string const& stage, int permille) { display.show(stage, permille); };
-    hearing.note = [&](std::string const& file, Note const& note) {
-        if (supervision.verbose || !note.detail) {
-            display.clear();
-            say_note(supervision.command, file + ": " + text_of(note));
-        }
-    };
-    return hearing;
+    if (phase == Phase::kWriting) {
+        progress_.show("writing", 0);
+    }
 }
 
-} // namespace
-
-nlohmann::json supervise(Job const& job, Supervision const& supervision)
+void JobDisplay::stage(std::string_view name, int permille)
 {
-    ProgressDisplay display(supervision.progress);
-    Conversation conversation(job, supervision.briefing, shown_by(display, supervision));
-    for (bool open = true; open;) {
-        pollfd records[Conversation::kDescriptors + 1] = {};
-        conversation.fill(records);
-        records[Conversation::kDescriptors] = {supervision.interrupts.descriptor(), POLLIN, 0};
-        if (poll(records, std::size(records), conversation.patience()) < 0 && errno != EINTR) {
-            throw Failure(Fault::kWorkerUnheard, "umbrix",
-                          std::string("no word from its worker: ") + std::strerror(errno));
-        }
-        open = conversation.listen(records);
-        supervision.interrupts.check();
+    progress_.show(std::string(name), permille);
+}
+
+void JobDisplay::note(std::string const& file, Note const& note)
+{
+    if (supervision_.verbose || !note.detail) {
+        progress_.clear();
+        say_note(supervision_.command, file + ": " + text_of(note));
     }
-    display.clear();
-    if (supervision.verbose) {
-        put_text(stderr, conversation.chatter());
+}
+
+void JobDisplay::printed(std::string const& lines)
+{
+    if (supervision_.verbose) {
+        progress_.clear();
+        put_text(stderr, lines);
     }
-    return conversation.finish();
 }
 
 } // namespace umbrix_cli

@@ -3,11 +3,9 @@
 
 #include "terminal/interrupts.h"
 #include "terminal/progress_display.h"
-#include "toolkit/tasks/job.h"
-#include "toolkit/workers/conversation.h"
+#include "toolkit/workers/run_one.h"
 #include "toolkit_names.h"
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 namespace umbrix_cli {
@@ -15,14 +13,36 @@ namespace umbrix_cli {
 /// What a supervised job needs besides itself.
 struct Supervision {
     std::string command; ///< Begins every message: "umbrix map".
-    Briefing briefing;
+    double timeout_seconds;
     bool verbose;
     ProgressDisplay::Style progress;
     Interrupts const& interrupts;
 };
 
-/// Has a worker do @p job, shows its progress and notes, and returns its report. A Failure if the worker gave
-/// one, crashed, ended without a word or decoded for too long; Stopped if the user wants to stop.
-nlohmann::json supervise(Job const& job, Supervision const& supervision);
+/// Shows on standard error what becomes of a job.
+class JobDisplay : public Observer {
+public:
+    explicit JobDisplay(Supervision const& supervision)
+        : supervision_(supervision), progress_(supervision.progress)
+    {
+    }
+
+    void begin(Phase phase, std::string const& file) override;
+    void stage(std::string_view name, int permille) override;
+    void note(std::string const& file, Note const& note) override;
+    void printed(std::string const& lines) override;
+
+private:
+    Supervision const& supervision_;
+    ProgressDisplay progress_;
+};
+
+/// Has a worker do @p job, shows its progress and notes, and returns its report; as run_one().
+template <typename OneJob>
+typename OneJob::Report supervise(OneJob const& job, Supervision const& supervision)
+{
+    JobDisplay display(supervision);
+    return run_one(job, display, supervision.interrupts, supervision.timeout_seconds);
+}
 
 } // namespace umbrix_cli

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/devil/devil_reading.h"
 
-#include "toolkit/base/failure.h"
-#include "toolkit/base/worker_channel.h"
+#include "toolkit/base/give_up.h"
 
 #include <IL/il.h>
 #include <cstdio>
-#include <cstdlib>
-#include <unistd.h>
 
 namespace umbrixlib::toolkit {
 
@@ -20,8 +17,7 @@ int vain_reads = 0;
 void note(bool got_something)
 {
     if (!got_something && ++vain_reads > kMostVainReads) {
-        send_failure(Failure(Fault::kDamagedPicture, "input", "it is damaged: it ends too early"));
-        _exit(EXIT_FAILURE);
+        give_up({Fault::kDamagedPicture, "", "it is damaged: it ends too early"});
     }
 }
 

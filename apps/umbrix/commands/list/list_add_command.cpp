@@ -5,6 +5,7 @@
 #include "options/list_argument.h"
 #include "options/map_usage.h"
 #include "terminal/complaint.h"
+#include "terminal/kind_name.h"
 #include "terminal/say.h"
 #include "toolkit/lists/list_file.h"
 #include "toolkit/lists/list_settings.h"
@@ -67,7 +68,7 @@ ListAddCommand::NewJob ListAddCommand::job_for(std::string const& source, Interr
     }
     static_cast<umbrix_data&>(job) = data_for(options_.settings, look.kind, look.width);
     job.filename = name_in_list(source);
-    added.told = fmt::format("{}: {}{}", source, look.kind == Kind::kHeightMap ? "height map" : "normal map",
+    added.told = fmt::format("{}: {}{}", source, name_of(look.kind),
                              look.because.empty() ? "" : fmt::format(" (guessed: {})", look.because));
     return added;
 }

@@ -21,18 +21,12 @@ namespace {
 namespace fs = std::filesystem;
 
 /// What `umbrix info` says about a picture, which is thereby known to be readable.
-nlohmann::json info_of(fs::path const& picture, Surroundings const& surroundings)
+InfoReport info_of(fs::path const& picture, Surroundings const& surroundings)
 {
     CommonOptions const limits;
-    Job job;
-    job.task = Task::kInfo;
-    job.input = picture.string();
-    job.max_texels = limits.max_texels;
-    return supervise(job, {surroundings.command,
-                           {job.input, "", limits.timeout_seconds},
-                           false,
-                           ProgressDisplay::Style::kNone,
-                           surroundings.interrupts});
+    return supervise(InfoJob{picture.string(), limits.max_texels},
+                     {surroundings.command, limits.timeout_seconds, false, ProgressDisplay::Style::kNone,
+                      surroundings.interrupts});
 }
 
 void demand_all_of_a_folder(fs::path const& folder, Settings const& settings, std::optional<Kind> kind)
@@ -110,14 +104,11 @@ SourceLook look_at_source(fs::path const& source, Settings const& settings, std:
     if (kind && settings.n_scale) {
         return {*kind, "", 0};
     }
-    nlohmann::json const info = info_of(source, surroundings);
-    int const width = info.at("width").get<int>();
+    InfoReport const info = info_of(source, surroundings);
     if (kind) {
-        return {*kind, "", width};
+        return {*kind, "", info.width};
     }
-    Kind const guess =
-        info.at("taken_for").get<std::string>() == "height map" ? Kind::kHeightMap : Kind::kNormalMap;
-    return {guess, info.at("because").get<std::string>(), width};
+    return {info.taken_for, info.because, info.width};
 }
 
 LinkedList<n_layer> layers_for_job(fs::path const& stack_file, Settings const& settings,
@@ -145,8 +136,7 @@ LinkedList<n_layer> layers_for_job(fs::path const& stack_file, Settings const& s
         }
     }
     // All layers are worked on in the size of the first.
-    float const n_scale =
-        n_scale_of(settings, info_of(layers.front().file, surroundings).at("width").get<int>());
+    float const n_scale = n_scale_of(settings, info_of(layers.front().file, surroundings).width);
     LinkedList<n_layer> records;
     for (std::size_t i = 0; i < layers.size(); ++i) {
         StackLayer const* const next = i + 1 < layers.size() ? &layers[i + 1] : nullptr;

@@ -7,7 +7,6 @@
 #include "terminal/batch_run.h"
 #include "toolkit/batch/list_plan.h"
 #include "toolkit/lists/list_file.h"
-#include "toolkit/lists/list_job.h"
 #include "toolkit/lists/list_settings.h"
 
 #include <CLI/Error.hpp>
@@ -85,6 +84,7 @@ void ListRunCommand::run(Interrupts const& interrupts)
     BatchOrders orders;
     orders.command = "umbrix list run";
     orders.policy = choice.policy;
+    orders.max_texels = common_.max_texels;
     orders.timeout_seconds = common_.timeout_seconds;
     orders.verbose = common_.verbose;
     orders.json = json_;
@@ -92,12 +92,8 @@ void ListRunCommand::run(Interrupts const& interrupts)
     orders.workers = workers_.count();
     orders.dry_run = dry_run_;
     orders.job_for = [&](BatchFile const& file) {
-        Job job;
-        job.task = Task::kListJob;
-        job.list_job = plan.pieces[file.origin].job;
-        job.max_texels = common_.max_texels;
-        job.graphics = graphics_;
-        Settings const settings = settings_of(unpack_list_job(job.list_job));
+        ListJob const& job = plan.pieces[file.origin].job;
+        Settings const settings = settings_of(job.data);
         check_ranges(settings, file.source.string());
         check_map_usage(settings, file.target.string());
         check_graphics_usage(graphics_, settings);

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "toolkit/base/kind.h"
+#include "toolkit_names.h"
+
+namespace umbrix_cli {
+
+inline char const* name_of(Kind kind)
+{
+    return kind == Kind::kHeightMap ? "height map" : "normal map";
+}
+
+inline char const* name_of(NormalY direction)
+{
+    return direction == NormalY::kUp ? "up" : "down";
+}
+
+} // namespace umbrix_cli

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#include "terminal/report_json.h"
+
+#include "terminal/kind_name.h"
+
+#include <nlohmann/json.hpp>
+
+namespace umbrix_cli {
+
+namespace {
+
+using nlohmann::json;
+
+std::string text_of(json const& object)
+{
+    return object.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
+}
+
+} // namespace
+
+std::string json_text(InfoReport const& report, std::string const& file)
+{
+    json channels = json::array();
+    for (ChannelRange const& channel : report.channels) {
+        channels.push_back({{"name", channel.name},
+                            {"minimum", channel.minimum},
+                            {"maximum", channel.maximum},
+                            {"mean", channel.mean}});
+    }
+    return text_of({{"file", file},
+                    {"width", report.width},
+                    {"height", report.height},
+                    {"bits_per_channel", report.bits_per_channel},
+                    {"pixel", report.pixel},
+                    {"channels", channels},
+                    {"taken_for", name_of(report.taken_for)},
+                    {"because", report.because}});
+}
+
+std::string json_text(FitReport const& report, std::string const& heights, std::string const& normals)
+{
+    return text_of({{"height_map", heights},
+                    {"normal_map", normals},
+                    {"width", report.width},
+                    {"height", report.height},
+                    {"relief", report.relief},
+                    {"n_scale", report.n_scale},
+                    {"gaussian", report.gaussian},
+                    {"green", name_of(report.green)},
+                    {"mean_angle_degrees", report.mean_angle_degrees},
+                    {"other_green_mean_angle_degrees", report.other_green_mean_angle_degrees},
+                    {"flat_mean_angle_degrees", report.flat_mean_angle_degrees},
+                    {"beats_flat", report.beats_flat}});
+}
+
+std::string json_text(DevicesReport const& report)
+{
+    json devices = json::array();
+    for (DevicesReport::Device const& device : report.devices) {
+        devices.push_back({{"number", device.number},
+                           {"name", device.name},
+                           {"backend", device.backend},
+                           {"default", device.is_default}});
+    }
+    return text_of({{"devices", devices}, {"last_error", report.last_error}});
+}
+
+} // namespace umbrix_cli

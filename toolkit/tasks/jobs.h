@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "toolkit/settings/defaults.h"
+#include "toolkit/settings/graphics_settings.h"
+#include "toolkit/settings/stack_description.h"
+#include "toolkit/tasks/relight.h"
+#include "toolkit/tasks/reports.h"
+
+#include <optional>
+#include <string>
+#include <umbrixlib.h>
+#include <variant>
+#include <vector>
+
+/// @file
+/// A task is a kind of work that can be done; a job is one order of a task, with all that it takes. One type
+/// a task. File names are bytes as the user gave them and need not be UTF-8.
+
+namespace umbrixlib::toolkit {
+
+/// A picture to be written.
+struct Output {
+    std::string file; ///< Temporary; its extension names the format. Empty: the picture is not wanted.
+    std::string name; ///< What messages call it.
+
+    bool operator==(Output const&) const = default;
+};
+
+/// The files of a job that makes one picture of another.
+struct JobFiles {
+    std::string input;
+    Output output;
+    std::string scratch;   ///< Folder for intermediate files.
+    double max_texels = 0; ///< Largest input that is worked on.
+
+    bool operator==(JobFiles const&) const = default;
+};
+
+/// An Umbrix map from a height map or a normal map.
+struct MapJob {
+    using Report = MapReport;
+
+    JobFiles files;
+    Settings settings = kDefaults;
+    std::optional<Kind> kind; ///< Of the input; empty: guess.
+    NormalY normal_y = NormalY::kUp;
+    Graphics graphics;
+    bool compare_cpu = false; ///< Tell how far the map is from one made on the CPU.
+
+    bool operator==(MapJob const&) const = default;
+};
+
+/// A tangent-space normal map from a height map.
+struct NormalJob {
+    using Report = NormalReport;
+
+    JobFiles files;
+    Settings settings = kDefaults;
+    NormalY normal_y = NormalY::kUp; ///< Of the normal map that is written.
+
+    bool operator==(NormalJob const&) const = default;
+};
+
+/// A lit picture of an Umbrix map, or a contact sheet of several.
+struct RelightJob {
+    using Report = RelightReport;
+
+    JobFiles files;
+    Light light{};
+    Relighting look{};
+    int directions = 0; ///< Of a contact sheet; 0: one picture.
+    int cell = 0;       ///< Longest side of a picture of a contact sheet, in texels.
+
+    bool operator==(RelightJob const&) const = default;
+};
+
+/// What is in a picture.
+struct InfoJob {
+    using Report = InfoReport;
+
+    std::string input;
+    double max_texels = 0;
+
+    bool operator==(InfoJob const&) const = default;
+};
+
+/// A normal map, a height map and an Umbrix map from layers.
+struct StackJob {
+    using Report = StackReport;
+
+    std::string file; ///< That the description was read from, for messages.
+    StackDescription description;
+    Output normals;
+    Output heights;
+    Output map;
+    bool map_from_layers = false; ///< The map is made by the library's own way with layers.
+    std::string scratch;          ///< Folder for intermediate files.
+    double max_texels = 0;        ///< Largest layer that is worked on.
+    Settings settings = kDefaults;
+    Graphics graphics; ///< For the map.
+
+    bool operator==(StackJob const&) const = default;
+};
+
+/// The relief at which a height map's normals come nearest to a normal map.
+struct FitJob {
+    using Report = FitReport;
+
+    std::string heights;
+    std::string normals;
+    double max_texels = 0;
+    Settings settings = kDefaults;
+    bool fit_gaussian = false; ///< Find the sigma of the blur, too.
+
+    bool operator==(FitJob const&) const = default;
+};
+
+/// The devices that a map can be made on.
+struct DevicesJob {
+    using Report = DevicesReport;
+
+    bool operator==(DevicesJob const&) const = default;
+};
+
+/// The Umbrix map of a job of a work list, as the list describes it.
+struct ListJob {
+    using Report = ListReport;
+
+    JobFiles files;
+    umbrix_data data;
+    std::vector<n_layer> layers;
+    Graphics graphics;
+};
+
+/// The library's own walk of a folder. It ends early if the Observer is stopping.
+struct FolderJob {
+    using Report = FolderReport;
+
+    std::string folder;
+    std::string search; ///< Pattern of the files.
+    bool recurse = false;
+    Settings settings = kDefaults;
+    Kind kind = Kind::kHeightMap;
+    Graphics graphics;
+
+    bool operator==(FolderJob const&) const = default;
+};
+
+/// A job of any task.
+using Job =
+    std::variant<MapJob, NormalJob, RelightJob, InfoJob, StackJob, FitJob, DevicesJob, ListJob, FolderJob>;
+
+/// A job that makes one picture of another.
+using PictureJob = std::variant<MapJob, NormalJob, RelightJob, ListJob>;
+
+/// What messages call that which a job works on first.
+std::string name_of_input(Job const& job);
+
+} // namespace umbrixlib::toolkit

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "toolkit/base/kind.h"
+#include "toolkit/pictures/decoded_image.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+/// @file
+/// What a job has made or found out, one type a task. Sizes are in texels, angles in degrees.
+
+namespace umbrixlib::toolkit {
+
+/// The device that a map was made on.
+struct DeviceReport {
+    std::string name;
+    std::string backend;
+
+    bool operator==(DeviceReport const&) const = default;
+};
+
+struct MapReport {
+    int width = 0;
+    int height = 0;
+    Kind kind = Kind::kHeightMap; ///< What the input was taken for.
+    bool guessed = false;         ///< The kind was not given.
+    std::string reason;           ///< What speaks for the kind that would be guessed.
+    float n_scale = 0;            ///< Strength of the normals.
+    std::optional<DeviceReport> device;
+    std::vector<int>
+        difference; ///< Largest of each channel from the CPU's map, of 255; empty: not asked for.
+
+    bool operator==(MapReport const&) const = default;
+};
+
+struct NormalReport {
+    int width = 0;
+    int height = 0;
+    float n_scale = 0; ///< Strength of the normals.
+
+    bool operator==(NormalReport const&) const = default;
+};
+
+struct RelightReport {
+    int width = 0; ///< Of the picture or the contact sheet that was written.
+    int height = 0;
+
+    bool operator==(RelightReport const&) const = default;
+};
+
+struct InfoReport {
+    int width = 0;
+    int height = 0;
+    int bits_per_channel = 0;
+    std::string pixel; ///< "8-bit grey with alpha" and the like.
+    std::vector<ChannelRange> channels;
+    Kind taken_for = Kind::kHeightMap; ///< What a map would be made from.
+    std::string because;               ///< What speaks for that.
+
+    bool operator==(InfoReport const&) const = default;
+};
+
+struct StackReport {
+    int width = 0;
+    int height = 0;
+    std::size_t layers = 0; ///< That took part.
+
+    bool operator==(StackReport const&) const = default;
+};
+
+struct FitReport {
+    int width = 0;
+    int height = 0;
+    double relief = 0; ///< In image widths.
+    double n_scale = 0;
+    double gaussian = 0; ///< Sigma in texels.
+    NormalY green = NormalY::kUp;
+    double mean_angle_degrees = 0;             ///< That remains between the normals.
+    double other_green_mean_angle_degrees = 0; ///< With the other direction of green.
+    double flat_mean_angle_degrees = 0;        ///< Of flat ground.
+    bool beats_flat = false;                   ///< The relief comes nearer than flat ground.
+
+    bool operator==(FitReport const&) const = default;
+};
+
+struct DevicesReport {
+    struct Device {
+        int number = 0;
+        std::string name;
+        std::string backend;
+        bool is_default = false; ///< Taken where no number is given.
+
+        bool operator==(Device const&) const = default;
+    };
+    std::vector<Device> devices;
+    std::string last_error; ///< Why one was not used; may be empty.
+
+    bool operator==(DevicesReport const&) const = default;
+};
+
+struct ListReport {
+    int width = 0;
+    int height = 0;
+    Kind kind = Kind::kHeightMap; ///< As the job has it.
+
+    bool operator==(ListReport const&) const = default;
+};
+
+struct FolderReport {
+    bool ran_through = false; ///< The library's walk was not stopped.
+
+    bool operator==(FolderReport const&) const = default;
+};
+
+/// The report of a job of any task. In the order of Job.
+using Report = std::variant<MapReport, NormalReport, RelightReport, InfoReport, StackReport, FitReport,
+                            DevicesReport, ListReport, FolderReport>;
+
+} // namespace umbrixlib::toolkit

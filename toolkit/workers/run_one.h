@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "toolkit/base/observer.h"
+#include "toolkit/base/stop.h"
+#include "toolkit/tasks/jobs.h"
+
+namespace umbrixlib::toolkit {
+
+/// Has a worker do a job, and returns its report. A Failure if the worker told one, crashed, ended without a
+/// word, or took more than @p timeout_seconds to decode a file; Stopped as soon as there is a wish to stop.
+Report run_job(Job const& job, Observer& observer, Stop const& stop, double timeout_seconds = 60);
+
+/// The same with the report of the job's own type.
+template <typename OneJob>
+typename OneJob::Report run_one(OneJob const& job, Observer& observer, Stop const& stop,
+                                double timeout_seconds = 60)
+{
+    return std::get<typename OneJob::Report>(run_job(job, observer, stop, timeout_seconds));
+}
+
+} // namespace umbrixlib::toolkit
