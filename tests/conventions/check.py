@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Usage: check.py contracts|engine|formatting|includes|licences|sizes|vector_code ROOT.
+"""Usage: check.py contracts|engine|formatting|includes|licences|sizes|vector_code|versions ROOT.
 
 Prints each fault; fails if there is one."""
 

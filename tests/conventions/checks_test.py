@@ -12,6 +12,7 @@ import includes
 import licences
 import sizes
 import vector_code
+import versions
 
 
 class Tree(unittest.TestCase):
@@ -229,6 +230,30 @@ class VectorCode(Tree):
     def test_other_sources_are_left_alone(self):
         self.write("src/filters/plain.cpp", self.SHARED)
         self.assertEqual(vector_code.check(self.root), [])
+
+
+class Versions(Tree):
+    def setUp(self):
+        super().setUp()
+        self.write("CMakeLists.txt", "project(UmbrixLib VERSION 1.2.3 LANGUAGES CXX)\n")
+
+    def faults_with(self, log, **texts):
+        self.write("CHANGELOG.md", log)
+        for name, text in texts.items():
+            self.write(f"docs/{name}.md", text)
+        return versions.check(self.root)
+
+    def test_number_in_one_place_is_accepted(self):
+        log = "## [1.2.3] - unreleased\n\n## [1.2.2] - 2026-01-02\n"
+        self.assertEqual(self.faults_with(log, tools="Version 1.2.30, 11.2.3 and 1.2.3.4 of others.\n"), [])
+
+    def test_log_of_another_version_is_found(self):
+        self.assertEqual(len(self.faults_with("## [1.2.2] - 2026-01-02\n")), 1)
+        self.assertEqual(len(self.faults_with("# Changelog\n")), 1)
+
+    def test_second_place_is_found(self):
+        faults = self.faults_with("## [1.2.3] - 2026-01-02\n", install="Get umbrix-1.2.3.tar.gz\n")
+        self.assertEqual(faults, ["docs/install.md: repeats the version 1.2.3 of CMakeLists.txt"])
 
 
 class Licences(Tree):
