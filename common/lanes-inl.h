@@ -11,6 +11,7 @@
 #endif
 
 #include <cstddef>
+#include <cstring>
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
@@ -44,6 +45,26 @@ HWY_INLINE hn::Vec<HalfFloats> narrowed(hn::Vec<Doubles> values)
 #else
     return hn::DemoteTo(HalfFloats(), values);
 #endif
+}
+
+/// Runs @p operation, (first, second, result), on @p kAtOnce elements at a time; the last few on copies that
+/// have room for all. @p result may be either input.
+template <std::size_t kAtOnce, typename Operation>
+HWY_INLINE void by_registers(float const* first, float const* second, float* result, std::size_t count,
+                             Operation operation)
+{
+    std::size_t i = 0;
+    for (; i + kAtOnce <= count; i += kAtOnce) {
+        operation(first + i, second + i, result + i);
+    }
+    if (i < count) {
+        float last_first[kAtOnce] = {};
+        float last_second[kAtOnce] = {};
+        std::memcpy(last_first, first + i, (count - i) * sizeof(float));
+        std::memcpy(last_second, second + i, (count - i) * sizeof(float));
+        operation(last_first, last_second, last_first);
+        std::memcpy(result + i, last_first, (count - i) * sizeof(float));
+    }
 }
 
 } // namespace umbrixlib::detail::HWY_NAMESPACE

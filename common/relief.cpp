@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "common/relief.h"
 
+#include "common/ray_steps.h"
+
 #include <cmath>
 #include <limits>
 
@@ -21,6 +23,20 @@ void survey(Relief& relief)
     relief.top = top;
     relief.lowest = lowest;
     relief.magnitude = magnitude;
+}
+
+Relief relief_over(float const* heights, int rows, int cols, bool rows_wrap, bool columns_wrap, float radius)
+{
+    Relief relief{};
+    relief.heights = heights;
+    relief.rows = rows;
+    relief.cols = cols;
+    relief.rows_wrap = rows_wrap;
+    relief.columns_wrap = columns_wrap;
+    relief.reach = radius;
+    relief.ray_length = ray_length(cols, radius);
+    survey(relief);
+    return relief;
 }
 
 } // namespace umbrixlib::detail

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <climits>
+
 namespace umbrixlib::detail {
 
 /// The map that rays are walked over, and the limits of every walk. Both sides are above 1, and so is at
@@ -25,6 +27,10 @@ struct Relief {
 /// Fills the three extremes of @p relief from its heights. Heights that are not numbers do not count.
 void survey(Relief& relief);
 
+/// The map of @p heights with its extremes, and the limits of walks whose rays reach @p radius, a fraction of
+/// the width.
+Relief relief_over(float const* heights, int rows, int cols, bool rows_wrap, bool columns_wrap, float radius);
+
 /// The texel that position @p index of an axis of @p size texels wraps to.
 ///
 /// Contract: the period is size - 1, as if the first and the last texel were one; size is expected. Position
@@ -40,6 +46,25 @@ inline int wrapped(long long index, int size)
         return static_cast<int>((index % period + period) % period);
     }
     return static_cast<int>(index);
+}
+
+inline constexpr int kOffTheMap = -1;
+
+/// Where a ray stands on an axis of @p size texels, or kOffTheMap. An offset of INT_MIN is no number of
+/// texels.
+///
+/// Contract: a position one past the last row or column is still on a map that does not wrap, and means row
+/// or column 1; leaving the map is expected. Test: DirectionalAO.OnePastTheEdgeIsTheSecondTexel
+inline int place_on_axis(int start, int offset, int size, bool wraps)
+{
+    long long const position = static_cast<long long>(start) + offset;
+    if (offset == INT_MIN || (!wraps && (position > size || position < 0))) {
+        return kOffTheMap;
+    }
+    if (position >= 0 && position < size) {
+        return static_cast<int>(position);
+    }
+    return size < 2 ? kOffTheMap : wrapped(position, size);
 }
 
 } // namespace umbrixlib::detail

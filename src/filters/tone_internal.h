@@ -4,6 +4,7 @@
 /// @file
 /// Pixels of a tone operator, and shares of them.
 
+#include "common/blocks.h"
 #include "common/vector_types.h"
 #include "filters/tone_sweep.h"
 
@@ -110,13 +111,9 @@ void sweep_share(Pixel* pixels, std::int64_t begin, std::int64_t end, ToneSteps 
 template <typename Pixel>
 void sweep_image(Pixel* pixels, std::int64_t count, ToneSteps const& steps)
 {
-    constexpr std::int64_t kBlock = 4096;
-    std::int64_t const blocks = count < 1 ? 0 : (count - 1) / kBlock + 1;
-#pragma omp parallel for schedule(static) if (blocks > 1)
-    for (std::int64_t block = 0; block < blocks; ++block) {
-        std::int64_t const begin = block * kBlock;
-        sweep_pixels(pixels + begin, std::min(kBlock, count - begin), steps);
-    }
+    for_blocks(count, [&](std::ptrdiff_t begin, std::size_t pixels_of_block) {
+        sweep_pixels(pixels + begin, static_cast<std::int64_t>(pixels_of_block), steps);
+    });
 }
 
 } // namespace umbrixlib::detail

@@ -2,6 +2,7 @@
 #include "foundation/vector_math.h"
 
 #include "common/float_functions.h"
+#include "common/ray_directions.h"
 #include "common/rounding.h"
 
 #include <cmath>
@@ -97,7 +98,7 @@ float max_num(float a, float b)
 
 float torad(float degrees)
 {
-    return narrow(wide(degrees) * 3.141592653589793 / 180.0);
+    return umbrixlib::detail::to_radians(degrees);
 }
 
 float3 operator++(float3 v)

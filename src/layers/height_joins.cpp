@@ -4,7 +4,6 @@
 #include "common/vector_targets.h"
 
 #include <cstddef>
-#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "layers/height_joins.cpp"
@@ -20,7 +19,6 @@ using Values = hn::Vec<HalfFloats>;
 using Wide = hn::Vec<Doubles>;
 
 constexpr HalfFloats kFloats;
-constexpr std::size_t kLanes = hn::MaxLanes(HalfFloats());
 
 HWY_INLINE Wide one()
 {
@@ -59,25 +57,13 @@ struct Sum {
     }
 };
 
-/// Runs @p operation, which gives the new blend for (layer, blend), on a register at a time; the last few
-/// heights on a copy.
+/// Runs @p operation, which gives the new blend for (layer, blend), on all heights.
 template <typename Operation>
 HWY_INLINE void run(float* blend, float const* layer, std::size_t count, Operation operation)
 {
-    std::size_t i = 0;
-    for (; i + kLanes <= count; i += kLanes) {
-        hn::StoreU(operation(hn::LoadU(kFloats, layer + i), hn::LoadU(kFloats, blend + i)), kFloats,
-                   blend + i);
-    }
-    if (i < count) {
-        float last_blend[kLanes] = {};
-        float last_layer[kLanes] = {};
-        std::memcpy(last_blend, blend + i, (count - i) * sizeof(float));
-        std::memcpy(last_layer, layer + i, (count - i) * sizeof(float));
-        hn::StoreU(operation(hn::LoadU(kFloats, last_layer), hn::LoadU(kFloats, last_blend)), kFloats,
-                   last_blend);
-        std::memcpy(blend + i, last_blend, (count - i) * sizeof(float));
-    }
+    by_registers<kHalfLanes>(blend, layer, blend, count, [&](float const* b, float const* l, float* to) HWY_ATTR {
+        hn::StoreU(operation(hn::LoadU(kFloats, l), hn::LoadU(kFloats, b)), kFloats, to);
+    });
 }
 
 template <typename Second>
@@ -97,7 +83,7 @@ void start(float* blend, float const* layer, float scale, std::size_t count)
 {
     Values const factor = hn::Set(kFloats, scale);
     std::size_t i = 0;
-    for (; i + kLanes <= count; i += kLanes) {
+    for (; i + kHalfLanes <= count; i += kHalfLanes) {
         hn::StoreU(hn::Mul(hn::LoadU(kFloats, layer + i), factor), kFloats, blend + i);
     }
     for (; i < count; ++i) {

@@ -4,6 +4,7 @@
 
 #include "boundary/large_array_internal.h"
 #include "boundary/texture_kernels.h"
+#include "common/blocks.h"
 #include "filters/blend_internal.h"
 #include "layers/layer_access_internal.h"
 #include "layers/normal_bytes_internal.h"
@@ -39,20 +40,6 @@ constexpr NormalBlendForm kIntoCallersArray = {.layer_first = false, .last_is_ba
 // Contract: the heights of the last layer of the order stand for the blend's in mode 2, and nothing scales
 // the slopes; one would expect what the other forms do. Test: NLayersNormals.AnOrderMultipliesByItsLastLayer
 constexpr NormalBlendForm kInOrder = {.layer_first = false, .last_is_base = true, .scaled = false};
-
-/// Runs @p body on blocks of texels, on all threads: (first texel, number of texels).
-template <typename Body>
-void for_blocks(layer_size size, Body body)
-{
-    constexpr std::ptrdiff_t kBlock = 4096;
-    std::ptrdiff_t const texels = texels_of(size);
-    std::ptrdiff_t const blocks = (texels + kBlock - 1) / kBlock;
-#pragma omp parallel for schedule(static)
-    for (std::ptrdiff_t block = 0; block < blocks; ++block) {
-        std::ptrdiff_t const begin = block * kBlock;
-        body(begin, static_cast<std::size_t>(std::min(kBlock, texels - begin)));
-    }
-}
 
 /// Layers on their way into one normal map.
 ///
@@ -99,7 +86,7 @@ public:
     /// Does the steps that wait.
     void finish()
     {
-        for_blocks(size_, [&](std::ptrdiff_t at, std::size_t count) {
+        for_blocks(texels_of(size_), [&](std::ptrdiff_t at, std::size_t count) {
             if (!waiting_.empty()) {
                 join_slopes(waiting_.data(), waiting_.size(), from_, base_, blend_, at, count);
             } else if (from_ != blend_) {
@@ -116,13 +103,13 @@ private:
         if (target_ == nullptr) {
             return;
         }
-        for_blocks(size_, [&](std::ptrdiff_t at, std::size_t count) {
+        for_blocks(texels_of(size_), [&](std::ptrdiff_t at, std::size_t count) {
             normals_to_slopes(blend_ + at, count);
             normals_to_slopes(layer + at, count);
         });
         BlendNormal(opacity, layer_first_ ? layer : blend_, layer_first_ ? blend_ : layer, target_,
                     size_.height, size_.width);
-        for_blocks(size_, [&](std::ptrdiff_t at, std::size_t count) {
+        for_blocks(texels_of(size_), [&](std::ptrdiff_t at, std::size_t count) {
             slopes_to_normals(blend_ + at, count);
             slopes_to_normals(layer + at, count);
         });
@@ -136,12 +123,12 @@ private:
         }
         float3* const colours = colours_.get();
         float3* const layer_colours = layer_colours_.get();
-        for_blocks(size_, [&](std::ptrdiff_t at, std::size_t count) {
+        for_blocks(texels_of(size_), [&](std::ptrdiff_t at, std::size_t count) {
             normals_to_colours(blend_ + at, colours + at, count);
             normals_to_colours(layer + at, layer_colours + at, count);
         });
         Blend(BlendType_Overlay, opacity, colours, layer_colours, colours, size_.height, size_.width);
-        for_blocks(size_, [&](std::ptrdiff_t at, std::size_t count) {
+        for_blocks(texels_of(size_), [&](std::ptrdiff_t at, std::size_t count) {
             colours_to_normals(colours + at, blend_ + at, count);
         });
     }

@@ -2,6 +2,7 @@
 #include "texels/texel_umbrix.h"
 
 #include "boundary/platform.h"
+#include "common/ray_steps.h"
 #include "common/rounding.h"
 #include "texels/ray_directions_internal.h"
 
@@ -13,18 +14,9 @@ namespace umbrixlib::detail {
 
 namespace {
 
-/// Half a texel away from zero, so that the later truncation rounds to the nearest texel.
-double rounding_half(float step)
-{
-    return step > 0.0f ? 0.5 : -0.5;
-}
-
 float3 table_entry(int step, float3 d, int rows, int cols)
 {
-    double const f = wide(static_cast<float>(step));
-    return {narrow(f * wide(d.x) * wide(static_cast<float>(cols)) + rounding_half(d.x)),
-            narrow(f * wide(d.y) * wide(static_cast<float>(rows)) + rounding_half(d.y)),
-            narrow(f * wide(d.z))};
+    return {texels_passed(step, d.x, cols), texels_passed(step, d.y, rows), height_gained(step, d.z)};
 }
 
 std::size_t count_of(int value)
@@ -58,12 +50,12 @@ void release(umbrix_options& options)
     delete[] options.table_a;
 }
 
-void build_rays(umbrix_options& options, int rows, int cols, int ray_length)
+void build_rays(umbrix_options& options, int rows, int cols, int length)
 {
     float const inv_width = narrow(1.0 / wide(static_cast<float>(cols)));
     platform::seed_random(static_cast<unsigned>(platform::seconds_since_epoch()));
-    ElevationBand const upper = elevation_band(kUpperElevation, options.alpha_limit);
-    ElevationBand const lower = elevation_band(kLowerElevation, options.alpha_limit);
+    Elevations const upper(kUpperElevation, options.alpha_limit);
+    Elevations const lower(kLowerElevation, options.alpha_limit);
 
     // Contract: the step number is one variable for all threads of the loop. One of its own for each ray is
     // expected; as it is, threads take steps out of each other's hands, and a lost entry stays zero. Only a
@@ -77,13 +69,13 @@ void build_rays(umbrix_options& options, int rows, int cols, int ray_length)
         options.dir_a[i] = step_vector(directions.a, inv_width);
         options.dir_b[i] = step_vector(directions.b, inv_width);
         options.dir_c[i] = step_vector(directions.c, inv_width);
-        options.table_c[i] = new float3[count_of(ray_length)]();
-        options.table_b[i] = new float3[count_of(ray_length)]();
-        options.table_a[i] = new float3[count_of(ray_length)]();
+        options.table_c[i] = new float3[count_of(length)]();
+        options.table_b[i] = new float3[count_of(length)]();
+        options.table_a[i] = new float3[count_of(length)]();
         shared_step.store(1, std::memory_order_relaxed);
         for (;;) {
             int const step = shared_step.load(std::memory_order_relaxed);
-            if (step > ray_length) {
+            if (step > length) {
                 break;
             }
             options.table_c[i][step - 1] = table_entry(step, options.dir_c[i], rows, cols);
@@ -137,9 +129,9 @@ using namespace umbrixlib::detail;
 
 bool height2umbrix(float* heights, float3* out, int rows, int cols, umbrix_options& options, int* progress)
 {
-    int const ray_length = to_int(wide(static_cast<float>(cols)) * wide(options.radius) + 0.5);
+    int const length = ray_length(cols, options.radius);
     allocate(options);
-    build_rays(options, rows, cols, ray_length);
+    build_rays(options, rows, cols, length);
     MaximumSearch const found = search_maximum(heights, rows, cols);
     *progress = 0;
 
@@ -148,7 +140,7 @@ bool height2umbrix(float* heights, float3* out, int rows, int cols, umbrix_optio
     if (rows > 0 && cols > 0) {
         auto const share = [&](float3** table) {
             return clamped(trace_rays(heights, rows, cols, found.row, found.col, options.rays,
-                                      options.h_scale, found.max_height, options.radius, table, ray_length,
+                                      options.h_scale, found.max_height, options.radius, table, length,
                                       options.tile, options.h_tile, options.v_tile));
         };
         float3& target = out[static_cast<std::ptrdiff_t>(found.row) * cols + found.col];

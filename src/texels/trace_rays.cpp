@@ -1,42 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "texels/texel_umbrix.h"
 
+#include "common/relief.h"
 #include "common/rounding.h"
 
-#include <climits>
 #include <cstddef>
-#include <cstdint>
 
 namespace umbrixlib::detail {
 
 namespace {
 
-constexpr int kLeft = -1;
-
-/// Where a ray stands on an axis of @p side texels, or `kLeft` if it has left the map.
-int place(int start, int offset, int side, bool wraps)
-{
-    if (offset == INT_MIN) {
-        return kLeft;
-    }
-    std::int64_t const position = std::int64_t{start} + offset;
-    if (!wraps && (position > side || position < 0)) {
-        return kLeft;
-    }
-    if (position >= 0 && position < side) {
-        return static_cast<int>(position);
-    }
-    std::int64_t const period = std::int64_t{side} - 1;
-    if (period < 1) {
-        return kLeft;
-    }
-    if (position >= side) {
-        return static_cast<int>((position - 1) % period + 1);
-    }
-    return static_cast<int>((position % period + period) % period);
-}
-
-struct Relief {
+struct Map {
     float const* heights;
     int rows;
     int cols;
@@ -52,7 +26,7 @@ struct Start {
     float ceiling; ///< A ray at or above it is open.
 };
 
-bool is_open(Relief const& relief, Start const& start, float3 const* entries, int ray_length)
+bool is_open(Map const& map, Start const& start, float3 const* entries, int ray_length)
 {
     for (int step = 0; step < ray_length; ++step) {
         float3 const& entry = entries[step];
@@ -61,13 +35,13 @@ bool is_open(Relief const& relief, Start const& start, float3 const* entries, in
         if (dy > ray_length || dy < -ray_length) {
             return true;
         }
-        int const row = place(start.y, dy, relief.rows, relief.rows_wrap);
-        int const col = place(start.x, to_int(wide(entry.x)), relief.cols, relief.cols_wrap);
-        if (row == kLeft || col == kLeft) {
+        int const row = place_on_axis(start.y, dy, map.rows, map.rows_wrap);
+        int const col = place_on_axis(start.x, to_int(wide(entry.x)), map.cols, map.cols_wrap);
+        if (row == kOffTheMap || col == kOffTheMap) {
             return true;
         }
-        auto const texel = static_cast<std::ptrdiff_t>(row) * relief.cols + col;
-        if (wide(relief.heights[texel]) * wide(relief.scale) >= wide(ray_height)) {
+        auto const texel = static_cast<std::ptrdiff_t>(row) * map.cols + col;
+        if (wide(map.heights[texel]) * wide(map.scale) >= wide(ray_height)) {
             return false;
         }
         if (!(start.ceiling > ray_height)) {
@@ -95,11 +69,11 @@ float trace_rays(float* heights, int rows, int cols, int y, int x, int ray_count
     if (height == top) {
         return 1.0f;
     }
-    Relief const relief{heights, rows, cols, scale, tile && v_tile, tile && h_tile};
+    Map const map{heights, rows, cols, scale, tile && v_tile, tile && h_tile};
     Start const start{y, x, height, top > ceiling_from_reach ? ceiling_from_reach : top};
     int open = 0;
     for (int ray = 0; ray < ray_count; ++ray) {
-        open += is_open(relief, start, table[ray], ray_length) ? 1 : 0;
+        open += is_open(map, start, table[ray], ray_length) ? 1 : 0;
     }
     return narrow(static_cast<double>(open) / static_cast<double>(ray_count));
 }

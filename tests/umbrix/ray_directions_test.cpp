@@ -29,11 +29,11 @@ double azimuth_from(double centre, float3 d)
 
 TEST(RayDirections, BandsAreCutOffAtTheHorizonAndTheZenith)
 {
-    ElevationBand const band = elevation_band(kUpperElevation, 20.0f);
-    EXPECT_FLOAT_EQ(band.low, 25.264339f);
-    EXPECT_FLOAT_EQ(band.high, 45.264339f);
-    EXPECT_EQ(elevation_band(kLowerElevation, 60.0f).low, 0.0f);
-    EXPECT_EQ(elevation_band(kUpperElevation, 120.0f).high, 90.0f);
+    Elevations const band(kUpperElevation, 20.0f);
+    EXPECT_FLOAT_EQ(band.lowest, 25.264339f);
+    EXPECT_FLOAT_EQ(band.highest, 45.264339f);
+    EXPECT_EQ(Elevations(kLowerElevation, 60.0f).lowest, 0.0f);
+    EXPECT_EQ(Elevations(kUpperElevation, 120.0f).highest, 90.0f);
 }
 
 TEST(RayDirections, AStepAdvancesOneTexelInX)
@@ -60,8 +60,8 @@ TEST(RayDirections, ABasisWithoutXStepsToInfinity)
 TEST(RayDirections, StayWithinTheirLimits)
 {
     platform::seed_random(5);
-    ElevationBand const upper = elevation_band(kUpperElevation, 30.0f);
-    ElevationBand const lower = elevation_band(kLowerElevation, 30.0f);
+    Elevations const upper(kUpperElevation, 30.0f);
+    Elevations const lower(kLowerElevation, 30.0f);
     for (int i = 0; i < 500; ++i) {
         ThreeBands const d = jittered_directions(upper, lower, 40.0f);
         EXPECT_NEAR(elevation(d.a), kUpperElevation, 15.001);
@@ -77,7 +77,7 @@ TEST(RayDirections, StayWithinTheirLimits)
 TEST(RayDirections, ShareOneElevationWhileTheLowerBandAllowsIt)
 {
     platform::seed_random(9);
-    ElevationBand const band{20.0f, 40.0f};
+    Elevations const band(30.0, 20.0f);
     for (int i = 0; i < 100; ++i) {
         ThreeBands const d = jittered_directions(band, band, 10.0f);
         EXPECT_NEAR(elevation(d.a), elevation(d.c), 0.001);
@@ -86,7 +86,7 @@ TEST(RayDirections, ShareOneElevationWhileTheLowerBandAllowsIt)
 
 TEST(RayDirections, LowerDirectionsAreAsLongAsTheirBasis)
 {
-    ThreeBands const d = jittered_directions({30.0f, 30.0f}, {30.0f, 30.0f}, 0.0f);
+    ThreeBands const d = jittered_directions({30.0, 0.0f}, {30.0, 0.0f}, 0.0f);
     EXPECT_NEAR(d.c.x * d.c.x + d.c.y * d.c.y + d.c.z * d.c.z, 11.0f / 6.0f, 1e-5f);
     EXPECT_NEAR(d.a.x * d.a.x + d.a.y * d.a.y + d.a.z * d.a.z, 1.0f, 1e-5f);
 }

@@ -15,38 +15,18 @@ namespace coralith {
 namespace {
 
 using umbrixlib::detail::narrow;
-using umbrixlib::detail::to_int;
-using umbrixlib::detail::wide;
 
 constexpr std::size_t kMostStepsOfTable = std::size_t{1} << 20;
-
-Walk walk_over(Shape shape, OcclusionSettings const& settings, float const* heights)
-{
-    umbrixlib::detail::Relief relief{};
-    relief.heights = heights;
-    relief.rows = shape.rows;
-    relief.cols = shape.cols;
-    umbrixlib::detail::survey(relief);
-    Walk walk{};
-    walk.shape = shape;
-    walk.rows_wrap = settings.rows_wrap;
-    walk.columns_wrap = settings.columns_wrap;
-    walk.reach = settings.radius;
-    walk.ray_length = to_int(wide(static_cast<float>(shape.cols)) * wide(settings.radius) + 0.5);
-    walk.top = relief.top;
-    walk.lowest = relief.lowest;
-    return walk;
-}
 
 /// Counts the open rays of all texels, dispatch by dispatch.
 class Counter {
 public:
-    Counter(Backend& backend, Walk const& walk, PortionRule const& rule, Memory const& heights,
+    Counter(Backend& backend, Relief const& relief, PortionRule const& rule, Memory const& heights,
             Memory const& counts, int rays, Progress& progress)
-        : backend_(backend), walk_(walk), rule_(rule), heights_(heights), counts_(counts),
-          portions_(rule.target_milliseconds, walk.ray_length), offsets_(backend), climbs_(backend),
-          ends_(backend), progress_(progress),
-          units_(3.0 * static_cast<double>(rays) * static_cast<double>(walk.shape.texels()))
+        : backend_(backend), relief_(relief), rule_(rule), heights_(heights), counts_(counts),
+          portions_(rule.target_milliseconds, relief.ray_length), offsets_(backend), climbs_(backend),
+          ends_(backend), progress_(progress), texels_(Index{relief.rows} * relief.cols),
+          units_(3.0 * static_cast<double>(rays) * static_cast<double>(texels_))
     {
     }
 
@@ -54,7 +34,7 @@ public:
     {
         int const all = static_cast<int>(rays.size());
         for (int first = 0; first < all && !progress_.is_stopped();) {
-            RayTable const table = tabulate(walk_, rays.data(), first, all, kMostStepsOfTable);
+            RayTable const table = tabulate(relief_, rays.data(), first, all, kMostStepsOfTable);
             if (!offsets_.fill(table.offsets.data(), table.offsets.size()) ||
                 !climbs_.fill(table.climbs.data(), table.climbs.size()) ||
                 !ends_.fill(table.ends.data(), table.ends.size()) ||
@@ -70,13 +50,13 @@ private:
     /// A dispatch has many rays of all texels, or one ray of some.
     bool count_table(int channel, int rays, bool starts)
     {
-        Index const texels = walk_.shape.texels();
         for (int ray = 0; ray < rays && !progress_.is_stopped();) {
-            Index const wanted = rule_.rays > 0 ? rule_.rays : std::max<Index>(portions_.units() / texels, 1);
+            Index const wanted =
+                rule_.rays > 0 ? rule_.rays : std::max<Index>(portions_.units() / texels_, 1);
             int const count = static_cast<int>(std::min<Index>(wanted, rays - ray));
-            for (Index first = 0; first < texels && !progress_.is_stopped();) {
-                Index const most = rule_.rays > 0 ? texels : std::max<Index>(portions_.units() / count, 1);
-                Index const part = std::min(most, texels - first);
+            for (Index first = 0; first < texels_ && !progress_.is_stopped();) {
+                Index const most = rule_.rays > 0 ? texels_ : std::max<Index>(portions_.units() / count, 1);
+                Index const part = std::min(most, texels_ - first);
                 if (!dispatch(channel, starts && ray == 0, ray, count, first, part)) {
                     return false;
                 }
@@ -91,9 +71,9 @@ private:
     {
         auto const before = std::chrono::steady_clock::now();
         if (!backend_.launch(Kernel::kCountOpenRays, count,
-                             {heights_, counts_, offsets_, climbs_, ends_, walk_.shape.rows, walk_.shape.cols,
-                              int{walk_.rows_wrap}, int{walk_.columns_wrap}, walk_.top, walk_.reach, channel,
-                              int{starts}, ray, rays, first, count}) ||
+                             {heights_, counts_, offsets_, climbs_, ends_, relief_.rows, relief_.cols,
+                              int{relief_.rows_wrap}, int{relief_.columns_wrap}, relief_.top, relief_.reach,
+                              channel, int{starts}, ray, rays, first, count}) ||
             !backend_.finish()) {
             return false;
         }
@@ -105,7 +85,7 @@ private:
     }
 
     Backend& backend_;
-    Walk const& walk_;
+    Relief const& relief_;
     PortionRule const& rule_;
     Memory const& heights_;
     Memory const& counts_;
@@ -114,6 +94,7 @@ private:
     DeviceArray climbs_;
     DeviceArray ends_;
     Progress& progress_;
+    Index texels_;
     double units_;
     double done_ = 0;
 };
@@ -136,8 +117,9 @@ bool directional_occlusion(Backend& backend, Shape shape, OcclusionSettings cons
                            PortionRule const& rule, float const* heights, float* occlusion,
                            Progress& progress)
 {
-    Walk const walk = walk_over(shape, settings, heights);
-    if (shape.rows == 1 || shape.cols == 1 || settings.rays < 1 || walk.ray_length < 1) {
+    Relief const relief = umbrixlib::detail::relief_over(heights, shape.rows, shape.cols, settings.rows_wrap,
+                                                         settings.columns_wrap, settings.radius);
+    if (shape.rows == 1 || shape.cols == 1 || settings.rays < 1 || relief.ray_length < 1) {
         std::fill_n(occlusion, shape.texels() * 3, 1.0f);
         progress.finish();
         return true;
@@ -158,7 +140,7 @@ bool directional_occlusion(Backend& backend, Shape shape, OcclusionSettings cons
         !share_table.fill(shares.data(), shares.size())) {
         return false;
     }
-    Counter counter(backend, walk, rule, map.memory(), counts.memory(), settings.rays, progress);
+    Counter counter(backend, relief, rule, map.memory(), counts.memory(), settings.rays, progress);
     for (int channel = 0; channel < 3; ++channel) {
         if (!counter.count_band(channel, bands[static_cast<std::size_t>(channel)])) {
             return false;

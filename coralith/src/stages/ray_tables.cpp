@@ -17,19 +17,16 @@ bool outside_from_everywhere(int offset, int size, bool wraps)
     return !wraps && (offset > size || offset <= -size);
 }
 
-void add_ray(Walk const& walk, ray const& step, RayTable& table)
+void add_ray(Relief const& relief, ray const& step, RayTable& table)
 {
-    umbrixlib::detail::Relief relief{};
-    relief.rows = walk.shape.rows;
-    relief.cols = walk.shape.cols;
     umbrixlib::detail::RaySteps const steps(step, relief);
-    for (Index number = 1; number <= walk.ray_length; ++number) {
+    for (long long number = 1; number <= relief.ray_length; ++number) {
         int const j = static_cast<int>(number);
         int const rows = steps.rows(j);
         int const columns = steps.columns(j);
-        if (rows > walk.ray_length || rows < -walk.ray_length || columns == INT_MIN ||
-            outside_from_everywhere(rows, walk.shape.rows, walk.rows_wrap) ||
-            outside_from_everywhere(columns, walk.shape.cols, walk.columns_wrap)) {
+        if (rows > relief.ray_length || rows < -relief.ray_length || columns == INT_MIN ||
+            outside_from_everywhere(rows, relief.rows, relief.rows_wrap) ||
+            outside_from_everywhere(columns, relief.cols, relief.columns_wrap)) {
             break;
         }
         float const climb = steps.climb(j);
@@ -38,7 +35,7 @@ void add_ray(Walk const& walk, ray const& step, RayTable& table)
         table.climbs.push_back(climb);
         // Sums round in order, so a ray that has climbed to the top from the lowest texel, or to the reach,
         // has done so from all.
-        if (climb + walk.lowest >= walk.top || climb >= walk.reach) {
+        if (climb + relief.lowest >= relief.top || climb >= relief.reach) {
             break;
         }
     }
@@ -50,11 +47,11 @@ void add_ray(Walk const& walk, ray const& step, RayTable& table)
 
 } // namespace
 
-RayTable tabulate(Walk const& walk, ray const* rays, int first, int end, std::size_t most_steps)
+RayTable tabulate(Relief const& relief, ray const* rays, int first, int end, std::size_t most_steps)
 {
     RayTable table;
     for (int i = first; i < end && (i == first || table.steps() < most_steps); ++i) {
-        add_ray(walk, rays[i], table);
+        add_ray(relief, rays[i], table);
     }
     if (table.steps() == 0) { // a buffer has at least one element
         table.offsets.assign(2, 0);

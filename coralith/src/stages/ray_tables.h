@@ -2,7 +2,7 @@
 #pragma once
 
 #include "common/ray.h"
-#include "stages/shape.h"
+#include "common/relief.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -10,16 +10,7 @@
 
 namespace coralith {
 
-/// What the ray walk goes by, and the extremes of its map.
-struct Walk {
-    Shape shape;
-    bool rows_wrap;
-    bool columns_wrap;
-    float reach;    ///< Height above its start that a ray climbs at most.
-    int ray_length; ///< Steps that a ray takes at most, above 0.
-    float top;      ///< Largest height, at least 0.
-    float lowest;   ///< Smallest height; infinity if none is a number.
-};
+using umbrixlib::detail::Relief;
 
 /// The steps of some rays, worked out once: no step beyond a list's end can block its ray at any texel.
 struct RayTable {
@@ -33,6 +24,6 @@ struct RayTable {
 
 /// The table of rays @p first and following, until it has @p most_steps or @p end is reached: at least one
 /// ray.
-RayTable tabulate(Walk const& walk, ray const* rays, int first, int end, std::size_t most_steps);
+RayTable tabulate(Relief const& relief, ray const* rays, int first, int end, std::size_t most_steps);
 
 } // namespace coralith

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "blend/row.h"
 #include "boundary/texture_kernels.h"
+#include "common/blocks.h"
 #include "common/rounding.h"
 #include "common/thread_share.h"
 
-#include <algorithm>
 #include <cstddef>
 
 namespace {
@@ -59,12 +59,10 @@ void combine_all(BlendRow blend_row, double share, float3 const* first, float3 c
     if (height < 1 || width < 1) {
         return;
     }
-    constexpr std::size_t kBlock = 4096; // pixels that a thread takes at once
-    std::size_t const count = static_cast<std::size_t>(height) * static_cast<std::size_t>(width);
-#pragma omp parallel for schedule(static)
-    for (std::size_t at = 0; at < count; at += kBlock) {
-        blend_row(&first[at].x, &second[at].x, &result[at].x, 3 * std::min(kBlock, count - at), share);
-    }
+    umbrixlib::detail::for_blocks(static_cast<std::ptrdiff_t>(height) * width,
+                                  [&](std::ptrdiff_t at, std::size_t count) {
+                                      blend_row(&first[at].x, &second[at].x, &result[at].x, 3 * count, share);
+                                  });
 }
 
 template <Combine combine>

@@ -3,8 +3,6 @@
 
 #include "common/vector_targets.h"
 
-#include <cstring>
-
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "blend/row.cpp"
 #include <hwy/foreach_target.h>
@@ -45,32 +43,19 @@ struct Overlay {
     }
 };
 
-/// One register of values. The products have a factor that is no float: not fused.
-template <class Second>
-HWY_INLINE void fade_lanes(float const* first, float const* second, float* result, double share)
-{
-    constexpr Doubles d;
-    Wide const from = load(first);
-    Wide const to = Second()(from, load(second));
-    store(hn::Add(hn::Mul(to, hn::Set(d, share)), hn::Mul(from, hn::Set(d, 1.0 - share))), result);
-}
-
+/// The products have a factor that is no float: not fused.
 template <class Second>
 HWY_INLINE void fade_row(float const* first, float const* second, float* result, std::size_t count,
                          double share)
 {
-    std::size_t i = 0;
-    for (; i + kHalfLanes <= count; i += kHalfLanes) {
-        fade_lanes<Second>(first + i, second + i, result + i, share);
-    }
-    if (i < count) {
-        float from[kHalfLanes] = {};
-        float to[kHalfLanes] = {};
-        std::memcpy(from, first + i, (count - i) * sizeof(float));
-        std::memcpy(to, second + i, (count - i) * sizeof(float));
-        fade_lanes<Second>(from, to, from, share);
-        std::memcpy(result + i, from, (count - i) * sizeof(float));
-    }
+    constexpr Doubles d;
+    auto const part = hn::Set(d, share);
+    auto const rest = hn::Set(d, 1.0 - share);
+    by_registers<kHalfLanes>(
+        first, second, result, count, [&](float const* a, float const* b, float* to) HWY_ATTR {
+            Wide const from = load(a);
+            store(hn::Add(hn::Mul(Second()(from, load(b)), part), hn::Mul(from, rest)), to);
+        });
 }
 
 void cross_fade(float const* first, float const* second, float* result, std::size_t count, double share)

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "occlusion/walk.h"
 
-#include <climits>
-
 namespace velloric {
 
+using umbrixlib::detail::kOffTheMap;
+using umbrixlib::detail::place_on_axis;
 using umbrixlib::detail::RaySteps;
-using umbrixlib::detail::wrapped;
 
 using umbrixlib::detail::narrow;
 using umbrixlib::detail::wide;
@@ -30,20 +29,13 @@ bool ray_escapes(Relief const& relief, ray const& step, int y, int x)
         if (rows > relief.ray_length || rows < -relief.ray_length) {
             return true;
         }
-        // Contract: a position one past the last row or column is still on a map that does not wrap, and
-        // means row or column 1; leaving the map is expected. Test:
-        // DirectionalAO.OnePastTheEdgeIsTheSecondTexel
-        long long const row = static_cast<long long>(y) + rows;
-        if (!relief.rows_wrap && (row > relief.rows || row < 0)) {
-            return true;
-        }
-        int const columns = steps.columns(j);
-        long long const column = static_cast<long long>(x) + columns;
-        if (columns == INT_MIN || (!relief.columns_wrap && (column > relief.cols || column < 0))) {
+        int const row = place_on_axis(y, rows, relief.rows, relief.rows_wrap);
+        int const column = place_on_axis(x, steps.columns(j), relief.cols, relief.columns_wrap);
+        if (row == kOffTheMap || column == kOffTheMap) {
             return true;
         }
         float const ray_height = narrow(wide(steps.climb(j)) + wide(start));
-        if (relief.height_at(wrapped(row, relief.rows), wrapped(column, relief.cols)) >= ray_height) {
+        if (relief.height_at(row, column) >= ray_height) {
             return false;
         }
         if (!(ceiling > ray_height) || j == relief.ray_length) {
