@@ -10,9 +10,21 @@
 
 namespace umbrixlib::toolkit {
 
+namespace {
+
 namespace fs = std::filesystem;
 
-void check_input(fs::path const& input)
+void check_is_plain(fs::path const& file, fs::file_status const& status, std::string const& remedy)
+{
+    if (!fs::is_regular_file(status)) {
+        throw Failure(Fault::kNotPlainFile, file.string(),
+                      fs::is_directory(status) ? "it is a folder" : "it is not a plain file", remedy);
+    }
+}
+
+} // namespace
+
+void check_plain_file(fs::path const& input, std::string const& what)
 {
     std::error_code error;
     fs::file_status const status = fs::status(input, error);
@@ -20,18 +32,38 @@ void check_input(fs::path const& input)
         throw Failure(Fault::kMissingFile, input.string(),
                       status.type() == fs::file_type::not_found ? "there is no such file" : error.message());
     }
-    if (!fs::is_regular_file(status)) {
-        throw Failure(Fault::kNotPlainFile, input.string(),
-                      fs::is_directory(status) ? "it is a folder" : "it is not a plain file",
-                      "name an image file");
-    }
+    check_is_plain(input, status, "name " + what);
+}
+
+void check_input(fs::path const& input, std::string const& what)
+{
+    check_plain_file(input, what);
     if (access(input.c_str(), R_OK) != 0) {
         throw Failure(Fault::kUnreadable, input.string(),
                       fmt::format("it cannot be read: {}", std::strerror(errno)));
     }
+    std::error_code error;
     if (fs::file_size(input, error) == 0) {
         throw Failure(Fault::kEmptyFile, input.string(), "it is empty");
     }
+}
+
+fs::path check_output_file(fs::path const& output, bool overwrite, std::string const& remedy)
+{
+    std::error_code error;
+    fs::path const folder = output.has_parent_path() ? output.parent_path() : fs::path(".");
+    if (!fs::is_directory(folder, error)) {
+        throw Failure(Fault::kMissingFolder, output.string(), "its folder does not exist");
+    }
+    if (!fs::exists(fs::symlink_status(output, error))) {
+        return folder / output.filename();
+    }
+    check_is_plain(output, fs::status(output, error), remedy); // a link that leads nowhere is none
+    if (!overwrite) {
+        throw Failure(Fault::kOutputExists, output.string(), "it exists");
+    }
+    fs::path const behind_links = fs::canonical(output, error);
+    return error ? output : behind_links; // it may vanish meanwhile
 }
 
 } // namespace umbrixlib::toolkit

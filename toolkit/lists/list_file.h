@@ -7,10 +7,6 @@
 
 namespace umbrixlib::toolkit {
 
-/// Throws a Failure unless @p file is one that can be read and has something in it.
-/// @param remedy What to do if it is a folder or the like: "name a work list".
-void check_readable(std::filesystem::path const& file, std::string const& remedy);
-
 /// Reads a work list that is whole. The library takes any bytes for one, so the file is checked first; a
 /// Failure tells what is wrong.
 void read_list(std::filesystem::path const& file, umbrix_list& list);

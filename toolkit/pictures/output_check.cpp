@@ -2,6 +2,7 @@
 #include "toolkit/pictures/output_check.h"
 
 #include "toolkit/base/failure.h"
+#include "toolkit/files/preflight.h"
 #include "toolkit/pictures/output_format.h"
 
 #include <fmt/format.h>
@@ -29,27 +30,10 @@ fs::path check_output(fs::path const& output, fs::path const& input, bool overwr
 {
     check_output_format(output);
     std::error_code error;
-    fs::path const folder = output.has_parent_path() ? output.parent_path() : fs::path(".");
-    if (!fs::is_directory(folder, error)) {
-        throw Failure(Fault::kMissingFolder, output.string(), "its folder does not exist");
+    if (fs::equivalent(output, input, error)) {
+        throw Failure(Fault::kOutputIsInput, output.string(), "it is the input, which would be lost");
     }
-    fs::file_status const status = fs::status(output, error);
-    if (fs::exists(status)) {
-        if (fs::equivalent(output, input, error)) {
-            throw Failure(Fault::kOutputIsInput, output.string(), "it is the input, which would be lost");
-        }
-        if (!fs::is_regular_file(status)) {
-            throw Failure(Fault::kNotPlainFile, output.string(),
-                          fs::is_directory(status) ? "it is a folder" : "it is not a plain file",
-                          "give a file name");
-        }
-        if (!overwrite) {
-            throw Failure(Fault::kOutputExists, output.string(), "it exists");
-        }
-        fs::path const behind_links = fs::canonical(output, error);
-        return error ? output : behind_links; // it may vanish meanwhile
-    }
-    return folder / output.filename();
+    return check_output_file(output, overwrite);
 }
 
 } // namespace umbrixlib::toolkit

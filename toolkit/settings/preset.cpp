@@ -4,7 +4,7 @@
 #include "toolkit/base/failure.h"
 #include "toolkit/base/suggestion.h"
 #include "toolkit/base/utf8.h"
-#include "toolkit/files/text_file.h"
+#include "toolkit/files/preflight.h"
 #include "toolkit/settings/preset_texts.h"
 #include "toolkit/settings/setting_table.h"
 #include "toolkit/settings/toml_reading_internal.h"
@@ -202,7 +202,7 @@ void check_preset_output(std::string const& file, bool overwrite)
     if (!file.ends_with(kExtension)) {
         throw Failure(Fault::kPresetName, file, fmt::format("its name does not end in {}", kExtension));
     }
-    check_text_output(file, overwrite);
+    check_output_file(file, overwrite);
 }
 
 } // namespace umbrixlib::toolkit

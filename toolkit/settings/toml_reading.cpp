@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/settings/toml_reading_internal.h"
 
+#include "toolkit/files/preflight.h"
+
 #include <cmath>
 #include <fmt/format.h>
 #include <fstream>
@@ -17,16 +19,8 @@ constexpr std::uintmax_t kLargestFile = 1024 * 1024;
 
 std::string content_of(fs::path const& file, std::string const& what, Fault fault)
 {
+    check_plain_file(file, what);
     std::error_code error;
-    fs::file_status const status = fs::status(file, error);
-    if (!fs::exists(status)) {
-        throw Failure(Fault::kMissingFile, file.string(),
-                      status.type() == fs::file_type::not_found ? "there is no such file" : error.message());
-    }
-    if (!fs::is_regular_file(status)) {
-        throw Failure(Fault::kNotPlainFile, file.string(),
-                      fs::is_directory(status) ? "it is a folder" : "it is not a plain file", "name " + what);
-    }
     if (fs::file_size(file, error) > kLargestFile) {
         throw Failure(fault, file.string(), "it is too large for " + what);
     }

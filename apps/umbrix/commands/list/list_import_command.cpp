@@ -4,6 +4,7 @@
 #include "commands/list/lock_list.h"
 #include "terminal/complaint.h"
 #include "terminal/say.h"
+#include "toolkit/files/preflight.h"
 #include "toolkit/lists/list_file.h"
 #include "toolkit/lists/list_toml.h"
 
@@ -24,7 +25,7 @@ CLI::App* ListImportCommand::declare(CLI::App& app)
 
 void ListImportCommand::run(Interrupts const& interrupts)
 {
-    check_readable(input_, "name an exported list");
+    check_input(input_, "an exported list");
     std::error_code error;
     fs::path const output =
         output_.empty() ? fs::path(input_).replace_extension(".ulist") : fs::path(output_);
