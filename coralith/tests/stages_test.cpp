@@ -18,7 +18,6 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -30,10 +29,9 @@ using coralith::OcclusionSettings;
 using coralith::PortionRule;
 using coralith::Shape;
 using coralith::test::for_every_backend;
+using umbrixlib::test::kNaN;
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 constexpr Shape kShapes[] = {{1, 1}, {1, 9}, {7, 1}, {2, 2}, {3, 5}, {37, 65}, {64, 31}};
 

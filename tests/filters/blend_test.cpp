@@ -13,10 +13,10 @@
 namespace {
 
 using testing::Each;
+using umbrixlib::test::kNaN;
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
 
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr int kHeight = 37;
 constexpr int kWidth = 29;
 constexpr std::size_t kTexels = std::size_t{kHeight} * kWidth;

@@ -4,10 +4,10 @@
 #include "random_image.h"
 #include "same_bits.h"
 
-#include <limits>
-
 namespace {
 
+using umbrixlib::test::kInfinity;
+using umbrixlib::test::kNaN;
 using umbrixlib::test::random_image;
 using umbrixlib::test::same_bits;
 using umbrixlib::test::Values;
@@ -28,8 +28,6 @@ TEST(HighFidelity, AxesHaveTheirColours)
 
 TEST(HighFidelity, AnInfiniteComponentTurnsTheOtherChannelsIntoNaN)
 {
-    constexpr float kInfinity = std::numeric_limits<float>::infinity();
-    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
     EXPECT_TRUE(gives({kInfinity, 0, 0}, {1.0f, kNaN, kNaN}));
     EXPECT_TRUE(gives({0, -kInfinity, 0}, {kNaN, 0.0f, kNaN}));
     EXPECT_TRUE(gives({0, 0, kInfinity}, {kNaN, kNaN, 1.0f}));

@@ -3,6 +3,7 @@
 /// last bit is a failure, and EXPECT_NEAR is not the remedy.
 #include "filters/kernel_gaussian.h"
 
+#include "image_size.h"
 #include "random_image.h"
 #include "same_bits.h"
 
@@ -17,18 +18,11 @@
 
 namespace {
 
+using umbrixlib::test::ImageSize;
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
 
-struct Size {
-    int width, height;
-
-    std::size_t pixels() const { return static_cast<std::size_t>(width) * static_cast<std::size_t>(height); }
-    std::size_t columns() const { return static_cast<std::size_t>(width); }
-    std::size_t rows() const { return static_cast<std::size_t>(height); }
-};
-
-constexpr Size kSizes[] = {{1, 1}, {5, 1}, {1, 5}, {3, 3}, {16, 9}, {31, 40}};
+constexpr ImageSize kSizes[] = {{1, 1}, {5, 1}, {1, 5}, {3, 3}, {16, 9}, {31, 40}};
 constexpr float kRadii[] = {1.0f, 2.5f, 3.0f, 7.25f, 40.0f};
 
 std::vector<float> kernel_of(float radius)
@@ -41,7 +35,7 @@ std::vector<float> kernel_of(float radius)
 
 // ---- The convolution as it is defined, one pixel after the other ----
 
-namespace reference {
+namespace plain {
 
 double d(float value)
 {
@@ -111,7 +105,7 @@ std::vector<Pixel> convolve_and_transpose(std::vector<float> const& kernel, std:
 }
 
 template <typename Pixel>
-std::vector<Pixel> blurred(std::vector<Pixel> const& source, Size size, float radius, bool clamp_edges)
+std::vector<Pixel> blurred(std::vector<Pixel> const& source, ImageSize size, float radius, bool clamp_edges)
 {
     bool const clamp = clamp_edges && !std::is_same_v<Pixel, float>;
     auto const kernel = kernel_of(radius);
@@ -119,10 +113,11 @@ std::vector<Pixel> blurred(std::vector<Pixel> const& source, Size size, float ra
     return convolve_and_transpose(kernel, rows, size.height, size.width, clamp);
 }
 
-} // namespace reference
+} // namespace plain
 
 template <typename Pixel>
-std::vector<Pixel> convolved(std::vector<float> kernel, std::vector<Pixel> source, Size size, int clamp_edges)
+std::vector<Pixel> convolved(std::vector<float> kernel, std::vector<Pixel> source, ImageSize size,
+                             int clamp_edges)
 {
     std::vector<Pixel> destination(source.size());
     convolveAndTranspose(kernel.data(), source.data(), destination.data(), size.width, size.height,
@@ -131,7 +126,7 @@ std::vector<Pixel> convolved(std::vector<float> kernel, std::vector<Pixel> sourc
 }
 
 template <typename Pixel>
-std::vector<Pixel> blurred(std::vector<Pixel> const& image, Size size, float radius, bool clamp_edges)
+std::vector<Pixel> blurred(std::vector<Pixel> const& image, ImageSize size, float radius, bool clamp_edges)
 {
     std::vector<Pixel> source = image;
     std::vector<Pixel> destination(image.size());
@@ -175,13 +170,13 @@ TYPED_TEST_SUITE(KernelGaussianOf, Pixels);
 
 TYPED_TEST(KernelGaussianOf, ConvolutionEqualsItsDefinitionBitForBit)
 {
-    for (Size const size : kSizes) {
+    for (ImageSize const size : kSizes) {
         for (float const radius : kRadii) {
             for (int const clamp : {0, 1, -1, 256}) {
                 auto const image = random_image<TypeParam>(size.pixels(), 3, Values::kHostile);
                 auto const kernel = kernel_of(radius);
                 EXPECT_SAME_BITS(
-                    reference::convolve_and_transpose(kernel, image, size.width, size.height, clamp != 0),
+                    plain::convolve_and_transpose(kernel, image, size.width, size.height, clamp != 0),
                     convolved(kernel, image, size, clamp))
                     << size.width << "x" << size.height << " radius " << radius << " clamp " << clamp;
             }
@@ -191,27 +186,26 @@ TYPED_TEST(KernelGaussianOf, ConvolutionEqualsItsDefinitionBitForBit)
 
 TYPED_TEST(KernelGaussianOf, AnyKernelIsTakenAsItIs)
 {
-    constexpr Size kSize{11, 6};
+    constexpr ImageSize kSize{11, 6};
     auto const image = random_image<TypeParam>(kSize.pixels(), 4, Values::kSigned);
     for (std::size_t const length : {1U, 3U, 9U, 41U}) {
         auto kernel = random_image<float>(length, 5, Values::kSigned);
         kernel[length / 3] = 0.0f;
         kernel[length - 1] = -0.0f;
         for (bool const clamp : {false, true}) {
-            EXPECT_SAME_BITS(
-                reference::convolve_and_transpose(kernel, image, kSize.width, kSize.height, clamp),
-                convolved(kernel, image, kSize, clamp ? 1 : 0));
+            EXPECT_SAME_BITS(plain::convolve_and_transpose(kernel, image, kSize.width, kSize.height, clamp),
+                             convolved(kernel, image, kSize, clamp ? 1 : 0));
         }
     }
 }
 
 TYPED_TEST(KernelGaussianOf, BlurEqualsItsDefinitionBitForBit)
 {
-    for (Size const size : kSizes) {
+    for (ImageSize const size : kSizes) {
         for (float const radius : kRadii) {
             for (bool const clamp : {false, true}) {
                 auto const image = random_image<TypeParam>(size.pixels(), 6, Values::kSigned);
-                EXPECT_SAME_BITS(reference::blurred(image, size, radius, clamp),
+                EXPECT_SAME_BITS(plain::blurred(image, size, radius, clamp),
                                  blurred(image, size, radius, clamp))
                     << size.width << "x" << size.height << " radius " << radius << " clamp " << clamp;
             }
@@ -221,7 +215,7 @@ TYPED_TEST(KernelGaussianOf, BlurEqualsItsDefinitionBitForBit)
 
 TYPED_TEST(KernelGaussianOf, BlurMayWorkInPlace)
 {
-    constexpr Size kSize{23, 14};
+    constexpr ImageSize kSize{23, 14};
     auto image = random_image<TypeParam>(kSize.pixels(), 7);
     for (bool const clamp : {false, true}) {
         auto const expected = blurred(image, kSize, 2.5f, clamp);
@@ -233,7 +227,7 @@ TYPED_TEST(KernelGaussianOf, BlurMayWorkInPlace)
 
 TYPED_TEST(KernelGaussianOf, AConstantImageStaysConstantInBothModes)
 {
-    constexpr Size kSize{9, 5};
+    constexpr ImageSize kSize{9, 5};
     std::vector<TypeParam> image(kSize.pixels());
     auto* const floats = reinterpret_cast<float*>(image.data());
     std::size_t const count = image.size() * sizeof(TypeParam) / sizeof(float);
@@ -248,7 +242,7 @@ TYPED_TEST(KernelGaussianOf, AConstantImageStaysConstantInBothModes)
 
 TYPED_TEST(KernelGaussianOf, ARadiusOfZeroMakesEverythingNaN)
 {
-    constexpr Size kSize{4, 3};
+    constexpr ImageSize kSize{4, 3};
     auto const image = random_image<TypeParam>(kSize.pixels(), 8);
     auto const result = blurred(image, kSize, 0.0f, true);
     for (std::size_t i = 0; i < result.size() * sizeof(TypeParam) / sizeof(float); ++i) {
@@ -258,7 +252,7 @@ TYPED_TEST(KernelGaussianOf, ARadiusOfZeroMakesEverythingNaN)
 
 TYPED_TEST(KernelGaussianOf, TheLastTapOfAnEvenKernelIsLeftOutAndNoKernelGivesZeros)
 {
-    constexpr Size kSize{6, 4};
+    constexpr ImageSize kSize{6, 4};
     auto image = random_image<TypeParam>(kSize.pixels(), 9);
     std::vector<float> const even{0.25f, 0.5f, 0.125f, 0.75f};
     std::vector<float> odd = even;
@@ -277,7 +271,8 @@ TYPED_TEST(KernelGaussianOf, DoesNothingWithoutWidthOrHeight)
     auto const before = random_image<TypeParam>(6, 11);
     auto actual = before;
     std::vector<float> kernel = kernel_of(1.0f);
-    for (Size const size : {Size{0, 6}, Size{6, 0}, Size{0, 0}, Size{-2, 3}, Size{3, -2}, Size{-2, -3}}) {
+    for (ImageSize const size : {ImageSize{0, 6}, ImageSize{6, 0}, ImageSize{0, 0}, ImageSize{-2, 3},
+                                 ImageSize{3, -2}, ImageSize{-2, -3}}) {
         convolveAndTranspose(kernel.data(), image.data(), actual.data(), size.width, size.height, 3, 1);
         blur(image.data(), actual.data(), size.width, size.height, 2.0f, true);
     }
@@ -296,7 +291,7 @@ TYPED_TEST(KernelGaussianOf, ANegativeRadiusRaisesAndLeavesTheDestinationAlone)
 TEST_F(KernelGaussian, KernelsEqualTheirDefinitionBitForBit)
 {
     for (float const radius : {0.01f, 0.5f, 1.0f, 1.5f, 2.0f, 2.5f, 3.0f, 10.75f, 100.0f, 1000.5f}) {
-        EXPECT_SAME_BITS(reference::kernel_of(radius), kernel_of(radius)) << radius;
+        EXPECT_SAME_BITS(plain::kernel_of(radius), kernel_of(radius)) << radius;
     }
 }
 
@@ -356,15 +351,14 @@ TEST_F(KernelGaussian, SquaresBeyondAnIntWrapAround)
 
 TEST_F(KernelGaussian, TheFloatFormNeverClamps)
 {
-    constexpr Size kSize{12, 9};
+    constexpr ImageSize kSize{12, 9};
     auto const image = random_image<float>(kSize.pixels(), 14);
     auto const result = blurred(image, kSize, 4.0f, true);
     EXPECT_SAME_BITS(blurred(image, kSize, 4.0f, false), result);
     auto const clamped =
-        reference::convolve_and_transpose(kernel_of(4.0f), image, kSize.width, kSize.height, true);
+        plain::convolve_and_transpose(kernel_of(4.0f), image, kSize.width, kSize.height, true);
     EXPECT_FALSE(umbrixlib::test::same_bits(
-        reference::convolve_and_transpose(kernel_of(4.0f), clamped, kSize.height, kSize.width, true),
-        result));
+        plain::convolve_and_transpose(kernel_of(4.0f), clamped, kSize.height, kSize.width, true), result));
     auto const pixels = random_image<float3>(kSize.pixels(), 15);
     EXPECT_FALSE(
         umbrixlib::test::same_bits(blurred(pixels, kSize, 4.0f, false), blurred(pixels, kSize, 4.0f, true)));
@@ -408,9 +402,9 @@ TEST_F(KernelGaussian, FloatTapsRoundOnceAndPixelTapsTwice)
 
 TEST_F(KernelGaussian, TheNumberOfThreadsDoesNotShowWhileNestingIsOff)
 {
-    constexpr Size kSize{37, 29};
+    constexpr ImageSize kSize{37, 29};
     auto const image = random_image<float>(kSize.pixels(), 17);
-    auto const expected = reference::blurred(image, kSize, 3.5f, false);
+    auto const expected = plain::blurred(image, kSize, 3.5f, false);
     omp_set_dynamic(0);
     for (int const threads : {1, 2, 3, 8}) {
         omp_set_num_threads(threads);
@@ -421,10 +415,10 @@ TEST_F(KernelGaussian, TheNumberOfThreadsDoesNotShowWhileNestingIsOff)
 
 TEST_F(KernelGaussian, ThreadsThatShareARowWriteItInAnyOrder)
 {
-    constexpr Size kSize{40, 6};
+    constexpr ImageSize kSize{40, 6};
     auto const image = random_image<float>(kSize.pixels(), 18);
     auto const kernel = kernel_of(2.0f);
-    auto expected = reference::convolve_and_transpose(kernel, image, kSize.width, kSize.height, false);
+    auto expected = plain::convolve_and_transpose(kernel, image, kSize.width, kSize.height, false);
     constexpr std::size_t kMargin = 64;
     std::vector<float> guarded(kSize.pixels() + 2 * kMargin, -7.0f);
     {
@@ -455,16 +449,16 @@ TEST_F(KernelGaussian, ThreadsThatShareARowWriteItInAnyOrder)
 
 TEST_F(KernelGaussian, PixelsOfSeveralComponentsKeepTheirPlacesWithNesting)
 {
-    constexpr Size kSize{40, 6};
+    constexpr ImageSize kSize{40, 6};
     auto const image = random_image<float3>(kSize.pixels(), 19);
-    auto const expected = reference::blurred(image, kSize, 2.0f, true);
+    auto const expected = plain::blurred(image, kSize, 2.0f, true);
     Nested const nested;
     EXPECT_SAME_BITS(expected, blurred(image, kSize, 2.0f, true));
 }
 
 TEST_F(KernelGaussian, AlphaIsBlurredLikeTheOtherComponents)
 {
-    constexpr Size kSize{15, 8};
+    constexpr ImageSize kSize{15, 8};
     auto image = random_image<float4>(kSize.pixels(), 20);
     for (float4& pixel : image) {
         pixel.w = pixel.x;

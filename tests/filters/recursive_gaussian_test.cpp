@@ -4,6 +4,7 @@
 #include "filters/recursive_gaussian.h"
 
 #include "every_target.h"
+#include "image_size.h"
 #include "random_image.h"
 #include "recursive_gaussian_reference.h"
 #include "same_bits.h"
@@ -18,18 +19,13 @@
 namespace {
 
 using umbrixlib::test::for_every_target;
+using umbrixlib::test::ImageSize;
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
 namespace reference = umbrixlib::test::reference;
 
-struct Size {
-    int width, height;
-
-    std::size_t pixels() const { return static_cast<std::size_t>(width) * static_cast<std::size_t>(height); }
-};
-
 template <typename Pixel>
-std::vector<Pixel> blurred(std::vector<Pixel> const& image, Size size, float sigma)
+std::vector<Pixel> blurred(std::vector<Pixel> const& image, ImageSize size, float sigma)
 {
     std::vector<Pixel> source = image;
     std::vector<Pixel> scratch(image.size());
@@ -41,7 +37,7 @@ std::vector<Pixel> blurred(std::vector<Pixel> const& image, Size size, float sig
 
 /// One of the two passes, plain or one share.
 template <typename Pixel, typename... Share>
-void columns_pass(std::vector<Pixel> input, std::vector<Pixel>& output, Size size,
+void columns_pass(std::vector<Pixel> input, std::vector<Pixel>& output, ImageSize size,
                   reference::Coefficients const& c, Share... share)
 {
     recursiveGaussian_rgba(input.data(), output.data(), size.width, size.height, c.a0, c.a1, c.a2, c.a3, c.b1,
@@ -49,7 +45,7 @@ void columns_pass(std::vector<Pixel> input, std::vector<Pixel>& output, Size siz
 }
 
 template <typename Pixel, typename... Share>
-void rows_pass(std::vector<Pixel> input, std::vector<Pixel>& output, Size size,
+void rows_pass(std::vector<Pixel> input, std::vector<Pixel>& output, ImageSize size,
                reference::Coefficients const& c, Share... share)
 {
     recursiveGaussianY_rgba(input.data(), output.data(), size.width, size.height, c.a0, c.a1, c.a2, c.a3,
@@ -66,13 +62,13 @@ TYPED_TEST_SUITE(RecursiveGaussianOf, Pixels);
 
 TYPED_TEST(RecursiveGaussianOf, EqualsTheReferenceUnderEveryInstructionSet)
 {
-    std::vector<Size> sizes{{1, 1}, {2, 1}, {1, 2}, {1, 67}, {67, 1}, {16, 48}, {17, 15}, {48, 16}};
+    std::vector<ImageSize> sizes{{1, 1}, {2, 1}, {1, 2}, {1, 67}, {67, 1}, {16, 48}, {17, 15}, {48, 16}};
     std::mt19937 generator(41);
     for (int i = 0; i < 12; ++i) {
         int const width = 1 + static_cast<int>(generator() % 67);
         sizes.push_back({width, 1 + static_cast<int>(generator() % 67)});
     }
-    for (Size const size : sizes) {
+    for (ImageSize const size : sizes) {
         SCOPED_TRACE(testing::Message() << size.width << " x " << size.height);
         for (Values const values : {Values::kUnit, Values::kSigned, Values::kHostile}) {
             auto const image =
@@ -90,7 +86,7 @@ TYPED_TEST(RecursiveGaussianOf, EqualsTheReferenceUnderEveryInstructionSet)
 
 TYPED_TEST(RecursiveGaussianOf, EqualsTheReferenceOnLinesSoLongThatTheRunsMeet)
 {
-    static constexpr Size kSize{301, 270};
+    static constexpr ImageSize kSize{301, 270};
     auto impulses = random_image<TypeParam>(kSize.pixels(), 42);
     auto* const floats = reinterpret_cast<float*>(impulses.data());
     for (std::size_t i = 0; i < impulses.size() * sizeof(TypeParam) / sizeof(float); ++i) {
@@ -110,7 +106,7 @@ TYPED_TEST(RecursiveGaussianOf, EqualsTheReferenceOnLinesSoLongThatTheRunsMeet)
 
 TYPED_TEST(RecursiveGaussianOf, GivesTheSameBitsOnAnyNumberOfThreads)
 {
-    constexpr Size kSize{203, 111};
+    constexpr ImageSize kSize{203, 111};
     auto const image = random_image<TypeParam>(kSize.pixels(), 44);
     auto const expected = reference::gaussian(image, kSize.width, kSize.height, 3.0f);
     for (int const threads : {1, 2, 3, 16}) {
@@ -121,7 +117,7 @@ TYPED_TEST(RecursiveGaussianOf, GivesTheSameBitsOnAnyNumberOfThreads)
 
 TYPED_TEST(RecursiveGaussianOf, MayHaveItsSourceAsDestination)
 {
-    constexpr Size kSize{37, 51};
+    constexpr ImageSize kSize{37, 51};
     auto const image = random_image<TypeParam>(kSize.pixels(), 45);
     auto actual = image;
     std::vector<TypeParam> scratch(image.size());
@@ -131,7 +127,7 @@ TYPED_TEST(RecursiveGaussianOf, MayHaveItsSourceAsDestination)
 
 TYPED_TEST(RecursiveGaussianOf, LeavesTheColumnsPassInTheScratchBuffer)
 {
-    constexpr Size kSize{21, 34};
+    constexpr ImageSize kSize{21, 34};
     auto image = random_image<TypeParam>(kSize.pixels(), 46);
     std::vector<TypeParam> scratch(image.size());
     std::vector<TypeParam> columns(image.size());
@@ -143,7 +139,7 @@ TYPED_TEST(RecursiveGaussianOf, LeavesTheColumnsPassInTheScratchBuffer)
 
 /// Whether each share of an image of @p size changes its own lines and no others.
 template <typename Pixel>
-void expect_shares_of_their_own(Size size)
+void expect_shares_of_their_own(ImageSize size)
 {
     auto const c = reference::gaussian_coefficients(3.0f);
     auto const image = random_image<Pixel>(size.pixels(), 47, Values::kHostile);
@@ -186,14 +182,14 @@ TYPED_TEST(RecursiveGaussianOf, AShareFiltersItsOwnLinesOnlyAndAllSharesMakeTheW
 
 TYPED_TEST(RecursiveGaussianOf, SharesOfSingleLinesAndOfOneTexelAreTheirOwn)
 {
-    for (Size const size : {Size{9, 1}, {1, 9}, {1, 1}}) {
+    for (ImageSize const size : {ImageSize{9, 1}, {1, 9}, {1, 1}}) {
         expect_shares_of_their_own<TypeParam>(size);
     }
 }
 
 TYPED_TEST(RecursiveGaussianOf, AShareOfOneThreadMayStartAnywhere)
 {
-    constexpr Size kSize{53, 47};
+    constexpr ImageSize kSize{53, 47};
     auto const c = reference::gaussian_coefficients(3.0f);
     auto const image = random_image<TypeParam>(kSize.pixels(), 56);
     auto const before = random_image<TypeParam>(kSize.pixels(), 57);
@@ -211,7 +207,7 @@ TYPED_TEST(RecursiveGaussianOf, AShareOfOneThreadMayStartAnywhere)
 
 TYPED_TEST(RecursiveGaussianOf, ASharePastTheEndOrOfNoThreadsDoesNothing)
 {
-    constexpr Size kSize{4, 4};
+    constexpr ImageSize kSize{4, 4};
     auto const c = reference::gaussian_coefficients(1.0f);
     auto const image = random_image<TypeParam>(kSize.pixels(), 49);
     auto const before = random_image<TypeParam>(kSize.pixels(), 50);
@@ -230,7 +226,8 @@ TYPED_TEST(RecursiveGaussianOf, DoesNothingWithoutWidthOrHeight)
     auto const image = random_image<TypeParam>(6, 51);
     auto const before = random_image<TypeParam>(6, 52);
     auto actual = before;
-    for (Size const size : {Size{0, 6}, Size{6, 0}, Size{0, 0}, Size{-2, 3}, Size{3, -2}, Size{-2, -3}}) {
+    for (ImageSize const size : {ImageSize{0, 6}, ImageSize{6, 0}, ImageSize{0, 0}, ImageSize{-2, 3},
+                                 ImageSize{3, -2}, ImageSize{-2, -3}}) {
         columns_pass(image, actual, size, c);
         rows_pass(image, actual, size, c);
         columns_pass(image, actual, size, c, 0, 1);
@@ -244,7 +241,7 @@ TYPED_TEST(RecursiveGaussianOf, DoesNothingWithoutWidthOrHeight)
 
 TYPED_TEST(RecursiveGaussianOf, ThePassesDoNotReadTheGainsForEdges)
 {
-    constexpr Size kSize{19, 23};
+    constexpr ImageSize kSize{19, 23};
     auto const image = random_image<TypeParam>(kSize.pixels(), 53);
     auto c = reference::gaussian_coefficients(2.0f);
     std::vector<TypeParam> expected(image.size());
@@ -257,7 +254,7 @@ TYPED_TEST(RecursiveGaussianOf, ThePassesDoNotReadTheGainsForEdges)
 
 TYPED_TEST(RecursiveGaussianOf, SigmaBelowOneTenthCountsAsOneTenthAndHardlyBlurs)
 {
-    constexpr Size kSize{33, 20};
+    constexpr ImageSize kSize{33, 20};
     auto const image = random_image<TypeParam>(kSize.pixels(), 54);
     auto const expected = blurred(image, kSize, 0.1f);
     for (float const sigma : {0.0f, -0.0f, 0.05f, -7.0f, -std::numeric_limits<float>::infinity()}) {
@@ -313,7 +310,7 @@ TEST(RecursiveGaussian, ShortConstantLinesComeOutDarker)
 
 TEST(RecursiveGaussian, ThePlainPassBlursColumnsAndTheYPassRows)
 {
-    constexpr Size kSize{40, 40};
+    constexpr ImageSize kSize{40, 40};
     std::vector<float> image(kSize.pixels(), 0.0f);
     image[20 * 40 + 20] = 1.0f;
     auto const c = reference::gaussian_coefficients(2.0f);
@@ -345,7 +342,7 @@ TEST(RecursiveGaussian, LeavesTheTeamOfTheCallersNextRegionAlone)
 
 TEST(RecursiveGaussian, FiltersAlphaLikeTheOtherComponents)
 {
-    constexpr Size kSize{30, 20};
+    constexpr ImageSize kSize{30, 20};
     auto image = random_image<float4>(kSize.pixels(), 55);
     for (float4& pixel : image) {
         pixel.w = pixel.x;

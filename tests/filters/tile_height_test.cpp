@@ -11,7 +11,7 @@ namespace {
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
 
-std::vector<float> reference(std::vector<float> heights, int height, int width)
+std::vector<float> tiled_plainly(std::vector<float> heights, int height, int width)
 {
     auto const at = [&](int y, int x) -> float& {
         return heights[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
@@ -41,7 +41,7 @@ TEST(TileHeight, EqualsTheReferenceBitForBit)
     for (auto const& [height, width] : {std::pair{1, 1}, {1, 9}, {9, 1}, {17, 33}, {64, 64}, {3, 500}}) {
         for (Values const values : {Values::kUnit, Values::kHostile}) {
             auto heights = random_image<float>(static_cast<std::size_t>(height * width), 4, values);
-            auto const expected = reference(heights, height, width);
+            auto const expected = tiled_plainly(heights, height, width);
             TileHeight(heights.data(), height, width);
             EXPECT_SAME_BITS(expected, heights);
         }

@@ -10,19 +10,17 @@
 #include <climits>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <limits>
 #include <omp.h>
 #include <random>
 
 namespace {
 
 using umbrixlib::test::for_every_target;
+using umbrixlib::test::kInfinity;
+using umbrixlib::test::kNaN;
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
 namespace reference = umbrixlib::test::reference;
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 struct Size {
     int height, width;

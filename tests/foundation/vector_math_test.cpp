@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+using umbrixlib::test::kInfinity;
+using umbrixlib::test::kNaN;
 
 std::vector<float3> vectors()
 {

@@ -4,6 +4,7 @@
 #include "layers/nlayers.h"
 
 #include "call_log.h"
+#include "float_bits.h"
 #include "random_stack.h"
 
 #include <gmock/gmock.h>
@@ -204,7 +205,6 @@ TEST_F(NLayersHeights, EachModeHasItsFormula)
 
 TEST_F(NLayersHeights, ANaNOpacitySpreadsToEveryTexel)
 {
-    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
     for (int mode = 0; mode < 4; ++mode) {
         EXPECT_THAT(
             blended({{flat_layer(0.5f), flat_layer(0.25f)}, {plain_record(mode, kNaN), plain_record()}, {}}),

@@ -22,11 +22,11 @@ using testing::IsEmpty;
 using namespace umbrixlib::test;
 using Calls = std::vector<std::string>;
 
-constexpr layer_size kSize{2, 3};
+constexpr layer_size kNormalsSize{2, 3};
 
 ReferenceLayer flat_layer(float3 normal, float height = 0.5f)
 {
-    ReferenceLayer layer{kSize, true, true, {}, {}};
+    ReferenceLayer layer{kNormalsSize, true, true, {}, {}};
     layer.heights.assign(6, height);
     layer.normals.assign(6, normal);
     return layer;
@@ -405,7 +405,7 @@ TEST_F(NLayersNormals, OverlayLimitsTheColoursAndLeavesTheLayer)
 
 TEST_F(NLayersNormals, AnEmptyStackAndOneWithoutFirstNormalsChangeNothing)
 {
-    ReferenceLayer blank_with_size{kSize, false, false, {}, {}};
+    ReferenceLayer blank_with_size{kNormalsSize, false, false, {}, {}};
     for (ReferenceStack const& stack :
          {ReferenceStack{}, ReferenceStack{{blank_with_size, flat_layer(kUp)}, {{}, {}}, {}}}) {
         BuiltStack built(stack);

@@ -15,7 +15,7 @@ using testing::Each;
 using testing::ElementsAre;
 using namespace umbrixlib::test;
 
-constexpr layer_size kSize{3, 4};
+constexpr layer_size kSavedSize{3, 4};
 
 class NLayersSave : public testing::Test {
 protected:
@@ -43,7 +43,7 @@ protected:
 
 TEST_F(NLayersSave, NothingIsWrittenWithoutAResult)
 {
-    BuiltStack built({{height_layer(kSize, 1)}, {plain_record()}, {}});
+    BuiltStack built({{height_layer(kSavedSize, 1)}, {plain_record()}, {}});
     built.layers.GenerateLayers();
     built.layers.BlendHeightMap();
     CallLog::instance().clear();
@@ -54,7 +54,7 @@ TEST_F(NLayersSave, NothingIsWrittenWithoutAResult)
 
 TEST_F(NLayersSave, NormalsGoIntoAFreshImage)
 {
-    BuiltStack built(one_layer(normal_layer(kSize, 1)));
+    BuiltStack built(one_layer(normal_layer(kSavedSize, 1)));
     EXPECT_TRUE((CallLog::instance().clear(), built.layers.SaveResult("a.tga")));
     EXPECT_THAT(CallLog::instance().calls(),
                 ElementsAre("ilInit()", "ilEnable(0x0620)", "ilEnable(0x0600)",
@@ -69,7 +69,7 @@ TEST_F(NLayersSave, NormalsGoIntoAFreshImage)
 
 TEST_F(NLayersSave, HeightsGoIntoAFreshImageToo)
 {
-    BuiltStack built(one_layer(height_layer(kSize, 1)));
+    BuiltStack built(one_layer(height_layer(kSavedSize, 1)));
     EXPECT_TRUE((CallLog::instance().clear(), built.layers.SaveHeight("a.tga")));
     EXPECT_THAT(CallLog::instance().calls(),
                 ElementsAre("ilInit()", "ilEnable(0x0620)", "ilEnable(0x0600)",
@@ -80,7 +80,7 @@ TEST_F(NLayersSave, HeightsGoIntoAFreshImageToo)
 
 TEST_F(NLayersSave, AFailedSaveIsNotNoticed)
 {
-    BuiltStack built(one_layer(height_layer(kSize, 1)));
+    BuiltStack built(one_layer(height_layer(kSavedSize, 1)));
     DevilFake::instance().save_result = 0;
     EXPECT_TRUE(built.layers.SaveResult("a.tga"));
     EXPECT_TRUE(built.layers.SaveHeight("a.tga"));
@@ -88,7 +88,7 @@ TEST_F(NLayersSave, AFailedSaveIsNotNoticed)
 
 TEST_F(NLayersSave, BytesAreTruncatedWithoutAClamp)
 {
-    ReferenceStack stack = one_layer(normal_layer(kSize, 1));
+    ReferenceStack stack = one_layer(normal_layer(kSavedSize, 1));
     stack.result = random_image<float3>(12, 3, Values::kSigned);
     BuiltStack built(stack);
     built.layers.SaveResult("a.tga");
@@ -101,7 +101,7 @@ TEST_F(NLayersSave, BytesAreTruncatedWithoutAClamp)
 
 TEST_F(NLayersSave, TheSizeIsThatOfTheLastLayer)
 {
-    ReferenceStack stack = one_layer(normal_layer(kSize, 1));
+    ReferenceStack stack = one_layer(normal_layer(kSavedSize, 1));
     stack.result = random_image<float3>(12, 3);
     stack.layers.push_back(normal_layer({2, 2}, 2));
     stack.records.push_back(plain_record());
@@ -128,7 +128,7 @@ TEST_F(NLayersSave, AResultWithoutTheRoomIsNotSaved)
 
 TEST_F(NLayersSave, AVtfNameReversesTheRowsAndLosesOne)
 {
-    ReferenceStack stack = one_layer(normal_layer(kSize, 1));
+    ReferenceStack stack = one_layer(normal_layer(kSavedSize, 1));
     stack.result = random_image<float3>(12, 3);
     BuiltStack built(stack);
     for (char const* name : {"a.vtf", "a.vtf.tga", ".vtf"}) {
@@ -146,7 +146,7 @@ TEST_F(NLayersSave, AVtfNameReversesTheRowsAndLosesOne)
 
 TEST_F(NLayersSave, HeightsSpanTheWholeRange)
 {
-    ReferenceLayer layer = height_layer(kSize, 5, Values::kSigned);
+    ReferenceLayer layer = height_layer(kSavedSize, 5, Values::kSigned);
     BuiltStack built(one_layer(layer));
     built.layers.SaveHeight("a.tga");
     auto const [low, high] = std::minmax_element(layer.heights.begin(), layer.heights.end());
@@ -163,7 +163,7 @@ TEST_F(NLayersSave, HeightsSpanTheWholeRange)
 
 TEST_F(NLayersSave, TwoHeightsBecomeBlackAndWhiteAndAFlatMapBlack)
 {
-    ReferenceLayer layer = height_layer(kSize, 5);
+    ReferenceLayer layer = height_layer(kSavedSize, 5);
     layer.heights.assign(12, 0.25f);
     {
         BuiltStack built(one_layer(layer));
@@ -179,7 +179,7 @@ TEST_F(NLayersSave, TwoHeightsBecomeBlackAndWhiteAndAFlatMapBlack)
 
 TEST_F(NLayersSave, AStackWithoutFirstHeightsSavesABlackMap)
 {
-    BuiltStack built(one_layer(normal_layer(kSize, 1)));
+    BuiltStack built(one_layer(normal_layer(kSavedSize, 1)));
     EXPECT_TRUE(built.layers.SaveHeight("a.tga"));
     EXPECT_EQ(stored(), std::vector<unsigned char>(36, 0));
 }
@@ -208,7 +208,7 @@ TEST_F(NLayersSave, SingleLinesAndOneTexelAreSavedWhole)
 
 TEST_F(NLayersSave, OneThreadSavesAWholeVtfHeightMap)
 {
-    ReferenceLayer const layer = height_layer(kSize, 5);
+    ReferenceLayer const layer = height_layer(kSavedSize, 5);
     BuiltStack built(one_layer(layer));
     built.layers.SaveHeight("a.tga");
     std::vector<unsigned char> const plain = stored();
@@ -260,7 +260,7 @@ TEST_F(NLayersSave, TheNextHeightMapTakesTheBufferOfTheLast)
 {
     n_layer record = plain_record();
     record.L_Detail = 2.0f;
-    BuiltStack built({{height_layer(kSize, 1)}, {record}, std::vector<float3>(12)});
+    BuiltStack built({{height_layer(kSavedSize, 1)}, {record}, std::vector<float3>(12)});
     auto const filter_call = [&] {
         for (std::string const& call : CallLog::instance().calls()) {
             if (call.rfind("BilateralFilter(", 0) == 0) {

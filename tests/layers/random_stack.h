@@ -4,10 +4,10 @@
 /// @file
 /// Stacks made by hand or by chance, once as the library holds them and once as the reference does.
 
+#include "float_bits.h"
 #include "nlayers_reference.h"
 #include "random_image.h"
 
-#include <limits>
 #include <random>
 
 namespace umbrixlib::test {
@@ -78,7 +78,6 @@ inline ReferenceStack random_stack(std::uint32_t seed)
         std::common_type_t<decltype(choices)...> const all[] = {choices...};
         return all[generator() % (sizeof all / sizeof *all)];
     };
-    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
     ReferenceStack stack;
     layer_size const size{one_of(1, 2, 5, 16), one_of(1, 3, 8, 17)};
     std::size_t const count = 1 + generator() % 5;

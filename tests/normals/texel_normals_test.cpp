@@ -5,17 +5,16 @@
 #include "same_bits.h"
 
 #include <cmath>
-#include <limits>
 #include <numbers>
 
 namespace {
 
+using umbrixlib::test::kNaN;
 using umbrixlib::test::random_image;
 using umbrixlib::test::same_bits;
 using umbrixlib::test::Values;
 
 constexpr double kPi = std::numbers::pi;
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 float n(double e)
 {

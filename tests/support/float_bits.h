@@ -4,8 +4,12 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 namespace umbrixlib::test {
+
+inline constexpr float kInfinity = std::numeric_limits<float>::infinity();
+inline constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 /// Bits of a float; every value that is not a number counts as the same one.
 inline std::uint32_t bits_of(float value)

@@ -11,7 +11,6 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
-#include <limits>
 #include <omp.h>
 #include <type_traits>
 
@@ -19,6 +18,8 @@ namespace {
 
 using umbrixlib::test::array_allocations;
 using umbrixlib::test::for_every_target;
+using umbrixlib::test::kInfinity;
+using umbrixlib::test::kNaN;
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
 namespace reference = umbrixlib::test::reference;
@@ -26,8 +27,6 @@ namespace reference = umbrixlib::test::reference;
 constexpr int kRows = 45;
 constexpr int kCols = 71;
 constexpr std::size_t kTexels = std::size_t{kRows} * kCols;
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 /// The fields that one of the two functions reads.
 struct Fields {

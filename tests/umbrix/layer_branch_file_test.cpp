@@ -77,7 +77,7 @@ protected:
 
 TEST_F(UmbrixFileLayersRun, IsTheChainOfItsSteps)
 {
-    constexpr std::size_t kTexels = std::size_t{kWidth} * kHeight;
+    constexpr std::size_t kMapTexels = std::size_t{kWidth} * kHeight;
     NLayers stack(&layers_);
     ASSERT_TRUE(run(stack, "out.tga"));
 
@@ -85,19 +85,19 @@ TEST_F(UmbrixFileLayersRun, IsTheChainOfItsSteps)
     for (int i = 0; i < 3; ++i) {
         steps.AddLayer(layers_.GetRef(i)->filename.c_str());
     }
-    float* heights = new float[kTexels];
+    float* heights = new float[kMapTexels];
     steps.BlendHeightMap(heights);
-    auto const [low, high] = std::minmax_element(heights, heights + kTexels);
+    auto const [low, high] = std::minmax_element(heights, heights + kMapTexels);
     double const lowest = double(*low);
     float const range = *high - *low;
-    for (std::size_t i = 0; i < kTexels; ++i) {
+    for (std::size_t i = 0; i < kMapTexels; ++i) {
         heights[i] = static_cast<float>((double(heights[i]) - lowest) / double(range));
     }
     PreProcess(heights, kHeight, kWidth, options_);
-    std::vector<float3> light(kTexels);
+    std::vector<float3> light(kMapTexels);
     steps.BlendLayers(light.data());
     Normal2Umbrix(light.data(), kHeight, kWidth, options_.UmbrixMode, 0, 1);
-    for (std::size_t i = 0; i < kTexels; ++i) {
+    for (std::size_t i = 0; i < kMapTexels; ++i) {
         heights[i] *= options_.h_scale;
     }
     std::vector<ray> a(10);
@@ -107,7 +107,7 @@ TEST_F(UmbrixFileLayersRun, IsTheChainOfItsSteps)
     ray* pb = b.data();
     ray* pc = c.data();
     GenerateRays(kHeight, kWidth, pa, pb, pc, 5, options_.theta_limit, options_.alpha_limit);
-    std::vector<float3> open(kTexels);
+    std::vector<float3> open(kMapTexels);
     int progress = 0;
     Height2DirectionalAO(open.data(), heights, kHeight, kWidth, pa, pb, pc, 5, options_.h_scale,
                          options_.radius, false, false, false, &progress);
@@ -119,7 +119,7 @@ TEST_F(UmbrixFileLayersRun, IsTheChainOfItsSteps)
     auto const byte_of = [](float v) {
         return static_cast<unsigned char>(double(std::clamp(v, 0.0f, 1.0f)) * 255.0);
     };
-    for (std::size_t i = 0; i < kTexels; ++i) {
+    for (std::size_t i = 0; i < kMapTexels; ++i) {
         ASSERT_EQ(output.bytes[3 * i], byte_of(light[i].x * open[i].x)) << i;
         ASSERT_EQ(output.bytes[3 * i + 1], byte_of(light[i].y * open[i].y)) << i;
         ASSERT_EQ(output.bytes[3 * i + 2], byte_of(light[i].z * open[i].z)) << i;

@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "texels/texel_umbrix.h"
 
+#include "float_bits.h"
+
 #include <cmath>
 #include <gtest/gtest.h>
-#include <limits>
 #include <vector>
 
 namespace {
 
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+using umbrixlib::test::kInfinity;
+using umbrixlib::test::kNaN;
 
 /// A map, one ray and the limits of its walk.
 struct Walk {

@@ -14,20 +14,18 @@
 #include <cmath>
 #include <cstddef>
 #include <gtest/gtest.h>
-#include <limits>
 #include <vector>
 
 namespace {
 
 using umbrixlib::test::for_every_target;
+using umbrixlib::test::kInfinity;
+using umbrixlib::test::kNaN;
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
 using velloric::test::for_every_team;
 using velloric::test::Size;
 using velloric::test::sizes;
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 /// Weights in buffers of exactly the size that the kernel may read.
 struct Weights {

@@ -8,17 +8,15 @@
 
 #include <cstddef>
 #include <gtest/gtest.h>
-#include <limits>
 #include <vector>
 
 namespace {
 
+using umbrixlib::test::kInfinity;
+using umbrixlib::test::kNaN;
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
 using velloric::test::for_every_team;
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 using Image = std::vector<float3>;
 

@@ -6,18 +6,16 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
-#include <limits>
 #include <random>
 #include <vector>
 
 namespace {
 
+using umbrixlib::test::kInfinity;
+using umbrixlib::test::kNaN;
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
 using velloric::test::for_every_team;
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 std::vector<float> changed(std::vector<float> heights, float depth, float n_scale)
 {

@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <limits>
 #include <omp.h>
 #include <random>
 #include <string>
@@ -20,10 +19,9 @@
 
 namespace {
 
+using umbrixlib::test::kInfinity;
+using umbrixlib::test::kNaN;
 using velloric::reference::Occlusion;
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 /// Everything that the kernel is told, but for the number of rays, which is that of the bundles.
 struct Job {

@@ -15,13 +15,13 @@ struct Bundles {
     std::vector<ray> c;
 };
 
-constexpr ray kUntouched = {-7.0f, -8.0f, -9.0f};
+constexpr ray kUntouchedRay = {-7.0f, -8.0f, -9.0f};
 
 Bundles generated(int height, int width, int rays, float theta_limit, float alpha_limit)
 {
     auto const room = static_cast<std::size_t>(2 * std::max(rays, 1));
-    Bundles bundles{std::vector<ray>(room, kUntouched), std::vector<ray>(room, kUntouched),
-                    std::vector<ray>(room, kUntouched)};
+    Bundles bundles{std::vector<ray>(room, kUntouchedRay), std::vector<ray>(room, kUntouchedRay),
+                    std::vector<ray>(room, kUntouchedRay)};
     ray* a = bundles.a.data();
     ray* b = bundles.b.data();
     ray* c = bundles.c.data();
@@ -196,7 +196,7 @@ TEST(GenerateRays, OnlyTheAskedNumberOfRecordsIsWritten)
     Bundles const made = generated(30, 20, 7, 33.0f, 70.0f);
     for (std::size_t i = 0; i < 14; ++i) {
         for (std::vector<ray> const* bundle : {&made.a, &made.b, &made.c}) {
-            EXPECT_EQ(same((*bundle)[i], kUntouched), i >= 7) << i;
+            EXPECT_EQ(same((*bundle)[i], kUntouchedRay), i >= 7) << i;
         }
     }
 }
@@ -212,7 +212,7 @@ TEST(GenerateRays, NoRaysOrNoTexelsWriteNothing)
         Bundles const made = generated(each.height, each.width, each.rays, 10.0f, 10.0f);
         for (std::vector<ray> const* bundle : {&made.a, &made.b, &made.c}) {
             for (ray const& record : *bundle) {
-                EXPECT_TRUE(same(record, kUntouched));
+                EXPECT_TRUE(same(record, kUntouchedRay));
             }
         }
     }

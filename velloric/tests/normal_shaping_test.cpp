@@ -11,19 +11,17 @@
 #include <cmath>
 #include <cstddef>
 #include <gtest/gtest.h>
-#include <limits>
 #include <vector>
 
 namespace {
 
 using umbrixlib::test::for_every_target;
+using umbrixlib::test::kNaN;
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
 using velloric::test::for_every_team;
 using velloric::test::Size;
 using velloric::test::sizes;
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 /// The slope of @p normal times @p factor, at unit length.
 float3 with_slope(float3 normal, double factor)

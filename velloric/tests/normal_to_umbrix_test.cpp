@@ -15,10 +15,10 @@ namespace {
 using umbrixlib::detail::kBasisA;
 using umbrixlib::detail::kBasisB;
 using umbrixlib::detail::kBasisC;
+using umbrixlib::test::kNaN;
 using umbrixlib::test::random_image;
 using umbrixlib::test::Values;
 
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kRootOf2Over11 = 0.426401433f;
 constexpr float3 kUnitBasisC = {0.904534034f, 0.0f, kRootOf2Over11};
 
