@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Compile settings shared by every target of the project, and the helpers that make our libraries and tests.
+# Compile settings shared by every target of the project, and the helpers that make our libraries.
 
 add_library(umbrix_build_settings INTERFACE)
 target_compile_features(umbrix_build_settings INTERFACE cxx_std_20)
@@ -44,13 +44,7 @@ function(umbrix_precompile target)
     endif()
 endfunction()
 
-# umbrix_add_test(NAME SOURCES ... [LIBRARIES ...]): one GoogleTest executable, each of its tests known to CTest.
-function(umbrix_add_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
-    add_executable(${name} ${arg_SOURCES})
-    if(UMBRIX_SANITIZE)
-        target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/sanitizer_defaults.cpp)
-    endif()
-    target_link_libraries(${name} PRIVATE umbrix_build_settings umbrix_test_support ${arg_LIBRARIES} GTest::gtest_main)
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
+# umbrix_unity(TARGET): the sources of a target in few compilations, where many read the same long headers.
+function(umbrix_unity target)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ${UMBRIX_UNITY} UNITY_BUILD_BATCH_SIZE 8)
 endfunction()
