@@ -11,7 +11,7 @@ namespace umbrixlib::test {
 namespace {
 
 constexpr char const* kCards = "Card A=opencl;Card B=cuda;Some processor=host";
-constexpr int kSide = 64;
+constexpr int kMapSide = 64;
 constexpr int kRay = 2; // of 255, with 128 rays a direction
 
 /// As in `hill`, upside down.
@@ -62,9 +62,9 @@ class Graphics : public ToolTest {
 protected:
     Graphics()
     {
-        write("hill.tga", hill(kSide));
-        write("hollow.tga", hollow(kSide));
-        write("hill_n.tga", hill_in_alpha(kSide));
+        write("hill.tga", hill(kMapSide));
+        write("hollow.tga", hollow(kMapSide));
+        write("hill_n.tga", hill_in_alpha(kMapSide));
     }
 
     /// Runs the tool with a stand-in that has @p devices.
