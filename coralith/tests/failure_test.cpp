@@ -120,7 +120,11 @@ Session faulty_session(Plan& plan)
 }
 
 /// The maps are small and the runs many: a team of threads would only wait for itself.
-bool const has_one_thread = (omp_set_num_threads(1), true);
+class CoralithFailure : public testing::Test {
+protected:
+    CoralithFailure() { omp_set_num_threads(1); }
+    ~CoralithFailure() override { omp_set_num_threads(omp_get_num_procs()); }
+};
 
 Pictures of_the_host()
 {
@@ -129,7 +133,7 @@ Pictures of_the_host()
     return run_all(session);
 }
 
-TEST(CoralithFailure, ARunUsesEveryKernelOfTheDevice)
+TEST_F(CoralithFailure, ARunUsesEveryKernelOfTheDevice)
 {
     Pictures const expected = of_the_host();
     ReportLog const log;
@@ -142,7 +146,7 @@ TEST(CoralithFailure, ARunUsesEveryKernelOfTheDevice)
     EXPECT_TRUE(log.lines().empty()) << "nothing to say";
 }
 
-TEST(CoralithFailure, AFaultAtAnyOperationChangesNoPicture)
+TEST_F(CoralithFailure, AFaultAtAnyOperationChangesNoPicture)
 {
     Pictures const expected = of_the_host();
     Plan counting;
@@ -168,7 +172,7 @@ TEST(CoralithFailure, AFaultAtAnyOperationChangesNoPicture)
     }
 }
 
-TEST(CoralithFailure, WithoutRoomOnlyTheStageMovesToTheHost)
+TEST_F(CoralithFailure, WithoutRoomOnlyTheStageMovesToTheHost)
 {
     Pictures const expected = of_the_host();
     Plan counting;
@@ -188,7 +192,7 @@ TEST(CoralithFailure, WithoutRoomOnlyTheStageMovesToTheHost)
     }
 }
 
-TEST(CoralithFailure, ABufferAboveTheLimitsLeavesTheDeviceInUse)
+TEST_F(CoralithFailure, ABufferAboveTheLimitsLeavesTheDeviceInUse)
 {
     Pictures const expected = of_the_host();
     ReportLog const log;
@@ -201,7 +205,7 @@ TEST(CoralithFailure, ABufferAboveTheLimitsLeavesTheDeviceInUse)
     EXPECT_EQ(log.lines().size(), 1U);
 }
 
-TEST(CoralithFailure, TheSameReasonIsReportedOnce)
+TEST_F(CoralithFailure, TheSameReasonIsReportedOnce)
 {
     ReportLog const log;
     Plan plan;
@@ -214,7 +218,7 @@ TEST(CoralithFailure, TheSameReasonIsReportedOnce)
     EXPECT_EQ(log.lines().size(), lines);
 }
 
-TEST(CoralithFailure, ADeviceWithoutDoublesStillTracesRays)
+TEST_F(CoralithFailure, ADeviceWithoutDoublesStillTracesRays)
 {
     Pictures const expected = of_the_host();
     ReportLog const log;
@@ -225,7 +229,7 @@ TEST(CoralithFailure, ADeviceWithoutDoublesStillTracesRays)
     EXPECT_EQ(plan.launched, (std::set<Kernel>{Kernel::kCountOpenRays, Kernel::kCountsToShares}));
 }
 
-TEST(CoralithFailure, ADeviceThatRoundsOtherwiseIsNotUsed)
+TEST_F(CoralithFailure, ADeviceThatRoundsOtherwiseIsNotUsed)
 {
     Pictures const expected = of_the_host();
     ReportLog const log;
@@ -236,7 +240,7 @@ TEST(CoralithFailure, ADeviceThatRoundsOtherwiseIsNotUsed)
     EXPECT_EQ(plan.operations, 0);
 }
 
-TEST(CoralithFailure, ADeviceWhoseResultsDifferIsRetiredByItsSelfTest)
+TEST_F(CoralithFailure, ADeviceWhoseResultsDifferIsRetiredByItsSelfTest)
 {
     Pictures const expected = of_the_host();
     ReportLog const log;
@@ -248,7 +252,7 @@ TEST(CoralithFailure, ADeviceWhoseResultsDifferIsRetiredByItsSelfTest)
     EXPECT_NE(std::string(session.runner().reports().last()).find("differ"), std::string::npos);
 }
 
-TEST(CoralithFailure, ADeviceThatCannotBeOpenedIsRetired)
+TEST_F(CoralithFailure, ADeviceThatCannotBeOpenedIsRetired)
 {
     Pictures const expected = of_the_host();
     ReportLog const log;
@@ -268,7 +272,7 @@ TEST(CoralithFailure, ADeviceThatCannotBeOpenedIsRetired)
     EXPECT_NE(std::string(session.runner().reports().last()).find("it is asleep"), std::string::npos);
 }
 
-TEST(CoralithFailure, ProgressHoldsUntilTheHostHasCaughtUp)
+TEST_F(CoralithFailure, ProgressHoldsUntilTheHostHasCaughtUp)
 {
     /// Fails at the tenth launch of the rays, and notes what the caller saw at every launch.
     struct Watch {
@@ -328,7 +332,7 @@ TEST(CoralithFailure, ProgressHoldsUntilTheHostHasCaughtUp)
     EXPECT_EQ(watch.progress, 1000);
 }
 
-TEST(CoralithFailure, RealDevicesPulledAwayInTheMiddleOfARunLeaveItCorrect)
+TEST_F(CoralithFailure, RealDevicesPulledAwayInTheMiddleOfARunLeaveItCorrect)
 {
     Pictures const expected = of_the_host();
     for (coralith::Device const& real : coralith::test::real_devices().devices) {

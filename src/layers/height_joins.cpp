@@ -61,9 +61,10 @@ struct Sum {
 template <typename Operation>
 HWY_INLINE void run(float* blend, float const* layer, std::size_t count, Operation operation)
 {
-    by_registers<kHalfLanes>(blend, layer, blend, count, [&](float const* b, float const* l, float* to) HWY_ATTR {
-        hn::StoreU(operation(hn::LoadU(kFloats, l), hn::LoadU(kFloats, b)), kFloats, to);
-    });
+    by_registers<kHalfLanes>(
+        blend, layer, blend, count, [&](float const* b, float const* l, float* to) HWY_ATTR {
+            hn::StoreU(operation(hn::LoadU(kFloats, l), hn::LoadU(kFloats, b)), kFloats, to);
+        });
 }
 
 template <typename Second>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/base/failure.h"
 #include "toolkit/tasks/library_run.h"
+#include "toolkit/tasks/methods/relief_fit.h"
 #include "toolkit/tasks/prepared_input.h"
-#include "toolkit/tasks/relief_fit.h"
 #include "toolkit/tasks/tasks.h"
 
 #include <cmath>

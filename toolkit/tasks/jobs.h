@@ -4,7 +4,7 @@
 #include "toolkit/settings/defaults.h"
 #include "toolkit/settings/graphics_settings.h"
 #include "toolkit/settings/stack_description.h"
-#include "toolkit/tasks/relight.h"
+#include "toolkit/tasks/methods/relight.h"
 #include "toolkit/tasks/reports.h"
 
 #include <optional>

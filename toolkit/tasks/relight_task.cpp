@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/encode.h"
+#include "toolkit/tasks/methods/relight.h"
 #include "toolkit/tasks/prepared_input.h"
-#include "toolkit/tasks/relight.h"
 #include "toolkit/tasks/tasks.h"
 
 namespace umbrixlib::toolkit {

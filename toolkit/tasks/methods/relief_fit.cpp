@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/tasks/relief_fit.h"
+#include "toolkit/tasks/methods/relief_fit.h"
 
 #include <algorithm>
 #include <array>

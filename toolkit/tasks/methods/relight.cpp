@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/tasks/relight.h"
+#include "toolkit/tasks/methods/relight.h"
 
 #include <algorithm>
 #include <cmath>
