@@ -19,6 +19,7 @@ UMBRIX_API void release_mapped(void* memory, std::size_t bytes);
 struct ReleaseTexels {
     std::size_t mapped_bytes = 0; ///< 0 for the array allocator.
 
+    /// Gives @p texels back to the system.
     template <typename T>
     void operator()(T* texels) const
     {

@@ -20,11 +20,11 @@ enum class SampleType {
 /// is the bottom row of the picture. No sample is converted to a narrower type on its way through the
 /// library.
 struct PictureView {
-    void const* samples = nullptr; ///< width * height * channels samples, aligned for their type.
-    int width = 0;
-    int height = 0;
-    int channels = 0; ///< 1 grey, 2 grey and alpha, 3 colours, 4 colours and alpha.
-    SampleType type = SampleType::kUint8;
+    void const* samples = nullptr;        ///< width * height * channels samples, aligned for their type.
+    int width = 0;                        ///< In texels.
+    int height = 0;                       ///< In texels.
+    int channels = 0;                     ///< 1 grey, 2 grey and alpha, 3 colours, 4 colours and alpha.
+    SampleType type = SampleType::kUint8; ///< Of every sample.
 };
 
 /// Marks a constructor of what works with pictures in memory alone.

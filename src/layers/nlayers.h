@@ -72,12 +72,15 @@ public:
     /// room. What is replaced stays valid until `Clear`.
     void SetLayerData(int index, char const* file);
 
-    // The same three from pictures in memory, of any sample type. Nothing is narrowed: heights are the mean
-    // of the colours, of bytes truncated to a whole one as those of a file. False, and nothing is done, if
-    // the picture cannot be read or there is no such layer.
+    /// Appends a height layer from a picture in memory, of any sample type. Nothing is narrowed: heights are
+    /// the mean of the colours, of bytes truncated to a whole one as those of a file. False, and nothing is
+    /// done, if the picture cannot be read.
     bool AddLayer(umbrixlib::PictureView const& picture);
+    /// Appends a normal layer from a picture in memory, likewise.
     bool AddNormalLayer(umbrixlib::PictureView const& picture,
                         umbrixlib::NormalCoding coding = umbrixlib::NormalCoding::kColours);
+    /// Replaces the picture of layer @p index by one in memory, likewise; false also if there is no such
+    /// layer.
     bool SetLayerData(int index, umbrixlib::PictureView const& picture);
 
     /// Takes layer @p index away. An index that is no layer's does nothing, here and in the next two.

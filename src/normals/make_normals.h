@@ -19,10 +19,10 @@ struct NormalsRequest {
 
 /// What `make_normals` gives.
 struct NormalsResult {
-    Outcome outcome = Outcome::kInvalid;
-    int rows = 0;
-    int cols = 0;
-    TexelArray<float3> normals; ///< rows * cols unit vectors, the bottom row first.
+    Outcome outcome = Outcome::kInvalid; ///< Without kDone there are no normals.
+    int rows = 0;                        ///< That of the source.
+    int cols = 0;                        ///< As `rows`.
+    TexelArray<float3> normals;          ///< rows * cols unit vectors, the bottom row first.
 };
 
 /// Makes a tangent-space normal map of a picture of heights in memory: `HeightToNormal` from file to file,

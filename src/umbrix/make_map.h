@@ -47,11 +47,11 @@ struct MapRequest {
     /// If set, the run is that of `UmbrixFile_GPU` on this device.
     std::optional<GPU_opt> gpu;
 
-    MapForm form = MapForm::kFloats;
-    bool wants_light = false; ///< As are the next three: asks for that array of the result.
-    bool wants_occlusion = false;
-    bool wants_normals = false;
-    bool wants_heights = false;
+    MapForm form = MapForm::kFloats; ///< Of the map in the result.
+    bool wants_light = false;        ///< Asks for that array of the result, as do the next three.
+    bool wants_occlusion = false;    ///< As `wants_light`.
+    bool wants_normals = false;      ///< As `wants_light`.
+    bool wants_heights = false;      ///< As `wants_light`.
 
     RunControl* control = nullptr; ///< Watches and stops the run; null for none.
 };
@@ -59,9 +59,9 @@ struct MapRequest {
 /// What `make_map` gives. Arrays have rows * cols texels, the bottom row first, and are null where a run
 /// makes nothing for them.
 struct MapResult {
-    Outcome outcome = Outcome::kInvalid;
-    int rows = 0; ///< That of the source or of the first layer.
-    int cols = 0;
+    Outcome outcome = Outcome::kInvalid; ///< Without kDone all arrays are null.
+    int rows = 0;                        ///< That of the source or of the first layer.
+    int cols = 0;                        ///< As `rows`.
 
     TexelArray<float4> map;          ///< With `MapForm::kFloats`. May lie outside 0..1.
     TexelArray<unsigned char> bytes; ///< With the other two forms.

@@ -44,7 +44,7 @@ program=$work/windows_test.exe
 "$compiler" -std=c++20 -O1 -fopenmp -ffp-contract=off -fno-sized-deallocation -static -DUMBRIX_BUILDING \
     -I"$source_tree" -I"$source_tree/src" -I"$source_tree/tests/support" -I$googletest/google{test,mock}{,/include} \
     $googletest/googletest/src/gtest-all.cc $googletest/googlemock/src/gmock{-all,_main}.cc "${tests[@]}" \
-    "$work"/src_{foundation,boundary}_*.o -o "$program"
+    "$work"/src_{foundation,boundary}_*.o "$work"/src_files_{folder_walk,output_name}.cpp.o -o "$program"
 if command -v wine > /dev/null; then
     WINEPREFIX=$work/wine WINEDEBUG=-all wine "$program"
 else
