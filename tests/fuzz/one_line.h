@@ -14,7 +14,7 @@ inline void demand_one_line(std::string_view text)
 {
     demand(text.size() > 1 && text.back() == '\n', "a message is a line");
     text.remove_suffix(1);
-    std::string const shown = umbrix_cli::printable(text);
+    std::string const shown = umbrixlib::toolkit::printable(text);
     demand(shown == text, "a message holds no control characters: " + shown);
 }
 

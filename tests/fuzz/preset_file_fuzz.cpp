@@ -17,7 +17,7 @@ using namespace umbrix_cli;
 void check(Preset const& preset, umbrixlib::test::MemoryFile const& file)
 {
     check_ranges(preset.settings, "a preset");
-    demand(umbrix_cli::printable(preset.description) == preset.description,
+    demand(umbrixlib::toolkit::printable(preset.description) == preset.description,
            "a description is shown as it is");
     std::string const text = preset_text(preset);
     file.set_content(text.data(), text.size());
