@@ -1,11 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "boundary/gpu_library.h"
 
+#include <cstddef>
 #include <gtest/gtest.h>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace {
+
+// It crosses by value: three words of 32 bits, the bool in the lowest byte of the first.
+static_assert(std::is_same_v<decltype(GPU_opt::ao_flag), bool> && offsetof(GPU_opt, ao_flag) == 0);
+static_assert(std::is_same_v<decltype(GPU_opt::device), int> && offsetof(GPU_opt, device) == 4);
+static_assert(std::is_same_v<decltype(GPU_opt::ao_value), int> && offsetof(GPU_opt, ao_value) == 8);
+static_assert(sizeof(GPU_opt) == 12 && alignof(GPU_opt) == 4 && std::is_trivially_copyable_v<GPU_opt>);
 
 constexpr int kHost = -1; // any number that is no device's
 

@@ -295,6 +295,15 @@ TEST_F(KernelGaussian, KernelsEqualTheirDefinitionBitForBit)
     }
 }
 
+/// Each rounding on the way shows at some of these radii; that of sigma * 2 pi at 1.082 and few others.
+TEST_F(KernelGaussian, KernelsRoundAtEveryStep)
+{
+    for (int thousandths = 1; thousandths <= 6000; ++thousandths) {
+        float const radius = static_cast<float>(thousandths) / 1000.0f;
+        ASSERT_TRUE(umbrixlib::test::same_bits(plain::kernel_of(radius), kernel_of(radius))) << radius;
+    }
+}
+
 TEST_F(KernelGaussian, AWholeRadiusUsesTheWholeKernel)
 {
     auto const kernel = kernel_of(3.0f);

@@ -42,6 +42,24 @@ TYPED_TEST(PosterizeOf, EqualsTheReferenceOnAnyNumberOfThreads)
     }
 }
 
+/// From 2^24 steps on their number is rounded to float before it is scaled back.
+TYPED_TEST(PosterizeOf, EqualsTheReferenceOnLargeValues)
+{
+    auto image = random_image<TypeParam>(64 * 50, 24, Values::kSigned);
+    auto* const floats = reinterpret_cast<float*>(image.data());
+    for (std::size_t i = 0; i < image.size() * (sizeof(TypeParam) / sizeof(float)); ++i) {
+        floats[i] *= 3e6f;
+    }
+    for (float const step : {0.7f, 1.0f, 1.3f, 11.0f, 255.0f}) {
+        SCOPED_TRACE(step);
+        auto expected = image;
+        reference::posterize(expected.data(), step, 64, 50);
+        auto actual = image;
+        posterize(actual.data(), step, 64, 50, 0, 0);
+        EXPECT_SAME_BITS(expected, actual);
+    }
+}
+
 TYPED_TEST(PosterizeOf, SingleLinesAndOneTexelEqualTheReference)
 {
     for (auto const& [height, width] : {std::pair{1, 1}, {1, 9}, {9, 1}}) {

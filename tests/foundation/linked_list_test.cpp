@@ -1,11 +1,52 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/list.h"
 #include "foundation/n_layer.h"
+#include "layers/nlayers.h"
 
+#include <cstddef>
 #include <gtest/gtest.h>
+#include <type_traits>
 #include <utility>
 
 namespace {
+
+// Records and lists lie in memory as callers that were built earlier have them.
+constexpr std::size_t kPointer = sizeof(void*);
+template <typename T>
+constexpr bool list_is_laid_out()
+{
+    using List = LinkedList<T>;
+    using Node = typename List::node;
+    return offsetof(List, head) == 0 && offsetof(List, tail) == kPointer &&
+           offsetof(List, count) == 2 * kPointer && sizeof(List) == 3 * kPointer &&
+           offsetof(Node, data) == 0 && offsetof(Node, next) == sizeof(T) &&
+           offsetof(Node, prev) == sizeof(T) + kPointer && sizeof(Node) == sizeof(T) + 2 * kPointer &&
+           std::is_same_v<decltype(List::head), Node*> && std::is_same_v<decltype(List::tail), Node*> &&
+           std::is_same_v<decltype(List::count), int> && std::is_same_v<decltype(Node::data), T> &&
+           std::is_same_v<decltype(Node::next), Node*> && std::is_same_v<decltype(Node::prev), Node*>;
+}
+static_assert(list_is_laid_out<n_layer>());
+static_assert(list_is_laid_out<float*>());
+static_assert(list_is_laid_out<layer_size>());
+
+constexpr std::size_t kNumbers = 2 * sizeof(std::string); // of an n_layer, behind its texts
+#define UMBRIX_LIES_AT(field, type, offset)                                                                  \
+    static_assert(std::is_same_v<decltype(n_layer::field), type> && offsetof(n_layer, field) == (offset))
+UMBRIX_LIES_AT(name, std::string, 0);
+UMBRIX_LIES_AT(filename, std::string, sizeof(std::string));
+UMBRIX_LIES_AT(blend_mode, int, kNumbers);
+UMBRIX_LIES_AT(opacity, float, kNumbers + 4);
+UMBRIX_LIES_AT(n_scale, float, kNumbers + 8);
+UMBRIX_LIES_AT(L_Detail, float, kNumbers + 12);
+UMBRIX_LIES_AT(gaussian, float, kNumbers + 16);
+UMBRIX_LIES_AT(depth, float, kNumbers + 20);
+UMBRIX_LIES_AT(normal_scale, float, kNumbers + 24);
+UMBRIX_LIES_AT(edge_a, float, kNumbers + 28);
+UMBRIX_LIES_AT(edge_b, float, kNumbers + 32);
+UMBRIX_LIES_AT(spare_flag, bool, kNumbers + 36);
+UMBRIX_LIES_AT(regenerate, bool, kNumbers + 37);
+#undef UMBRIX_LIES_AT
+static_assert(sizeof(n_layer) == kNumbers + 40);
 
 n_layer named(char const* name)
 {
