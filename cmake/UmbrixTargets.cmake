@@ -34,7 +34,6 @@ function(umbrix_shared_library_settings target)
     if(NOT UMBRIX_SANITIZE)
         target_link_options(${target} PRIVATE LINKER:--no-undefined)
     endif()
-    add_library(UmbrixLib::${target} ALIAS ${target})
 endfunction()
 
 # umbrix_precompile(TARGET HEADER...): headers that take long to parse are parsed once for all sources of a target.

@@ -4,12 +4,10 @@
 #include "terminal/put_text.h"
 #include "terminal/standard_output.h"
 #include "toolkit/base/stop.h"
-#include "toolkit/workers/worker_process.h"
 #include "toolkit_names.h"
 
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fmt/format.h>
 #include <new>
@@ -79,9 +77,6 @@ int main(int count, char** words)
 {
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away must not end a run in the middle
     try {
-        if (count == 3 && std::strcmp(words[1], umbrix_cli::kWorkerArgument) == 0) {
-            return umbrix_cli::run_worker(words[2]);
-        }
         return umbrix_cli::run_tool(count, words);
     } catch (std::exception const& error) {
         umbrix_cli::put_text(

@@ -39,6 +39,7 @@ for name in umbrix velloric coralith; do
     expect_file libumbrix-dev "/lib$name\.so ->"
 done
 expect_file "$library" /LICENSE
+expect_file "$library" /usr/libexec/umbrix/umbrix-worker
 expect_file libumbrix-dev /umbrixlib\.h
 expect_file libumbrix-dev /UmbrixLibConfig\.cmake
 expect_file libumbrix-dev /umbrix\.pc

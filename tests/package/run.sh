@@ -4,6 +4,7 @@
 #   run.sh install BUILD PREFIX               installs and looks over what is there
 #   run.sh find_package|pkg_config PREFIX WORK
 #   run.sh add_subdirectory SOURCE WORK       against the sources, nothing installed
+#   run.sh move PREFIX WORK PICTURE           the tool of the prefix in another folder, with its worker and without
 #   run.sh embed PREFIX WORK EXAMPLES         the example of a front end, on pictures of the examples
 # CXX is the compiler, SANITIZE the sanitizers of the build, both from the environment.
 set -euo pipefail
@@ -26,6 +27,7 @@ install_tree() {
     [ -z "$private" ] || fail "private headers are installed: $private"
     [ -n "$(find "$prefix" -name LICENSE)" ] || fail "the licence is not installed"
     local library
+    [ -x "$prefix/libexec/umbrix/umbrix-worker" ] || fail "the worker is not installed"
     for library in umbrix velloric coralith; do
         find "$prefix" -name "lib$library.so" | grep -q . || fail "lib$library.so is not installed"
     done
@@ -39,6 +41,22 @@ consume() {
     cmake -S "$here/consumer" -B "$work" -DUMBRIX_FROM="$from" -DCMAKE_BUILD_TYPE=Debug "$@"
     cmake --build "$work" --parallel 2
     "$work/consumer" || fail "the consumer found a wrong result"
+}
+
+# The tool finds its worker in a prefix that was moved, and says so in one sentence if it is missing.
+move() {
+    local prefix=$1 work=$2 picture=$3 code=0
+    rm -rf "$work"
+    mkdir -p "$work"
+    cp -a "$prefix" "$work/moved prefix"
+    cd "$work"
+    "moved prefix/bin/umbrix" map "$picture" -o map.png --rays 16
+    rm map.png "moved prefix/libexec/umbrix/umbrix-worker"
+    "moved prefix/bin/umbrix" map "$picture" -o map.png --rays 16 2> said.txt || code=$?
+    cat said.txt
+    [ "$code" -eq 1 ] && [ ! -e map.png ] || fail "without its worker the tool ended with $code"
+    [ "$(wc -l < said.txt)" -eq 1 ] && grep -q "moved prefix/libexec/umbrix/umbrix-worker: the program" said.txt ||
+        fail "the tool does not say that its worker is missing"
 }
 
 # Builds the example of a front end, runs it on two pictures, and stops it in the middle of forty.
@@ -87,6 +105,9 @@ pkg_config)
     ;;
 add_subdirectory)
     consume "$3" add_subdirectory -DUMBRIX_SOURCE="$2"
+    ;;
+move)
+    move "$2" "$3" "$4"
     ;;
 embed)
     embed "$2" "$3" "$4"

@@ -76,6 +76,7 @@ enum class Fault {
     kWritingBrokeDown, ///< The worker ended while it wrote the result.
     kWorkerUnheard,    ///< A worker cannot be listened to.
     kNoWorker,         ///< No worker can be started.
+    kMissingWorker,    ///< The worker's program is not where it belongs.
 
     // Batches.
     kSameTarget,        ///< Two inputs lead to the same output.

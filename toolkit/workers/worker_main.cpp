@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
+/// @file
+/// The program umbrix-worker: takes a job from its standard input, does it, says how it went.
 #include "toolkit/base/give_up.h"
 #include "toolkit/tasks/tasks.h"
 #include "toolkit/workers/crossing_internal.h"
 #include "toolkit/workers/worker_channel.h"
-#include "toolkit/workers/worker_process.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <new>
 #include <string>
+#include <string_view>
 #include <sys/prctl.h>
 #include <system_error>
 #include <unistd.h>
@@ -40,12 +43,10 @@ void tell(Failure const& failure)
     WorkerChannel().send(failure);
 }
 
-} // namespace
-
-int run_worker(char const* parent)
+int do_job()
 {
-    end_with_parent(parent);
     std::signal(SIGXFSZ, SIG_IGN); // a limit on file sizes then reads as a full disk
+    std::signal(SIGPIPE, SIG_IGN); // the parent may have gone
     no_memory_event = pack(Event(Failure(Fault::kNoMemory, "", "there is not enough memory to work on it")));
     std::set_new_handler(tell_of_too_little_memory);
     set_last_words(tell);
@@ -66,4 +67,19 @@ int run_worker(char const* parent)
     _exit(EXIT_FAILURE);
 }
 
+} // namespace
+
 } // namespace umbrixlib::toolkit
+
+/// One word: the process that the worker belongs to.
+int main(int count, char** words)
+{
+    if (count != 2) {
+        constexpr std::string_view kWhatItIs =
+            "umbrix-worker: UmbrixLib starts it by itself to work on pictures\n";
+        static_cast<void>(!write(STDERR_FILENO, kWhatItIs.data(), kWhatItIs.size()));
+        return 2;
+    }
+    umbrixlib::toolkit::end_with_parent(words[1]);
+    return umbrixlib::toolkit::do_job();
+}

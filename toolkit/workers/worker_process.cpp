@@ -3,6 +3,7 @@
 
 #include "toolkit/base/failure.h"
 #include "toolkit/workers/worker_channel.h"
+#include "toolkit/workers/worker_program.h"
 
 #include <cerrno>
 #include <csignal>
@@ -103,10 +104,23 @@ std::vector<char*> worker_environment()
     return kept;
 }
 
+/// Ctrl-C and its kin go to all processes of a terminal. What becomes of a worker then, its parent decides.
+void deafen(posix_spawnattr_t& attributes)
+{
+    sigset_t deaf_to;
+    sigemptyset(&deaf_to);
+    for (int const signal : {SIGINT, SIGTERM, SIGHUP}) {
+        sigaddset(&deaf_to, signal);
+    }
+    posix_spawnattr_setsigmask(&attributes, &deaf_to);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+}
+
 } // namespace
 
 WorkerProcess::WorkerProcess(ProcessorSet const* processors)
 {
+    std::string const program = worker_program().string();
     Ends input;
     Ends events;
     Ends output;
@@ -114,14 +128,12 @@ WorkerProcess::WorkerProcess(ProcessorSet const* processors)
     open_pipe(events);
     open_pipe(output);
 
-    std::string const parent = std::to_string(getpid());
-    std::vector<std::string> words{"umbrix", kWorkerArgument, parent};
-    std::vector<char*> arguments;
-    for (std::string& word : words) {
-        arguments.push_back(word.data());
-    }
-    arguments.push_back(nullptr);
-
+    char name[] = "umbrix-worker";
+    std::string parent = std::to_string(getpid());
+    char* const words[] = {name, parent.data(), nullptr};
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    deafen(attributes);
     posix_spawn_file_actions_t files;
     posix_spawn_file_actions_init(&files);
     posix_spawn_file_actions_adddup2(&files, input.theirs, STDIN_FILENO);
@@ -130,10 +142,11 @@ WorkerProcess::WorkerProcess(ProcessorSet const* processors)
     posix_spawn_file_actions_adddup2(&files, events.theirs, kEventDescriptor);
     int const error = [&] {
         ProcessorScope const scope(processors);
-        return posix_spawn(&process_, "/proc/self/exe", &files, nullptr, arguments.data(),
+        return posix_spawn(&process_, program.c_str(), &files, &attributes, words,
                            worker_environment().data());
     }();
     posix_spawn_file_actions_destroy(&files);
+    posix_spawnattr_destroy(&attributes);
     if (error != 0) {
         throw Failure(Fault::kNoWorker, "umbrix",
                       std::string("no worker process can be started: ") + std::strerror(error));

@@ -7,16 +7,15 @@
 
 namespace umbrixlib::toolkit {
 
-/// The hidden first argument that makes the tool a worker.
-inline constexpr char const* kWorkerArgument = "--run-worker-job";
-
-/// A second process of this program, which does one job. It reads the job from its standard input, a socket,
-/// tells its events to a pipe, and has another pipe for what libraries print. It starts with a clean OpenMP
-/// environment: the library shares its texels out by the number of processors, so a team made smaller by the
-/// user's variables would leave texels out, and OpenMP reads them only when a program starts. It ends with
-/// this process at the latest.
+/// A process of the program umbrix-worker, which does one job. It reads the job from its standard input, a
+/// socket, tells its events to a pipe, and has another pipe for what libraries print. It starts with a clean
+/// OpenMP environment: the library shares its texels out by the number of processors, so a team made smaller
+/// by the user's variables would leave texels out, and OpenMP reads them only when a program starts. Wishes
+/// of the system or a terminal that it end do not reach it: it ends when its job is done, or when this
+/// process ends it or is gone.
 class WorkerProcess {
 public:
+    /// A Failure if it cannot be started.
     /// @param processors That it may use; null for those of this process.
     explicit WorkerProcess(ProcessorSet const* processors = nullptr);
     ~WorkerProcess(); ///< Ends it at once if it still runs.
@@ -43,9 +42,5 @@ private:
     int output_ = -1;
     long peak_kib_ = 0;
 };
-
-/// Life of the worker: takes the job from standard input, does it, says how it went. The exit code for main.
-/// @param parent Process that the worker belongs to, as the parent wrote it on the command line.
-int run_worker(char const* parent);
 
 } // namespace umbrixlib::toolkit

@@ -74,6 +74,7 @@ constexpr Advice kAdvice[] = {
     {Fault::kWritingBrokeDown, "choose another format"},
     {Fault::kWorkerUnheard, "try again"},
     {Fault::kNoWorker, "check the limits on processes and memory"},
+    {Fault::kMissingWorker, "install UmbrixLib again; in a build folder build the target umbrix_worker"},
 
     {Fault::kSameTarget, "take one of them, for instance with --pattern '*_H.*'", kWrongUsage},
     {Fault::kTargetIsSource, "give another --suffix, or another folder with --keep-tree", kWrongUsage},

@@ -1,21 +1,16 @@
 // SPDX-License-Identifier: MIT
-/// The pool with stand-ins for its workers. This program plays them itself: what one does is the scratch
-/// folder of its job.
+/// The pool with stand-ins for its workers.
+#include "stand_in_worker.h"
 #include "toolkit/base/stop.h"
 #include "toolkit/workers/worker_pool.h"
 
-#include "toolkit/workers/processor_share.h"
-#include "toolkit/workers/worker_channel.h"
-
 #include <algorithm>
-#include <cstdlib>
+#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
-#include <omp.h>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <thread>
@@ -24,72 +19,6 @@
 
 namespace umbrixlib::toolkit {
 namespace {
-
-std::vector<int> own_processors()
-{
-    ProcessorSet set;
-    sched_getaffinity(0, sizeof set, &set);
-    std::vector<int> numbers;
-    for (int number = 0; number < CPU_SETSIZE; ++number) {
-        if (CPU_ISSET(number, &set)) {
-            numbers.push_back(number);
-        }
-    }
-    return numbers;
-}
-
-/// Acts of a stand-in, each with a word after it.
-void act(WorkerChannel& channel, std::string const& name, std::string const& word)
-{
-    if (name == "abort") {
-        std::abort();
-    } else if (name == "exit") {
-        std::_Exit(std::stoi(word));
-    } else if (name == "phase") {
-        auto const phase = static_cast<Phase>(std::stoi(word));
-        channel.begin(phase, phase == Phase::kReading || phase == Phase::kMaking ? "in" : "out");
-    } else if (name == "note") {
-        channel.note("in", {word, NoteKind::kPlain, word == "detail"});
-    } else if (name == "fail") {
-        throw Failure(Fault::kNotWorkedOn, "in", word);
-    } else if (name == "rave") {
-        std::string const nonsense = "{\"phase\": \"" + word + "\"}\n{]\n";
-        if (write(kEventDescriptor, nonsense.data(), nonsense.size()) > 0) {
-            pause();
-        }
-    } else if (name == "wait") {
-        std::this_thread::sleep_for(std::chrono::milliseconds(std::stoi(word)));
-    } else if (name == "say") {
-        if (write(STDOUT_FILENO, word.data(), word.size()) < 0) {
-            std::_Exit(99);
-        }
-    } else if (name == "take") {
-        std::vector<char> memory(static_cast<std::size_t>(std::stoi(word)) << 20U, 1);
-        std::fill(memory.begin(), memory.end(), static_cast<char>(getpid()));
-        channel.stage("taken", memory[memory.size() / 2]);
-    }
-}
-
-int play_a_worker()
-{
-    alarm(60);
-    WorkerChannel channel;
-    auto const job = std::get<MapJob>(channel.read_job());
-    try {
-        std::istringstream acts(job.files.scratch);
-        for (std::string name, word; acts >> name >> word;) {
-            act(channel, name, word);
-        }
-        MapReport report;
-        report.reason = job.files.scratch;
-        report.difference = own_processors();
-        report.width = omp_get_num_procs();
-        channel.send(report);
-    } catch (Failure const& failure) {
-        channel.send(failure);
-    }
-    return 0;
-}
 
 /// A client that gives a worker acts to do, and keeps what it hears.
 class Director : public PoolClient {
@@ -151,13 +80,7 @@ private:
         }
         ~Task() override { --director_.open_tasks; }
 
-        umbrixlib::toolkit::Job job() const override
-        {
-            MapJob job;
-            job.files.input = "in";
-            job.files.scratch = act_;
-            return job;
-        }
+        umbrixlib::toolkit::Job job() const override { return job_to_act(act_); }
         double timeout_seconds() const override { return limit_; }
         void complete(Report const& report) override
         {
@@ -233,6 +156,15 @@ TEST_F(WorkerPool, LosesNothingButThePieceThatBreaksDown)
     EXPECT_EQ(director.notes.size(), 3U);
     EXPECT_EQ(director.completed, 4);
     EXPECT_EQ(director.open_tasks, 0);
+}
+
+TEST_F(WorkerPool, KeepsWhatATerminalSendsFromWorkers)
+{
+    for (int const signal : {SIGINT, SIGTERM, SIGHUP}) {
+        Director director({"raise " + std::to_string(signal) + " note a"});
+        EXPECT_TRUE(run(director, 1, 1));
+        EXPECT_EQ(director.what(0), "") << signal;
+    }
 }
 
 TEST_F(WorkerPool, GoesOnAfterPiecesThatDoNotBegin)
@@ -376,12 +308,3 @@ TEST_F(WorkerPool, LeavesNoDescriptorsBehind)
 
 } // namespace
 } // namespace umbrixlib::toolkit
-
-int main(int count, char** words)
-{
-    if (count == 3 && std::string(words[1]) == umbrixlib::toolkit::kWorkerArgument) {
-        return umbrixlib::toolkit::play_a_worker();
-    }
-    testing::InitGoogleTest(&count, words);
-    return RUN_ALL_TESTS();
-}
