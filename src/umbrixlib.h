@@ -29,6 +29,7 @@
 #include "normals/texel_normals.h"
 #include "texels/texel_umbrix.h"
 #include "umbrix/grading.h"
+#include "umbrix/height_map_options.h"
 #include "umbrix/make_map.h"
 #include "umbrix/umbrix_options.h"
 #include "worklist/umbrix_list.h"

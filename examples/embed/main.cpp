@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The library in a front end: the work in a thread of its own, its progress on the screen, an end at Ctrl-C.
-//   embed FOLDER PATTERN    makes a map beside each picture of 24 or 32 bits, as in: embed stones
-//   '*_height.tga'
+//   embed FOLDER PATTERN    makes a map beside each picture of 24 or 32 bits: embed stones '*_height.tga'
 #include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <thread>
 #include <umbrixlib.h>
 
@@ -29,36 +29,26 @@ static LinkedList<n_layer> two_layers()
     return layers;
 }
 
-static umbrix_options options_for_heights()
-{
-    umbrix_options options = {};
-    options.calc_type = calc_type_light_occlusion;
-    options.height_map = options.generate_normal = true;
-    options.rays = 64, options.radius = 0.25f, options.h_scale = 0.1f;
-    options.alpha_limit = options.theta_limit = 120;
-    options.tile = options.h_tile = options.v_tile = true;
-    options.max = options.h_max = 255;
-    options.UmbrixMode = Modes_UnitBasis;
-    options.basis_a = {-0.40824829f, 0.70710678f, 0.57735027f};
-    options.basis_b = {-0.40824829f, -0.70710678f, 0.57735027f};
-    options.basis_c = {0.81649658f, 0, 0.57735027f};
-    options.cancel = &stop;
-    return options;
-}
-
 int main(int count, char** arguments)
 {
     if (count != 3) {
         return std::fputs("usage: embed FOLDER PATTERN, the pattern with an extension\n", stderr), 2;
     }
+    std::error_code fault; // the library asks for an absolute folder, without a separator at its end
+    std::string const folder = std::filesystem::canonical(arguments[1], fault).string();
+    if (fault) {
+        return std::fprintf(stderr, "%s: %s\n", arguments[1], fault.message().c_str()), 2;
+    }
     std::signal(SIGINT, ask_to_stop);
-    umbrix_options options = options_for_heights();
+    umbrix_options options = umbrixlib::height_map_options(0.1f, 0); // no width: the layers make the normals
+    options.rays = 64;
+    options.cancel = &stop;
     LinkedList<n_layer> layers = two_layers();
     std::string file, stage; // written while the run lasts, so read after it
     int progress = 0;        // written too, and may be looked at any time
     std::atomic<bool> working = true, whole = false;
     std::thread worker([&] {
-        whole = UmbrixFolder(arguments[1], arguments[2], options, &layers, &file, &stage, &progress);
+        whole = UmbrixFolder(folder, arguments[2], options, &layers, &file, &stage, &progress);
         working = false;
     });
     while (working) {

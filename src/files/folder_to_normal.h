@@ -14,7 +14,7 @@ inline namespace umbrix_v0 {
 /// source. `rock.tga`, `rock_h.tga` and `rock_Height.tga` all give `rock_Normal.tga`, the last one made; an
 /// existing file is replaced. No file is left out, results of earlier runs included.
 ///
-/// @param path          The folder, without a separator at its end; absolute where @p recurse is set.
+/// @param path          The folder, absolute, without a separator at its end, as for `UmbrixFolder`.
 /// @param pattern       `*` and `?`, letter case ignored; "*.*" matches every file. Should ask for an
 ///                      extension.
 /// @param n_scale       As for `HeightToNormal` from file to file, and so are @p gaussian,

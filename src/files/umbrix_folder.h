@@ -16,7 +16,9 @@ inline namespace umbrix_v0 {
 /// source. `rock.tga` and `rock_N.tga` both give `rock_Umbrix.tga`, the last one made; an existing file is
 /// replaced. No file is left out, results of earlier runs included.
 ///
-/// @param path     The folder, without a separator at its end; absolute where `options.recurse` is set.
+/// @param path     The folder, absolute, without a separator at its end. The walk enters it and opens its
+///                 files by their whole paths: of a relative folder none is read and none written, and the
+///                 walk says true.
 /// @param search   `*` and `?`, letter case ignored; "*.*" matches every file. Should ask for an extension.
 /// @param options  As for `UmbrixFile`, which writes to it once a file, so `blend_height` can carry over from
 ///                 one to the next. `recurse`: subfolders first, at any depth. `cancel`: points at the stop
@@ -42,9 +44,8 @@ UMBRIX_API bool UmbrixFolder(std::string path, std::string search, umbrix_option
 
 /// `UmbrixFolder` with `UmbrixFile_GPU`, on the device that @p gpu names.
 ///
-/// @param stack The caller's stack for all files. Before each file it is cleared and that file added to it,
-/// once
-///              for each description and whatever `options.generate_normal` says; null for none.
+/// @param stack The caller's stack for all files; null for none. Before each file it is cleared, and that
+///              file is added once for each description, whatever `options.generate_normal` says.
 ///
 /// The calls of the graphics library come from the calling thread. `height_copy` is handed from file to file
 /// as well, whatever `options.keep_buffers` says; all else as for `UmbrixFolder`.

@@ -6,6 +6,7 @@
 #   run.sh add_subdirectory SOURCE WORK       against the sources, nothing installed
 #   run.sh move PREFIX WORK PICTURE           the tool of the prefix in another folder, with its worker and without
 #   run.sh embed PREFIX WORK EXAMPLES         the example of a front end, on pictures of the examples
+#   run.sh snippets PREFIX WORK ROOT          the programs that README and docs/library.md show
 # CXX is the compiler, SANITIZE the sanitizers of the build, both from the environment.
 set -euo pipefail
 
@@ -59,6 +60,48 @@ move() {
         fail "the tool does not say that its worker is missing"
 }
 
+# Makes WORK/NAME_height.tga, a picture of 24 bits, of an example's height map.
+colour_heights() {
+    local prefix=$1 examples=$2 work=$3 name=$4
+    printf '[[layer]]\nfile = "%s"\n' "$examples/textures/${name}_height.png" > "$work/$name.toml"
+    "$prefix/bin/umbrix" stack "$work/$name.toml" -o "$work/$name.png" --height "$work/${name}_height.tga"
+}
+
+# Compiles the first program that a page shows, as it stands.
+compile_snippet() {
+    local prefix=$1 page=$2 program=$3
+    awk '/^```/ { if (inside) exit; inside = /^```cpp$/; next } inside' "$page" > "$program.cpp"
+    [ -s "$program.cpp" ] || fail "$page shows no program"
+    local libdir flags
+    libdir=$(dirname "$(find "$prefix" -name 'libumbrix.so')")
+    flags=$(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --cflags --libs umbrix)
+    # shellcheck disable=SC2086 # one word each
+    "${CXX:-c++}" -std=c++17 -Wall -Wextra -Werror ${SANITIZE:+-fsanitize=$SANITIZE} "$program.cpp" -o "$program" \
+        $flags "-Wl,-rpath,$libdir"
+}
+
+# The programs on the pages make the map that the tool makes with its defaults.
+snippets() {
+    local prefix=$1 work=$2 root=$3
+    local texels=(--ignore-initial=18 --bytes=$((512 * 512 * 3))) # of a TGA; the rest depends on who writes it
+    rm -rf "$work"
+    mkdir -p "$work/stones"
+    cd "$work"
+    colour_heights "$prefix" "$root/examples" "$work" cobbles
+    "$prefix/bin/umbrix" map cobbles_height.tga -o expected.tga
+    "$prefix/bin/umbrix" info expected.tga | tee info.txt
+    grep -qE 'red +0 to 2[0-9]{2}' info.txt || fail "the expected map has no relief"
+
+    compile_snippet "$prefix" "$root/README.md" readme
+    ./readme
+    cmp "${texels[@]}" cobbles.tga expected.tga || fail "the program in README.md makes another map"
+
+    cp cobbles_height.tga stones
+    compile_snippet "$prefix" "$root/docs/library.md" library
+    ./library || fail "the program in docs/library.md ended with $?"
+    cmp "${texels[@]}" stones/cobbles_Umbrix.tga expected.tga || fail "the program in docs/library.md makes another map"
+}
+
 # Builds the example of a front end, runs it on two pictures, and stops it in the middle of forty.
 embed() {
     local prefix=$1 work=$2 examples=$3
@@ -68,9 +111,8 @@ embed() {
     cmake --build "$work"
 
     mkdir "$work/one" "$work/forty"
-    printf '[[layer]]\nfile = "%s"\n' "$examples/textures/cobbles_height.png" > "$work/colours.toml"
-    "$prefix/bin/umbrix" stack "$work/colours.toml" -o "$work/normals.png" --height "$work/one/cobbles_height.tga"
-    "$work/embed" "$work/one" '*_height.tga' || fail "the example of a front end ended with $?"
+    colour_heights "$prefix" "$examples" "$work/one" cobbles
+    (cd "$work" && ./embed one/ '*_height.tga') || fail "the example of a front end ended with $?"
     "$prefix/bin/umbrix" info "$work/one/cobbles_Umbrix.tga" | tee "$work/info.txt"
     grep -qE 'red +0 to 2[0-9]{2}' "$work/info.txt" || fail "the example of a front end made a map without relief"
 
@@ -111,6 +153,9 @@ move)
     ;;
 embed)
     embed "$2" "$3" "$4"
+    ;;
+snippets)
+    snippets "$2" "$3" "$4"
     ;;
 *)
     fail "unknown step '${1-}'"
