@@ -17,8 +17,7 @@ inline namespace umbrix_v0 {
 ///
 /// Contract: the block is three floats long, and `delete` is told of one; `delete[]` would be expected. The
 /// default allocator ignores the size. One that compares sizes ends the program, as address sanitizer does:
-/// compile such a caller with `-fno-sized-deallocation`, or free the block with
-/// `::operator delete(static_cast<void*>(result))`. Test: VectorMath.CrossIsFreedAsOneObject
+/// compile such a caller with `-fno-sized-deallocation`. Test: VectorMath.CrossIsFreedAsOneObject
 UMBRIX_API float* cross(float* const a, float* const b);
 
 /// N(a[1]*b[1] + a[0]*b[0] + a[2]*b[2]); the z term is added last, which is what the last bit depends on.
