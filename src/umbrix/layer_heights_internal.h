@@ -20,8 +20,8 @@ struct HeightRange {
 
     /// @p height on a scale of 0, the lowest one, to 1, the highest one.
     ///
-    /// Contract: heights all alike divide by a range of 0; zeros are expected. They come out as NaN. Tests:
-    /// UmbrixFileLayers.AFlatStackDividesByZero, UmbrixFileGpuLayers.AFlatStackDividesByZero
+    /// Contract: heights all alike divide by a range of 0; zeros are expected. They come out as NaN. Test:
+    /// UmbrixFileLayers.AFlatStackDividesByZero
     float stretched(float height) const { return narrow((wide(height) - wide(lowest)) / wide(range)); }
 };
 

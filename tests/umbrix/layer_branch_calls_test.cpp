@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
-// How a layer stack enters a run of UmbrixFile, with stand-ins for DevIL and the kernels. The input is 4x4
-// texels; the bilateral filter adds 1/8, generated normals are (0, 0, height), light adds 1/4 to x.
-#include "files/umbrix_file.h"
-
+// How a layer stack enters a run of UmbrixFile and of UmbrixFile_GPU, with stand-ins for DevIL, the kernels
+// and the graphics library. The input is 4x4 texels; the bilateral filter adds 1/8, pre-processing on the GPU
+// 1/16; generated normals are (0, 0, height).
 #include "call_log.h"
 #include "devil_fake.h"
+#include "files/umbrix_file.h"
+#include "files/umbrix_file_gpu.h"
+#include "forms.h"
+#include "graphics_fake.h"
 #include "kernels_fake.h"
 #include "layer_run.h"
 #include "layers/nlayers.h"
@@ -13,56 +16,100 @@
 #include <algorithm>
 #include <array>
 #include <gmock/gmock.h>
-#include <omp.h>
 
 namespace {
 
-using testing::Contains;
 using testing::Each;
-using testing::StartsWith;
+using testing::ElementsAre;
 using umbrixlib::test::CallLog;
 using umbrixlib::test::DevilFake;
+using umbrixlib::test::Form;
+using umbrixlib::test::GraphicsFake;
+using umbrixlib::test::GraphicsStages;
+using umbrixlib::test::kCpu;
 using umbrixlib::test::KernelsFake;
-using umbrixlib::test::neutral_options;
+using umbrixlib::test::kGpu;
+using umbrixlib::test::name_of;
 
-class UmbrixFileLayers : public umbrixlib::test::LayerRun {
+/// What differs between the two forms.
+struct Differences {
+    /// Pixels of the image are fetched although the layer's heights take their place.
+    bool fetches_in_vain;
+    unsigned char light;        ///< Byte of the light of a normal without x.
+    bool keeps_unlit_normals;   ///< Without light the normals are made all the same.
+    float added_to_kept;        ///< Heights are kept before or behind the filter.
+    float added_by_preparation; ///< By pre-processing without an option for it.
+};
+constexpr Differences kOnCpu = {false, 63, true, 0.0f, 0.0f};
+constexpr Differences kOnGpu = {true, 31, false, KernelsFake::kFiltered, GraphicsStages::kPre};
+
+class UmbrixFileLayers : public umbrixlib::test::LayerRun, public testing::WithParamInterface<Form> {
 protected:
-    bool run(umbrix_options& options, NLayers* stack)
+    UmbrixFileLayers() { GraphicsFake::instance().reset(); }
+    ~UmbrixFileLayers() override
+    {
+        EXPECT_EQ(GraphicsFake::instance().faults, std::vector<std::string>());
+        release(options_);
+    }
+
+    bool run(LinkedList<n_layer>* layers, NLayers* stack)
     {
         CallLog::instance().clear();
-        return UmbrixFile("in.png", "out.tga", options, &layers_, stack, &status_, &progress_);
+        if (GetParam().graphics) {
+            return UmbrixFile_GPU({false, 0, 0}, "in.png", "out.tga", options_, layers, stack, &status_,
+                                  &progress_);
+        }
+        return UmbrixFile("in.png", "out.tga", options_, layers, stack, &status_, &progress_);
     }
-};
+    bool run(NLayers* stack) { return run(&layers_, stack); }
 
-TEST_F(UmbrixFileLayers, AnEmptyStackIsFilledFromTheDescriptions)
+    /// Options as before the first run.
+    void start_anew()
+    {
+        release(options_);
+        options_ = kept_options();
+    }
+
+    std::vector<float> kept_heights(std::size_t texels) const
+    {
+        return {options_.height_copy, options_.height_copy + texels};
+    }
+
+    static Differences const& differences() { return GetParam().graphics ? kOnGpu : kOnCpu; }
+
+    umbrix_options options_ = kept_options();
+};
+INSTANTIATE_TEST_SUITE_P(Forms, UmbrixFileLayers, testing::Values(kCpu, kGpu), name_of);
+
+TEST_P(UmbrixFileLayers, AnEmptyStackIsFilledBehindTheLoadOfTheImage)
 {
     describe({"same.png", "wide.png"});
     NLayers stack(&layers_);
-    umbrix_options options = neutral_options();
-    EXPECT_TRUE(run(options, &stack));
+    EXPECT_TRUE(run(&stack));
     EXPECT_EQ(stack.Count(), 2);
     EXPECT_EQ(stack.GetLayerWidth(1), 4) << "a height layer, of the first one's size";
     auto const& calls = CallLog::instance().calls();
-    std::vector<std::string> const opening(calls.begin() + 4, calls.begin() + 8);
-    EXPECT_THAT(opening, testing::ElementsAre("ilLoadImage(in.png)", "ilGetInteger(0x0DE4)",
-                                              "ilGetInteger(0x0DE5)", "ilGetInteger(0x0DE9)"));
-    EXPECT_THAT(calls, Contains("ilLoadImage(same.png)"));
-    EXPECT_EQ(calls_starting_with("ilLoadImage("), 3);
+    std::vector<std::string> loads;
+    std::copy_if(calls.begin(), calls.end(), std::back_inserter(loads),
+                 [](std::string const& call) { return call.rfind("ilLoadImage(", 0) == 0; });
+    EXPECT_THAT(loads, ElementsAre("ilLoadImage(in.png)", "ilLoadImage(same.png)", "ilLoadImage(wide.png)"));
+    auto const load = std::find(calls.begin(), calls.end(), "ilLoadImage(in.png)");
+    EXPECT_THAT(std::vector<std::string>(load + 1, load + 4),
+                ElementsAre("ilGetInteger(0x0DE4)", "ilGetInteger(0x0DE5)", "ilGetInteger(0x0DE9)"));
 }
 
-TEST_F(UmbrixFileLayers, AStackOfTheSameNumberOfLayersIsNotRebuilt)
+TEST_P(UmbrixFileLayers, AStackOfTheSameNumberOfLayersIsNotRebuilt)
 {
     describe({"same.png"});
     NLayers stack(&layers_);
     stack.AddLayer("wide.png");
     float3 const* const before = stack.GetLayer(0);
-    umbrix_options options = neutral_options();
-    run(options, &stack);
+    run(&stack);
     EXPECT_EQ(stack.GetLayer(0), before);
     EXPECT_EQ(calls_starting_with("ilLoadImage("), 1);
 }
 
-TEST_F(UmbrixFileLayers, AStackOfAnotherNumberIsClearedFirst)
+TEST_P(UmbrixFileLayers, AStackOfAnotherNumberIsClearedFirst)
 {
     describe({"same.png"});
     n_layer spare;
@@ -71,101 +118,111 @@ TEST_F(UmbrixFileLayers, AStackOfAnotherNumberIsClearedFirst)
     stack.AddLayer("wide.png");
     layers_.Remove(1);
     stack.AddLayer("wide.png");
-    umbrix_options options = neutral_options();
-    run(options, &stack);
+    run(&stack);
     EXPECT_EQ(stack.Count(), 1);
     EXPECT_EQ(stack.GetLayerWidth(0), 4);
 }
 
-TEST_F(UmbrixFileLayers, NoDescriptionsEmptyTheStackAndTheRunIsOnTheImage)
+TEST_P(UmbrixFileLayers, NoDescriptionsEmptyTheStackAndTheRunIsOnTheImage)
 {
     NLayers stack(&layers_);
     stack.AddLayer("wide.png");
-    umbrix_options options = neutral_options();
-    options.blend_height = true;
-    options.height_map = options.generate_normal = true;
-    EXPECT_TRUE(run(options, &stack));
+    options_.blend_height = true;
+    options_.height_map = options_.generate_normal = true;
+    EXPECT_TRUE(run(&stack));
     EXPECT_EQ(stack.Count(), 0);
-    EXPECT_FALSE(options.blend_height);
-    EXPECT_EQ(options.image_width, 4);
+    EXPECT_FALSE(options_.blend_height);
+    EXPECT_EQ(options_.image_width, 4);
     EXPECT_EQ(calls_starting_with("ilCopyPixels(4x4, 0x1908"), 1);
+    EXPECT_EQ(calls_starting_with("HeightToNormal_GPU("), GetParam().graphics ? 1 : 0);
 }
 
-TEST_F(UmbrixFileLayers, NullListsAndStacksCountAsEmpty)
+TEST_P(UmbrixFileLayers, NullListsAndStacksCountAsEmpty)
 {
-    umbrix_options options = neutral_options();
-    EXPECT_TRUE(UmbrixFile("in.png", "out.tga", options, nullptr, nullptr, &status_, &progress_));
-    EXPECT_TRUE(run(options, nullptr));
+    EXPECT_TRUE(run(nullptr, nullptr));
+    EXPECT_TRUE(run(nullptr));
+    EXPECT_EQ(options_.image_width, 4);
     describe({"wide.png"});
-    options = kept_options();
-    options.generate_normal = true;
-    EXPECT_TRUE(run(options, nullptr));
-    EXPECT_EQ(options.image_width, 6) << "an empty stack was filled";
-    EXPECT_EQ(options.normal_map[3].z, height_of("wide.png", 3));
-    release(options);
+    start_anew();
+    options_.generate_normal = true;
+    EXPECT_TRUE(run(nullptr));
+    EXPECT_EQ(options_.image_width, 6) << "an empty stack was filled";
+    EXPECT_EQ(options_.normal_map[3].z, height_of("wide.png", 3));
 }
 
-TEST_F(UmbrixFileLayers, AFirstLayerOfAnotherSizeTakesOverTheMap)
+TEST_P(UmbrixFileLayers, AFirstLayerOfAnotherSizeTakesOverTheMap)
 {
     describe({"wide.png"});
     NLayers stack(&layers_);
-    umbrix_options options = kept_options();
-    options.generate_normal = true;
-    EXPECT_TRUE(run(options, &stack));
-    EXPECT_TRUE(options.blend_height);
-    EXPECT_EQ(options.image_width, 6);
-    EXPECT_EQ(options.image_height, 2);
-    EXPECT_EQ(calls_starting_with("ilCopyPixels("), 1) << "the layer's, not the picture's";
-    EXPECT_EQ(calls_starting_with("ilTexImage(6x2x0, 4, 0x1908"), 1) << "channels come from the file";
-    EXPECT_EQ(std::vector<float>(options.height_copy, options.height_copy + 12), stretched("wide.png", 12));
-    for (std::size_t i = 0; i < 12; ++i) {
-        EXPECT_EQ(options.normal_map[i].z, height_of("wide.png", i))
-            << "of the layer, not of the map's heights";
-        EXPECT_EQ(DevilFake::instance().stored[4 * i + 3], 0) << "alpha was never written";
+    options_.generate_normal = true;
+    for (bool const is_filled : {false, true}) {
+        EXPECT_TRUE(run(&stack));
+        EXPECT_TRUE(options_.blend_height);
+        EXPECT_EQ(options_.image_width, 6);
+        EXPECT_EQ(options_.image_height, 2);
+        EXPECT_EQ(calls_starting_with("ilCopyPixels("),
+                  (is_filled ? 0 : 1) + (differences().fetches_in_vain ? 1 : 0));
+        EXPECT_EQ(calls_starting_with("ilTexImage(6x2x0, 4, 0x1908"), 1) << "channels come from the file";
+        EXPECT_EQ(kept_heights(12), stretched("wide.png", 12)) << "stretched, not inverted";
+        for (std::size_t i = 0; i < 12; ++i) {
+            EXPECT_EQ(options_.normal_map[i].z, height_of("wide.png", i))
+                << "of the layer, not of the map's heights";
+            EXPECT_EQ(DevilFake::instance().stored[4 * i + 3], 0) << "alpha was never written";
+        }
+        start_anew();
+        options_.generate_normal = true;
     }
-    release(options);
 }
 
-class UmbrixFileLayersDepths : public UmbrixFileLayers, public testing::WithParamInterface<int> {};
-INSTANTIATE_TEST_SUITE_P(BytesPerPixel, UmbrixFileLayersDepths, testing::ValuesIn(umbrixlib::test::kDepths));
-
-TEST_P(UmbrixFileLayersDepths, TheBytesOfTheMapHaveTheLayersSizeAndTheImagesDepth)
+TEST_P(UmbrixFileLayers, TheBytesOfTheMapHaveTheLayersSizeAndTheImagesDepth)
 {
-    DevilFake::instance().files["in.png"].bits = 8 * GetParam();
     describe({"wide.png"});
     NLayers stack(&layers_);
-    umbrix_options options = neutral_options();
-    options.generate_normal = true;
-    EXPECT_TRUE(run(options, &stack));
-    std::size_t texel = 0;
-    auto const of_the_layer = [&](unsigned char const*) {
-        return std::array<unsigned char, 4>{63, 0,
-                                            umbrixlib::test::picture_byte(height_of("wide.png", texel++)), 0};
-    };
-    int const depth = GetParam() == 1 ? 3 : GetParam();
-    EXPECT_EQ(DevilFake::instance().stored, umbrixlib::test::through_texels({}, {6, 2}, depth, of_the_layer));
+    stack.AddLayer("wide.png");
+    for (int const depth : umbrixlib::test::kDepths) {
+        DevilFake::File& input = DevilFake::instance().files["in.png"];
+        input.bits = 8 * depth;
+        start_anew();
+        options_.generate_normal = true;
+        EXPECT_TRUE(run(&stack));
+        std::vector<unsigned char> fetched;
+        if (differences().fetches_in_vain) {
+            fetched = input.bytes;
+            fetched.resize(12 * umbrixlib::test::fetched_channels(depth));
+        }
+        std::size_t texel = 0;
+        auto const of_the_layer = [&](unsigned char const*) {
+            float const height = height_of("wide.png", texel++);
+            return std::array<unsigned char, 4>{differences().light, 0, umbrixlib::test::picture_byte(height),
+                                                0};
+        };
+        int const distance = depth == 1 && !differences().fetches_in_vain ? 3 : depth;
+        EXPECT_EQ(DevilFake::instance().stored,
+                  umbrixlib::test::through_texels(fetched, {6, 2}, distance, of_the_layer))
+            << depth;
+    }
 }
 
-TEST_F(UmbrixFileLayers, AFirstLayerOfTheImagesSizeLeavesTheChoiceToTheCaller)
+TEST_P(UmbrixFileLayers, AFirstLayerOfTheImagesSizeLeavesTheChoiceToTheCaller)
 {
     describe({"same.png"});
     for (bool const blend_height : {false, true}) {
         NLayers stack(&layers_);
-        umbrix_options options = kept_options();
-        options.generate_normal = true;
-        options.blend_height = blend_height;
-        EXPECT_TRUE(run(options, &stack));
-        EXPECT_EQ(options.blend_height, blend_height);
-        EXPECT_EQ(options.image_width, 4);
-        EXPECT_EQ(calls_starting_with("ilCopyPixels(4x4, 0x1908"), blend_height ? 0 : 1);
+        start_anew();
+        options_.generate_normal = true;
+        options_.blend_height = blend_height;
+        EXPECT_TRUE(run(&stack));
+        EXPECT_EQ(options_.blend_height, blend_height);
+        EXPECT_EQ(options_.image_width, 4);
+        EXPECT_EQ(calls_starting_with("ilCopyPixels(4x4, 0x1908"),
+                  blend_height && !differences().fetches_in_vain ? 0 : 1);
         for (std::size_t i = 0; i < 16; ++i) {
-            EXPECT_EQ(options.normal_map[i].z, height_of("same.png", i)) << "normals come from the stack";
+            EXPECT_EQ(options_.normal_map[i].z, height_of("same.png", i)) << "normals come from the stack";
         }
-        release(options);
     }
 }
 
-TEST_F(UmbrixFileLayers, WithoutNormalGenerationTheHeightsFillTheImagesSize)
+TEST_P(UmbrixFileLayers, WithoutNormalGenerationTheHeightsFillTheImagesSize)
 {
     for (char const* const file : {"same.png", "wide.png", "large.png"}) {
         for (float const detail : {0.0f, 2.0f}) {
@@ -173,122 +230,137 @@ TEST_F(UmbrixFileLayers, WithoutNormalGenerationTheHeightsFillTheImagesSize)
             describe({file});
             layers_.GetRef(0)->L_Detail = detail;
             NLayers stack(&layers_);
-            umbrix_options options = kept_options();
-            options.blend_height = true;
-            EXPECT_TRUE(run(options, &stack));
-            EXPECT_TRUE(options.blend_height);
-            EXPECT_EQ(options.image_width, 4);
-            EXPECT_EQ(options.image_height, 4);
+            start_anew();
+            options_.blend_height = true;
+            EXPECT_TRUE(run(&stack));
+            EXPECT_TRUE(options_.blend_height);
+            EXPECT_EQ(options_.image_width, 4);
+            EXPECT_EQ(options_.image_height, 4);
             auto const texels = static_cast<std::size_t>(stack.GetResultSize());
             float const added = detail > 1.0f ? KernelsFake::kFiltered : 0.0f;
             std::vector<float> heights(16, 0.0f);
             for (std::size_t i = 0; i < std::min<std::size_t>(16, texels); ++i) {
                 heights[i] = height_of(file, i) + added;
             }
-            auto const [low, high] = std::minmax_element(heights.begin(), heights.end());
-            double const lowest = double(*low);
-            double const range = double(static_cast<float>(double(*high) - lowest));
-            for (std::size_t i = 0; i < 16; ++i) {
-                EXPECT_EQ(options.height_copy[i], static_cast<float>((double(heights[i]) - lowest) / range))
-                    << file << " " << i;
-            }
-            release(options);
+            stretch(heights);
+            EXPECT_EQ(kept_heights(16), heights) << file;
         }
     }
 }
 
-TEST_F(UmbrixFileLayers, PixelsAreThoseOfTheLastLayerLoaded)
+TEST_P(UmbrixFileLayers, PixelsAreThoseOfTheLastLayerLoaded)
 {
     describe({"same.png"});
     NLayers stack(&layers_);
-    umbrix_options options = neutral_options();
-    options.height_map = true;
-    options.keep_buffers = options.preserve = true;
-    run(options, &stack);
-    EXPECT_EQ(options.height_copy[0], height_of("same.png", 0)) << "copied behind the load of the layer";
-    release(options);
+    options_.height_map = true;
+    run(&stack);
+    float const height = height_of("same.png", 0);
+    EXPECT_EQ(options_.height_copy[0], GetParam().graphics ? 1.0f - height : height)
+        << "copied behind the load of the layer";
 }
 
-TEST_F(UmbrixFileLayers, AFlatStackDividesByZero)
+TEST_P(UmbrixFileLayers, AFlatStackDividesByZero)
 {
     describe({"flat.png"});
     NLayers stack(&layers_);
-    umbrix_options options = kept_options();
-    options.blend_height = true;
-    options.calc_type = calc_type_light_occlusion;
-    EXPECT_TRUE(run(options, &stack));
-    EXPECT_THAT(std::vector<float>(options.height_copy, options.height_copy + 16), Each(testing::IsNan()));
-    release(options);
+    options_.blend_height = true;
+    options_.calc_type = calc_type_light_occlusion;
+    EXPECT_TRUE(run(&stack));
+    EXPECT_THAT(kept_heights(16), Each(testing::IsNan()));
 }
 
-TEST_F(UmbrixFileLayers, AStackWithoutHeightsStillRuns)
+TEST_P(UmbrixFileLayers, AStackWithoutHeightsStillRuns)
 {
     describe({"same.png", ""});
     NLayers stack(&layers_);
     stack.AddNormalLayer("same.png");
     stack.AddLayer("");
-    umbrix_options options = kept_options();
-    options.generate_normal = true;
-    options.blend_height = true;
-    EXPECT_TRUE(run(options, &stack));
-    EXPECT_THAT(options.height_copy[3], testing::IsNan()) << "nothing to stretch";
-    EXPECT_EQ(options.normal_map[3].x, stack.GetLayer(0)[3].x);
-    release(options);
+    options_.generate_normal = true;
+    options_.blend_height = true;
+    EXPECT_TRUE(run(&stack));
+    EXPECT_THAT(options_.height_copy[3], testing::IsNan()) << "nothing to stretch";
+    EXPECT_EQ(options_.normal_map[3].x, stack.GetLayer(0)[3].x);
 }
 
-TEST_F(UmbrixFileLayers, ABlankFirstLayerMakesAMapOfNoTexels)
+TEST_P(UmbrixFileLayers, ABlankFirstLayerMakesAMapOfNoTexels)
 {
     describe({"", "same.png"});
     NLayers stack(&layers_);
-    umbrix_options options = neutral_options();
-    options.generate_normal = true;
-    options.calc_type = calc_type_light_occlusion;
-    EXPECT_TRUE(run(options, &stack));
-    EXPECT_EQ(options.image_width, 0);
+    options_.generate_normal = true;
+    options_.b_radius = 1.0f;
+    options_.calc_type = calc_type_light_occlusion;
+    EXPECT_TRUE(run(&stack));
+    EXPECT_EQ(options_.image_width, 0);
     EXPECT_EQ(calls_starting_with("ilTexImage(0x0x0, 4"), 1);
 }
 
-TEST_F(UmbrixFileLayers, TheLayersNormalsGoWhereGeneratedNormalsGo)
+TEST_P(UmbrixFileLayers, TheLayersNormalsGoWhereGeneratedNormalsGo)
 {
     describe({"same.png"});
     NLayers stack(&layers_);
-    umbrix_options options = neutral_options();
-    options.generate_normal = true;
-    run(options, &stack);
+    options_.generate_normal = true;
+    run(&stack);
     EXPECT_EQ(calls_starting_with("NormalScale("), 1);
     EXPECT_EQ(calls_starting_with("Height2Normal("), 1) << "for the layer";
+    EXPECT_EQ(calls_starting_with("HeightToNormal_GPU("), 0);
     EXPECT_EQ(status_, "Storing Results");
     auto const& stored = DevilFake::instance().stored;
-    EXPECT_EQ(stored[0], 63) << "x of the light";
+    EXPECT_EQ(stored[0], differences().light);
     EXPECT_EQ(stored[4 * 7 + 2], static_cast<unsigned char>(double(height_of("same.png", 7)) * 255.0));
 }
 
-TEST_F(UmbrixFileLayers, ModeZeroWithoutAResultLeavesTheLayerOut)
+TEST_P(UmbrixFileLayers, ModeZeroWithoutAResultLeavesTheLayerOut)
 {
     describe({"same.png", "wide.png"});
     NLayers stack(&layers_);
-    umbrix_options options = kept_options();
-    options.generate_normal = true;
-    EXPECT_TRUE(run(options, &stack));
+    options_.generate_normal = true;
+    EXPECT_TRUE(run(&stack));
     EXPECT_EQ(calls_starting_with("BlendNormal("), 0);
-    EXPECT_EQ(options.normal_map[5].z, height_of("same.png", 5));
-    release(options);
+    EXPECT_EQ(options_.normal_map[5].z, height_of("same.png", 5));
     stack.BlendLayers();
-    EXPECT_TRUE(run(options, &stack));
+    EXPECT_TRUE(run(&stack));
     EXPECT_EQ(calls_starting_with("BlendNormal("), 1);
-    release(options);
 }
 
-TEST_F(UmbrixFileLayers, TheStackKeepsItsLayersForTheNextFile)
+TEST_P(UmbrixFileLayers, TheStackKeepsItsLayersForTheNextFile)
 {
     describe({"same.png"});
     NLayers stack(&layers_);
-    umbrix_options options = neutral_options();
-    options.generate_normal = true;
-    run(options, &stack);
-    run(options, &stack);
+    options_.generate_normal = true;
+    run(&stack);
+    run(&stack);
     EXPECT_EQ(calls_starting_with("ilLoadImage("), 1);
     EXPECT_EQ(calls_starting_with("Height2Normal("), 0) << "generated once";
+}
+
+TEST_P(UmbrixFileLayers, WithoutLightNormalsAreThoseOfTheStackOrUpright)
+{
+    describe({"same.png"});
+    NLayers stack(&layers_);
+    options_.generate_normal = true;
+    options_.no_normal = true;
+    EXPECT_TRUE(run(&stack));
+    for (std::size_t i = 0; i < 16; ++i) {
+        EXPECT_EQ(options_.normal_map[i].z,
+                  differences().keeps_unlit_normals ? height_of("same.png", i) : 1.0f);
+    }
+}
+
+TEST_P(UmbrixFileLayers, HeightsOfTheStackGoThroughFilterAndPreProcessing)
+{
+    describe({"same.png"});
+    NLayers stack(&layers_);
+    options_.blend_height = true;
+    options_.b_radius = 1.0f;
+    options_.calc_type = calc_type_light_occlusion;
+    EXPECT_TRUE(run(&stack));
+    std::vector<float> const expected = stretched("same.png", 16);
+    for (std::size_t i = 0; i < 16; ++i) {
+        EXPECT_EQ(options_.height_copy[i], expected[i] + differences().added_to_kept);
+        float const height = expected[i] + KernelsFake::kFiltered + differences().added_by_preparation;
+        EXPECT_EQ(DevilFake::instance().stored[4 * i + 3],
+                  static_cast<unsigned char>(std::min(double(height), 1.0) * 255.0));
+    }
 }
 
 } // namespace

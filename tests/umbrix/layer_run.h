@@ -78,19 +78,25 @@ protected:
         return static_cast<float>(DevilFake::instance().files[file].bytes[3 * texel] / 255.0);
     }
 
-    /// Heights of @p file from 0 to 1, as the run stretches them.
-    static std::vector<float> stretched(char const* file, std::size_t texels)
+    /// From 0 to 1, as a run stretches the heights of layers.
+    static void stretch(std::vector<float>& heights)
     {
-        std::vector<float> heights(texels);
-        for (std::size_t i = 0; i < texels; ++i) {
-            heights[i] = height_of(file, i);
-        }
         auto const [low, high] = std::minmax_element(heights.begin(), heights.end());
         double const lowest = double(*low);
         double const range = double(static_cast<float>(double(*high) - lowest));
         for (float& height : heights) {
             height = static_cast<float>((double(height) - lowest) / range);
         }
+    }
+
+    /// The first heights of @p file, stretched.
+    static std::vector<float> stretched(char const* file, std::size_t texels)
+    {
+        std::vector<float> heights(texels);
+        for (std::size_t i = 0; i < texels; ++i) {
+            heights[i] = height_of(file, i);
+        }
+        stretch(heights);
         return heights;
     }
 

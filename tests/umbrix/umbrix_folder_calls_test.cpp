@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The calls that the folder batch of Umbrix maps makes. The files are empty: stand-ins serve the pictures.
+// The calls that the folder batch of Umbrix maps makes, on the CPU and with the graphics library. The files
+// are empty: stand-ins serve the pictures.
 #include "files/umbrix_folder.h"
 
 #include "call_log.h"
 #include "devil_fake.h"
+#include "forms.h"
+#include "graphics_fake.h"
 #include "kept_directory.h"
 #include "picture_depths.h"
 #include "temporary_folder.h"
@@ -14,6 +17,7 @@
 #include <gmock/gmock.h>
 #include <omp.h>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -22,22 +26,44 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using umbrixlib::test::CallLog;
 using umbrixlib::test::DevilFake;
+using umbrixlib::test::Form;
+using umbrixlib::test::GraphicsFake;
+using umbrixlib::test::kCpu;
 using umbrixlib::test::KeptDirectory;
+using umbrixlib::test::kGpu;
+using umbrixlib::test::name_of;
 using umbrixlib::test::neutral_options;
 using umbrixlib::test::TemporaryFolder;
 using Calls = std::vector<std::string>;
 
-class UmbrixFolderCalls : public testing::Test {
+class UmbrixFolderCalls : public testing::TestWithParam<Form> {
 protected:
     void SetUp() override
     {
         omp_set_dynamic(0);
         omp_set_num_threads(omp_get_num_procs());
         CallLog::instance().clear();
+        GraphicsFake::instance().reset();
         DevilFake::instance().serve(4, 4, 32);
         options_.cancel = &cancel_;
     }
-    void TearDown() override { DevilFake::instance() = {}; }
+    void TearDown() override
+    {
+        EXPECT_THAT(GraphicsFake::instance().faults, IsEmpty());
+        EXPECT_FALSE(GraphicsFake::instance().has_slots());
+        DevilFake::instance() = {};
+        release();
+    }
+
+    /// What a run leaves to the caller.
+    void release()
+    {
+        if (options_.keep_buffers) {
+            delete[] std::exchange(options_.ao_map, nullptr);
+            delete[] std::exchange(options_.normal_map, nullptr);
+        }
+        delete[] std::exchange(options_.height_copy, nullptr);
+    }
 
     void add_files(std::initializer_list<char const*> names) const
     {
@@ -57,10 +83,16 @@ protected:
         }
     }
 
-    bool run(char const* search, std::string const& path)
+    bool run(char const* search, std::string const& path, LinkedList<n_layer>* layers,
+             NLayers* stack = nullptr)
     {
-        return UmbrixFolder(path, search, options_, &layers_, &current_, &status_, &progress_);
+        if (GetParam().graphics) {
+            return UmbrixFolder_GPU({true, 3, 17}, path, search, options_, layers, stack, &current_, &status_,
+                                    &progress_);
+        }
+        return UmbrixFolder(path, search, options_, layers, &current_, &status_, &progress_);
     }
+    bool run(char const* search, std::string const& path) { return run(search, path, &layers_); }
     bool run(char const* search) { return run(search, root()); }
 
     std::string root() const { return root_.path().string(); }
@@ -100,8 +132,17 @@ protected:
     std::string status_ = "before";
     int progress_ = 7;
 };
+INSTANTIATE_TEST_SUITE_P(Forms, UmbrixFolderCalls, testing::Values(kCpu, kGpu), name_of);
 
-TEST_F(UmbrixFolderCalls, EachFileIsConvertedBesideItself)
+/// Where the CPU's form alone makes stacks of its own.
+class UmbrixFolderStacks : public UmbrixFolderCalls {};
+INSTANTIATE_TEST_SUITE_P(Forms, UmbrixFolderStacks, testing::Values(kCpu), name_of);
+
+/// What the form with the graphics library alone does.
+class UmbrixFolderGpuCalls : public UmbrixFolderCalls {};
+INSTANTIATE_TEST_SUITE_P(Forms, UmbrixFolderGpuCalls, testing::Values(kGpu), name_of);
+
+TEST_P(UmbrixFolderCalls, EachFileIsConvertedBesideItself)
 {
     add_files({"rock.tga", "stone wall_Height.TGA", "gr\xc3\xbcn_n.tga", "note.txt", "no_dot", "a_N.b.tga"});
     EXPECT_TRUE(run("*.tga"));
@@ -112,7 +153,7 @@ TEST_F(UmbrixFolderCalls, EachFileIsConvertedBesideItself)
                             "ilLoadImage(stone wall_Height.TGA)", "ilSaveImage(stone wall_Umbrix.TGA)"));
 }
 
-TEST_F(UmbrixFolderCalls, SubfoldersComeFirstAndFolderNamesAreNoTags)
+TEST_P(UmbrixFolderCalls, SubfoldersComeFirstAndFolderNamesAreNoTags)
 {
     add_files({"a_N.tga", "Big Rocks/b_H.tga", "Big Rocks/x_n.d/c.tga", "z.tga/d.tga"});
     options_.recurse = true;
@@ -125,14 +166,14 @@ TEST_F(UmbrixFolderCalls, SubfoldersComeFirstAndFolderNamesAreNoTags)
     EXPECT_EQ(fs::current_path(), fs::canonical(root_.path()));
 }
 
-TEST_F(UmbrixFolderCalls, WithoutRecurseFoldersAreLeftAlone)
+TEST_P(UmbrixFolderCalls, WithoutRecurseFoldersAreLeftAlone)
 {
     add_files({"a.tga", "sub/b.tga", "z.tga/d.tga"});
     EXPECT_TRUE(run("*.tga"));
     EXPECT_THAT(files(), ElementsAre("ilLoadImage(a.tga)", "ilSaveImage(a_Umbrix.tga)"));
 }
 
-TEST_F(UmbrixFolderCalls, TwoSourcesOfOneNameAndEarlierResultsAreInputsLikeAnyOther)
+TEST_P(UmbrixFolderCalls, TwoSourcesOfOneNameAndEarlierResultsAreInputsLikeAnyOther)
 {
     add_files({"rock.tga", "rock_N.tga", "wall_Umbrix.tga"});
     EXPECT_TRUE(run("*.tga"));
@@ -141,7 +182,7 @@ TEST_F(UmbrixFolderCalls, TwoSourcesOfOneNameAndEarlierResultsAreInputsLikeAnyOt
                             "ilSaveImage(wall_Umbrix_Umbrix.tga)"));
 }
 
-TEST_F(UmbrixFolderCalls, TheFrontEndSeesWhatIsInWork)
+TEST_P(UmbrixFolderCalls, TheFrontEndSeesWhatIsInWork)
 {
     add_files({"a.tga", "sub/b.tga"});
     options_.recurse = true;
@@ -154,13 +195,16 @@ TEST_F(UmbrixFolderCalls, TheFrontEndSeesWhatIsInWork)
         }
     };
     EXPECT_TRUE(run("*.tga"));
-    EXPECT_THAT(seen,
-                ElementsAre("ilInit: sub/, Processing, 7", "ilInit: b.tga, Processing, 0",
-                            "ilLoadImage: b.tga, Processing, 55", "ilInit: b.tga, Storing Results, 0",
-                            "ilInit: a.tga, Storing Results, 0", "ilLoadImage: a.tga, Storing Results, 55"));
+    // On the CPU each file has a stack, which is made before the file's run.
+    Calls const with_stacks = {
+        "ilInit: sub/, Processing, 7",        "ilInit: b.tga, Processing, 0",
+        "ilLoadImage: b.tga, Processing, 55", "ilInit: b.tga, Storing Results, 0",
+        "ilInit: a.tga, Storing Results, 0",  "ilLoadImage: a.tga, Storing Results, 55"};
+    Calls const without = {with_stacks[1], with_stacks[2], with_stacks[4], with_stacks[5]};
+    EXPECT_EQ(seen, GetParam().graphics ? without : with_stacks);
 }
 
-TEST_F(UmbrixFolderCalls, WithNormalGenerationEveryLayerIsTheFileInWork)
+TEST_P(UmbrixFolderStacks, WithNormalGenerationEveryLayerIsTheFileInWork)
 {
     add_files({"a.tga", "b.tga"});
     describe({"one.tga", "two.tga"});
@@ -173,7 +217,7 @@ TEST_F(UmbrixFolderCalls, WithNormalGenerationEveryLayerIsTheFileInWork)
     EXPECT_EQ(calls({"Height2Normal("}).size(), 4U) << "the normals of each layer of each file";
 }
 
-TEST_F(UmbrixFolderCalls, WithoutNormalGenerationEachFilesStackIsFilledFromTheDescriptions)
+TEST_P(UmbrixFolderCalls, WithoutNormalGenerationEachFilesStackIsFilledFromTheDescriptions)
 {
     add_files({"a.tga", "b.tga"});
     describe({"one.tga"});
@@ -183,19 +227,19 @@ TEST_F(UmbrixFolderCalls, WithoutNormalGenerationEachFilesStackIsFilledFromTheDe
                             "ilLoadImage(b.tga)", "ilLoadImage(one.tga)", "ilSaveImage(b_Umbrix.tga)"));
 }
 
-TEST_F(UmbrixFolderCalls, NoLayersAndNoListAreTheSame)
+TEST_P(UmbrixFolderCalls, NoLayersAndNoListAreTheSame)
 {
     add_files({"a.tga"});
     options_.generate_normal = true;
     EXPECT_TRUE(run("*.tga"));
     Calls const with_empty_list = files();
     CallLog::instance().clear();
-    EXPECT_TRUE(UmbrixFolder(root(), "*.tga", options_, nullptr, &current_, &status_, &progress_));
+    EXPECT_TRUE(run("*.tga", root(), nullptr));
     EXPECT_EQ(files(), with_empty_list);
     EXPECT_THAT(files(), ElementsAre("ilLoadImage(a.tga)", "ilSaveImage(a_Umbrix.tga)"));
 }
 
-TEST_F(UmbrixFolderCalls, AStopFlagSetBeforeTheCallIsFalseAndNothingIsDone)
+TEST_P(UmbrixFolderCalls, AStopFlagSetBeforeTheCallIsFalseAndNothingIsDone)
 {
     add_files({"a.tga"});
     cancel_ = true;
@@ -209,7 +253,7 @@ TEST_F(UmbrixFolderCalls, AStopFlagSetBeforeTheCallIsFalseAndNothingIsDone)
     EXPECT_EQ(current_, "before");
 }
 
-TEST_F(UmbrixFolderCalls, AStopFlagSetDuringAFileEndsTheWalkBehindIt)
+TEST_P(UmbrixFolderCalls, AStopFlagSetDuringAFileEndsTheWalkBehindIt)
 {
     add_files({"a.tga", "b.tga", "c.tga"});
     cancel_at("ilLoadImage(" + root() + "/b.tga");
@@ -218,7 +262,7 @@ TEST_F(UmbrixFolderCalls, AStopFlagSetDuringAFileEndsTheWalkBehindIt)
                 ElementsAre("ilSaveImage(a_Umbrix.tga)", "ilSaveImage(b_Umbrix.tga)"));
 }
 
-TEST_F(UmbrixFolderCalls, AStopFlagSetDuringTheLastFileIsNotAskedAgain)
+TEST_P(UmbrixFolderCalls, AStopFlagSetDuringTheLastFileIsNotAskedAgain)
 {
     add_files({"a.tga", "b.tga"});
     cancel_at("ilLoadImage(" + root() + "/b.tga");
@@ -226,7 +270,7 @@ TEST_F(UmbrixFolderCalls, AStopFlagSetDuringTheLastFileIsNotAskedAgain)
     EXPECT_EQ(calls({"ilSaveImage("}).size(), 2U);
 }
 
-TEST_F(UmbrixFolderCalls, AStopFlagSetInASubfolderEndsTheWholeWalk)
+TEST_P(UmbrixFolderCalls, AStopFlagSetInASubfolderEndsTheWholeWalk)
 {
     add_files({"a.tga", "sub/b.tga", "sub/c.tga"});
     options_.recurse = true;
@@ -240,7 +284,7 @@ TEST_F(UmbrixFolderCalls, AStopFlagSetInASubfolderEndsTheWholeWalk)
     }
 }
 
-TEST_F(UmbrixFolderCalls, WithoutAStopFlagTheWalkRunsToItsEnd)
+TEST_P(UmbrixFolderCalls, WithoutAStopFlagTheWalkRunsToItsEnd)
 {
     add_files({"a.tga", "b.tga"});
     options_.cancel = nullptr;
@@ -248,7 +292,7 @@ TEST_F(UmbrixFolderCalls, WithoutAStopFlagTheWalkRunsToItsEnd)
     EXPECT_EQ(calls({"ilSaveImage("}).size(), 2U);
 }
 
-TEST_F(UmbrixFolderCalls, AMissingFolderIsFalse)
+TEST_P(UmbrixFolderCalls, AMissingFolderIsFalse)
 {
     for (bool const recurse : {false, true}) {
         options_.recurse = recurse;
@@ -257,7 +301,7 @@ TEST_F(UmbrixFolderCalls, AMissingFolderIsFalse)
     EXPECT_THAT(CallLog::instance().calls(), IsEmpty());
 }
 
-TEST_F(UmbrixFolderCalls, ASubfolderThatIsGoneDoesNotStopTheWalk)
+TEST_P(UmbrixFolderCalls, ASubfolderThatIsGoneDoesNotStopTheWalk)
 {
     add_files({"a.tga", "one/b.tga", "two/c.tga"});
     options_.recurse = true;
@@ -267,7 +311,7 @@ TEST_F(UmbrixFolderCalls, ASubfolderThatIsGoneDoesNotStopTheWalk)
                 ElementsAre("ilSaveImage(one/b_Umbrix.tga)", "ilSaveImage(a_Umbrix.tga)"));
 }
 
-TEST_F(UmbrixFolderCalls, ARelativePathServesWithoutRecurseOnly)
+TEST_P(UmbrixFolderCalls, OfARelativePathTheFilesAreNamedFromInsideIt)
 {
     add_files({"tree/a.tga", "tree/sub/b.tga"});
     fs::current_path(root_.path());
@@ -280,7 +324,7 @@ TEST_F(UmbrixFolderCalls, ARelativePathServesWithoutRecurseOnly)
     EXPECT_THAT(files(), IsEmpty());
 }
 
-TEST_F(UmbrixFolderCalls, AFileWithoutADotRaises)
+TEST_P(UmbrixFolderCalls, AFileWithoutADotRaises)
 {
     add_files({"a.tga", "b_n", "c.tga"});
     EXPECT_THROW(run("*.*"), std::out_of_range);
@@ -288,7 +332,7 @@ TEST_F(UmbrixFolderCalls, AFileWithoutADotRaises)
     EXPECT_EQ(current_, "b_n");
 }
 
-TEST_F(UmbrixFolderCalls, AFileThatFailsDoesNotStopTheWalk)
+TEST_P(UmbrixFolderCalls, AFileThatFailsDoesNotStopTheWalk)
 {
     add_files({"a.tga", "b.tga"});
     DevilFake::instance().load_result = 0;
@@ -297,31 +341,33 @@ TEST_F(UmbrixFolderCalls, AFileThatFailsDoesNotStopTheWalk)
     EXPECT_EQ(calls({"ilSaveImage("}).size(), 2U);
 }
 
-class UmbrixFolderDepths : public UmbrixFolderCalls, public testing::WithParamInterface<int> {};
-INSTANTIATE_TEST_SUITE_P(BytesPerPixel, UmbrixFolderDepths, testing::ValuesIn(umbrixlib::test::kDepths));
-
-TEST_P(UmbrixFolderDepths, FilesOfEverySizeComeOut)
+TEST_P(UmbrixFolderCalls, FilesOfEverySizeAndDepthComeOut)
 {
-    std::vector<std::size_t> expected;
-    for (auto const& size : umbrixlib::test::kPictureSizes) {
-        std::string const name = std::string(1, static_cast<char>('a' + expected.size())) + ".tga";
-        add_files({name.c_str()});
-        DevilFake::instance().files[root() + "/" + name] = {
-            size.width, size.height, 8 * GetParam(), std::vector<unsigned char>(4 * size.texels(), 100)};
-        expected.push_back(size.texels() * umbrixlib::test::fetched_channels(GetParam()));
-    }
-    std::vector<std::size_t> saved;
-    DevilFake::instance().on_call = [&](std::string const& call) {
-        if (call.rfind("ilSaveImage(", 0) == 0) {
-            saved.push_back(DevilFake::instance().stored.size());
-        }
-    };
     options_.calc_type = calc_type_light_occlusion;
-    EXPECT_TRUE(run("*.tga"));
-    EXPECT_EQ(saved, expected);
+    for (int const depth : umbrixlib::test::kDepths) {
+        std::vector<std::size_t> expected;
+        for (auto const& size : umbrixlib::test::kPictureSizes) {
+            std::string const name = std::string(1, static_cast<char>('a' + expected.size())) + ".tga";
+            add_files({name.c_str()});
+            DevilFake::instance().files[root() + "/" + name] = {
+                size.width, size.height, 8 * depth, std::vector<unsigned char>(4 * size.texels(), 100)};
+            expected.push_back(size.texels() * umbrixlib::test::fetched_channels(depth));
+        }
+        for (bool const generate_normal : {false, true}) {
+            options_.generate_normal = generate_normal;
+            std::vector<std::size_t> saved;
+            DevilFake::instance().on_call = [&](std::string const& call) {
+                if (call.rfind("ilSaveImage(", 0) == 0) {
+                    saved.push_back(DevilFake::instance().stored.size());
+                }
+            };
+            EXPECT_TRUE(run("?.tga"));
+            EXPECT_EQ(saved, expected) << depth << " bytes a texel";
+        }
+    }
 }
 
-TEST_F(UmbrixFolderCalls, TheOptionsCarryOverFromFileToFile)
+TEST_P(UmbrixFolderCalls, TheOptionsCarryOverFromFileToFile)
 {
     add_files({"a.tga", "b.tga"});
     DevilFake::instance().files[root() + "/b.tga"] = {6, 2, 24, {}};
@@ -331,7 +377,7 @@ TEST_F(UmbrixFolderCalls, TheOptionsCarryOverFromFileToFile)
 }
 
 /// What is deleted is never handed out again in this program, so an address names one array.
-TEST_F(UmbrixFolderCalls, KeptBuffersAreTakenByTheNextFile)
+TEST_P(UmbrixFolderCalls, KeptBuffersAreTakenByTheNextFile)
 {
     add_files({"a.tga", "b.tga", "sub/c.tga"});
     options_.recurse = options_.keep_buffers = options_.preserve = true;
@@ -348,12 +394,9 @@ TEST_F(UmbrixFolderCalls, KeptBuffersAreTakenByTheNextFile)
         EXPECT_EQ(arrays[i], arrays[i % 3]) << i;
     }
     EXPECT_EQ(options_.ao_map[15].x, 1.0f) << "those of the last file are the caller's";
-    delete[] options_.ao_map;
-    delete[] options_.normal_map;
-    delete[] options_.height_copy;
 }
 
-TEST_F(UmbrixFolderCalls, KeptBuffersGrowWithThePictures)
+TEST_P(UmbrixFolderCalls, KeptBuffersGrowWithThePictures)
 {
     add_files({"a.tga", "b.tga"});
     DevilFake::instance().files[root() + "/b.tga"] = {9, 7, 24, std::vector<unsigned char>(63 * 3, 200)};
@@ -363,9 +406,76 @@ TEST_F(UmbrixFolderCalls, KeptBuffersGrowWithThePictures)
         EXPECT_EQ(options_.ao_map[i].z, 1.0f);
         EXPECT_EQ(options_.normal_map[i].z, float(double(float(200 / 255.0)) * 2.0 - 1.0));
     }
-    delete[] options_.ao_map;
-    delete[] options_.normal_map;
-    delete[] options_.height_copy;
+}
+
+TEST_P(UmbrixFolderGpuCalls, EveryFileGoesThroughTheGraphicsLibrary)
+{
+    add_files({"a_N.tga", "sub/b_Height.tga"});
+    options_.recurse = true;
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_EQ(calls({"PreProcess_GPU("}).size(), 2U);
+    EXPECT_EQ(calls({"PostProcess_GPU("}).size(), 2U);
+    EXPECT_EQ(calls({"SetDevice(3)"}).size(), calls({"SetDevice("}).size()) << "the device of the record";
+}
+
+TEST_P(UmbrixFolderGpuCalls, TheStackIsFilledWithTheFileWhateverTheOptionsSay)
+{
+    describe({"", ""});
+    add_files({"a.tga", "b.tga"});
+    for (bool const generate_normal : {false, true}) {
+        CallLog::instance().clear();
+        options_.generate_normal = generate_normal;
+        NLayers stack(&layers_);
+        EXPECT_TRUE(run("?.tga", root(), &layers_, &stack));
+        Calls const loads = calls({"ilLoadImage("});
+        EXPECT_EQ(std::count(loads.begin(), loads.end(), "ilLoadImage(a.tga)"), 3)
+            << "two layers, and the run";
+        EXPECT_EQ(std::count(loads.begin(), loads.end(), "ilLoadImage(b.tga)"), 3);
+        EXPECT_EQ(loads.size(), 6U);
+        EXPECT_EQ(stack.Count(), 2) << "it was cleared between the files";
+    }
+}
+
+TEST_P(UmbrixFolderGpuCalls, WithoutDescriptionsTheStackIsStillCleared)
+{
+    add_files({"a.tga"});
+    LinkedList<n_layer> others;
+    others.Add(n_layer());
+    NLayers stack(&others);
+    stack.AddLayer("before.tga");
+    ASSERT_EQ(stack.Count(), 1);
+    EXPECT_TRUE(run("*.tga", root(), &layers_, &stack));
+    EXPECT_EQ(stack.Count(), 0);
+    EXPECT_THAT(files(),
+                ElementsAre("ilLoadImage(before.tga)", "ilLoadImage(a.tga)", "ilSaveImage(a_Umbrix.tga)"));
+}
+
+TEST_P(UmbrixFolderGpuCalls, TheNextFileTakesTheHeightsOfTheLast)
+{
+    add_files({"a.tga", "b.tga", "sub/c.tga"});
+    options_.recurse = true;
+    std::vector<void const*> arrays;
+    DevilFake::instance().on_call = [&](std::string const& call) {
+        if (call.rfind("ilSaveImage", 0) == 0) {
+            arrays.push_back(options_.height_copy);
+        }
+    };
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_THAT(arrays, ElementsAre(arrays[0], arrays[0], arrays[0]));
+}
+
+TEST_P(UmbrixFolderGpuCalls, AfterAFileWhoseHeightsTheCallerTookTheNextGetsOthers)
+{
+    add_files({"a.tga", "b.tga", "c.tga"});
+    int taken = 0;
+    DevilFake::instance().on_call = [&](std::string const& call) {
+        if (call.rfind("ilSaveImage", 0) == 0) {
+            taken += options_.height_copy != nullptr ? 1 : 0;
+            delete[] std::exchange(options_.height_copy, nullptr);
+        }
+    };
+    EXPECT_TRUE(run("*.tga"));
+    EXPECT_EQ(taken, 3);
 }
 
 } // namespace
