@@ -11,13 +11,13 @@ inline constexpr std::size_t kBilateralBlock = 64;
 
 /// A row of texels with all that its windows reach, and the weights.
 struct BilateralWindow {
-    float const* texels;    ///< `radius` texels to the left of the row's first and `radius` rows before it.
-    std::size_t stride;     ///< Floats from row to row.
-    std::size_t radius;     ///< The window has 2 * radius + 1 rows and columns.
-    float const* spatial;   ///< radius + 1 rows, by |dy|, of 2 * radius + 1 weights, by dx.
-    float const* range;     ///< 256 weights by difference.
-    bool range_is_gaussian; ///< As of `is_gaussian_range`. Where multiplying and adding are one
-                            ///< instruction, `range` is not read then.
+    float const* texels;  ///< `radius` texels to the left of the row's first and `radius` rows before it.
+    std::size_t stride;   ///< Floats from row to row.
+    std::size_t radius;   ///< The window has 2 * radius + 1 rows and columns.
+    float const* spatial; ///< radius + 1 rows, by |dy|, of 2 * radius + 1 weights, by dx.
+    float const* range;   ///< 256 weights by difference.
+    /// As of `is_gaussian_range`. If it is, instruction sets with fused multiply-add do not read `range`.
+    bool range_is_gaussian;
 };
 
 /// Whether @p range is what `GenerateExp(128, range)` leaves in a table of zeros, so that `filter_row` may

@@ -11,8 +11,8 @@ namespace velloric {
 /// weights (`is_gaussian_range`).
 struct BilateralSheet {
     float const* texels; ///< `radius` rows before the first and 2 * `radius` columns before the first.
-    std::size_t stride;  ///< Floats from row to row: the width rounded up to kBilateralBlock, and
-                         ///< 4 * `radius` + kBilateralBlock more.
+    /// Floats from row to row: the width rounded up to kBilateralBlock, plus 4 * `radius` + kBilateralBlock.
+    std::size_t stride;
     std::size_t radius;
     float const* spatial; ///< As in BilateralWindow.
     std::size_t rows;

@@ -12,7 +12,7 @@ namespace {
 using umbrixlib::detail::narrow;
 using umbrixlib::detail::wide;
 
-/// @p percent as a factor in 0..1; what is not a number is no opacity.
+/// @p percent as a factor in 0..1; NaN becomes 0.
 double share(float percent)
 {
     return percent > 0.0f ? wide(narrow(wide(percent < 100.0f ? percent : 100.0f) / 100.0)) : 0.0;

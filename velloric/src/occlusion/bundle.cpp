@@ -21,7 +21,7 @@ using umbrixlib::detail::wide;
 
 constexpr std::size_t kMostRays = 32767;                 ///< Of a share: their count fits 16 bits.
 constexpr std::size_t kManySteps = std::size_t{1} << 21; ///< A share that has so many takes no further ray.
-constexpr int kMostStepsOfRay = 1 << 20;                 ///< A ray with more is odd.
+constexpr int kMostStepsOfRay = 1 << 20;                 ///< A ray with more stays unreduced.
 constexpr int kMostRows = 1 << 29;                       ///< A step further out could overflow a position.
 constexpr std::uint8_t kNearSteps = 8;                   ///< Of a ray's first block: most rays end in it.
 constexpr std::uint8_t kFarSteps = 16;                   ///< Of the others.
@@ -77,7 +77,7 @@ bool outside_from_everywhere(int offset, int size, bool wraps)
     return !wraps && (offset > size || offset <= -size);
 }
 
-/// Reduces @p step into @p bundle; false if the ray is odd, and nothing is added then.
+/// Reduces @p step into @p bundle; false, and nothing is added, if the ray cannot be reduced.
 template <class Lattice>
 bool reduce(ray const& step, Relief const& relief, Lattice const& lattice, std::ptrdiff_t stride,
             RayBundle& bundle)
@@ -166,7 +166,7 @@ RayShare RayReducer::next(Relief const& relief, Lattices const& lattices, std::p
            share.bytes.steps.size() + share.words.steps.size() < kManySteps) {
         ray const& step = rays_[next_++];
         if (!reduced(step)) {
-            share.odd.push_back(step);
+            share.unreduced.push_back(step);
         }
     }
     return share;

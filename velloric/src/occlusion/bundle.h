@@ -18,8 +18,8 @@ using umbrixlib::detail::Relief;
 /// One step of a ray inside a block.
 struct RayStep {
     std::int32_t offset; ///< From the block's first step to this one, in elements of the plane.
-    std::uint32_t
-        rise; ///< Levels climbed up to the block's next step, `repeated` by the lattice; 0 at its last.
+    /// Levels climbed up to the block's next step, `repeated` by the lattice; 0 at its last.
+    std::uint32_t rise;
 
     int levels() const { return static_cast<int>(rise & 0xffffU); } ///< Of 16-bit levels.
 };
@@ -41,10 +41,11 @@ struct RayBlock {
 struct ReducedRay {
     ray step;
     std::int32_t first_block;
-    std::int32_t
-        end_certain;        ///< Behind the last block whose steps every ray tests that is not blocked before.
-    std::int32_t end_block; ///< Behind the last block: from there on the reach may have ended the ray.
-    float steps_per_level;  ///< Enough steps to climb one level.
+    /// One past the last block that lies within the reach of this ray from every texel.
+    std::int32_t end_certain;
+    /// One past the last block. From `end_certain` on the reach may have ended the ray, texel by texel.
+    std::int32_t end_block;
+    float steps_per_level; ///< Enough steps to climb one level.
 };
 
 /// Rays that are reduced to the same lattice, neighbours in azimuth next to each other so that they pass over
@@ -57,11 +58,11 @@ struct RayBundle {
 
 /// Rays of one band, each in the form that suits it.
 struct RayShare {
-    RayBundle bytes;      ///< Reduced to steps in 8-bit levels.
-    RayBundle words;      ///< Reduced to steps in 16-bit levels.
-    std::vector<ray> odd; ///< Rays that no reduction fits: they sink, leap, or are not numbers.
+    RayBundle bytes;            ///< Reduced to steps in 8-bit levels.
+    RayBundle words;            ///< Reduced to steps in 16-bit levels.
+    std::vector<ray> unreduced; ///< Rays that no reduction fits: they sink, leap, or are not numbers.
 
-    std::size_t rays() const { return bytes.rays.size() + words.rays.size() + odd.size(); }
+    std::size_t rays() const { return bytes.rays.size() + words.rays.size() + unreduced.size(); }
 };
 
 /// The lattices that a map has.
@@ -76,7 +77,7 @@ public:
     RayReducer(ray const* rays, int count);
 
     bool done() const { return next_ == rays_.size(); }
-    /// The next share. Without a lattice all its rays are odd.
+    /// The next share. Without a lattice all its rays stay unreduced.
     RayShare next(Relief const& relief, Lattices const& lattices, std::ptrdiff_t plane_stride);
 
 private:

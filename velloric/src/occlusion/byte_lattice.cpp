@@ -13,9 +13,9 @@ namespace velloric {
 namespace {
 
 constexpr int kMostTop = 255;
-constexpr long long kSample = 2048;    ///< Texels that are looked at first.
-constexpr int kWorthThreads = 65536;   ///< A smaller map is checked sooner than threads are started.
-constexpr double kMostDoubt = 0x1p-10; ///< Of a level. With more, too many steps would be in doubt.
+constexpr long long kSample = 2048;      ///< Texels that are looked at first.
+constexpr int kTexelsForThreads = 65536; ///< A smaller map is checked faster by one thread.
+constexpr double kMostDoubt = 0x1p-10;   ///< Of a level. With more, too many steps would be in doubt.
 
 /// The different heights of a map, as long as they are few.
 class FewHeights {
@@ -93,8 +93,8 @@ double ByteLattice::largest_error(Relief const& relief, std::vector<double> cons
     }
     double error = error_of_levels(heights, origin_, scale_);
     auto const scale = static_cast<float>(scale_);
-#pragma omp parallel for schedule(static) reduction(max                                                      \
-                                                    : error) if (relief.rows > kWorthThreads / relief.cols)
+    bool const many = relief.rows > kTexelsForThreads / relief.cols;
+#pragma omp parallel for schedule(static) reduction(max : error) if (many)
     for (int row = 0; row < relief.rows; ++row) {
         float const* const in_row = relief.row(row);
         for (int column = 0; column < relief.cols; ++column) {

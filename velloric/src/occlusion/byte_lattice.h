@@ -68,10 +68,11 @@ private:
     /// @param error How far heights are at most from their levels, in levels.
     ByteLattice(Relief const& relief, int top, double error);
 
-    /// The fewest levels that @p heights, some of the map's, are.
+    /// The lattice with the fewest levels that has each of @p heights, some of the map's, on a level; none if
+    /// that takes too many.
     static std::optional<ByteLattice> spaced(Relief const& relief, std::vector<double> const& heights);
-    /// How far the heights of the map, of which @p heights are some, are at most from their levels, in
-    /// levels.
+    /// The largest distance of a height of the map from its level, in levels. @p heights are some of the
+    /// map's.
     double largest_error(Relief const& relief, std::vector<double> const& heights) const;
 
     double origin_;

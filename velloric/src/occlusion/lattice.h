@@ -35,8 +35,8 @@ public:
     explicit Lattice(Relief const& relief) : origin_(static_cast<double>(relief.lowest))
     {
         constexpr double kLevels = 32300.0;
-        constexpr double kRoundingBound =
-            1048576.0; // 2^20: three magnitudes add with an error below 2^-22 of one
+        // 2^20: three magnitudes add with an error below 2^-22 of one.
+        constexpr double kRoundingBound = 1048576.0;
         double const range = static_cast<double>(relief.top) - origin_;
         scale_ = std::min(kLevels / range, kRoundingBound / static_cast<double>(relief.magnitude));
         top_ = height(relief.top);

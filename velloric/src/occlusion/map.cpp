@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kLongestSide = 1 << 24; ///< Of a map that fits the plane's 32-bit offsets.
 
-constexpr int kWorthThreads = 1000; ///< So many rays are reduced sooner by several threads.
+constexpr int kRaysForThreads = 1000; ///< Up to this number one thread reduces them faster.
 
 /// The share of one band in one round.
 struct Turn {
@@ -61,7 +61,7 @@ public:
     void next_round(bool first)
     {
         std::array<Turn, 3> turns;
-        bool const many = rays_ > kWorthThreads;
+        bool const many = rays_ > kRaysForThreads;
 #pragma omp parallel for schedule(dynamic) if (many)
         for (std::size_t band = 0; band < 3; ++band) {
             RayReducer& reducer = reducers_[band];
@@ -123,8 +123,8 @@ private:
         if (!turn.share.bytes.rays.empty()) {
             count_blocked(relief_, *lattices_.bytes, *bytes_, turn.share.bytes, tile, blocked);
         }
-        if (!turn.share.odd.empty()) {
-            add_odd(tile, turn.share.odd, blocked);
+        if (!turn.share.unreduced.empty()) {
+            add_unreduced(tile, turn.share.unreduced, blocked);
         }
         for (int row = 0; row < tile.rows; ++row) {
             float* const results =
@@ -133,11 +133,11 @@ private:
         }
     }
 
-    void add_odd(Tile const& tile, std::vector<ray> const& odd, TileCounts& blocked) const
+    void add_unreduced(Tile const& tile, std::vector<ray> const& rays, TileCounts& blocked) const
     {
         for (int row = 0; row < tile.rows; ++row) {
             for (int column = 0; column < tile.columns; ++column) {
-                for (ray const& each : odd) {
+                for (ray const& each : rays) {
                     bool const escapes = ray_escapes(relief_, each, tile.row + row, tile.column + column);
                     blocked[row][column] =
                         static_cast<std::uint16_t>(blocked[row][column] + (escapes ? 0 : 1));

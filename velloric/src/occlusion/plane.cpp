@@ -6,7 +6,7 @@
 namespace velloric {
 namespace {
 
-constexpr std::size_t kWorthThreads = 65536; ///< A smaller plane is filled sooner than threads are started.
+constexpr std::size_t kLevelsForThreads = 65536; ///< Up to this number one thread is faster.
 
 int round_up(int value, int step)
 {
@@ -37,7 +37,7 @@ LatticePlane<Lattice>::LatticePlane(Relief const& relief, Lattice const& lattice
 template <class Lattice>
 void LatticePlane<Lattice>::fill(Relief const& relief, Lattice const& lattice)
 {
-#pragma omp parallel for schedule(static) if (levels_.size() > kWorthThreads)
+#pragma omp parallel for schedule(static) if (levels_.size() > kLevelsForThreads)
     for (int padded = 0; padded < padded_rows_; ++padded) {
         Level* const row = levels_.data() + padded * stride_;
         int const source_row = source(padded - kRowMargin, relief.rows, relief.rows_wrap);
@@ -67,7 +67,7 @@ void LatticePlane<Lattice>::find_maxima(int window_cells)
     for (std::vector<Level>& maxima : windows_) {
         maxima.resize(static_cast<std::size_t>(cell_rows) * cell_stride_);
     }
-#pragma omp parallel if (levels_.size() > kWorthThreads)
+#pragma omp parallel if (levels_.size() > kLevelsForThreads)
     {
         std::vector<Level> columns(static_cast<std::size_t>(stride_));
         std::vector<Level> cells(cell_stride_);

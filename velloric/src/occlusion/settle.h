@@ -9,9 +9,8 @@ namespace velloric {
 
 using umbrixlib::detail::Relief;
 
-/// Whether @p ray is blocked at texel (@p x, @p y), whose height is a number below the top, by a step of the
-/// block
-/// @p first_block or later. Steps that the lattice leaves in doubt are decided in floats, as the walk does.
+/// Whether a step of @p ray blocks it at texel (@p x, @p y), whose height is a number below the top. Steps
+/// that the lattice leaves in doubt are decided in floats, as the walk does.
 bool is_blocked(Relief const& relief, LatticePlane<Lattice> const& plane, RayBundle const& bundle,
                 ReducedRay const& ray, int y, int x);
 

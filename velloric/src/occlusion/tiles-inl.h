@@ -71,9 +71,9 @@ struct Words {
     using V = hn::Vec<D>;
     using Count = std::uint16_t;
     static constexpr Lattice::Level kNoLane = 32767;
-    /// Levels above an own level plus a climb from which on a step is of interest.
+    /// A step matters if its level is at least own level + climb + kAbove.
     static constexpr int kAbove = 0;
-    /// Levels above an own level from which on a ray is surely blocked.
+    /// A step whose level, less its climb, is this far above the own level or further surely blocks the ray.
     static constexpr int kInDoubt = Lattice::kSurely + 1;
 
     /// Of a texel at @p level: less 1, since a step with that level more than the climb is not surely passed.
@@ -233,7 +233,7 @@ private:
         bool folded = false;
         for (std::int32_t b = ray.first_block; b != ray.end_certain; ++b) {
             RayBlock const& block = bundle_.blocks[static_cast<std::size_t>(b)];
-            int const needed = lowest_own + block.climb + Form::kAbove; // no smaller level is of interest
+            int const needed = lowest_own + block.climb + Form::kAbove; // smaller levels do not matter
             if (needed >= above_top_) {
                 break;
             }
