@@ -103,7 +103,7 @@ public:
     DeviceArray& operator=(DeviceArray const&) = delete;
     ~DeviceArray() { reset(); }
 
-    /// Makes room for at least @p bytes; what was there is lost.
+    /// Makes room for at least @p bytes; the contents are undefined afterwards.
     bool reserve(std::size_t bytes)
     {
         if (memory_.handle != nullptr && memory_.bytes >= bytes) {

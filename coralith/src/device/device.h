@@ -30,7 +30,7 @@ struct Device {
     std::function<std::unique_ptr<Backend>(std::string& why)> open;
 };
 
-/// What was found, and why something was passed over.
+/// The devices found, and a note for each that was passed over.
 struct Discovery {
     std::vector<Device> devices;
     std::vector<std::string> notes;

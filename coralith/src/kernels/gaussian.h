@@ -61,8 +61,8 @@ KERNEL filter_forward(ITEM GLOBAL float const* input, GLOBAL float* output, GLOB
     state[4 * line + 3] = y2;
 }
 
-/// Positions @p end - 1 down to @p begin; what is written is added to the forward result. The state holds the
-/// two inputs behind, then the two results behind.
+/// Positions @p end - 1 down to @p begin; the results are added to those of the forward pass. The state holds
+/// the two inputs behind, then the two results behind.
 KERNEL filter_backward(ITEM GLOBAL float const* input, GLOBAL float* output, GLOBAL float* state, Index lines,
                        Index group, Index group_step, Index position_step, Index begin, Index end, int flags,
                        float a2, float a3, float b1, float b2)

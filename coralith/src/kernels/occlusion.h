@@ -43,8 +43,8 @@ FN int ray_gets_away(GLOBAL float const* RESTRICT heights, GLOBAL int const* RES
     return 1;
 }
 
-/// Counts, for texels @p first to @p first + @p count - 1, the rays @p first_ray to @p first_ray + @p rays -
-/// 1 of the tables that get away, in channel @p channel of @p open. @p starts overwrites what was there.
+/// Counts the open rays of texels @p first to @p first + @p count - 1 into channel @p channel of @p open. The
+/// rays are @p first_ray to @p first_ray + @p rays - 1 of the tables. With @p starts the count starts at 0.
 /// @param ends Ray r has the steps ends[r] to ends[r + 1] - 1.
 KERNEL count_open_rays(ITEM GLOBAL float const* RESTRICT heights, GLOBAL int* RESTRICT open,
                        GLOBAL int const* RESTRICT offsets, GLOBAL float const* RESTRICT climbs,
