@@ -73,8 +73,8 @@ void show_message(char const* text, char const* title)
     std::fprintf(stderr, "%s: %s\n", title, on_one_line(text).c_str());
 }
 
-/// The C library's own generator has 31 bits here. This is the linear congruence x * 214013 + 2531011, of
-/// which bits 16 to 30 are handed out.
+/// Bits 16 to 30 of the linear congruence x * 214013 + 2531011. The C library's own generator has 31 bits
+/// here.
 int random()
 {
     std::uint32_t state = random_state.load(std::memory_order_relaxed);

@@ -213,7 +213,7 @@ HWY_INLINE void scatter_rows(GaussianPass const& pass, TileLines lines, float co
 
 #endif
 
-// Lines apart: columns of which only some are taken, or of pixels with several components.
+// Lines with a stride: some of the columns, or pixels with several components.
 
 HWY_INLINE void gather_apart(GaussianPass const& pass, TileLines lines, float* HWY_RESTRICT tile)
 {

@@ -15,8 +15,8 @@ struct Buffer {
     std::unique_ptr<T[]> data;
     std::size_t capacity = 0;
 
-    /// Room for @p count elements; what was there is lost if it was too small, and what is new holds
-    /// anything.
+    /// Makes room for at least @p count elements. If the array has to grow, it is replaced, and its contents
+    /// are undefined.
     void reserve(std::size_t count)
     {
         if (data == nullptr || capacity < count) {

@@ -21,11 +21,12 @@ namespace {
 
 /// What differs between the two forms of the blend, beside their target. From the second layer on:
 struct HeightBlendRules {
-    bool filter_replaces_blend;  ///< The bilateral filter's result takes the place of all that was blended so
-                                 ///< far, not that of the layer's copy.
-    bool first_decides_blur;     ///< Whether a layer is blurred is asked of record 0, not of its own.
-    bool overlay_by_own_opacity; ///< Overlay takes the opacity of the layer's own record, not of the one
-                                 ///< before.
+    /// The bilateral filter's result replaces all that was blended so far, not the layer's copy.
+    bool filter_replaces_blend;
+    /// Record 0, not the layer's own, decides whether a layer is blurred.
+    bool first_decides_blur;
+    /// Overlay takes the opacity of the layer's own record, not of the one before.
+    bool overlay_by_own_opacity;
     bool overlay_on_all_threads;
 };
 

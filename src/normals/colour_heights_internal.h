@@ -12,7 +12,7 @@ namespace umbrixlib::detail {
 LargeArray<float3> fetch_colours(PictureSamples const& source, int height, int width);
 
 /// Turns colours, whose mean is the height, into normals in place: blur, then `Height2Normal`. If the run is
-/// stopped, @p image holds anything.
+/// stopped, the contents of @p image are undefined.
 void turn_into_normals(float3* image, int height, int width, float n_scale, float gaussian,
                        RunReport const& report);
 

@@ -16,7 +16,8 @@ struct NormalSettings {
     float edge_b;
 };
 
-/// `HeightToNormal` on a buffer. If the run is stopped, @p destination holds anything.
+/// `HeightToNormal` on a buffer. If the run is stopped, the contents of @p destination are
+/// undefined.
 void make_normals_of(float const* source, float3* destination, int height, int width,
                      NormalSettings const& settings, RunReport& report);
 

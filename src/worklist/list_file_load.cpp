@@ -10,8 +10,8 @@ namespace umbrixlib::detail {
 
 namespace {
 
-/// Reads a file part by part. A part that is not there whole leaves its variable as it is, and then nothing
-/// more is there.
+/// Reads a file part by part. A part that the end of the file cuts off leaves its variable as it is, and so
+/// do all parts behind it.
 class ListReader {
 public:
     explicit ListReader(std::istream& stream) : stream_(stream)

@@ -13,7 +13,7 @@ unsigned char low_byte(int value)
     return static_cast<unsigned char>(static_cast<unsigned>(value) & 0xffU);
 }
 
-/// What is read where no job is.
+/// The value of a field of a job that does not exist.
 template <typename T>
 T nothing()
 {
