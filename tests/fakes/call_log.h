@@ -7,9 +7,8 @@
 
 namespace umbrixlib::test {
 
-/// What the recording fakes saw, one line of text a call, in the order in which the calls began. Buffers
-/// appear as
-/// "#1", "#2", ... in the order in which they were first seen.
+/// What the recording fakes saw, one line of text a call, in the order in which the calls began. Buffers are
+/// called "#1", "#2", ... in the order in which they were first seen.
 class CallLog {
 public:
     /// The log of this test executable.

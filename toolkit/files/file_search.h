@@ -11,19 +11,19 @@ namespace umbrixlib::toolkit {
 
 /// A file to be worked on.
 struct FoundFile {
-    std::filesystem::path file; ///< As the user would call it: begins with what was given.
-    std::filesystem::path tree; ///< Its folder, counted from where the tree begins that it was found in.
+    std::filesystem::path file; ///< The place that was given, or a path that begins with it.
+    std::filesystem::path tree; ///< Its folder, relative to the root of the walked tree.
 };
 
 /// What is looked for.
 struct Search {
     std::vector<std::string> places; ///< Files, folders, and patterns for either.
-    /// Of the names of files. If it is empty or leaves the extension open, only what is called like a picture
-    /// is taken from folders.
+    /// Of the names of files. If it is empty or leaves the extension open, folders give only files with the
+    /// extension of a picture.
     std::string pattern;
     bool recurse = false;
-    std::filesystem::path
-        avoided; ///< A folder that is not walked unless it is one of the places; may be empty.
+    /// A folder that is not walked unless it is one of the places; may be empty.
+    std::filesystem::path avoided;
 };
 
 struct SearchResult {

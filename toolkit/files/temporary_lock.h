@@ -5,9 +5,8 @@
 
 namespace umbrixlib::toolkit {
 
-/// The sign that a temporary file or folder is in use: a lock on it, which the system takes away when the
-/// process that holds it ends, however it ends. A later run can so tell what was left by one that was killed,
-/// and never takes anything away from one that is at work.
+/// A lock that marks a temporary file or folder as in use. The system releases it when its process ends,
+/// however it ends. So a later run removes what a killed one left, and nothing of a run that still works.
 class TemporaryLock {
 public:
     /// Takes over an open descriptor.
@@ -16,8 +15,8 @@ public:
     TemporaryLock(TemporaryLock const&) = delete;
     TemporaryLock& operator=(TemporaryLock const&) = delete;
 
-    /// For who has just made @p name. False if it was taken for a leftover and removed before it was locked:
-    /// then it is to be made anew. On a file system without locks it stays unlocked.
+    /// Locks @p name, which the caller has just made. False if another run took it for a leftover and removed
+    /// it first: make it anew then. On a file system without locks it stays unlocked.
     bool hold(std::filesystem::path const& name) const;
 
     /// For who found @p name: true if nobody uses it, and nobody can begin to while this object lives. Never

@@ -9,9 +9,8 @@
 
 namespace umbrix_cli {
 
-/// Help with the options in one column, their descriptions folded in another, and a switch and its opposite
-/// as
-/// "--[no-]name".
+/// Help with the options in one column and their descriptions, folded, in another. A switch and its opposite
+/// are shown as "--[no-]name".
 class HelpFormatter : public CLI::Formatter {
 public:
     std::string make_group(std::string group, bool is_positional,
