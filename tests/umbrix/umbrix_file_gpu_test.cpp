@@ -4,42 +4,29 @@
 #include "files/umbrix_file_gpu.h"
 
 #include "boundary/texture_kernels.h"
+#include "file_run.h"
 #include "files/umbrix_file.h"
 #include "graphics_fake.h"
 #include "layers/nlayers.h"
 #include "normals/height_to_normal.h"
-#include "random_image.h"
 #include "same_bits.h"
-#include "temporary_folder.h"
-#include "test_picture.h"
 #include "umbrix/grading.h"
-#include "umbrix_test_options.h"
 
-#include <IL/il.h>
 #include <cmath>
-#include <gtest/gtest.h>
-#include <omp.h>
 
 namespace {
 
 using umbrixlib::test::computing_stages;
 using umbrixlib::test::GraphicsFake;
 using umbrixlib::test::neutral_options;
+using umbrixlib::test::noise_picture;
 using umbrixlib::test::Picture;
-using umbrixlib::test::TemporaryFolder;
+using umbrixlib::test::picture_byte;
+using umbrixlib::test::release_kept;
 
 constexpr int kWidth = 37;
 constexpr int kHeight = 23;
 constexpr std::size_t kTexels = std::size_t{kWidth} * kHeight;
-
-Picture noise_picture(int width, int height, int channels, std::uint32_t seed = 11)
-{
-    Picture picture(width, height, channels, 0);
-    auto const noise = umbrixlib::test::random_image<float>(picture.bytes.size(), seed);
-    std::transform(noise.begin(), noise.end(), picture.bytes.begin(),
-                   [](float v) { return static_cast<unsigned char>(v * 255.0f); });
-    return picture;
-}
 
 /// Smooth grey hills, in the colours and the alpha.
 Picture hills_picture(int side, int channels)
@@ -56,38 +43,19 @@ Picture hills_picture(int side, int channels)
     return picture;
 }
 
-umbrix_options busy_options()
+/// Busy ones, with the filters of normals.
+umbrix_options filtering_options()
 {
-    umbrix_options options = neutral_options();
-    options.calc_type = calc_type_light_occlusion;
-    options.rays = 9;
-    options.radius = 0.5f;
-    options.h_scale = 0.2f;
-    options.h_tile = options.v_tile = true;
-    options.contrast = 0.125f;
-    options.brightness = 0.0625f;
-    options.h_contrast = -0.25f;
-    options.smooth = 0.75f;
-    options.h_smooth = 1.25f;
-    options.n_scale = 4.0f;
+    umbrix_options options = umbrixlib::test::busy_options();
     options.gaussian = 0.5f;
     options.L_Detail = 1.5f;
-    options.UmbrixMode = Modes_FlatIsFull;
     return options;
 }
 
-class UmbrixFileGpuRun : public testing::Test {
+class UmbrixFileGpuRun : public umbrixlib::test::FileRun {
 protected:
-    UmbrixFileGpuRun()
-    {
-        omp_set_dynamic(0);
-        omp_set_num_threads(omp_get_num_procs());
-        GraphicsFake::instance().reset(&computing_stages());
-    }
+    UmbrixFileGpuRun() { GraphicsFake::instance().reset(&computing_stages()); }
     ~UmbrixFileGpuRun() override { EXPECT_EQ(GraphicsFake::instance().faults, std::vector<std::string>()); }
-
-    std::string file(char const* name) const { return (folder_ / name).string(); }
-    Picture load(char const* name) const { return Picture::load(folder_ / name); }
 
     bool run(umbrix_options& options, char const* input, char const* output)
     {
@@ -107,28 +75,11 @@ protected:
     {
         return UmbrixFile(file(input), file(output), options, &layers_, nullptr, &status_, &progress_);
     }
-
-    TemporaryFolder folder_;
-    LinkedList<n_layer> layers_;
-    std::string status_;
-    int progress_ = 0;
 };
-
-unsigned char byte_of(float value)
-{
-    return static_cast<unsigned char>(double(std::clamp(value, 0.0f, 1.0f)) * 255.0);
-}
 
 float colour_of(unsigned char byte)
 {
     return float(byte / 255.0);
-}
-
-void release(umbrix_options& options)
-{
-    delete[] options.ao_map;
-    delete[] options.normal_map;
-    delete[] options.height_copy;
 }
 
 std::vector<float3> occlusion_of(std::vector<float>& heights, umbrix_options const& options, bool tile)
@@ -154,7 +105,7 @@ TEST_F(UmbrixFileGpuRun, IsTheChainOfItsSteps)
     input.save(folder_ / "in.tga");
     for (bool const height_map : {false, true}) {
         for (bool const keep : {false, true}) {
-            umbrix_options options = busy_options();
+            umbrix_options options = filtering_options();
             options.height_map = height_map;
             options.generate_normal = options.preserve = true;
             options.b_radius = 1.5f;
@@ -191,16 +142,16 @@ TEST_F(UmbrixFileGpuRun, IsTheChainOfItsSteps)
             Picture const output = load("out.tga");
             ASSERT_EQ(output.channels, 4);
             for (std::size_t i = 0; i < kTexels; ++i) {
-                ASSERT_EQ(output.bytes[4 * i], byte_of(map[i].x)) << i;
-                ASSERT_EQ(output.bytes[4 * i + 1], byte_of(map[i].y)) << i;
-                ASSERT_EQ(output.bytes[4 * i + 2], byte_of(map[i].z)) << i;
-                ASSERT_EQ(output.bytes[4 * i + 3], byte_of(map[i].w)) << i;
+                ASSERT_EQ(output.bytes[4 * i], picture_byte(map[i].x)) << i;
+                ASSERT_EQ(output.bytes[4 * i + 1], picture_byte(map[i].y)) << i;
+                ASSERT_EQ(output.bytes[4 * i + 2], picture_byte(map[i].z)) << i;
+                ASSERT_EQ(output.bytes[4 * i + 3], picture_byte(map[i].w)) << i;
             }
             if (keep) {
                 EXPECT_SAME_BITS(normals,
                                  std::vector<float3>(options.normal_map, options.normal_map + kTexels));
                 EXPECT_SAME_BITS(open, std::vector<float3>(options.ao_map, options.ao_map + kTexels));
-                release(options);
+                release_kept(options);
             } else {
                 delete[] options.height_copy;
             }
@@ -233,7 +184,7 @@ TEST_F(UmbrixFileGpuRun, HeightsAreTakenAtFaceValue)
     input.save(folder_ / "in.tga");
     std::vector<std::vector<unsigned char>> results;
     for (float const h_scale : {0.0f, 0.05f, 1.0f, 7.0f}) {
-        umbrix_options options = busy_options();
+        umbrix_options options = filtering_options();
         options.height_map = options.preserve = true;
         options.h_scale = h_scale;
         ASSERT_TRUE(run_and_release(options, "in.tga", "out.tga"));
@@ -249,7 +200,7 @@ TEST_F(UmbrixFileGpuRun, TheMasterSwitchOfWrappingDoesNotCount)
     std::vector<std::vector<unsigned char>> results;
     for (bool const tile : {false, true}) {
         for (bool const sides : {false, true}) {
-            umbrix_options options = busy_options();
+            umbrix_options options = filtering_options();
             options.height_map = true;
             options.tile = tile;
             options.h_tile = options.v_tile = sides;
@@ -303,67 +254,12 @@ TEST_F(UmbrixFileGpuRun, LeavesToTheCallerWhatItSays)
         options.normal_map = &untouched;
         ASSERT_TRUE(run(options, "in.tga", "out.tga"));
         if (options.keep_buffers) {
-            release(options); // each of the three was the caller's
+            release_kept(options); // each of the three was the caller's
         } else {
             EXPECT_EQ(options.normal_map, &untouched);
             delete[] options.height_copy;
         }
     }
-}
-
-/// A picture of any depth, written by DevIL.
-void save_with_devil(std::string const& name, ILubyte channels, ILenum format, ILenum type,
-                     std::size_t bytes_each)
-{
-    ilInit();
-    ilEnable(IL_FILE_OVERWRITE);
-    std::vector<unsigned char> pixels(std::size_t{9} * 7 * channels * bytes_each);
-    for (std::size_t i = 0; i < pixels.size(); ++i) {
-        pixels[i] = static_cast<unsigned char>(i * 37);
-    }
-    ilTexImage(9, 7, 1, channels, format, type, pixels.data());
-    ASSERT_TRUE(ilSaveImage(name.c_str()) == IL_TRUE) << name;
-    ilShutDown();
-}
-
-TEST_F(UmbrixFileGpuRun, EveryDepthOfInputStaysWithinItsBuffers)
-{
-    save_with_devil(file("grey.png"), 1, IL_LUMINANCE, IL_UNSIGNED_BYTE, 1);
-    save_with_devil(file("grey_alpha.png"), 2, IL_LUMINANCE_ALPHA, IL_UNSIGNED_BYTE, 1);
-    save_with_devil(file("grey16.png"), 1, IL_LUMINANCE, IL_UNSIGNED_SHORT, 2);
-    save_with_devil(file("rgb16.png"), 3, IL_RGB, IL_UNSIGNED_SHORT, 2);
-    save_with_devil(file("rgba16.png"), 4, IL_RGBA, IL_UNSIGNED_SHORT, 2);
-    for (char const* input : {"grey.png", "grey_alpha.png", "grey16.png", "rgb16.png", "rgba16.png"}) {
-        for (bool const height_map : {false, true}) {
-            umbrix_options options = busy_options();
-            options.height_map = options.generate_normal = height_map;
-            EXPECT_TRUE(run_and_release(options, input, "out.tga")) << input;
-            EXPECT_EQ(load("out.tga").width, 9) << input;
-        }
-    }
-}
-
-TEST_F(UmbrixFileGpuRun, OneTexelAndSingleLinesRun)
-{
-    struct Size {
-        int width, height;
-    };
-    for (Size const size : {Size{1, 1}, Size{1, 9}, Size{9, 1}, Size{2, 2}}) {
-        noise_picture(size.width, size.height, 3).save(folder_ / "in.tga");
-        umbrix_options options = busy_options();
-        options.height_map = options.generate_normal = true;
-        options.b_radius = 3.0f;
-        EXPECT_TRUE(run_and_release(options, "in.tga", "out.tga"));
-        EXPECT_EQ(load("out.tga").height, size.height);
-    }
-}
-
-TEST_F(UmbrixFileGpuRun, AMissingInputAndAnUnwritableOutputStillReportSuccess)
-{
-    umbrix_options options = neutral_options();
-    EXPECT_TRUE(run_and_release(options, "missing.tga", "out.tga"));
-    noise_picture(8, 8, 3).save(folder_ / "in.tga");
-    EXPECT_TRUE(run_and_release(options, "in.tga", "no_such_folder/out.tga"));
 }
 
 TEST_F(UmbrixFileGpuRun, LayersAreTheChainOfTheirSteps)
@@ -382,7 +278,7 @@ TEST_F(UmbrixFileGpuRun, LayersAreTheChainOfTheirSteps)
         record.normal_scale = 2.0f;
         layers_.Add(record);
     }
-    umbrix_options options = busy_options();
+    umbrix_options options = filtering_options();
     options.contrast = options.brightness = options.smooth = 0.0f;
     options.generate_normal = true;
     NLayers stack(&layers_);
@@ -412,9 +308,9 @@ TEST_F(UmbrixFileGpuRun, LayersAreTheChainOfTheirSteps)
     Picture const output = load("out.tga");
     ASSERT_EQ(output.width, kWidth);
     for (std::size_t i = 0; i < kTexels; ++i) {
-        ASSERT_EQ(output.bytes[3 * i], byte_of(light[i].x * open[i].x)) << i;
-        ASSERT_EQ(output.bytes[3 * i + 1], byte_of(light[i].y * open[i].y)) << i;
-        ASSERT_EQ(output.bytes[3 * i + 2], byte_of(light[i].z * open[i].z)) << i;
+        ASSERT_EQ(output.bytes[3 * i], picture_byte(light[i].x * open[i].x)) << i;
+        ASSERT_EQ(output.bytes[3 * i + 1], picture_byte(light[i].y * open[i].y)) << i;
+        ASSERT_EQ(output.bytes[3 * i + 2], picture_byte(light[i].z * open[i].z)) << i;
     }
 }
 
@@ -481,7 +377,7 @@ TEST_F(UmbrixFileGpuRun, LimitsFromHighToLowGiveTheReliefOfUmbrixFile)
 TEST_F(UmbrixFileGpuRun, EveryTeamGivesTheSamePicture)
 {
     noise_picture(kWidth, kHeight, 3).save(folder_ / "in.tga");
-    umbrix_options options = busy_options();
+    umbrix_options options = filtering_options();
     options.height_map = options.generate_normal = true;
     options.b_radius = 2.0f;
     ASSERT_TRUE(run(options, "in.tga", "as many.tga"));

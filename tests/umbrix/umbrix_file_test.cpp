@@ -3,79 +3,32 @@
 #include "files/umbrix_file.h"
 
 #include "boundary/texture_kernels.h"
+#include "file_run.h"
 #include "normals/height_to_normal.h"
-#include "random_image.h"
 #include "same_bits.h"
-#include "temporary_folder.h"
-#include "test_picture.h"
 #include "texels/texel_umbrix.h"
 #include "umbrix/grading.h"
-#include "umbrix_test_options.h"
 
-#include <IL/il.h>
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <omp.h>
 #include <sched.h>
 
 namespace {
 
+using umbrixlib::test::busy_options;
 using umbrixlib::test::neutral_options;
+using umbrixlib::test::noise_picture;
 using umbrixlib::test::Picture;
-using umbrixlib::test::TemporaryFolder;
+using umbrixlib::test::picture_byte;
+using umbrixlib::test::release_kept;
 
-Picture relief_picture(int width, int height, int channels)
-{
-    Picture picture(width, height, channels, 0);
-    std::vector<float> const noise = umbrixlib::test::random_image<float>(picture.bytes.size(), 11);
-    std::transform(noise.begin(), noise.end(), picture.bytes.begin(),
-                   [](float v) { return static_cast<unsigned char>(v * 255.0f); });
-    return picture;
-}
-
-umbrix_options busy_options()
-{
-    umbrix_options options = neutral_options();
-    options.calc_type = calc_type_light_occlusion;
-    options.rays = 9;
-    options.radius = 0.5f;
-    options.h_scale = 0.2f;
-    options.tile = options.h_tile = options.v_tile = true;
-    options.contrast = 0.125f;
-    options.brightness = 0.0625f;
-    options.h_contrast = -0.25f;
-    options.smooth = 0.75f;
-    options.h_smooth = 1.25f;
-    options.n_scale = 4.0f;
-    options.UmbrixMode = Modes_FlatIsFull;
-    return options;
-}
-
-class UmbrixFileRun : public testing::Test {
+class UmbrixFileRun : public umbrixlib::test::FileRun {
 protected:
-    void SetUp() override
-    {
-        omp_set_dynamic(0);
-        omp_set_num_threads(omp_get_num_procs());
-    }
-
-    std::string file(char const* name) const { return (folder_ / name).string(); }
-
     bool run(umbrix_options& options, char const* input, char const* output)
     {
-        LinkedList<n_layer> layers;
-        return UmbrixFile(file(input), file(output), options, &layers, nullptr, &status_, &progress_);
+        return UmbrixFile(file(input), file(output), options, &layers_, nullptr, &status_, &progress_);
     }
-
-    TemporaryFolder folder_;
-    std::string status_;
-    int progress_ = 0;
 };
-
-unsigned char byte_of(float value)
-{
-    return static_cast<unsigned char>(double(std::clamp(value, 0.0f, 1.0f)) * 255.0);
-}
 
 /// The map before its grading: each step called by itself, on the bytes of @p input.
 std::vector<float4> chained(Picture const& input, umbrix_options& options)
@@ -126,15 +79,15 @@ void expect_bytes_of(std::vector<float4> const& map, Picture const& output)
     ASSERT_EQ(output.channels, 3);
     ASSERT_EQ(output.bytes.size(), 3 * map.size());
     for (std::size_t i = 0; i < map.size(); ++i) {
-        ASSERT_EQ(output.bytes[3 * i], byte_of(map[i].x)) << i;
-        ASSERT_EQ(output.bytes[3 * i + 1], byte_of(map[i].y)) << i;
-        ASSERT_EQ(output.bytes[3 * i + 2], byte_of(map[i].z)) << i;
+        ASSERT_EQ(output.bytes[3 * i], picture_byte(map[i].x)) << i;
+        ASSERT_EQ(output.bytes[3 * i + 1], picture_byte(map[i].y)) << i;
+        ASSERT_EQ(output.bytes[3 * i + 2], picture_byte(map[i].z)) << i;
     }
 }
 
 TEST_F(UmbrixFileRun, IsTheChainOfItsSteps)
 {
-    Picture const input = relief_picture(37, 23, 3);
+    Picture const input = noise_picture(37, 23, 3);
     input.save(folder_ / "in.tga");
     umbrix_options options = busy_options();
     options.height_map = options.generate_normal = true;
@@ -143,14 +96,14 @@ TEST_F(UmbrixFileRun, IsTheChainOfItsSteps)
 
     std::vector<float4> map = chained(input, options);
     PostProcess(map.data(), 23, 37, options);
-    expect_bytes_of(map, Picture::load(folder_ / "out.tga"));
+    expect_bytes_of(map, load("out.tga"));
     EXPECT_EQ(status_, "Storing Results");
 }
 
 /// The map goes from its factors to its bytes without being stored. Large enough for large arrays.
 TEST_F(UmbrixFileRun, IsTheChainOfItsStepsWithoutGradingToo)
 {
-    Picture const input = relief_picture(1030, 1021, 3);
+    Picture const input = noise_picture(1030, 1021, 3);
     input.save(folder_ / "in.tga");
     umbrix_options options = busy_options();
     options.height_map = options.generate_normal = true;
@@ -158,25 +111,25 @@ TEST_F(UmbrixFileRun, IsTheChainOfItsStepsWithoutGradingToo)
     options.radius = 0.02f;
     options.contrast = options.brightness = options.smooth = 0.0f;
     ASSERT_TRUE(run(options, "in.tga", "out.tga"));
-    expect_bytes_of(chained(input, options), Picture::load(folder_ / "out.tga"));
+    expect_bytes_of(chained(input, options), load("out.tga"));
 }
 
 TEST_F(UmbrixFileRun, LightOfANormalMapIsThatOfNormal2umbrix)
 {
-    Picture const input = relief_picture(16, 8, 4);
+    Picture const input = noise_picture(16, 8, 4);
     input.save(folder_ / "in.tga");
     umbrix_options options = neutral_options();
     ASSERT_TRUE(run(options, "in.tga", "out.tga"));
-    Picture const output = Picture::load(folder_ / "out.tga");
+    Picture const output = load("out.tga");
     for (std::size_t i = 0; i < input.bytes.size(); i += 4) {
         auto const component = [&](std::size_t c) {
             return float(double(float(input.bytes[i + c] / 255.0)) * 2.0 - 1.0);
         };
         float3 light = {};
         normal2umbrix({component(0), component(1), component(2)}, light, options);
-        ASSERT_EQ(output.bytes[i], byte_of(light.x));
-        ASSERT_EQ(output.bytes[i + 1], byte_of(light.y));
-        ASSERT_EQ(output.bytes[i + 2], byte_of(light.z));
+        ASSERT_EQ(output.bytes[i], picture_byte(light.x));
+        ASSERT_EQ(output.bytes[i + 1], picture_byte(light.y));
+        ASSERT_EQ(output.bytes[i + 2], picture_byte(light.z));
         ASSERT_EQ(output.bytes[i + 3],
                   static_cast<unsigned char>(double(float(input.bytes[i + 3] / 255.0)) * 255.0));
     }
@@ -184,93 +137,33 @@ TEST_F(UmbrixFileRun, LightOfANormalMapIsThatOfNormal2umbrix)
 
 TEST_F(UmbrixFileRun, GivesTheSamePictureAgainAndAgain)
 {
-    relief_picture(64, 48, 3).save(folder_ / "in.tga");
+    noise_picture(64, 48, 3).save(folder_ / "in.tga");
     umbrix_options options = busy_options();
     options.height_map = options.generate_normal = true;
     options.b_radius = 2.0f;
     ASSERT_TRUE(run(options, "in.tga", "first.tga"));
     for (int i = 0; i < 5; ++i) {
         ASSERT_TRUE(run(options, "in.tga", "again.tga"));
-        EXPECT_EQ(Picture::load(folder_ / "first.tga").bytes, Picture::load(folder_ / "again.tga").bytes);
+        EXPECT_EQ(load("first.tga").bytes, load("again.tga").bytes);
     }
 }
 
 TEST_F(UmbrixFileRun, PreserveKeepsTheScaledHeightInAlpha)
 {
-    Picture const input = relief_picture(12, 12, 4);
+    Picture const input = noise_picture(12, 12, 4);
     input.save(folder_ / "in.tga");
     umbrix_options options = neutral_options();
     options.calc_type = calc_type_light_occlusion;
     options.h_scale = 0.5f;
     options.preserve = options.keep_buffers = true;
     ASSERT_TRUE(run(options, "in.tga", "out.tga"));
-    Picture const output = Picture::load(folder_ / "out.tga");
+    Picture const output = load("out.tga");
     for (std::size_t i = 3; i < input.bytes.size(); i += 4) {
         float const height = float(input.bytes[i] / 255.0);
         EXPECT_EQ(options.height_copy[i / 4], height);
-        EXPECT_EQ(output.bytes[i], byte_of(height * 0.5f));
+        EXPECT_EQ(output.bytes[i], picture_byte(height * 0.5f));
     }
-    delete[] options.ao_map;
-    delete[] options.normal_map;
-    delete[] options.height_copy;
-}
-
-/// A picture of any depth, written by DevIL.
-void save_with_devil(std::string const& name, ILubyte channels, ILenum format, ILenum type,
-                     std::size_t bytes_each)
-{
-    ilInit();
-    ilEnable(IL_FILE_OVERWRITE);
-    std::vector<unsigned char> pixels(std::size_t{9} * 7 * channels * bytes_each);
-    for (std::size_t i = 0; i < pixels.size(); ++i) {
-        pixels[i] = static_cast<unsigned char>(i * 37);
-    }
-    ilTexImage(9, 7, 1, channels, format, type, pixels.data());
-    ASSERT_TRUE(ilSaveImage(name.c_str()) == IL_TRUE) << name;
-    ilShutDown();
-}
-
-TEST_F(UmbrixFileRun, EveryDepthOfInputStaysWithinItsBuffers)
-{
-    save_with_devil(file("grey.png"), 1, IL_LUMINANCE, IL_UNSIGNED_BYTE, 1);
-    save_with_devil(file("grey_alpha.png"), 2, IL_LUMINANCE_ALPHA, IL_UNSIGNED_BYTE, 1);
-    save_with_devil(file("grey16.png"), 1, IL_LUMINANCE, IL_UNSIGNED_SHORT, 2);
-    save_with_devil(file("rgb16.png"), 3, IL_RGB, IL_UNSIGNED_SHORT, 2);
-    save_with_devil(file("rgba16.png"), 4, IL_RGBA, IL_UNSIGNED_SHORT, 2);
-    for (char const* input : {"grey.png", "grey_alpha.png", "grey16.png", "rgb16.png", "rgba16.png"}) {
-        for (bool const height_map : {false, true}) {
-            umbrix_options options = busy_options();
-            options.height_map = options.generate_normal = height_map;
-            EXPECT_TRUE(run(options, input, "out.tga")) << input;
-            EXPECT_EQ(Picture::load(folder_ / "out.tga").width, 9) << input;
-        }
-        std::string text;
-        int progress = 0;
-        EXPECT_TRUE(HeightToNormal(file(input).c_str(), file("normal.tga").c_str(), 1.0f, 1.0f, false, 0,
-                                   2.0f, false, false, &text, &progress));
-    }
-}
-
-TEST_F(UmbrixFileRun, OneTexelAndSingleLinesRun)
-{
-    struct Size {
-        int width, height;
-    };
-    for (Size const size : {Size{1, 1}, Size{1, 9}, Size{9, 1}, Size{2, 2}}) {
-        relief_picture(size.width, size.height, 3).save(folder_ / "in.tga");
-        umbrix_options options = busy_options();
-        options.height_map = options.generate_normal = true;
-        options.b_radius = 3.0f;
-        EXPECT_TRUE(run(options, "in.tga", "out.tga"));
-        EXPECT_EQ(Picture::load(folder_ / "out.tga").height, size.height);
-    }
-}
-
-TEST_F(UmbrixFileRun, AMissingInputStillReportsSuccess)
-{
-    umbrix_options options = neutral_options();
-    EXPECT_TRUE(run(options, "missing.tga", "out.tga"));
-    EXPECT_EQ(options.image_width, 1) << "DevIL's default image";
+    release_kept(options);
 }
 
 TEST_F(UmbrixFileRun, ASmallerTeamLeavesItsTexelsOut)
@@ -280,13 +173,13 @@ TEST_F(UmbrixFileRun, ASmallerTeamLeavesItsTexelsOut)
         EXPECT_EQ(omp_get_num_procs(), 1);
         return;
     }
-    Picture const input = relief_picture(8, 8, 3);
+    Picture const input = noise_picture(8, 8, 3);
     input.save(folder_ / "in.tga");
     omp_set_num_threads(1);
     umbrix_options options = neutral_options();
     options.height_map = true;
     ASSERT_TRUE(run(options, "in.tga", "out.tga"));
-    Picture const output = Picture::load(folder_ / "out.tga");
+    Picture const output = load("out.tga");
     EXPECT_EQ(output.bytes[0], 255);
     EXPECT_EQ(output.bytes[3], input.bytes[3]) << "texel 1 belongs to a thread that does not exist";
 }
@@ -295,7 +188,7 @@ TEST_F(UmbrixFileRun, ASmallerTeamSeesNothingOfTheRunBefore)
 {
     Picture(8, 8, 3, 255).save(folder_ / "bright.tga");
     Picture(8, 8, 3, 0).save(folder_ / "dark.tga");
-    relief_picture(8, 8, 3).save(folder_ / "in.tga");
+    noise_picture(8, 8, 3).save(folder_ / "in.tga");
     std::vector<float3> normals[2];
     for (int i = 0; i < 2; ++i) {
         omp_set_num_threads(omp_get_num_procs());
@@ -308,9 +201,7 @@ TEST_F(UmbrixFileRun, ASmallerTeamSeesNothingOfTheRunBefore)
         options.b_radius = 1.0f;
         ASSERT_TRUE(run(options, "in.tga", "out.tga"));
         normals[i].assign(options.normal_map, options.normal_map + 64);
-        delete[] options.ao_map;
-        delete[] options.normal_map;
-        delete[] options.height_copy;
+        release_kept(options);
     }
     EXPECT_SAME_BITS(normals[0], normals[1]);
 }
@@ -352,7 +243,7 @@ INSTANTIATE_TEST_SUITE_P(Sizes, UmbrixFileTeams,
 TEST_P(UmbrixFileTeams, OfAtLeastTheNumberOfProcessorsGiveTheSamePicture)
 {
     for (int const channels : {3, 4}) {
-        relief_picture(37, 23, channels).save(folder_ / "in.tga");
+        noise_picture(37, 23, channels).save(folder_ / "in.tga");
         umbrix_options options = busy_options();
         options.height_map = options.generate_normal = channels == 3;
         options.b_radius = 2.0f;
@@ -363,7 +254,7 @@ TEST_P(UmbrixFileTeams, OfAtLeastTheNumberOfProcessorsGiveTheSamePicture)
         bool const done = run(options, "in.tga", "more.tga");
         narrow(false);
         ASSERT_TRUE(done);
-        EXPECT_EQ(Picture::load(folder_ / "as many.tga").bytes, Picture::load(folder_ / "more.tga").bytes);
+        EXPECT_EQ(load("as many.tga").bytes, load("more.tga").bytes);
         omp_set_num_threads(omp_get_num_procs());
     }
 }
