@@ -182,6 +182,10 @@ void GpuMapRun::keep_filtered_heights()
         for_all_texels(
             [&](std::ptrdiff_t i) { options_.height_copy[i] = options_.preserve ? heights_.data[i] : 1.0f; });
     }
+    if (wanted_.source_heights) {
+        parts.source_heights = make_large_array<float>(static_cast<std::size_t>(shape_.texels()));
+        for_all_texels([&](std::ptrdiff_t i) { parts.source_heights[i] = heights_.data[i]; });
+    }
 }
 
 void GpuMapRun::keep_graded_heights()

@@ -46,7 +46,7 @@ void run_into(Run& run, MapRequest const& request, MapShape shape, MapResult& re
         target.bytes = result.bytes.get();
     }
     MapDemand const wanted{request.wants_light, request.wants_occlusion, request.wants_normals,
-                           request.wants_heights};
+                           request.wants_heights, request.wants_source_heights};
     if (!run.run(target, wanted)) {
         result = MapResult{};
         result.outcome = Outcome::kStopped;
@@ -60,6 +60,7 @@ void run_into(Run& run, MapRequest const& request, MapShape shape, MapResult& re
     result.occlusion = std::move(run.parts.occlusion);
     result.normals = std::move(run.parts.normals);
     result.heights = std::move(run.parts.heights);
+    result.source_heights = std::move(run.parts.source_heights);
 }
 
 } // namespace

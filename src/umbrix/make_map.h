@@ -47,11 +47,12 @@ struct MapRequest {
     /// If set, the run is that of `UmbrixFile_GPU` on this device.
     std::optional<GPU_opt> gpu;
 
-    MapForm form = MapForm::kFloats; ///< Of the map in the result.
-    bool wants_light = false;        ///< Asks for that array of the result, as do the next three.
-    bool wants_occlusion = false;    ///< As `wants_light`.
-    bool wants_normals = false;      ///< As `wants_light`.
-    bool wants_heights = false;      ///< As `wants_light`.
+    MapForm form = MapForm::kFloats;   ///< Of the map in the result.
+    bool wants_light = false;          ///< Asks for that array of the result, as do the next four.
+    bool wants_occlusion = false;      ///< As `wants_light`.
+    bool wants_normals = false;        ///< As `wants_light`.
+    bool wants_heights = false;        ///< As `wants_light`.
+    bool wants_source_heights = false; ///< As `wants_light`.
 
     RunControl* control = nullptr; ///< Watches and stops the run; null for none.
 };
@@ -63,12 +64,13 @@ struct MapResult {
     int rows = 0;                        ///< That of the source or of the first layer.
     int cols = 0;                        ///< As `rows`.
 
-    TexelArray<float4> map;          ///< With `MapForm::kFloats`. May lie outside 0..1.
-    TexelArray<unsigned char> bytes; ///< With the other two forms.
-    TexelArray<float3> light;        ///< Before occlusion and grading; null if the options ask for none.
-    TexelArray<float3> occlusion;    ///< Open shares, 0..1; null if the options ask for none.
-    TexelArray<float3> normals;      ///< What the light is made of; null if that is.
-    TexelArray<float> heights;       ///< Filtered and graded, before `h_scale`.
+    TexelArray<float4> map;           ///< With `MapForm::kFloats`. May lie outside 0..1.
+    TexelArray<unsigned char> bytes;  ///< With the other two forms.
+    TexelArray<float3> light;         ///< Before occlusion and grading; null if the options ask for none.
+    TexelArray<float3> occlusion;     ///< Open shares, 0..1; null if the options ask for none.
+    TexelArray<float3> normals;       ///< What the light is made of; null if that is.
+    TexelArray<float> heights;        ///< Filtered and graded, before `h_scale`.
+    TexelArray<float> source_heights; ///< As `height_copy` has them: before the filter; with `gpu` after it.
 };
 
 /// Makes an Umbrix map of a picture in memory: the stages of `UmbrixFile` or, with `gpu`, of

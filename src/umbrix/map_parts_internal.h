@@ -25,6 +25,7 @@ struct MapDemand {
     bool occlusion = false;
     bool normals = false;
     bool heights = false;
+    bool source_heights = false;
 };
 
 /// What a run has made, of the sizes of its map; null where it was not asked for or does not come about.
@@ -34,6 +35,7 @@ struct MapParts {
     LargeArray<float3> occlusion;
     LargeArray<float3> normals;
     LargeArray<float> heights;
+    LargeArray<float> source_heights; ///< What `height_copy` gets.
 };
 
 } // namespace umbrixlib::detail

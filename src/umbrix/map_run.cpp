@@ -101,6 +101,9 @@ void MapRun::make_buffers()
     if (wanted_.heights) {
         parts.heights = make_large_array<float>(texels);
     }
+    if (wanted_.source_heights) {
+        parts.source_heights = make_large_array<float>(texels);
+    }
     if (target_.bytes == nullptr || grades_map(options_)) {
         parts.map = make_large_array<float4>(texels);
     }
@@ -221,11 +224,14 @@ void MapRun::take_heights_of_layers(int thread)
 
 void MapRun::keep_heights_before_filter(int thread)
 {
-    if (options_.preserve && options_.height_copy != nullptr) {
-        float const* const heights = heights_.data.get();
-        for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
-            std::copy(heights + first, heights + last, options_.height_copy + first);
-        });
+    float* const kept = options_.preserve ? options_.height_copy : nullptr;
+    for (float* const copy : {kept, parts.source_heights.get()}) {
+        if (copy != nullptr) {
+            float const* const heights = heights_.data.get();
+            for_own_texels(thread, [&](std::ptrdiff_t first, std::ptrdiff_t last) {
+                std::copy(heights + first, heights + last, copy + first);
+            });
+        }
     }
 }
 
