@@ -58,17 +58,6 @@ DecodedFile decode_unchanged(std::filesystem::path const& file, std::string cons
     }
 }
 
-double to_double(Half value)
-{
-    return static_cast<double>(to_float(value));
-}
-
-template <typename Number>
-double to_double(Number value)
-{
-    return static_cast<double>(value);
-}
-
 } // namespace
 
 DecodedImage::DecodedImage(std::filesystem::path const& file, std::string const& subject, double max_texels)
@@ -107,7 +96,7 @@ std::vector<ChannelRange> DecodedImage::ranges() const
         for (std::size_t i = 0; i < samples.size(); i += ranges.size()) {
             for (std::size_t channel = 0; channel < ranges.size(); ++channel) {
                 ChannelRange& range = ranges[channel];
-                double const number = to_double(samples[i + channel]);
+                double const number = to_number(samples[i + channel]);
                 range.minimum = std::min(range.minimum, number);
                 range.maximum = std::max(range.maximum, number);
                 range.mean += number;

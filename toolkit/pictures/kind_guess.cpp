@@ -2,6 +2,7 @@
 #include "toolkit/pictures/kind_guess.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <fmt/format.h>
 
@@ -21,16 +22,19 @@ struct Look {
     double mean[3];           ///< 0 to 255.
 };
 
-bool is_grey(std::uint8_t const* texel)
+/// Red, green and blue in 8 bits.
+using Colour = std::array<std::uint8_t, 3>;
+
+bool is_grey(Colour const& texel)
 {
     auto const [least, most] = std::minmax({texel[0], texel[1], texel[2]});
     return most - least <= kGreySpread;
 }
 
 /// A vector of unit length that points out of the surface.
-bool is_unit_vector(std::uint8_t const* texel)
+bool is_unit_vector(Colour const& texel)
 {
-    auto const component = [&](int channel) { return texel[channel] / 127.5 - 1.0; };
+    auto const component = [&](std::size_t channel) { return texel[channel] / 127.5 - 1.0; };
     double const length = std::hypot(component(0), component(1), component(2));
     return std::abs(length - 1.0) <= kLengthSpread && component(2) > 0.0;
 }
@@ -40,14 +44,18 @@ Look look_at(Picture const& picture)
     std::size_t const step = picture.texels() / kLookedAt + 1;
     double const looked_at = static_cast<double>((picture.texels() - 1) / step + 1);
     Look look{};
-    for (std::size_t i = 0; i < picture.texels(); i += step) {
-        std::uint8_t const* const texel = picture.texel(i);
-        look.grey_share += is_grey(texel) ? 1.0 / looked_at : 0.0;
-        look.unit_vector_share += is_unit_vector(texel) ? 1.0 / looked_at : 0.0;
-        for (std::size_t c = 0; c < 3; ++c) {
-            look.mean[c] += texel[c] / looked_at;
+    with_samples(picture, [&](auto samples) {
+        auto const channels = static_cast<std::size_t>(picture.channels);
+        for (std::size_t i = 0; i < picture.texels(); i += step) {
+            auto const* const at = &samples[i * channels];
+            Colour const texel{to_byte(at[0]), to_byte(at[1]), to_byte(at[2])};
+            look.grey_share += is_grey(texel) ? 1.0 / looked_at : 0.0;
+            look.unit_vector_share += is_unit_vector(texel) ? 1.0 / looked_at : 0.0;
+            for (std::size_t c = 0; c < 3; ++c) {
+                look.mean[c] += texel[c] / looked_at;
+            }
         }
-    }
+    });
     return look;
 }
 

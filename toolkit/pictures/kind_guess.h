@@ -14,8 +14,9 @@ struct KindGuess {
     std::string reason;
 };
 
-/// The picture decides where it can: one without colour is no normal map, and one of unit vectors is. Only
-/// then the name counts. A coloured picture with no such name is a height map by its brightness.
+/// The picture, which has three channels or four, decides where it can: one without colour is no normal map,
+/// and one of unit vectors is. Only then the name counts. A coloured picture with no such name is a height
+/// map by its brightness.
 KindGuess guess_kind(Picture const& picture, std::filesystem::path const& file);
 
 } // namespace umbrixlib::toolkit

@@ -10,27 +10,6 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-std::uint8_t to_byte(std::uint8_t value)
-{
-    return value;
-}
-
-std::uint8_t to_byte(std::uint16_t value)
-{
-    return static_cast<std::uint8_t>((value * 255U + 32767U) / 65535U);
-}
-
-/// NaN gives 0.
-std::uint8_t to_byte(float value)
-{
-    return static_cast<std::uint8_t>(value > 0.0f ? std::min(value, 1.0f) * 255.0f + 0.5f : 0.0f);
-}
-
-std::uint8_t to_byte(Half value)
-{
-    return to_byte(to_float(value));
-}
-
 constexpr std::uint8_t one_of(std::uint8_t)
 {
     return 255;
@@ -108,16 +87,14 @@ Picture in_colour(Picture const& source, bool with_alpha)
     return result;
 }
 
-Picture in_8_bits(Picture source)
+Picture in_floats(Picture const& source)
 {
-    if (source.type == SampleType::kUint8) {
-        return source;
-    }
-    Picture result = make_picture(source.width, source.height, source.channels);
+    Picture result = make_picture(source.width, source.height, source.channels, SampleType::kFloat);
     result.kind = source.kind;
+    double const full = full_scale(source.type);
     with_samples(source, [&](auto samples) {
-        std::transform(samples.begin(), samples.end(), result.bytes.begin(),
-                       [](auto sample) { return to_byte(sample); });
+        std::transform(samples.begin(), samples.end(), result.samples<float>().begin(),
+                       [full](auto sample) { return static_cast<float>(to_number(sample) / full); });
     });
     return result;
 }

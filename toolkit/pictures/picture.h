@@ -3,6 +3,7 @@
 
 #include "foundation/picture_view.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -22,6 +23,12 @@ struct Half {
 constexpr std::size_t sample_size(SampleType type)
 {
     return type == SampleType::kUint8 ? 1 : type == SampleType::kFloat ? 4 : 2;
+}
+
+/// The number that stands for 1.
+constexpr double full_scale(SampleType type)
+{
+    return type == SampleType::kUint8 ? 255.0 : type == SampleType::kUint16 ? 65535.0 : 1.0;
 }
 
 /// A picture in memory. The first row is the bottom one, as in the library.
@@ -71,10 +78,39 @@ Picture upside_down(Picture const& source);
 /// @p source in three equal channels if it is grey, with an alpha if asked for: its own, or 1.
 Picture in_colour(Picture const& source, bool with_alpha);
 
-/// @p source in 8 bits a sample: rounded to the nearest, floats cut at 0 and 1.
-Picture in_8_bits(Picture source);
+/// @p source in floats.
+Picture in_floats(Picture const& source);
 
 float to_float(Half half);
+
+/// A sample in 8 bits: rounded to the nearest, floats cut at 0 and 1; NaN gives 0.
+inline std::uint8_t to_byte(std::uint8_t sample)
+{
+    return sample;
+}
+inline std::uint8_t to_byte(std::uint16_t sample)
+{
+    return static_cast<std::uint8_t>((sample * 255U + 32767U) / 65535U);
+}
+inline std::uint8_t to_byte(float sample)
+{
+    return static_cast<std::uint8_t>(sample > 0.0f ? std::min(sample, 1.0f) * 255.0f + 0.5f : 0.0f);
+}
+inline std::uint8_t to_byte(Half sample)
+{
+    return to_byte(to_float(sample));
+}
+
+/// A sample in the picture's own numbers.
+inline double to_number(Half sample)
+{
+    return static_cast<double>(to_float(sample));
+}
+template <typename Sample>
+double to_number(Sample sample)
+{
+    return static_cast<double>(sample);
+}
 
 /// Calls @p body with a span of all samples of @p picture.
 template <typename Body>

@@ -21,37 +21,51 @@ constexpr double kMostRelief = 10.0;
 /// a little.
 constexpr double kBetter = 0.99;
 
+/// Calls @p body with the number of a texel and its first three channels, in the file's own numbers.
+template <typename Body>
+void for_each_colour(Picture const& picture, Body&& body)
+{
+    with_samples(picture, [&](auto samples) {
+        auto const channels = static_cast<std::size_t>(picture.channels);
+        for (std::size_t i = 0; i < picture.texels(); ++i) {
+            auto const* const texel = &samples[i * channels];
+            body(i, to_number(texel[0]), to_number(texel[1]), to_number(texel[2]));
+        }
+    });
+}
+
 std::vector<float> heights_of(Picture const& picture)
 {
     std::vector<float> heights(picture.texels());
-    for (std::size_t i = 0; i < heights.size(); ++i) {
-        std::uint8_t const* const texel = picture.texel(i);
-        heights[i] = static_cast<float>((texel[0] + texel[1] + texel[2]) / 765.0);
-    }
+    double const full = 3.0 * full_scale(picture.type);
+    for_each_colour(picture, [&](std::size_t i, double red, double green, double blue) {
+        auto const height = static_cast<float>((red + green + blue) / full);
+        heights[i] = std::isfinite(height) ? height : 0.0f;
+    });
     return heights;
 }
 
-/// Where flat ground lies for makers that cut off, that divide by 127.5 and round, and that have it at 128. A
-/// wrong one shifts every normal by a quarter of a degree.
-constexpr double kMiddles[] = {127.0, 127.5, 128.0};
+/// Where flat ground lies, beside the middle of the samples, for makers that cut off, that divide by 127.5
+/// and round, and that have it at 128 of 255. A wrong one shifts every normal by a quarter of a degree in 8
+/// bits.
+constexpr double kOffsets[] = {-0.5, 0.0, 0.5};
 
-/// Unit vectors.
-std::vector<float3> normals_of(Picture const& picture, double middle)
+/// Unit vectors, with flat ground @p offset steps beside the middle.
+std::vector<float3> normals_of(Picture const& picture, double offset)
 {
     std::vector<float3> normals(picture.texels());
-    for (std::size_t i = 0; i < normals.size(); ++i) {
-        std::uint8_t const* const texel = picture.texel(i);
-        double const x = texel[0] - middle;
-        double const y = texel[1] - middle;
-        double const z = texel[2] - middle;
+    double const full = full_scale(picture.type);
+    double const middle = full / 2.0 + (full > 1.0 ? offset : 0.0);
+    for_each_colour(picture, [&](std::size_t i, double red, double green, double blue) {
+        double const x = red - middle;
+        double const y = green - middle;
+        double const z = blue - middle;
         double const length = std::sqrt(x * x + y * y + z * z);
-        if (length == 0.0) {
-            normals[i] = {0.0f, 0.0f, 1.0f};
-            continue;
-        }
-        normals[i] = {static_cast<float>(x / length), static_cast<float>(y / length),
-                      static_cast<float>(z / length)};
-    }
+        bool const has_direction = length > 0.0 && std::isfinite(length);
+        normals[i] = !has_direction ? float3{0.0f, 0.0f, 1.0f}
+                                    : float3{static_cast<float>(x / length), static_cast<float>(y / length),
+                                             static_cast<float>(z / length)};
+    });
     return normals;
 }
 
@@ -111,12 +125,12 @@ public:
     {
         double smallest = 360.0;
         double best = 0.0;
-        for (double const middle : kMiddles) {
-            normals_ = normals_of(pair_.picture, middle);
+        for (double const offset : kOffsets) {
+            normals_ = normals_of(pair_.picture, offset);
             double const angle = at(gaussian, false).best().mean_angle_degrees;
             if (angle < smallest) {
                 smallest = angle;
-                best = middle;
+                best = offset;
             }
         }
         normals_ = normals_of(pair_.picture, best);

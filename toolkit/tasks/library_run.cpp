@@ -2,6 +2,7 @@
 #include "toolkit/tasks/library_run.h"
 
 #include "toolkit/base/failure.h"
+#include "toolkit/base/stop.h"
 
 #include <atomic>
 #include <chrono>
@@ -70,6 +71,7 @@ std::string_view stage_name(std::string_view text)
         {"Height -> AO", "occlusion"},
         {"Storing Results", "storing"},
         {kBlendingLayers, "blending layers"},
+        {kBlendingHeights, "blending heights"},
         {kFittingRelief, "fitting"},
     };
     for (auto const& [from, to] : kNames) {
@@ -102,21 +104,17 @@ void check_team_size()
     }
 }
 
-} // namespace
-
-void run_library(std::string const& file, Observer& observer, LibraryCall const& call, bool* cancel)
+/// Makes @p call on a thread of its own and @p look now and then while it runs.
+void run_beside(std::function<void()> const& call, std::function<void()> const& look)
 {
-    set_message_handler(keep_error_box);
-    ProgressPair pair;
     std::mutex mutex;
     std::condition_variable finished;
     bool done = false;
-    bool good = false;
     std::exception_ptr error;
     std::thread worker([&] {
         try {
             check_team_size();
-            good = call(pair.status(), pair.progress());
+            call();
         } catch (...) {
             error = std::current_exception();
         }
@@ -127,20 +125,57 @@ void run_library(std::string const& file, Observer& observer, LibraryCall const&
     {
         std::unique_lock lock(mutex);
         while (!finished.wait_for(lock, kPollInterval, [&] { return done; })) {
-            observer.stage(stage_name(pair.stage()), pair.permille());
-            if (cancel != nullptr && observer.stopping()) {
-                std::atomic_ref(*cancel).store(true, std::memory_order_relaxed);
-            }
+            look();
         }
     }
     worker.join();
     if (error) {
         std::rethrow_exception(error);
     }
+}
+
+void check_work(bool good, std::string const& file)
+{
     if (!good || !box_text.empty()) {
         throw Failure(Fault::kNotWorkedOn, file,
                       box_text.empty() ? "the library could not work on it" : box_text);
     }
+}
+
+} // namespace
+
+void run_library(std::string const& file, Observer& observer, LibraryCall const& call, bool* cancel)
+{
+    set_message_handler(keep_error_box);
+    ProgressPair pair;
+    bool good = false;
+    run_beside([&] { good = call(pair.status(), pair.progress()); },
+               [&] {
+                   observer.stage(stage_name(pair.stage()), pair.permille());
+                   if (cancel != nullptr && observer.stopping()) {
+                       std::atomic_ref(*cancel).store(true, std::memory_order_relaxed);
+                   }
+               });
+    check_work(good, file);
+}
+
+void run_in_memory(std::string const& file, Observer& observer,
+                   std::function<Outcome(RunControl& control)> const& call)
+{
+    set_message_handler(keep_error_box);
+    RunControl control;
+    Outcome outcome = Outcome::kInvalid;
+    run_beside([&] { outcome = call(control); },
+               [&] {
+                   observer.stage(stage_name(control.stage()), control.permille());
+                   if (observer.stopping()) {
+                       control.stop();
+                   }
+               });
+    if (outcome == Outcome::kStopped) {
+        throw Stopped();
+    }
+    check_work(outcome == Outcome::kDone, file);
 }
 
 } // namespace umbrixlib::toolkit

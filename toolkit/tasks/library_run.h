@@ -5,11 +5,13 @@
 
 #include <functional>
 #include <string>
+#include <umbrixlib.h>
 
 namespace umbrixlib::toolkit {
 
 /// Stages that callers name, as the library itself does not.
 inline constexpr char const* kBlendingLayers = "Blending Layers";
+inline constexpr char const* kBlendingHeights = "Blending Heights";
 inline constexpr char const* kFittingRelief = "Fitting Relief";
 
 /// A call into the library, with the progress pair that it writes.
@@ -21,5 +23,9 @@ using LibraryCall = std::function<bool(std::string* status, int* progress)>;
 /// @param cancel Set as soon as the observer is stopping; may be null.
 void run_library(std::string const& file, Observer& observer, LibraryCall const& call,
                  bool* cancel = nullptr);
+
+/// The same for a call from memory to memory, which ends early if the observer is stopping: throws Stopped.
+void run_in_memory(std::string const& file, Observer& observer,
+                   std::function<Outcome(RunControl& control)> const& call);
 
 } // namespace umbrixlib::toolkit

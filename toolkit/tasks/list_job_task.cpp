@@ -2,12 +2,9 @@
 #include "toolkit/lists/list_settings.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/tasks/graphics_run.h"
-#include "toolkit/tasks/intermediate.h"
 #include "toolkit/tasks/map_picture.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/tasks.h"
-
-#include <fmt/format.h>
 
 namespace umbrixlib::toolkit {
 
@@ -24,20 +21,15 @@ umbrix_options options_of_job(umbrix_data const& record, int width)
     return options;
 }
 
-/// Decodes the layers into pictures that the library can read, which the result names.
-LinkedList<n_layer> read_layers(ListJob const& job, Observer& observer)
+/// Decodes the layers into @p stack, whose records are @p layers.
+void read_layers(ListJob const& job, LinkedList<n_layer>& layers, NLayers& stack, Observer& observer)
 {
-    LinkedList<n_layer> layers;
-    for (n_layer layer : job.layers) {
+    for (n_layer const& layer : job.layers) {
         PreparedInput const picture =
             prepare_input({layer.filename, layer.filename, job.files.max_texels}, observer);
-        std::string const file =
-            (std::filesystem::path(job.files.scratch) / fmt::format("layer{}.tga", layers.count)).string();
-        write_source(file, picture.has_alpha ? without_alpha(picture.picture) : picture.picture);
-        layer.filename = file;
         layers.Add(layer);
+        stack.AddLayer(picture.picture.view());
     }
-    return layers;
 }
 
 } // namespace
@@ -50,19 +42,17 @@ ListReport run(ListJob const& job, Observer& observer)
     check_relief_size(settings, files.input, input.width, input.height);
     OutputFormat const& format = *output_format(files.output.file);
     check_size(format, files.output.name, input.width, input.height);
-    LinkedList<n_layer> layers = read_layers(job, observer);
+    LinkedList<n_layer> layers;
+    NLayers stack(&layers, InMemory{});
+    read_layers(job, layers, stack, observer);
     if (job.graphics.device) {
         open_device(job.graphics, files.input, observer);
     }
     observer.begin(Phase::kMaking, files.input);
-    NLayers stack(&layers);
-    for (auto const* each = layers.head; each != nullptr; each = each->next) {
-        stack.AddLayer(each->data.filename.c_str());
-    }
     bool const has_layers = layers.count > 0;
-    Picture const map = make_umbrix_map(
-        std::move(input.picture), files.input, options_of_job(job.data, input.width), files.scratch, observer,
-        has_layers ? &layers : nullptr, has_layers ? &stack : nullptr, job.graphics);
+    Picture const map =
+        make_umbrix_map(input.picture, files.input, options_of_job(job.data, input.width), observer,
+                        has_layers ? &layers : nullptr, has_layers ? &stack : nullptr, job.graphics);
     write_picture(files.output.file, format, files.output.name, map, observer);
     return {map.width, map.height, kind_of(job.data)};
 }

@@ -3,47 +3,31 @@
 
 #include "toolkit/base/failure.h"
 #include "toolkit/tasks/graphics_run.h"
-#include "toolkit/tasks/intermediate.h"
 #include "toolkit/tasks/library_run.h"
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <memory>
 
 namespace umbrixlib::toolkit {
 
 namespace {
 
-/// What a run with `keep_buffers` leaves to its caller.
-struct KeptBuffers {
-    std::unique_ptr<float3[]> occlusion;
-    std::unique_ptr<float3[]> normals;
-    std::unique_ptr<float[]> heights;
-};
-
-KeptBuffers run_pipeline(Intermediate const& files, std::string const& name, umbrix_options& options,
-                         Observer& observer, LinkedList<n_layer>* layers, NLayers* stack,
-                         std::optional<int> device)
+MapRequest request_for(Picture const& source, umbrix_options const& options, LinkedList<n_layer>* layers,
+                       NLayers* stack, std::optional<int> device)
 {
-    run_library(name, observer, [&](std::string* status, int* progress) {
-        if (device) {
-            return UmbrixFile_GPU(gpu_options(*device), files.source, files.result, options, layers, stack,
-                                  status, progress);
-        }
-        return UmbrixFile(files.source, files.result, options, layers, stack, status, progress);
-    });
-    KeptBuffers kept;
-    if (options.keep_buffers) {
-        kept.occlusion.reset(options.ao_map);
-        kept.normals.reset(options.normal_map);
-    }
-    if (options.keep_buffers || device) {
-        kept.heights.reset(options.height_copy);
-    }
+    MapRequest request;
+    request.source = source.view();
+    bool const are_vectors = source.kind == PictureKind::kNormals && source.type == SampleType::kFloat;
+    request.coding = are_vectors ? NormalCoding::kVectors : NormalCoding::kColours;
+    request.options = options;
+    request.layers = layers;
+    request.stack = stack;
     if (device) {
-        note_fallback(name, observer);
+        request.gpu = gpu_options(*device);
     }
-    return kept;
+    request.form = source.has_alpha() ? MapForm::kBytes : MapForm::kColourBytes;
+    request.wants_source_heights = options.keep_buffers;
+    return request;
 }
 
 /// Puts the heights into the alpha as they were read. The alpha that a run makes has them times the height
@@ -69,26 +53,32 @@ void check_relief_size(Settings const& settings, std::string const& name, int wi
     }
 }
 
-Picture make_umbrix_map(Picture source, std::string const& name, umbrix_options options,
-                        std::filesystem::path const& folder, Observer& observer, LinkedList<n_layer>* layers,
-                        NLayers* stack, Graphics const& graphics)
+Picture make_umbrix_map(Picture const& source, std::string const& name, umbrix_options options,
+                        Observer& observer, LinkedList<n_layer>* layers, NLayers* stack,
+                        Graphics const& graphics)
 {
-    Intermediate const files(folder);
-    write_source(files.source, source);
-    int const width = source.width;
-    int const height = source.height;
-    int const channels = source.channels;
-    source = {};
+    int const channels = source.has_alpha() ? 4 : 3;
     if (graphics.match_cpu) {
         match_processor(options, channels);
     }
-    KeptBuffers const kept = run_pipeline(files, name, options, observer, layers, stack, graphics.device);
-    Picture map = read_result(files.result, width, height, channels);
+    MapRequest request = request_for(source, options, layers, stack, graphics.device);
+    MapResult result;
+    run_in_memory(name, observer, [&](RunControl& control) {
+        request.control = &control;
+        result = make_map(request);
+        return result.outcome;
+    });
+    if (graphics.device) {
+        note_fallback(name, observer);
+    }
+    Picture map = make_picture(result.cols, result.rows, channels);
+    map.kind = PictureKind::kLight;
+    std::copy_n(result.bytes.get(), map.bytes.size(), map.bytes.data());
     if (!options.keep_buffers) {
         return map;
     }
     bool const inverted = graphics.device && heights_are_inverted(options, channels);
-    return with_heights_in_alpha(map, kept.heights.get(), inverted);
+    return with_heights_in_alpha(map, result.source_heights.get(), inverted);
 }
 
 } // namespace umbrixlib::toolkit

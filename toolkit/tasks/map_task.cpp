@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/encode.h"
+#include "toolkit/pictures/naming.h"
 #include "toolkit/pictures/picture_difference.h"
 #include "toolkit/tasks/graphics_run.h"
-#include "toolkit/tasks/intermediate.h"
 #include "toolkit/tasks/map_picture.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/tasks.h"
+
+#include <algorithm>
 
 namespace umbrixlib::toolkit {
 
@@ -17,8 +19,10 @@ bool has_relief_in_alpha(Picture const& picture)
     if (picture.channels < 4) {
         return false;
     }
+    std::size_t const size = sample_size(picture.type);
+    auto const* const alpha = &picture.bytes[3 * size];
     for (std::size_t i = 1; i < picture.texels(); ++i) {
-        if (picture.texel(i)[3] != picture.texel(0)[3]) {
+        if (!std::equal(alpha, alpha + size, alpha + i * 4 * size)) {
             return true;
         }
     }
@@ -43,23 +47,33 @@ void note_normal_map(MapJob const& job, PreparedInput const& input, Observer& ob
 /// The library's normals have green up; a picture's own maker chose the direction when it was made.
 void turn_green(Picture& normals)
 {
-    for (std::size_t i = 0; i < normals.texels(); ++i) {
-        std::uint8_t& green = normals.texel(i)[1];
-        green = static_cast<std::uint8_t>(255 - green);
+    auto const step = static_cast<std::size_t>(normals.channels);
+    auto const turn = [step](auto greens, auto one) {
+        for (std::size_t i = 1; i < greens.size(); i += step) {
+            greens[i] = static_cast<decltype(one)>(one - greens[i]);
+        }
+    };
+    switch (normals.type) {
+    case SampleType::kUint8:
+        return turn(normals.samples<std::uint8_t>(), std::uint8_t{255});
+    case SampleType::kUint16:
+        return turn(normals.samples<std::uint16_t>(), std::uint16_t{65535});
+    case SampleType::kHalf:
+        normals = in_floats(normals);
+        [[fallthrough]];
+    case SampleType::kFloat:
+        return turn(normals.samples<float>(), 1.0f);
     }
 }
 
 /// The map, on the job's device; if asked for, @p report is told how far from the CPU's it is.
-Picture make_map(MapJob const& job, Picture source, umbrix_options const& options, MapReport& report,
+Picture make_map(MapJob const& job, Picture const& source, umbrix_options const& options, MapReport& report,
                  Observer& observer)
 {
-    JobFiles const& files = job.files;
-    Picture const kept = job.compare_cpu ? source : Picture{};
-    Picture map = make_umbrix_map(std::move(source), files.input, options, files.scratch, observer, nullptr,
-                                  nullptr, job.graphics);
+    std::string const& name = job.files.input;
+    Picture map = make_umbrix_map(source, name, options, observer, nullptr, nullptr, job.graphics);
     if (job.compare_cpu) {
-        report.difference =
-            largest_difference(map, make_umbrix_map(kept, files.input, options, files.scratch, observer));
+        report.difference = largest_difference(map, make_umbrix_map(source, name, options, observer));
     }
     return map;
 }
@@ -93,7 +107,7 @@ MapReport run(MapJob const& job, Observer& observer)
         report.device = open_device(job.graphics, files.input, observer);
     }
     observer.begin(Phase::kMaking, files.input);
-    Picture const map = make_map(job, std::move(input.picture), options, report, observer);
+    Picture const map = make_map(job, input.picture, options, report, observer);
     write_picture(files.output.file, format, files.output.name, map, observer);
     return report;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/encode.h"
-#include "toolkit/tasks/intermediate.h"
 #include "toolkit/tasks/library_run.h"
+#include "toolkit/tasks/methods/narrowed.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/tasks.h"
 
@@ -22,6 +22,22 @@ void turn_green(Picture& normals)
     }
 }
 
+Picture make_picture_of_normals(NormalJob const& job, Picture const& heights, float n_scale,
+                                Observer& observer)
+{
+    NormalsRequest request;
+    request.heights = heights.view();
+    request.n_scale = n_scale;
+    request.gaussian = job.settings.gaussian;
+    NormalsResult result;
+    run_in_memory(job.files.input, observer, [&](RunControl& control) {
+        request.control = &control;
+        result = make_normals(request);
+        return result.outcome;
+    });
+    return narrowed_normals(result.normals.get(), result.cols, result.rows);
+}
+
 } // namespace
 
 NormalReport run(NormalJob const& job, Observer& observer)
@@ -35,15 +51,9 @@ NormalReport run(NormalJob const& job, Observer& observer)
                                     "); its brightness is taken for heights"});
     }
 
-    Intermediate const between(files.scratch);
     observer.begin(Phase::kMaking, files.input);
-    write_source(between.source, input.has_alpha ? without_alpha(input.picture) : input.picture);
     float const n_scale = n_scale_of(job.settings, input.width);
-    run_library(files.input, observer, [&](std::string* status, int* progress) {
-        return HeightToNormal(between.source.c_str(), between.result.c_str(), n_scale, job.settings.gaussian,
-                              false, 0, job.settings.detail, false, false, status, progress);
-    });
-    Picture normals = read_result(between.result, input.width, input.height, 3);
+    Picture normals = make_picture_of_normals(job, input.picture, n_scale, observer);
     if (job.normal_y == NormalY::kDown) {
         turn_green(normals);
     }

@@ -16,11 +16,7 @@ constexpr double kProgram = 1024.0 * 1024.0 * 1024.0;
 
 void note_conversion(DecodedImage const& image, Source const& source, Observer& observer)
 {
-    if (image.bits_per_channel() > 8) {
-        observer.note(source.name,
-                      {fmt::format("{} is worked on with 8 bits a channel, so its finest steps are lost",
-                                   image.description())});
-    } else if (!image.is_plain()) {
+    if (image.bits_per_channel() == 8 && !image.is_plain()) {
         observer.note(source.name, {fmt::format("{} is converted to {} bits a texel", image.description(),
                                                 image.has_alpha() ? 32 : 24),
                                     NoteKind::kPlain, true});
@@ -40,7 +36,7 @@ PreparedInput prepare_input(Source const& source, Observer& observer)
 {
     DecodedImage const image = decode_input(source, observer);
     note_conversion(image, source, observer);
-    Picture picture = in_8_bits(image.to_picture(image.has_alpha()));
+    Picture picture = image.to_picture(image.has_alpha());
     KindGuess guess = guess_kind(picture, source.file);
     return {image.width(),       image.height(),   image.has_alpha(),
             image.description(), std::move(guess), std::move(picture)};

@@ -26,8 +26,9 @@ struct PreparedInput {
     bool has_alpha;
     std::string description; ///< As DecodedImage has it.
     KindGuess guess;
-    Picture picture; ///< With alpha if the file has one.
+    Picture picture; ///< Of three channels or, if the file has an alpha, four; in the file's sample type.
 };
+
 PreparedInput prepare_input(Source const& source, Observer& observer);
 
 } // namespace umbrixlib::toolkit

@@ -2,24 +2,27 @@
 #include "toolkit/pictures/encode.h"
 #include "toolkit/settings/stack_record.h"
 #include "toolkit/tasks/graphics_run.h"
-#include "toolkit/tasks/intermediate.h"
 #include "toolkit/tasks/library_run.h"
 #include "toolkit/tasks/map_picture.h"
+#include "toolkit/tasks/methods/narrowed.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/tasks.h"
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <memory>
 #include <umbrixlib.h>
+#include <utility>
+#include <vector>
 
 namespace umbrixlib::toolkit {
 
 namespace {
 
-/// A layer whose picture the library can read.
+/// A layer with its picture.
 struct ReadyLayer {
     StackLayer const* description;
-    std::string file;
+    Picture picture;
 };
 
 struct ReadyStack {
@@ -72,14 +75,13 @@ void check_outputs(StackJob const& job, ReadyStack const& stack)
     }
 }
 
-/// Decodes the layers one by one; the library gets uncompressed TGA files of 24 bits. All checks that need
-/// the size of the pictures are made as soon as it is known.
+/// Decodes the layers one by one. All checks that need the size of the pictures are made as soon as it is
+/// known.
 ReadyStack read_layers(StackJob const& job, Observer& observer)
 {
     ReadyStack stack;
     for (StackLayer const& layer : job.description.layers) {
-        PreparedInput const picture =
-            prepare_input({layer.file, layer.file_label(), job.max_texels}, observer);
+        PreparedInput picture = prepare_input({layer.file, layer.file_label(), job.max_texels}, observer);
         if (!layer.is_normal_map && picture.guess.kind == Kind::kNormalMap) {
             observer.note(layer.file_label(), {"this looks like a normal map (" + picture.guess.reason +
                                                "); its brightness is taken for heights"});
@@ -91,10 +93,7 @@ ReadyStack read_layers(StackJob const& job, Observer& observer)
         } else if (!fits(layer, picture, stack, observer)) {
             continue;
         }
-        std::string const name = fmt::format("layer{}.tga", stack.layers.size());
-        std::string const file = (std::filesystem::path(job.scratch) / name).string();
-        write_source(file, picture.has_alpha ? without_alpha(picture.picture) : picture.picture);
-        stack.layers.push_back({&layer, file});
+        stack.layers.push_back({&layer, std::move(picture.picture)});
     }
     return stack;
 }
@@ -106,10 +105,8 @@ LinkedList<n_layer> records_of(ReadyStack const& stack, StackJob const& job)
     for (std::size_t i = 0; i < stack.layers.size(); ++i) {
         StackLayer const* const next =
             i + 1 < stack.layers.size() ? stack.layers[i + 1].description : nullptr;
-        n_layer record = record_of(*stack.layers[i].description, next, job.description.normal_scale,
-                                   n_scale_of(job.settings, stack.width));
-        record.filename = stack.layers[i].file;
-        records.Add(record);
+        records.Add(record_of(*stack.layers[i].description, next, job.description.normal_scale,
+                              n_scale_of(job.settings, stack.width)));
     }
     return records;
 }
@@ -118,46 +115,84 @@ void fill(NLayers& library_stack, ReadyStack const& stack)
 {
     for (ReadyLayer const& layer : stack.layers) {
         if (layer.description->is_normal_map) {
-            library_stack.AddNormalLayer(layer.file.c_str());
+            library_stack.AddNormalLayer(layer.picture.view());
         } else {
-            library_stack.AddLayer(layer.file.c_str());
+            library_stack.AddLayer(layer.picture.view());
         }
     }
 }
 
+/// What the library blends, texel by texel.
 struct Blended {
-    Picture normals;
-    Picture heights;
+    std::vector<float3> normals;
+    std::vector<float> heights; ///< None if nothing needs them.
 };
 
-/// The library saves TGA files, whatever the outputs are called: its own way with ".vtf" names loses a row of
-/// normals, and gives whole heights on one thread only.
-Blended blend(StackJob const& job, ReadyStack const& stack, Observer& observer)
+bool needs_heights(StackJob const& job)
 {
-    std::filesystem::path const folder(job.scratch);
-    std::string const normals = (folder / "normals.tga").string();
-    std::string const heights = (folder / "heights.tga").string();
-    run_library(job.file, observer, [&](std::string* status, int* progress) {
-        *status = kBlendingLayers;
-        LinkedList<n_layer> records = records_of(stack, job);
-        NLayers library_stack(&records);
-        fill(library_stack, stack);
-        *progress = 250;
-        library_stack.BlendLayers();
-        *progress = 750;
-        return library_stack.SaveResult(normals.c_str()) && library_stack.SaveHeight(heights.c_str());
-    });
-    return {read_result(normals, stack.width, stack.height, 3),
-            read_result(heights, stack.width, stack.height, 3)};
+    return !job.heights.file.empty() || (!job.map.file.empty() && !job.map_from_layers);
 }
 
-/// The blended normals with the blended heights in the alpha.
-Picture with_alpha(Blended const& blended)
+std::vector<float> blended_heights(NLayers& library_stack, std::size_t texels)
 {
-    Picture result = make_picture(blended.normals.width, blended.normals.height, 4);
+    float* blended = new float[texels](); // which the stack may put another in the place of
+    library_stack.BlendHeightMap(blended);
+    std::unique_ptr<float[]> const owner(blended);
+    return {blended, blended + texels};
+}
+
+Blended blend(StackJob const& job, ReadyStack const& stack, Observer& observer)
+{
+    Blended blended;
+    run_in_memory(job.file, observer, [&](RunControl& control) {
+        control.enter(kBlendingLayers);
+        LinkedList<n_layer> records = records_of(stack, job);
+        NLayers library_stack(&records, InMemory{});
+        fill(library_stack, stack);
+        library_stack.BlendLayers();
+        auto const texels = static_cast<std::size_t>(library_stack.GetResultSize());
+        blended.normals.assign(library_stack.GetResult(), library_stack.GetResult() + texels);
+        if (needs_heights(job) && !control.stopping()) {
+            control.enter(kBlendingHeights);
+            blended.heights = blended_heights(library_stack, texels);
+        }
+        return control.stopping() ? Outcome::kStopped : Outcome::kDone;
+    });
+    return blended;
+}
+
+/// Whether normals and heights are narrowed to bytes before a map is made of them, as its own bytes are. Maps
+/// of layers of bytes are what they always were so; what more the layers hold is kept.
+bool is_narrowed_between(ReadyStack const& stack)
+{
+    return std::all_of(stack.layers.begin(), stack.layers.end(),
+                       [](ReadyLayer const& layer) { return layer.picture.type == SampleType::kUint8; });
+}
+
+/// The blended normals with the blended heights, stretched to their full range, in the alpha.
+Picture source_in_bytes(Picture const& normals, Picture const& heights)
+{
+    Picture result = make_picture(normals.width, normals.height, 4);
     for (std::size_t i = 0; i < result.texels(); ++i) {
-        std::copy_n(blended.normals.texel(i), 3, result.texel(i));
-        result.texel(i)[3] = blended.heights.texel(i)[0];
+        std::copy_n(normals.texel(i), 3, result.texel(i));
+        result.texel(i)[3] = heights.texel(i)[0];
+    }
+    return result;
+}
+
+/// The same, with the vectors themselves.
+Picture source_in_floats(ReadyStack const& stack, Blended const& blended)
+{
+    std::vector<float> heights = blended.heights;
+    stretch_heights(heights.data(), static_cast<std::ptrdiff_t>(heights.size()));
+    Picture result = make_picture(stack.width, stack.height, 4, SampleType::kFloat);
+    result.kind = PictureKind::kNormals;
+    float* to = result.samples<float>().data();
+    for (std::size_t i = 0; i < heights.size(); ++i) {
+        float3 const& normal = blended.normals[i];
+        for (float const value : {normal.x, normal.y, normal.z, heights[i]}) {
+            *to++ = value;
+        }
     }
     return result;
 }
@@ -178,22 +213,39 @@ Picture make_map_from_layers(StackJob const& job, ReadyStack const& stack, Obser
 {
     note_layers_without_normals(stack, observer);
     LinkedList<n_layer> records = records_of(stack, job);
-    NLayers library_stack(&records);
+    NLayers library_stack(&records, InMemory{});
     fill(library_stack, stack);
     umbrix_options options = options_for(job.settings, Kind::kHeightMap, stack.width);
     options.blend_height = true;
-    return make_umbrix_map(make_picture(stack.width, stack.height, 3), job.file, options, job.scratch,
-                           observer, &records, &library_stack, job.graphics);
+    Picture const no_samples{stack.width, stack.height, 3, {}};
+    return make_umbrix_map(no_samples, job.file, options, observer, &records, &library_stack, job.graphics);
 }
 
-Picture make_map(StackJob const& job, ReadyStack const& stack, Blended const& blended, Observer& observer)
+/// What is saved of the blended layers: 8 bits a channel.
+struct Narrowed {
+    Picture normals;
+    Picture heights; ///< Empty without heights.
+};
+
+Narrowed narrowed(ReadyStack const& stack, Blended const& blended)
+{
+    Narrowed result{narrowed_normals(blended.normals.data(), stack.width, stack.height), {}};
+    if (!blended.heights.empty()) {
+        result.heights = narrowed_heights(blended.heights.data(), stack.width, stack.height);
+    }
+    return result;
+}
+
+Picture make_map(StackJob const& job, ReadyStack const& stack, Blended const& blended, Narrowed const& saved,
+                 Observer& observer)
 {
     if (job.map_from_layers) {
         return make_map_from_layers(job, stack, observer);
     }
     umbrix_options const options = options_for(job.settings, Kind::kNormalMap, stack.width);
-    return make_umbrix_map(with_alpha(blended), job.file, options, job.scratch, observer, nullptr, nullptr,
-                           job.graphics);
+    Picture const source = is_narrowed_between(stack) ? source_in_bytes(saved.normals, saved.heights)
+                                                      : source_in_floats(stack, blended);
+    return make_umbrix_map(source, job.file, options, observer, nullptr, nullptr, job.graphics);
 }
 
 void write_output(Output const& output, Picture const& picture, Observer& observer)
@@ -211,12 +263,13 @@ StackReport run(StackJob const& job, Observer& observer)
     }
     observer.begin(Phase::kMaking, job.file);
     Blended const blended = blend(job, stack, observer);
+    Narrowed const saved = narrowed(stack, blended);
     if (!job.map.file.empty()) {
-        write_output(job.map, make_map(job, stack, blended, observer), observer);
+        write_output(job.map, make_map(job, stack, blended, saved, observer), observer);
     }
-    write_output(job.normals, blended.normals, observer);
+    write_output(job.normals, saved.normals, observer);
     if (!job.heights.file.empty()) {
-        write_output(job.heights, blended.heights, observer);
+        write_output(job.heights, saved.heights, observer);
     }
     return {stack.width, stack.height, stack.layers.size()};
 }

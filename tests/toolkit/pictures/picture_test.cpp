@@ -36,16 +36,37 @@ TEST(Halves, AreTheFloatsThatTheyStandFor)
     EXPECT_TRUE(std::isnan(to_float({0x7e00})));
 }
 
-TEST(PictureIn8Bits, IsRoundedToTheNearest)
+TEST(Samples, InBytesAreRoundedToTheNearest)
 {
-    EXPECT_EQ(in_8_bits(row_of<std::uint16_t>(SampleType::kUint16, {0, 128, 129, 32767, 32768, 65535})).bytes,
-              (std::vector<std::uint8_t>{0, 0, 1, 127, 128, 255}));
-    EXPECT_EQ(in_8_bits(row_of<float>(SampleType::kFloat, {-1.0f, 0.5f, 1.0f, 7.0f, kNan, kInfinity})).bytes,
-              (std::vector<std::uint8_t>{0, 128, 255, 255, 0, 255}));
-    EXPECT_EQ(in_8_bits(row_of<Half>(SampleType::kHalf, {{0x3800}, {0x3c00}, {0xbc00}})).bytes,
-              (std::vector<std::uint8_t>{128, 255, 0}));
-    EXPECT_EQ(in_8_bits(row_of<std::uint8_t>(SampleType::kUint8, {1, 2, 255})).bytes,
-              (std::vector<std::uint8_t>{1, 2, 255}));
+    auto const bytes_of = [](auto const& samples) {
+        std::vector<int> bytes;
+        for (auto const sample : samples) {
+            bytes.push_back(to_byte(sample));
+        }
+        return bytes;
+    };
+    EXPECT_EQ(bytes_of(std::vector<std::uint16_t>{0, 128, 129, 32767, 32768, 65535}),
+              (std::vector<int>{0, 0, 1, 127, 128, 255}));
+    EXPECT_EQ(bytes_of(std::vector<float>{-1.0f, 0.5f, 1.0f, 7.0f, kNan, kInfinity}),
+              (std::vector<int>{0, 128, 255, 255, 0, 255}));
+    EXPECT_EQ(bytes_of(std::vector<Half>{{0x3800}, {0x3c00}, {0xbc00}}), (std::vector<int>{128, 255, 0}));
+    EXPECT_EQ(bytes_of(std::vector<std::uint8_t>{1, 2, 255}), (std::vector<int>{1, 2, 255}));
+}
+
+TEST(PictureInFloats, HasEachSampleFromZeroToOne)
+{
+    auto const floats_of = [](Picture const& picture) {
+        Picture const floats = in_floats(picture);
+        auto const samples = floats.samples<float>();
+        return std::vector<float>(samples.begin(), samples.end());
+    };
+    EXPECT_EQ(floats_of(row_of<std::uint8_t>(SampleType::kUint8, {0, 51, 255})),
+              (std::vector<float>{0.0f, 0.2f, 1.0f}));
+    EXPECT_EQ(floats_of(row_of<std::uint16_t>(SampleType::kUint16, {0, 13107, 65535})),
+              (std::vector<float>{0.0f, 0.2f, 1.0f}));
+    EXPECT_EQ(floats_of(row_of<Half>(SampleType::kHalf, {{0x3800}, {0xc000}})),
+              (std::vector<float>{0.5f, -2.0f}));
+    EXPECT_EQ(floats_of(row_of<float>(SampleType::kFloat, {-1.0f, 7.0f})), (std::vector<float>{-1.0f, 7.0f}));
 }
 
 TEST(PictureInColour, KeepsTheSampleType)

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
 namespace umbrixlib::toolkit {
 
@@ -43,25 +44,44 @@ Vector direction_of(Light light)
             std::sin(elevation)};
 }
 
-/// @p source reduced to means of squares of @p factor by @p factor texels.
-Picture reduced(Picture const& source, int factor)
+/// Writes means of squares of @p factor by @p factor texels of @p source, whole ones rounded to the nearest,
+/// into @p result. Both have samples of this type.
+template <typename Sample>
+void reduce(Picture const& source, int factor, Picture& result)
 {
-    Picture result = make_picture(source.width / factor, source.height / factor, source.channels);
+    constexpr bool kIsWhole = std::is_integral_v<Sample>;
+    using Sum = std::conditional_t<kIsWhole, std::size_t, double>;
     auto const step = static_cast<std::size_t>(factor);
     auto const row = static_cast<std::size_t>(source.width);
+    auto const channels = static_cast<std::size_t>(source.channels);
+    auto const from = source.samples<Sample>();
+    auto const to = result.samples<Sample>();
     for (std::size_t i = 0; i < result.texels(); ++i) {
         std::size_t const x = i % static_cast<std::size_t>(result.width) * step;
         std::size_t const y = i / static_cast<std::size_t>(result.width) * step;
-        for (std::size_t c = 0; c < static_cast<std::size_t>(source.channels); ++c) {
-            std::size_t sum = step * step / 2;
+        for (std::size_t c = 0; c < channels; ++c) {
+            Sum sum = kIsWhole ? static_cast<Sum>(step * step / 2) : Sum{0};
             for (std::size_t dy = 0; dy < step; ++dy) {
                 for (std::size_t dx = 0; dx < step; ++dx) {
-                    sum += source.texel((y + dy) * row + x + dx)[c];
+                    sum += static_cast<Sum>(from[((y + dy) * row + x + dx) * channels + c]);
                 }
             }
-            result.texel(i)[c] = static_cast<std::uint8_t>(sum / (step * step));
+            to[i * channels + c] = static_cast<Sample>(sum / static_cast<Sum>(step * step));
         }
     }
+}
+
+/// @p source reduced to means of squares of @p factor by @p factor texels.
+Picture reduced(Picture const& source, int factor)
+{
+    Picture const floats = source.type == SampleType::kHalf ? in_floats(source) : Picture{};
+    Picture const& from = floats.bytes.empty() ? source : floats;
+    Picture result = make_picture(from.width / factor, from.height / factor, from.channels, from.type);
+    with_samples(from, [&]<typename Sample>(std::span<Sample const>) {
+        if constexpr (!std::is_same_v<Sample, Half>) {
+            reduce<Sample>(from, factor, result);
+        }
+    });
     return result;
 }
 
@@ -112,11 +132,19 @@ Picture relit(Picture const& map, Light light, Relighting const& look)
 {
     std::array<double, 3> const weights = channel_weights(light, look);
     Picture result = make_picture(map.width, map.height, 3);
-    for (std::size_t i = 0; i < map.texels(); ++i) {
-        std::uint8_t const* const from = map.texel(i);
-        double const grey = weights[0] * from[0] + weights[1] * from[1] + weights[2] * from[2];
-        std::fill_n(result.texel(i), 3, static_cast<std::uint8_t>(std::min(grey + 0.5, 255.0)));
-    }
+    double const scale = 255.0 / full_scale(map.type);
+    with_samples(map, [&](auto samples) {
+        auto const channels = static_cast<std::size_t>(map.channels);
+        for (std::size_t i = 0; i < map.texels(); ++i) {
+            auto const* const from = &samples[i * channels];
+            double const lit = weights[0] * to_number(from[0]) + weights[1] * to_number(from[1]) +
+                               weights[2] * to_number(from[2]);
+            double const grey = lit * scale;
+            // Not a number gives 0, too.
+            std::fill_n(result.texel(i), 3,
+                        static_cast<std::uint8_t>(grey > 0.0 ? std::min(grey + 0.5, 255.0) : 0.0));
+        }
+    });
     return result;
 }
 

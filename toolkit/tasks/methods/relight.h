@@ -29,7 +29,7 @@ struct Relighting {
 /// the three directions, at azimuth 0, 240 and 120, scaled so that flat ground gives the exposure.
 std::array<double, 3> channel_weights(Light light, Relighting const& look);
 
-/// @p map as it looks in that light: a grey picture.
+/// @p map, of any sample type, as it looks in that light: a grey picture of 8 bits.
 Picture relit(Picture const& map, Light light, Relighting const& look);
 
 /// A contact sheet of @p directions pictures, the azimuth going round once from that of @p light. They run
