@@ -40,7 +40,7 @@ protected:
         return all;
     }
 
-    /// Names of the files below the test's folders, those for intermediate files included.
+    /// Names of the files below the test's folders, that for temporary files included.
     std::set<std::string> tree() const
     {
         std::set<std::string> names;

@@ -146,7 +146,7 @@ private:
     Outcome outcome_{};
 };
 
-/// A test with a folder for its files and another for the tool's intermediate ones, which has to stay empty.
+/// A test with a folder for its files and another for temporary files of the system, which has to stay empty.
 class ToolTest : public testing::Test {
 protected:
     ToolTest()

@@ -23,8 +23,6 @@ enum class Fault {
     kOutputAppeared,    ///< The same, but it has come to be since the work began.
     kNameNotTaken,      ///< A finished file cannot take its name.
     kNotWritten,        ///< Not all of a file could be written.
-    kNoScratchFolder,   ///< There is no folder for intermediate files.
-    kNoRoomForScratch,  ///< An intermediate file does not fit into its folder.
 
     // Pictures.
     kChangedWhileRead,  ///< A picture was written to while it was read.

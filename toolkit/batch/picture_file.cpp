@@ -31,7 +31,6 @@ void PictureFile::name_files(JobFiles& files) const
 {
     files.input = input_.string();
     files.output = {file_.temporary().string(), named_.string()};
-    files.scratch = scratch_.path().string();
 }
 
 void PictureFile::complete()

@@ -9,7 +9,7 @@
 
 namespace umbrixlib::toolkit {
 
-/// A picture on its way from an input to an output: the checks, the temporary files of the worker, and the
+/// A picture on its way from an input to an output: the checks, the temporary file of the worker, and the
 /// renaming in the end. Nothing temporary outlives the object.
 class PictureFile {
 public:
@@ -32,7 +32,6 @@ private:
     std::filesystem::path named_;
     bool overwrite_;
     OutputFile file_;
-    ScratchFolder scratch_;
 };
 
 } // namespace umbrixlib::toolkit

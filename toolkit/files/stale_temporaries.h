@@ -9,10 +9,8 @@ namespace umbrixlib::toolkit {
 /// killed. Those of processes at work stay, and so does everything else.
 void remove_stale_outputs(std::filesystem::path const& folder);
 
-/// The same for ScratchFolders.
-void remove_stale_scratch();
-
-/// Both, for who is about to write @p target; that it may be a link is seen through.
+/// The same in the folder of @p target, for who is about to write that; that it may be a link is seen
+/// through.
 void remove_leftovers_beside(std::filesystem::path const& target);
 
 } // namespace umbrixlib::toolkit

@@ -21,11 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char const* kOutput = ".umbrix-";
-constexpr char const* kScratch = "umbrix-";
 constexpr char const* kRandom = "XXXXXX"; // which the system fills in
-
-constexpr int kFailed = -1;
-constexpr int kTryAgain = -2;
 
 /// Eight digits for the name of this machine.
 std::string machine_tag()
@@ -44,20 +40,16 @@ struct Made {
     std::unique_ptr<TemporaryLock> lock; ///< Null if nothing could be made; errno tells why.
 };
 
-/// Makes something with a name after @p pattern, and locks it. @p make is given the pattern, fills in its
-/// kRandom and returns a descriptor, or kFailed with errno, or kTryAgain.
-template <typename Make>
-Made make_locked(std::string const& pattern, Make&& make)
+/// Makes an empty file with these rights and a name between @p prefix and @p extension, and locks it.
+Made make_locked(std::string const& prefix, std::string const& extension, mode_t rights)
 {
     for (;;) {
-        std::string name = pattern;
-        int const descriptor = make(name.data());
-        if (descriptor == kFailed) {
+        std::string name = fmt::format("{}{}{}", prefix, kRandom, extension);
+        int const descriptor = mkostemps(name.data(), static_cast<int>(extension.size()), O_CLOEXEC);
+        if (descriptor < 0) {
             return {};
         }
-        if (descriptor == kTryAgain) {
-            continue;
-        }
+        fchmod(descriptor, rights);
         auto lock = std::make_unique<TemporaryLock>(descriptor);
         if (lock->hold(name)) {
             return {name, std::move(lock)};
@@ -89,33 +81,11 @@ bool rename_to_new_name(fs::path const& from, fs::path const& to)
     return link(from.c_str(), to.c_str()) == 0 && unlink(from.c_str()) == 0;
 }
 
-/// Fills in @p name, as make_locked has it.
-int make_folder(char* name)
-{
-    if (mkdtemp(name) == nullptr) {
-        return kFailed;
-    }
-    int const folder = open(name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder >= 0) {
-        return folder;
-    }
-    if (errno == ENOENT) {
-        return kTryAgain; // taken for a leftover
-    }
-    rmdir(name);
-    return kFailed;
-}
-
 } // namespace
 
 std::string output_prefix()
 {
     return kOutput + machine_tag();
-}
-
-std::string scratch_prefix()
-{
-    return kScratch + machine_tag();
 }
 
 bool is_temporary_name(fs::path const& file)
@@ -133,14 +103,8 @@ fs::path output_folder(fs::path const& target)
 
 OutputFile::OutputFile(fs::path target, std::string const& extension) : target_(std::move(target))
 {
-    Made made = make_locked(
-        (target_.parent_path() / output_prefix()).string() + kRandom + extension, [&](char* name) {
-            int const file = mkostemps(name, static_cast<int>(extension.size()), O_CLOEXEC);
-            if (file >= 0) {
-                fchmod(file, rights_for(target_));
-            }
-            return file;
-        });
+    Made made =
+        make_locked((target_.parent_path() / output_prefix()).string(), extension, rights_for(target_));
     if (!made.lock) {
         throw Failure(Fault::kFolderTakesNoFile, target_.string(),
                       std::string("its folder takes no new file: ") + std::strerror(errno));
@@ -165,28 +129,6 @@ void OutputFile::move_into_place(bool overwrite)
                       std::string("the finished file cannot take its name: ") + std::strerror(errno));
     }
     placed_ = true;
-}
-
-ScratchFolder::ScratchFolder()
-{
-    std::error_code error;
-    fs::path const parent = fs::temp_directory_path(error);
-    Made made;
-    if (!error) {
-        made = make_locked((parent / scratch_prefix()).string() + kRandom, make_folder);
-    }
-    if (!made.lock) {
-        throw Failure(Fault::kNoScratchFolder, error ? "TMPDIR" : parent.string(),
-                      "no folder for intermediate files can be made there");
-    }
-    path_ = std::move(made.path);
-    lock_ = std::move(made.lock);
-}
-
-ScratchFolder::~ScratchFolder()
-{
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
 }
 
 } // namespace umbrixlib::toolkit

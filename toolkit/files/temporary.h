@@ -9,10 +9,9 @@
 
 namespace umbrixlib::toolkit {
 
-/// What the names of this machine's OutputFiles and ScratchFolders begin with. The machine is in them because
-/// not every shared folder shares its locks with other machines, too.
+/// What the names of this machine's OutputFiles begin with. The machine is in them because not every shared
+/// folder shares its locks with other machines, too.
 std::string output_prefix();
-std::string scratch_prefix();
 
 /// Whether a file is called like an OutputFile of any machine.
 bool is_temporary_name(std::filesystem::path const& file);
@@ -42,21 +41,6 @@ private:
     std::filesystem::path temporary_;
     std::unique_ptr<TemporaryLock> lock_;
     bool placed_ = false;
-};
-
-/// An empty folder for intermediate files, removed with all that is in it.
-class ScratchFolder {
-public:
-    ScratchFolder();
-    ~ScratchFolder();
-    ScratchFolder(ScratchFolder const&) = delete;
-    ScratchFolder& operator=(ScratchFolder const&) = delete;
-
-    std::filesystem::path const& path() const { return path_; }
-
-private:
-    std::filesystem::path path_;
-    std::unique_ptr<TemporaryLock> lock_;
 };
 
 } // namespace umbrixlib::toolkit

@@ -5,7 +5,7 @@
 
 namespace umbrixlib::toolkit {
 
-/// A lock that marks a temporary file or folder as in use. The system releases it when its process ends,
+/// A lock that marks a temporary file as in use. The system releases it when its process ends,
 /// however it ends. So a later run removes what a killed one left, and nothing of a run that still works.
 class TemporaryLock {
 public:

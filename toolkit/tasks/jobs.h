@@ -31,7 +31,6 @@ struct Output {
 struct JobFiles {
     std::string input;
     Output output;
-    std::string scratch;   ///< Folder for intermediate files.
     double max_texels = 0; ///< Largest input that is worked on.
 
     bool operator==(JobFiles const&) const = default;
@@ -95,7 +94,6 @@ struct StackJob {
     Output heights;
     Output map;
     bool map_from_layers = false; ///< The map is made by the library's own way with layers.
-    std::string scratch;          ///< Folder for intermediate files.
     double max_texels = 0;        ///< Largest layer that is worked on.
     Settings settings = kDefaults;
     Graphics graphics; ///< For the map.

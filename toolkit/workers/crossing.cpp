@@ -29,8 +29,7 @@ struct FieldsOf;
 #define UMBRIX_FIELD(name) std::pair(#name, &R::name)
 
 UMBRIX_FIELDS(Output, UMBRIX_FIELD(file), UMBRIX_FIELD(name))
-UMBRIX_FIELDS(JobFiles, UMBRIX_FIELD(input), UMBRIX_FIELD(output), UMBRIX_FIELD(scratch),
-              UMBRIX_FIELD(max_texels))
+UMBRIX_FIELDS(JobFiles, UMBRIX_FIELD(input), UMBRIX_FIELD(output), UMBRIX_FIELD(max_texels))
 UMBRIX_FIELDS(Graphics, UMBRIX_FIELD(device), UMBRIX_FIELD(match_cpu))
 UMBRIX_FIELDS(Light, UMBRIX_FIELD(azimuth_degrees), UMBRIX_FIELD(elevation_degrees))
 UMBRIX_FIELDS(Relighting, UMBRIX_FIELD(mode), UMBRIX_FIELD(exposure))
@@ -46,7 +45,7 @@ UMBRIX_FIELDS(RelightJob, UMBRIX_FIELD(files), UMBRIX_FIELD(light), UMBRIX_FIELD
               UMBRIX_FIELD(directions), UMBRIX_FIELD(cell))
 UMBRIX_FIELDS(InfoJob, UMBRIX_FIELD(input), UMBRIX_FIELD(max_texels))
 UMBRIX_FIELDS(StackJob, UMBRIX_FIELD(file), UMBRIX_FIELD(description), UMBRIX_FIELD(normals),
-              UMBRIX_FIELD(heights), UMBRIX_FIELD(map), UMBRIX_FIELD(map_from_layers), UMBRIX_FIELD(scratch),
+              UMBRIX_FIELD(heights), UMBRIX_FIELD(map), UMBRIX_FIELD(map_from_layers),
               UMBRIX_FIELD(max_texels), UMBRIX_FIELD(settings), UMBRIX_FIELD(graphics))
 UMBRIX_FIELDS(FitJob, UMBRIX_FIELD(heights), UMBRIX_FIELD(normals), UMBRIX_FIELD(max_texels),
               UMBRIX_FIELD(settings), UMBRIX_FIELD(fit_gaussian))

@@ -8,7 +8,6 @@
 #include "toolkit/batch/stack_target.h"
 #include "toolkit/files/preflight.h"
 #include "toolkit/files/stale_temporaries.h"
-#include "toolkit/files/temporary.h"
 #include "toolkit/pictures/naming.h"
 #include "toolkit/pictures/output_check.h"
 #include "toolkit/settings/stack_example.h"
@@ -166,9 +165,7 @@ void StackCommand::run(Interrupts const& interrupts)
         remove_leftovers_beside(target.named());
         target.open(job);
     }
-    ScratchFolder const scratch;
     job.file = common_.input;
-    job.scratch = scratch.path().string();
     job.max_texels = common_.max_texels;
     job.settings = settings_;
     job.graphics = graphics_;

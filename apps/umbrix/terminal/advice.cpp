@@ -26,8 +26,6 @@ constexpr Advice kAdvice[] = {
     {Fault::kOutputAppeared, "add --overwrite to replace it"},
     {Fault::kNameNotTaken, "check the folder"},
     {Fault::kNotWritten, kMoreSpace},
-    {Fault::kNoScratchFolder, "set TMPDIR to a folder that takes files"},
-    {Fault::kNoRoomForScratch, "free some space, or set TMPDIR to a folder with more"},
 
     {Fault::kChangedWhileRead, "try again when nothing writes it any more"},
     {Fault::kDamagedPicture, kResave},

@@ -133,7 +133,6 @@ void remove_what_killed_runs_left(std::vector<BatchFile> const& files)
         folders.insert(output_folder(file.target));
     }
     std::for_each(folders.begin(), folders.end(), remove_stale_outputs);
-    remove_stale_scratch();
 }
 
 } // namespace

@@ -5,7 +5,6 @@
 #include "toolkit/files/temporary.h"
 
 #include <csignal>
-#include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
@@ -20,9 +19,6 @@ namespace fs = std::filesystem;
 
 class StaleTemporaries : public testing::Test {
 protected:
-    StaleTemporaries() { setenv("TMPDIR", folder().c_str(), 1); }
-    ~StaleTemporaries() override { unsetenv("TMPDIR"); }
-
     fs::path const& folder() const { return folder_.path(); }
 
     std::set<std::string> names() const
@@ -48,12 +44,6 @@ protected:
         ASSERT_TRUE(WIFSIGNALED(status));
     }
 
-    static void remove_all_stale(fs::path const& folder)
-    {
-        umbrixlib::toolkit::remove_stale_outputs(folder);
-        umbrixlib::toolkit::remove_stale_scratch();
-    }
-
 private:
     TemporaryFolder folder_;
 };
@@ -62,52 +52,44 @@ TEST_F(StaleTemporaries, AreThoseOfKilledProcesses)
 {
     in_killed_process([&] {
         auto* const output = new umbrixlib::toolkit::OutputFile(folder() / "a.tga", ".tga");
-        auto* const scratch = new umbrixlib::toolkit::ScratchFolder;
         std::ofstream(output->temporary()) << "half";
-        std::ofstream(scratch->path() / "source.tga") << "whole";
     });
-    EXPECT_EQ(names().size(), 2U);
-    remove_all_stale(folder());
+    EXPECT_EQ(names().size(), 1U);
+    umbrixlib::toolkit::remove_stale_outputs(folder());
     EXPECT_EQ(names(), std::set<std::string>{});
 }
 
 TEST_F(StaleTemporaries, AreNotThoseInUse)
 {
     auto output = std::make_unique<umbrixlib::toolkit::OutputFile>(folder() / "a.tga", ".tga");
-    auto scratch = std::make_unique<umbrixlib::toolkit::ScratchFolder>();
     std::set<std::string> const before = names();
-    EXPECT_EQ(before.size(), 2U);
-    remove_all_stale(folder());
+    EXPECT_EQ(before.size(), 1U);
+    umbrixlib::toolkit::remove_stale_outputs(folder());
     EXPECT_EQ(names(), before);
     output->move_into_place(false);
-    scratch.reset();
-    remove_all_stale(folder());
+    umbrixlib::toolkit::remove_stale_outputs(folder());
     EXPECT_EQ(names(), std::set<std::string>{"a.tga"});
 }
 
 TEST_F(StaleTemporaries, AreNothingElse)
 {
     std::string const output = umbrixlib::toolkit::output_prefix();
-    std::string const scratch = umbrixlib::toolkit::scratch_prefix();
     std::ofstream(folder() / ".umbrix-00000000-abcdef.tga") << "of another machine";
     std::ofstream(folder() / ".umbrix-notes") << "of somebody";
     std::ofstream(folder() / "precious.tga") << "precious";
-    std::ofstream(folder() / (scratch + "abcdef")) << "a file called like a folder";
     fs::create_symlink("precious.tga", folder() / (output + "abcdef.tga"));
     fs::create_directory(folder() / (output + "bcdefg.tga"));
     fs::create_directory(folder() / "target");
-    fs::create_directory_symlink("target", folder() / (scratch + "bcdefg"));
+    fs::create_directory_symlink("target", folder() / (output + "cdefgh.tga"));
     std::set<std::string> const before = names();
-    EXPECT_EQ(before.size(), 8U);
-    remove_all_stale(folder());
+    EXPECT_EQ(before.size(), 7U);
+    umbrixlib::toolkit::remove_stale_outputs(folder());
     EXPECT_EQ(names(), before);
 }
 
 TEST_F(StaleTemporaries, MayBeLookedForWhereNothingIs)
 {
     umbrixlib::toolkit::remove_stale_outputs(folder() / "nowhere");
-    setenv("TMPDIR", "/nowhere", 1);
-    umbrixlib::toolkit::remove_stale_scratch();
 }
 
 } // namespace

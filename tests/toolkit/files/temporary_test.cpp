@@ -17,12 +17,9 @@ namespace fs = std::filesystem;
 using toolkit::Failure;
 using toolkit::Fault;
 using toolkit::OutputFile;
-using toolkit::ScratchFolder;
 
 class Temporary : public testing::Test {
 protected:
-    ~Temporary() override { unsetenv("TMPDIR"); }
-
     static std::string content_of(fs::path const& file)
     {
         std::ifstream stream(file);
@@ -108,27 +105,6 @@ TEST_F(Temporary, OutputWantsAFolder)
 {
     EXPECT_EQ(fault_of([&] { OutputFile(folder_ / "nowhere" / "a.png", ".png"); }),
               Fault::kFolderTakesNoFile);
-}
-
-TEST_F(Temporary, ScratchFolderGoesWithAllItHolds)
-{
-    setenv("TMPDIR", folder_.path().c_str(), 1);
-    {
-        ScratchFolder const scratch;
-        EXPECT_EQ(scratch.path().parent_path(), folder_.path());
-        fs::create_directories(scratch.path() / "below");
-        std::ofstream(scratch.path() / "below" / "a.tga") << "intermediate";
-        ScratchFolder const other;
-        EXPECT_NE(scratch.path(), other.path());
-        EXPECT_EQ(entries(), 2U);
-    }
-    EXPECT_EQ(entries(), 0U);
-}
-
-TEST_F(Temporary, ScratchFolderWantsAPlace)
-{
-    setenv("TMPDIR", (folder_ / "nowhere").c_str(), 1);
-    EXPECT_EQ(fault_of([] { ScratchFolder(); }), Fault::kNoScratchFolder);
 }
 
 TEST_F(Temporary, LinksAreSeenThroughForTheFolder)

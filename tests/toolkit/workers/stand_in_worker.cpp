@@ -42,7 +42,7 @@ MapJob job_to_act(std::string const& acts)
 {
     MapJob job;
     job.files.input = "in";
-    job.files.scratch = acts;
+    job.files.output.name = acts;
     return job;
 }
 
@@ -93,12 +93,12 @@ int play_a_worker()
     WorkerChannel channel;
     auto const job = std::get<MapJob>(channel.read_job());
     try {
-        std::istringstream acts(job.files.scratch);
+        std::istringstream acts(job.files.output.name);
         for (std::string name, word; acts >> name >> word;) {
             act(channel, name, word);
         }
         MapReport report;
-        report.reason = job.files.scratch;
+        report.reason = job.files.output.name;
         report.difference = own_processors();
         report.width = omp_get_num_procs();
         channel.send(report);
