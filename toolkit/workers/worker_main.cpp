@@ -2,6 +2,7 @@
 /// @file
 /// The program umbrix-worker: takes a job from its standard input, does it, says how it went.
 #include "toolkit/base/give_up.h"
+#include "toolkit/base/stop.h"
 #include "toolkit/tasks/tasks.h"
 #include "toolkit/workers/crossing_internal.h"
 #include "toolkit/workers/worker_channel.h"
@@ -60,6 +61,7 @@ int do_job()
         tell_of_too_little_memory();
     } catch (std::system_error const& error) { // of a thread that could not be started
         channel.send(Failure(Fault::kNoThread, "", std::string("it is not worked on: ") + error.what()));
+    } catch (Stopped const&) { // whoever wished it waits for no report
     } catch (std::exception const& error) {
         channel.send(Failure(Fault::kNotWorkedOn, "", error.what()));
     }
