@@ -75,6 +75,11 @@ def start_up(records: Records) -> Optional[Figure]:
     return on_idle_machine(highest_of(cells), lines)
 
 
+def stop(records: Records) -> Optional[Figure]:
+    lines = records.of("stop")
+    return on_idle_machine(highest_of([line["largest_milliseconds"] for line in lines]), lines)
+
+
 def share_of_kernels(records: Records) -> Optional[Figure]:
     lines = records.of("whole_file")
     return on_idle_machine(lowest_of([100 * line["share"] for line in lines]), lines)
@@ -243,6 +248,7 @@ BARS = [
         "GiB",
     ),
     Bar("command line", "help, `info`, 64 x 64 map: each at most 20 ms", start_up, 20, False, "ms"),
+    Bar("`make_map`, 2048", "returns at most 50 ms after a wish to stop", stop, 50, False, "ms"),
     Bar("all operators", "results equal the plain form's, bit for bit", checks, 1, True, ""),
 ]
 
