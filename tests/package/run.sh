@@ -67,17 +67,22 @@ colour_heights() {
     "$prefix/bin/umbrix" stack "$work/$name.toml" -o "$work/$name.png" --height "$work/${name}_height.tga"
 }
 
-# Compiles the first program that a page shows, as it stands.
+# Compiles a program that a page shows, by its number among them, as it stands. Without PROGRAM to an object alone.
 compile_snippet() {
-    local prefix=$1 page=$2 program=$3
-    awk '/^```/ { if (inside) exit; inside = /^```cpp$/; next } inside' "$page" > "$program.cpp"
-    [ -s "$program.cpp" ] || fail "$page shows no program"
+    local prefix=$1 page=$2 number=$3 source=$4 program=${5-}
+    awk -v number="$number" '/^```/ { inside = /^```cpp$/; count += inside; next } inside && count == number' \
+        "$page" > "$source.cpp"
+    [ -s "$source.cpp" ] || fail "$page shows no program $number"
     local libdir flags
     libdir=$(dirname "$(find "$prefix" -name 'libumbrix.so')")
     flags=$(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --cflags --libs umbrix)
+    local compile=("${CXX:-c++}" -std=c++17 -Wall -Wextra -Werror ${SANITIZE:+-fsanitize=$SANITIZE} "$source.cpp")
     # shellcheck disable=SC2086 # one word each
-    "${CXX:-c++}" -std=c++17 -Wall -Wextra -Werror ${SANITIZE:+-fsanitize=$SANITIZE} "$program.cpp" -o "$program" \
-        $flags "-Wl,-rpath,$libdir"
+    if [ -n "$program" ]; then
+        "${compile[@]}" -o "$program" $flags "-Wl,-rpath,$libdir"
+    else
+        "${compile[@]}" -c -o "$source.o" $flags
+    fi
 }
 
 # The programs on the pages make the map that the tool makes with its defaults.
@@ -92,13 +97,14 @@ snippets() {
     "$prefix/bin/umbrix" info expected.tga | tee info.txt
     grep -qE 'red +0 to 2[0-9]{2}' info.txt || fail "the expected map has no relief"
 
-    compile_snippet "$prefix" "$root/README.md" readme
+    compile_snippet "$prefix" "$root/README.md" 1 readme readme
     ./readme
     cmp "${texels[@]}" cobbles.tga expected.tga || fail "the program in README.md makes another map"
 
     cp cobbles_height.tga stones
-    compile_snippet "$prefix" "$root/docs/library.md" library
+    compile_snippet "$prefix" "$root/docs/library.md" 1 library library
     ./library || fail "the program in docs/library.md ended with $?"
+    compile_snippet "$prefix" "$root/docs/library.md" 2 memory
     cmp "${texels[@]}" stones/cobbles_Umbrix.tga expected.tga || fail "the program in docs/library.md makes another map"
 }
 
