@@ -63,6 +63,7 @@ enum class Fault {
     kTooSmallForRelief, ///< A picture is too small to have a relief.
     kTooFewThreads,     ///< OpenMP gives fewer threads than it should.
     kNotWorkedOn,       ///< The library could not work on a picture.
+    kNoFolderWalk,      ///< This build has not got the library's own walk of folders.
 
     // Worker processes.
     kNoMemory,         ///< There is not enough memory to work on a picture.

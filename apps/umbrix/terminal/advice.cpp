@@ -62,6 +62,7 @@ constexpr Advice kAdvice[] = {
     {Fault::kTooSmallForRelief, "give at least 2 x 2, or --no-occlusion"},
     {Fault::kTooFewThreads, "raise the limit on processes (ulimit -u)"},
     {Fault::kNotWorkedOn, "try another picture"},
+    {Fault::kNoFolderWalk, "leave it out", kWrongUsage, "--plain"},
 
     {Fault::kNoMemory, "make the picture smaller"},
     {Fault::kNoThread, "raise the limits on memory and processes (ulimit -v, ulimit -u)"},
