@@ -59,6 +59,10 @@ install(TARGETS ${installed} EXPORT UmbrixLibTargets
     FILE_SET HEADERS DESTINATION ${include_dir} COMPONENT development)
 # No file set: the folder above common/ holds that of the other headers, which CMake refuses.
 install(FILES ${common_headers} DESTINATION ${include_dir}/common COMPONENT development)
+if(TARGET toolkit)
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/toolkit DESTINATION ${include_dir} COMPONENT development
+        FILES_MATCHING PATTERN "*.h" PATTERN "*_internal.h" EXCLUDE)
+endif()
 if(TARGET coralith_cuda) # opened at run time by the library beside it
     install(TARGETS coralith_cuda LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
 endif()

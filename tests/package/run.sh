@@ -23,13 +23,14 @@ install_tree() {
     cmake --install "$build" --prefix "$prefix" > /dev/null
     local headers=$prefix/include/umbrixlib
     [ -f "$headers/umbrixlib.h" ] || fail "umbrixlib.h is not installed"
+    [ -f "$headers/toolkit/base/failure.h" ] || fail "the headers of the toolkit are not installed"
     local private
     private=$(find "$headers" -name '*_internal.h' -o -name '*-inl.h' -o -name 'platform*.h' -o -name 'image_io.h')
     [ -z "$private" ] || fail "private headers are installed: $private"
     [ -n "$(find "$prefix" -name LICENSE)" ] || fail "the licence is not installed"
     local library
     [ -x "$prefix/libexec/umbrix/umbrix-worker" ] || fail "the worker is not installed"
-    for library in umbrix velloric coralith; do
+    for library in umbrix velloric coralith umbrix-toolkit; do
         find "$prefix" -name "lib$library.so" | grep -q . || fail "lib$library.so is not installed"
     done
 }
@@ -42,6 +43,7 @@ consume() {
     cmake -S "$here/consumer" -B "$work" -DUMBRIX_FROM="$from" -DCMAKE_BUILD_TYPE=Debug "$@"
     cmake --build "$work" --parallel 2
     "$work/consumer" || fail "the consumer found a wrong result"
+    [ "$from" != find_package ] || "$work/toolkit_consumer" || fail "the consumer of the toolkit found a wrong result"
 }
 
 # The tool finds its worker in a prefix that was moved, and says so in one sentence if it is missing.
