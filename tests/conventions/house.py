@@ -73,7 +73,6 @@ PARTS = [
             ("apps/umbrix/*", "apps/umbrix/toolkit_names.h"),
             # The line of commands has those of the work list among them.
             ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/list/list_command.h"),
-            ("apps/umbrix/terminal/plain_walk.h", "apps/umbrix/options/graphics_option.h"),
         ],
     ),
     Part("examples", [], [PUBLIC, "toolkit/*"], ["src"]),

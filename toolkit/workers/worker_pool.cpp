@@ -15,10 +15,10 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// One of the places for a worker. It keeps its processors from one worker to the next.
-class Place : public Observer {
+/// Room for one worker at a time. It keeps its processors from one worker to the next.
+class Slot : public Observer {
 public:
-    Place(PoolClient& client, ProcessorSet const* processors) : client_(client), processors_(processors) {}
+    Slot(PoolClient& client, ProcessorSet const* processors) : client_(client), processors_(processors) {}
 
     bool busy() const { return session_ != nullptr; }
     Session& session() const { return *session_; }
@@ -53,15 +53,7 @@ public:
         end();
     }
 
-    /// The first wish to stop.
-    void ask_to_stop()
-    {
-        if (task_->has_many_files()) {
-            session_->ask_to_stop();
-        }
-    }
-
-    /// The second one.
+    /// The user would not wait for it.
     void stop()
     {
         ending_.stopped = true;
@@ -109,16 +101,16 @@ public:
         : count_(count), client_(client), stop_(stop), shares_(share_processors(workers))
     {
         for (std::size_t i = 0; i < workers; ++i) {
-            places_.push_back(std::make_unique<Place>(client, shares_.empty() ? nullptr : &shares_[i]));
+            slots_.push_back(std::make_unique<Slot>(client, shares_.empty() ? nullptr : &shares_[i]));
         }
     }
 
     bool run()
     {
-        fill_places();
+        fill_slots();
         while (running() > 0) {
             listen();
-            fill_places();
+            fill_slots();
         }
         return !stopping_;
     }
@@ -126,16 +118,16 @@ public:
 private:
     std::size_t running() const
     {
-        auto const busy = [](std::unique_ptr<Place> const& place) { return place->busy(); };
-        return static_cast<std::size_t>(std::count_if(places_.begin(), places_.end(), busy));
+        auto const busy = [](std::unique_ptr<Slot> const& slot) { return slot->busy(); };
+        return static_cast<std::size_t>(std::count_if(slots_.begin(), slots_.end(), busy));
     }
 
-    void fill_places()
+    void fill_slots()
     {
-        for (auto const& place : places_) {
-            // Work that is nothing or fails at once leaves its place free.
-            while (!place->busy() && next_ < count_ && !noticed_wish_to_stop()) {
-                place->begin(next_++);
+        for (auto const& slot : slots_) {
+            // Work that is nothing or fails at once leaves its slot free.
+            while (!slot->busy() && next_ < count_ && !noticed_wish_to_stop()) {
+                slot->begin(next_++);
             }
         }
     }
@@ -147,13 +139,9 @@ private:
             if (!second) {
                 client_.stopping(running());
             }
-            for (auto const& place : places_) {
-                if (place->busy()) {
-                    if (second) {
-                        place->stop();
-                    } else {
-                        place->ask_to_stop();
-                    }
+            for (auto const& slot : slots_) {
+                if (second && slot->busy()) {
+                    slot->stop();
                 }
             }
         }
@@ -164,11 +152,11 @@ private:
     void listen()
     {
         std::vector<Session*> sessions;
-        std::vector<Place*> busy;
-        for (auto const& place : places_) {
-            if (place->busy()) {
-                busy.push_back(place.get());
-                sessions.push_back(&place->session());
+        std::vector<Slot*> busy;
+        for (auto const& slot : slots_) {
+            if (slot->busy()) {
+                busy.push_back(slot.get());
+                sessions.push_back(&slot->session());
             }
         }
         for (std::size_t const ended : wait_for(sessions, stop_)) {
@@ -181,7 +169,7 @@ private:
     PoolClient& client_;
     Stop const& stop_;
     std::vector<ProcessorSet> shares_;
-    std::vector<std::unique_ptr<Place>> places_;
+    std::vector<std::unique_ptr<Slot>> slots_;
     std::size_t next_ = 0;
     bool stopping_ = false;
 };

@@ -25,9 +25,6 @@ public:
     /// Longest time for decoding a file.
     virtual double timeout_seconds() const = 0;
 
-    /// Whether the job may end early at the first wish to stop, between two of its files.
-    virtual bool has_many_files() const { return false; }
-
     /// The worker has done its part: what is left to do. A Failure if that cannot be done.
     virtual void complete(Report const& report) = 0;
 };

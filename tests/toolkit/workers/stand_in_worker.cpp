@@ -10,7 +10,10 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <omp.h>
 #include <sstream>
 #include <string_view>
@@ -46,9 +49,16 @@ MapJob job_to_act(std::string const& acts)
     return job;
 }
 
+FolderJob walk_to_act(std::string const& acts)
+{
+    FolderJob job;
+    job.folder = acts;
+    return job;
+}
+
 namespace {
 
-void act(WorkerChannel& channel, std::string const& name, std::string const& word)
+void act(WorkerChannel& channel, std::string const& output, std::string const& name, std::string const& word)
 {
     if (name == "abort") {
         std::abort();
@@ -80,6 +90,8 @@ void act(WorkerChannel& channel, std::string const& name, std::string const& wor
         std::vector<char> memory(static_cast<std::size_t>(std::stoi(word)) << 20U, 1);
         std::fill(memory.begin(), memory.end(), static_cast<char>(getpid()));
         channel.stage("taken", memory[memory.size() / 2]);
+    } else if (name == "write") {
+        std::ofstream(output) << word;
     } else if (name == "listen") {
         while (!channel.stopping()) {
             std::this_thread::sleep_for(std::chrono::milliseconds(std::stoi(word)));
@@ -87,18 +99,38 @@ void act(WorkerChannel& channel, std::string const& name, std::string const& wor
     }
 }
 
+std::string acts_of(MapJob const& job)
+{
+    if (job.files.output.file.empty()) {
+        return job.files.output.name;
+    }
+    std::ifstream file(job.files.input);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string acts_of(FolderJob const& job)
+{
+    return job.folder;
+}
+
 int play_a_worker()
 {
     alarm(60);
     WorkerChannel channel;
-    auto const job = std::get<MapJob>(channel.read_job());
+    Job const job = channel.read_job();
+    auto const* const map = std::get_if<MapJob>(&job);
+    std::string const acts = map != nullptr ? acts_of(*map) : acts_of(std::get<FolderJob>(job));
     try {
-        std::istringstream acts(job.files.output.name);
-        for (std::string name, word; acts >> name >> word;) {
-            act(channel, name, word);
+        std::istringstream words(acts);
+        for (std::string name, word; words >> name >> word;) {
+            act(channel, map != nullptr ? map->files.output.file : "", name, word);
+        }
+        if (map == nullptr) {
+            channel.send(FolderReport{true});
+            return 0;
         }
         MapReport report;
-        report.reason = job.files.output.name;
+        report.reason = acts;
         report.difference = own_processors();
         report.width = omp_get_num_procs();
         channel.send(report);

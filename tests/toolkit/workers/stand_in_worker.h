@@ -10,7 +10,8 @@ namespace umbrixlib::toolkit {
 
 /// A job for a stand-in. It does @p acts one after the other, pairs of a name and a word, and then reports a
 /// map: its reason repeats the acts, its difference holds the numbers of the processors that the stand-in may
-/// use, and its width tells how many OpenMP counts.
+/// use, and its width tells how many OpenMP counts. A map with an output, as those of
+/// a batch have, has its acts in its input.
 ///
 ///     abort now         ends as a crash does
 ///     exit 3            ends with that code
@@ -24,7 +25,11 @@ namespace umbrixlib::toolkit {
 ///     say hello         prints
 ///     take 64           takes so many MiB of memory
 ///     listen 50         looks every so many milliseconds whether it is to stop, until it is
+///     write map         writes that word to the output
 MapJob job_to_act(std::string const& acts);
+
+/// The same for a walk.
+FolderJob walk_to_act(std::string const& acts);
 
 std::vector<int> own_processors();
 
