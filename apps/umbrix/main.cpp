@@ -60,13 +60,13 @@ int run_command(Command& command, std::string const& name)
 int run_tool(int count, char** words)
 {
     CommandLine line;
-    Asked const asked = line.parse({words + 1, words + count});
-    if (asked.command != nullptr) {
-        return run_command(*asked.command, asked.name);
+    ParsedLine const parsed = line.parse({words + 1, words + count});
+    if (parsed.command != nullptr) {
+        return run_command(*parsed.command, parsed.name);
     }
-    put_text(stdout, asked.out);
-    put_text(stderr, asked.complaint);
-    return asked.code;
+    put_text(stdout, parsed.out);
+    put_text(stderr, parsed.complaint);
+    return parsed.code;
 }
 
 } // namespace

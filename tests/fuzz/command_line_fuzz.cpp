@@ -65,18 +65,18 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t siz
         return 0;
     }
     static CommandLine line; // which takes longer to make than to use
-    Asked const asked = line.parse(words);
-    demand(asked.name.starts_with("umbrix"), "messages begin with the tool's name");
-    if (asked.command != nullptr) {
-        demand(asked.out.empty() && asked.complaint.empty(), "a command begins in silence");
-    } else if (asked.code == kDone) {
-        demand(!asked.out.empty() && asked.complaint.empty(), "what is asked for is shown");
+    ParsedLine const parsed = line.parse(words);
+    demand(parsed.name.starts_with("umbrix"), "messages begin with the tool's name");
+    if (parsed.command != nullptr) {
+        demand(parsed.out.empty() && parsed.complaint.empty(), "a command begins in silence");
+    } else if (parsed.code == kDone) {
+        demand(!parsed.out.empty() && parsed.complaint.empty(), "what is asked for is shown");
     } else {
-        demand(asked.code == kWrongUsage && asked.out.empty(), "wrong words are wrong usage");
-        umbrixlib::fuzz::demand_one_line(asked.complaint);
+        demand(parsed.code == kWrongUsage && parsed.out.empty(), "wrong words are wrong usage");
+        umbrixlib::fuzz::demand_one_line(parsed.complaint);
     }
-    bool const describes = asked.name == "umbrix completion" || asked.name == "umbrix manual";
-    if (describes && asked.command != nullptr) {
+    bool const describes = parsed.name == "umbrix completion" || parsed.name == "umbrix manual";
+    if (describes && parsed.command != nullptr) {
         static std::string const of_fresh = description_of(CommandLine().app());
         demand(description_of(line.app()) == of_fresh, "the tool says of itself what it says before parsing");
     }

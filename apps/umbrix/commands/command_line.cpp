@@ -62,39 +62,39 @@ std::string CommandLine::full_name(std::vector<std::string> const& words)
     return name;
 }
 
-Asked CommandLine::parse(std::vector<std::string> const& words)
+ParsedLine CommandLine::parse(std::vector<std::string> const& words)
 {
-    Asked asked;
-    asked.name = full_name(words);
+    ParsedLine parsed;
+    parsed.name = full_name(words);
     try {
         std::vector<std::string> arguments = with_device_numbers(words);
         std::reverse(arguments.begin(), arguments.end()); // as CLI11 takes them
         app_.parse(std::move(arguments));
     } catch (CLI::Success const& success) {
         std::ostringstream out;
-        asked.code = app_.exit(success, out, out);
-        asked.out = out.str();
-        return asked;
+        parsed.code = app_.exit(success, out, out);
+        parsed.out = out.str();
+        return parsed;
     } catch (CLI::ParseError const& error) {
-        asked.complaint =
-            printable(fmt::format("{0}: error: {1}; see {0} --help", asked.name, error.what())) + "\n";
-        asked.code = kWrongUsage;
-        return asked;
+        parsed.complaint =
+            printable(fmt::format("{0}: error: {1}; see {0} --help", parsed.name, error.what())) + "\n";
+        parsed.code = kWrongUsage;
+        return parsed;
     } catch (Failure const& failure) { // a preset is read while the command line is
         Complaint const complaint = complaint_about(failure);
-        asked.complaint = error_line(complaint, asked.name);
-        asked.code = complaint.code;
-        return asked;
+        parsed.complaint = error_line(complaint, parsed.name);
+        parsed.code = complaint.code;
+        return parsed;
     }
     for (Declared const& each : commands_) {
         if (each.app->parsed()) {
-            asked.command = each.command.get();
-            return asked;
+            parsed.command = each.command.get();
+            return parsed;
         }
     }
-    asked.complaint = "umbrix: error: no command is given; see umbrix --help\n";
-    asked.code = kWrongUsage;
-    return asked;
+    parsed.complaint = "umbrix: error: no command is given; see umbrix --help\n";
+    parsed.code = kWrongUsage;
+    return parsed;
 }
 
 } // namespace umbrix_cli

@@ -14,7 +14,7 @@
 namespace umbrix_cli {
 
 /// What a command line asks for: that a command be run, or, without one, that a text be shown.
-struct Asked {
+struct ParsedLine {
     std::string name;           ///< "umbrix list add": what begins messages.
     Command* command = nullptr; ///< Of the command line that was parsed.
     std::string out;            ///< For the standard output: help, the version.
@@ -29,7 +29,7 @@ public:
 
     /// Parses the words behind the program's own name. No file is read but one that --preset names. In
     /// another call options that are not given keep what they were set to.
-    Asked parse(std::vector<std::string> const& words);
+    ParsedLine parse(std::vector<std::string> const& words);
 
     CLI::App const& app() const { return app_; }
 

@@ -61,7 +61,7 @@ ListAddCommand::NewJob ListAddCommand::job_for(std::string const& source, Interr
     umbrix_node& job = added.job;
     job.search_str = pattern_for(source);
     SourceLook const look =
-        look_at_source(source, options_.settings, options_.kind(), Surroundings{kCommand, interrupts});
+        look_at_source(source, options_.settings, options_.kind(), Caller{kCommand, interrupts});
     if (look.kind == Kind::kNormalMap && options_.settings.normal_y == NormalY::kDown) {
         throw UsageError("--preset", "its green points down, and a job of a list takes green for up",
                          "turn the green of the picture over, or leave the direction out of the preset");
@@ -84,7 +84,7 @@ void ListAddCommand::run(Interrupts const& interrupts)
     }
     LinkedList<n_layer> layers;
     if (!options_.layers.empty()) {
-        layers = layers_for_job(options_.layers, options_.settings, Surroundings{kCommand, interrupts});
+        layers = layers_for_job(options_.layers, options_.settings, Caller{kCommand, interrupts});
     }
     std::vector<std::string> told;
     for (std::string const& source : sources_) {

@@ -21,12 +21,12 @@ namespace {
 namespace fs = std::filesystem;
 
 /// What `umbrix info` says about a picture, which is thereby known to be readable.
-InfoReport info_of(fs::path const& picture, Surroundings const& surroundings)
+InfoReport info_of(fs::path const& picture, Caller const& caller)
 {
     CommonOptions const limits;
-    return supervise(InfoJob{picture.string(), limits.max_texels},
-                     {surroundings.command, limits.timeout_seconds, false, ProgressDisplay::Style::kNone,
-                      surroundings.interrupts});
+    return supervise(
+        InfoJob{picture.string(), limits.max_texels},
+        {caller.command, limits.timeout_seconds, false, ProgressDisplay::Style::kNone, caller.interrupts});
 }
 
 void demand_all_of_a_folder(fs::path const& folder, Settings const& settings, std::optional<Kind> kind)
@@ -93,7 +93,7 @@ std::optional<Kind> JobOptions::kind() const
 }
 
 SourceLook look_at_source(fs::path const& source, Settings const& settings, std::optional<Kind> kind,
-                          Surroundings const& surroundings)
+                          Caller const& caller)
 {
     std::error_code error;
     if (fs::is_directory(source, error)) {
@@ -104,15 +104,14 @@ SourceLook look_at_source(fs::path const& source, Settings const& settings, std:
     if (kind && settings.n_scale) {
         return {*kind, "", 0};
     }
-    InfoReport const info = info_of(source, surroundings);
+    InfoReport const info = info_of(source, caller);
     if (kind) {
         return {*kind, "", info.width};
     }
     return {info.taken_for, info.because, info.width};
 }
 
-LinkedList<n_layer> layers_for_job(fs::path const& stack_file, Settings const& settings,
-                                   Surroundings const& surroundings)
+LinkedList<n_layer> layers_for_job(fs::path const& stack_file, Settings const& settings, Caller const& caller)
 {
     check_input(stack_file);
     StackFile const file = read_stack_file(stack_file);
@@ -125,18 +124,18 @@ LinkedList<n_layer> layers_for_job(fs::path const& stack_file, Settings const& s
     }
     check_layer_files(file.description);
     for (std::string const& note : file.notes) {
-        say_note(surroundings.command, note);
+        say_note(caller.command, note);
     }
     for (std::size_t i = 1; i < layers.size(); ++i) {
         if (layers[i].blend == 0) {
-            say_note(surroundings.command,
+            say_note(caller.command,
                      layers[i].label +
                          ": blend: where the map takes its normals from the layers, it leaves out "
                          "those of this one");
         }
     }
     // All layers are worked on in the size of the first.
-    float const n_scale = n_scale_of(settings, info_of(layers.front().file, surroundings).width);
+    float const n_scale = n_scale_of(settings, info_of(layers.front().file, caller).width);
     LinkedList<n_layer> records;
     for (std::size_t i = 0; i < layers.size(); ++i) {
         StackLayer const* const next = i + 1 < layers.size() ? &layers[i + 1] : nullptr;

@@ -32,8 +32,8 @@ private:
     std::optional<Kind> kind_;
 };
 
-/// What has to be known of a job's source and its layers before the job can be written down.
-struct Surroundings {
+/// The command at work, for which pictures are looked at.
+struct Caller {
     std::string const& command; ///< Begins every message: "umbrix list add".
     Interrupts const& interrupts;
 };
@@ -47,11 +47,11 @@ struct SourceLook {
 /// Looks at a source where something is left to be worked out: its kind, or a strength of the normals that
 /// fits its width. Of a folder all has to be given.
 SourceLook look_at_source(std::filesystem::path const& source, Settings const& settings,
-                          std::optional<Kind> kind, Surroundings const& surroundings);
+                          std::optional<Kind> kind, Caller const& caller);
 
 /// The layers of a stack file as a job holds them.
 LinkedList<n_layer> layers_for_job(std::filesystem::path const& stack_file, Settings const& settings,
-                                   Surroundings const& surroundings);
+                                   Caller const& caller);
 
 /// The absolute name: a job may run from anywhere.
 std::string name_in_list(std::filesystem::path const& file);

@@ -57,10 +57,9 @@ void ListSetCommand::change_numbers(umbrix_node& job, Interrupts const& interrup
     Settings const settings = merged(job, options_.settings, given);
     check_map_usage(settings, "");
     Kind const kind = options_.kind().value_or(kind_of(job));
-    int const width =
-        settings.n_scale
-            ? 0
-            : look_at_source(job.filename, settings, kind, Surroundings{kCommand, interrupts}).width;
+    int const width = settings.n_scale
+                          ? 0
+                          : look_at_source(job.filename, settings, kind, Caller{kCommand, interrupts}).width;
     bool const made_normals = job.generate_normal;
     copy_given(data_for(settings, kind, width), given, job);
     bool const asks_for_strength = given.contains("relief") || !made_normals;
@@ -80,7 +79,7 @@ void ListSetCommand::change_layers(umbrix_node& job, Interrupts const& interrupt
     if (!no_layers_) {
         Settings settings = settings_of(job);
         settings.n_scale = std::nullopt; // each layer's own, or the one that fits the job's relief
-        layers = layers_for_job(options_.layers, settings, Surroundings{kCommand, interrupts});
+        layers = layers_for_job(options_.layers, settings, Caller{kCommand, interrupts});
     }
     while (job.layers.count != 0) {
         job.layers.RemoveFirst();
