@@ -16,6 +16,7 @@ namespace umbrix_cli {
 
 namespace {
 
+constexpr char const* kCommand = "umbrix batch";
 constexpr char const* kFiles = "Files";
 constexpr char const* kRun = "Run";
 
@@ -142,7 +143,6 @@ BatchChoice BatchCommand::choice() const
 BatchOrders BatchCommand::orders() const
 {
     BatchOrders orders;
-    orders.command = "umbrix batch";
     NormalY const normal_y = normal_y_.value_or(settings_.normal_y);
     if (normal_) {
         NormalJob const job{{}, settings_, normal_y};
@@ -157,11 +157,8 @@ BatchOrders BatchCommand::orders() const
     orders.max_texels = common_.max_texels;
     orders.policy = choice().policy;
     orders.timeout_seconds = common_.timeout_seconds;
-    orders.verbose = common_.verbose;
-    orders.json = json_;
     orders.workers = workers_.count();
     orders.dry_run = dry_run_;
-    orders.progress = common_.progress;
     return orders;
 }
 
@@ -208,10 +205,9 @@ void BatchCommand::run(Interrupts const& interrupts)
     }
     BatchPlan const plan = plan_batch(choice());
     if (common_.verbose && plan.outputs_left_out > 0) {
-        say_note("umbrix batch",
-                 fmt::format("{} outputs of earlier runs are left out", plan.outputs_left_out));
+        say_note(kCommand, fmt::format("{} outputs of earlier runs are left out", plan.outputs_left_out));
     }
-    run_batch(plan, orders(), interrupts);
+    show_batch(plan, orders(), {kCommand, common_.verbose, json_, common_.progress, {}}, interrupts);
 }
 
 } // namespace umbrix_cli

@@ -5,7 +5,7 @@
 #include "options/common_options.h"
 #include "options/graphics_option.h"
 #include "options/workers_option.h"
-#include "terminal/batch_run.h"
+#include "terminal/batch_display.h"
 #include "terminal/plain_walk.h"
 #include "toolkit/settings/defaults.h"
 #include "toolkit_names.h"

@@ -4,7 +4,7 @@
 #include "options/list_argument.h"
 #include "options/map_usage.h"
 #include "options/setting_options.h"
-#include "terminal/batch_run.h"
+#include "terminal/batch_display.h"
 #include "toolkit/batch/list_plan.h"
 #include "toolkit/lists/list_file.h"
 #include "toolkit/lists/list_settings.h"
@@ -82,13 +82,9 @@ void ListRunCommand::run(Interrupts const& interrupts)
     }
 
     BatchOrders orders;
-    orders.command = "umbrix list run";
     orders.policy = choice.policy;
     orders.max_texels = common_.max_texels;
     orders.timeout_seconds = common_.timeout_seconds;
-    orders.verbose = common_.verbose;
-    orders.json = json_;
-    orders.progress = common_.progress;
     orders.workers = workers_.count();
     orders.dry_run = dry_run_;
     orders.job_for = [&](BatchFile const& file) {
@@ -99,13 +95,15 @@ void ListRunCommand::run(Interrupts const& interrupts)
         check_graphics_usage(graphics_, settings);
         return job;
     };
-    orders.ended = [&](BatchFile const& file, BatchResult const& result) {
-        if (result.state == BatchState::kDone || result.state == BatchState::kFailed) {
-            log.add(file.target, plan.pieces[file.origin].digest,
-                    result.state == BatchState::kDone ? "done" : "failed", result.reason);
+    auto const ended = [&](BatchResult const& result) {
+        bool const done = result.state == BatchState::kDone;
+        if (!result.file.target.empty() && (done || result.state == BatchState::kFailed)) {
+            log.add(result.file.target, plan.pieces[result.file.origin].digest, done ? "done" : "failed",
+                    reason_of(result));
         }
     };
-    run_batch(plan.batch, orders, interrupts);
+    show_batch(plan.batch, orders, {"umbrix list run", common_.verbose, json_, common_.progress, ended},
+               interrupts);
 }
 
 } // namespace umbrix_cli

@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: MIT
+#include "terminal/batch_writer.h"
+
+#include "terminal/advice.h"
+#include "terminal/kind_name.h"
+#include "terminal/put_text.h"
+#include "terminal/say.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace umbrix_cli {
+
+namespace {
+
+constexpr char const* kNames[] = {"skipped", "done", "stopped", "failed"};
+
+char const* word_for(BatchState state)
+{
+    return kNames[static_cast<int>(state)];
+}
+
+std::string row_of(BatchResult const& result)
+{
+    std::string const source = result.file.source.string();
+    if (result.state == BatchState::kDone) {
+        return fmt::format(
+            "{:8} {} -> {}{}, {:.1f} s", word_for(result.state), source, result.file.target.string(),
+            result.kind ? fmt::format(", from a {}", name_of(*result.kind)) : "", result.seconds);
+    }
+    return fmt::format("{:8} {}: {}", word_for(result.state), source, reason_of(result));
+}
+
+class Table : public BatchWriter {
+public:
+    void planned(BatchFile const& file) override
+    {
+        say("{} -> {}", file.source.string(), file.target.string());
+    }
+
+    void add(BatchResult const& result) override
+    {
+        rows_.push_back({result.state, result.file.source, row_of(result)});
+    }
+
+    void finish(BatchSummary const& summary) override
+    {
+        std::sort(rows_.begin(), rows_.end(), [](Row const& a, Row const& b) {
+            return std::tie(a.state, a.source) < std::tie(b.state, b.source);
+        });
+        for (Row const& row : rows_) {
+            say("{}", row.text);
+        }
+        std::string text =
+            fmt::format("{} done, {} skipped, {} failed", summary.done, summary.skipped, summary.failed);
+        for (auto const& [number, word] : {std::pair(summary.planned, "to do"), {summary.left, "left"}}) {
+            text += number > 0 ? fmt::format(", {} {}", number, word) : "";
+        }
+        put_text(stdout, fmt::format("{}; {:.1f} s\n", text, summary.seconds));
+    }
+
+private:
+    struct Row {
+        BatchState state;
+        std::filesystem::path source;
+        std::string text;
+    };
+    std::vector<Row> rows_;
+};
+
+class JsonLines : public BatchWriter {
+public:
+    explicit JsonLines(bool details) : details_(details) {}
+
+    void planned(BatchFile const& file) override
+    {
+        print({{"source", file.source.string()}, {"target", file.target.string()}, {"state", "planned"}});
+    }
+
+    void add(BatchResult const& result) override
+    {
+        nlohmann::json object{{"source", result.file.source.string()}, {"state", word_for(result.state)}};
+        if (!result.file.target.empty()) {
+            object["target"] = result.file.target.string();
+        }
+        if (result.state != BatchState::kDone) {
+            object["reason"] = reason_of(result);
+        }
+        if (result.kind) {
+            object["taken_for"] = name_of(*result.kind);
+        }
+        if (result.peak_kib > 0) {
+            object["seconds"] = result.seconds;
+            object["peak_kib"] = result.peak_kib;
+        }
+        for (Note const& note : result.notes) {
+            if (details_ || !note.detail) {
+                object["notes"].push_back(text_of(note));
+            }
+        }
+        print(object);
+    }
+
+    void finish(BatchSummary const& summary) override
+    {
+        print({{"planned", summary.planned},
+               {"done", summary.done},
+               {"skipped", summary.skipped},
+               {"failed", summary.failed},
+               {"left", summary.left},
+               {"seconds", summary.seconds}});
+    }
+
+private:
+    static void print(nlohmann::json const& object)
+    {
+        // A file name need not be UTF-8.
+        put_text(stdout, object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");
+    }
+
+    bool details_;
+};
+
+} // namespace
+
+std::unique_ptr<BatchWriter> write_table()
+{
+    return std::make_unique<Table>();
+}
+
+std::unique_ptr<BatchWriter> write_json_lines(bool details)
+{
+    return std::make_unique<JsonLines>(details);
+}
+
+std::string reason_of(BatchResult const& result)
+{
+    if (!result.failure) {
+        return result.reason;
+    }
+    // In a table of files, a failure that is about its row's file need not name it again.
+    Failure const& failure = *result.failure;
+    bool const named =
+        failure.subject == result.file.source.string() || failure.subject == result.file.target.string();
+    return named ? failure.what() : fmt::format("{}: {}", complaint_about(failure).subject, failure.what());
+}
+
+} // namespace umbrix_cli
