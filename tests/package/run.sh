@@ -5,7 +5,8 @@
 #   run.sh find_package|pkg_config PREFIX WORK
 #   run.sh add_subdirectory SOURCE WORK       against the sources, nothing installed
 #   run.sh move PREFIX WORK PICTURE           the tool of the prefix in another folder, with its worker and without
-#   run.sh embed PREFIX WORK EXAMPLES         the example of a front end, on pictures of the examples
+#   run.sh embed PREFIX WORK EXAMPLES         the example of the library in a program, on pictures of the examples
+#   run.sh frontend PREFIX WORK EXAMPLES      the example of a front end on the toolkit, the same
 #   run.sh snippets PREFIX WORK ROOT          the programs that README and docs/library.md show
 # CXX is the compiler, SANITIZE the sanitizers of the build, both from the environment.
 set -euo pipefail
@@ -27,6 +28,9 @@ install_tree() {
     local private
     private=$(find "$headers" -name '*_internal.h' -o -name '*-inl.h' -o -name 'platform*.h' -o -name 'image_io.h')
     [ -z "$private" ] || fail "private headers are installed: $private"
+    (cd "$headers" && find toolkit -name '*.h' -printf '#include <%p>\n') > "$prefix/all_headers.cpp"
+    "${CXX:-c++}" -std=c++20 -fsyntax-only -I"$headers" "$prefix/all_headers.cpp" ||
+        fail "a header of the toolkit needs what is not installed"
     [ -n "$(find "$prefix" -name LICENSE)" ] || fail "the licence is not installed"
     local library
     [ -x "$prefix/libexec/umbrix/umbrix-worker" ] || fail "the worker is not installed"
@@ -110,34 +114,62 @@ snippets() {
     cmp "${texels[@]}" stones/cobbles_Umbrix.tga expected.tga || fail "the program in docs/library.md makes another map"
 }
 
-# Builds the example of a front end, runs it on two pictures, and stops it in the middle of forty.
-embed() {
-    local prefix=$1 work=$2 examples=$3
-    rm -rf "$work"
-    cmake -S "$examples/embed" -B "$work" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_BUILD_TYPE=Release \
+# make_example EXAMPLE: builds examples/EXAMPLE against the prefix.
+make_example() {
+    cmake -S "$examples/$1" -B "$work" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_BUILD_TYPE=Release \
         ${SANITIZE:+-DCMAKE_CXX_FLAGS="-fsanitize=$SANITIZE"}
     cmake --build "$work"
+}
 
-    mkdir "$work/one" "$work/forty"
-    colour_heights "$prefix" "$examples" "$work/one" cobbles
-    (cd "$work" && ./embed one/ '*_height.tga') || fail "the example of a front end ended with $?"
-    "$prefix/bin/umbrix" info "$work/one/cobbles_Umbrix.tga" | tee "$work/info.txt"
-    grep -qE 'red +0 to 2[0-9]{2}' "$work/info.txt" || fail "the example of a front end made a map without relief"
-
-    local i code=0 made
+# stop_in_the_middle FOLDER PICTURE COMMAND...: the command makes maps of forty copies of the picture in the folder, and
+# is stopped behind the first.
+stop_in_the_middle() {
+    local folder=$1 picture=$2 i code=0 made
+    shift 2
+    mkdir "$folder"
     for i in {1..40}; do
-        cp "$work/one/cobbles_height.tga" "$work/forty/cobbles${i}_height.tga"
+        cp "$picture" "$folder/cobbles${i}_height.tga"
     done
-    "$work/embed" "$work/forty" '*_height.tga' &
-    until compgen -G "$work/forty/*_Umbrix.tga" > /dev/null; do
+    "$@" &
+    until compgen -G "$folder/*_Umbrix.tga" > /dev/null; do
         kill -0 $! || fail "the example of a front end made nothing"
         sleep 0.01
     done
     kill -INT $!
     wait $! || code=$?
-    made=$(find "$work/forty" -name '*_Umbrix.tga' | wc -l)
+    made=$(find "$folder" -name '*_Umbrix.tga' | wc -l)
     echo "stopped behind $made of 40 pictures, exit code $code"
     [ "$code" -eq 130 ] && [ "$made" -lt 40 ] || fail "the example of a front end does not stop"
+}
+
+# The library in a program: on one picture, and stopped in the middle of forty.
+embed() {
+    local prefix=$1 work=$2 examples=$3
+    rm -rf "$work"
+    make_example embed
+    mkdir "$work/one"
+    colour_heights "$prefix" "$examples" "$work/one" cobbles
+    (cd "$work" && ./embed one/ '*_height.tga') || fail "the example of a front end ended with $?"
+    "$prefix/bin/umbrix" info "$work/one/cobbles_Umbrix.tga" | tee "$work/info.txt"
+    grep -qE 'red +0 to 2[0-9]{2}' "$work/info.txt" || fail "the example of a front end made a map without relief"
+    stop_in_the_middle "$work/forty" "$work/one/cobbles_height.tga" "$work/embed" "$work/forty" '*_height.tga'
+}
+
+# A front end on the toolkit: on a picture and a file that is none, and stopped in the middle of forty.
+frontend() {
+    local prefix=$1 work=$2 examples=$3 code=0
+    rm -rf "$work"
+    make_example frontend
+    mkdir "$work/two"
+    cp "$examples/textures/cobbles_height.png" "$work/two"
+    echo "no picture" > "$work/two/broken.png"
+    "$work/frontend" "$work/two" stone | tee "$work/said.txt" || code=$?
+    [ "$code" -eq 1 ] && grep -q '^1 made, 0 skipped, 1 failed, 0 left$' "$work/said.txt" ||
+        fail "the front end ended with $code"
+    "$prefix/bin/umbrix" map "$examples/textures/cobbles_height.png" -o "$work/by_tool.png" --preset stone
+    cmp "$work/by_tool.png" "$work/two/cobbles_Umbrix.png" || fail "the front end made another map than the tool"
+    colour_heights "$prefix" "$examples" "$work" cobbles
+    stop_in_the_middle "$work/forty" "$work/cobbles_height.tga" "$work/frontend" "$work/forty"
 }
 
 case ${1-} in
@@ -159,8 +191,8 @@ add_subdirectory)
 move)
     move "$2" "$3" "$4"
     ;;
-embed)
-    embed "$2" "$3" "$4"
+embed | frontend)
+    "$1" "$2" "$3" "$4"
     ;;
 snippets)
     snippets "$2" "$3" "$4"
