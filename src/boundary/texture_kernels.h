@@ -111,10 +111,9 @@ VELLORIC_API void GenerateRays(int height, int width, ray*& rays_a, ray*& rays_b
 /// @param h_scale    Accepted and not read: the heights come scaled.
 /// @param radius     Reach of the rays, as a fraction of the width.
 /// @param tile       Enables @p h_tile (columns wrap) and @p v_tile (rows wrap).
-/// @param progress   Goes from 0 to 1000, never back; may be null. Once it holds INT_MIN, stored atomically
-/// by
-///                   any thread before the call or during it, the kernel leaves it so, returns within some
-///                   tiles' time, and @p occlusion holds anything.
+/// @param progress   Goes from 0 to 1000, never back; may be null. Any thread may store INT_MIN in it,
+///                   atomically, before the call or during it: the kernel leaves that value, returns within
+///                   the time of some tiles, and the contents of @p occlusion are undefined.
 /// Threads: uses all processors; call it from one thread at a time.
 VELLORIC_API void Height2DirectionalAO(float3* occlusion, float* heights, int height, int width, ray* rays_a,
                                        ray* rays_b, ray* rays_c, int rays, float h_scale, float radius,

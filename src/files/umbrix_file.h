@@ -19,9 +19,8 @@ class NLayers;
 ///                 mean of the colours is the height) or a normal map with the height in its alpha. With one
 ///                 byte per pixel it counts as black; any other depth sets how far apart texels lie in the
 ///                 bytes, of which DevIL still delivers three or four a texel.
-/// @param output   Replaced if it exists; the format follows from the extension. A name with ".vtf" anywhere
-/// in
-///                 it gets its rows reversed, which assumes a square image.
+/// @param output   Replaced if it exists; the format follows from the extension. If ".vtf" is anywhere in the
+///                 name, the rows are reversed, which assumes a square image.
 /// @param options  Every field set by the caller. A run writes `blend_height`, `image_width`, `image_height`,
 ///                 `ao_map` and, with `keep_buffers`, `normal_map` and `height_copy`; the caller then frees
 ///                 the three with array delete. With `preserve` and without `keep_buffers`, `height_copy`

@@ -10,8 +10,8 @@ inline namespace umbrix_v0 {
 struct n_layer {
     std::string name;     ///< Free text for the front end; stored, never read.
     std::string filename; ///< The layer's image. Empty stands for a blank layer.
-    int blend_mode =
-        0; ///< How the layer after this one is combined: 0 blend, 1 overlay, 2 multiply, else add.
+    /// How the layer after this one is combined: 0 blend, 1 overlay, 2 multiply, else add.
+    int blend_mode = 0;
     float opacity = 0;       ///< Strength of that combination, per cent.
     float n_scale = 0;       ///< Factor on the layer's heights.
     float L_Detail = 0;      ///< Radius of the bilateral filter, texels; at most 1 means none.

@@ -15,13 +15,11 @@ UMBRIX_API bool normal2umbrix(float3 normal, float3& out, umbrix_options& option
 
 /// Builds the ray tables of the three bands and traces them from a single position.
 ///
-/// @param heights  rows * cols heights, row-major, and behind them room up to element rows * cols + cols,
-/// which is
-///                 read.
+/// @param heights  rows * cols heights, row-major, and behind them one row and one element more: all up to
+///                 element rows * cols + cols are read.
 /// @param out      As long as @p heights; one element behind the image is written.
-/// @param options  Reads `rays`, `radius`, `h_scale`, the two limits, the tile flags and the bases; writes
-/// the six
-///                 working fields, which dangle afterwards.
+/// @param options  Reads `rays`, `radius`, `h_scale`, the two limits, the tile flags and the bases. Writes
+///                 the six working fields, which dangle afterwards.
 /// @param progress Set to 0; not null. With @p rows or @p cols below 1 both buffers are left alone.
 /// @return True.
 ///
@@ -47,9 +45,8 @@ UMBRIX_API bool height2umbrix(float* heights, float3* out, int rows, int cols, u
 /// @param scale      Factor on every height.
 /// @param max_height Largest height of the map, at least 0, before @p scale.
 /// @param reach      How far a ray may climb above its start before it counts as open.
-/// @param table      For each ray @p ray_length entries: column offset and row offset in texels with a
-/// rounding
-///                   half, and the height gained, for step 1, 2, ...
+/// @param table      For each ray @p ray_length entries, for steps 1, 2, ...: column offset and row offset in
+///                   texels, with a half added for rounding, and the height gained.
 /// @param ray_length Steps of a ray. With 0 nothing is read and every ray is open.
 /// @param tile       Enables @p h_tile (columns wrap) and @p v_tile (rows wrap).
 ///

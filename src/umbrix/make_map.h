@@ -23,10 +23,10 @@ namespace umbrixlib {
 
 /// What the map of a run is made of.
 enum class MapForm {
-    kFloats,      ///< Four floats a texel.
-    kColourBytes, ///< Three bytes a texel, as `map_to_bytes` makes them. Floats are stored only for the
-                  ///< grading.
-    kBytes,       ///< The same with alpha: four bytes a texel.
+    kFloats, ///< Four floats a texel.
+    /// Three bytes a texel, as `map_to_bytes` makes them. Floats are stored only for the grading.
+    kColourBytes,
+    kBytes, ///< The same with alpha: four bytes a texel.
 };
 
 /// What `make_map` is asked for.

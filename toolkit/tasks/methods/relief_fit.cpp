@@ -90,8 +90,8 @@ double golden_section(Function const& value_at, double low, double high, double 
     return (low + high) / 2.0;
 }
 
-/// Every how manieth texel the grid looks at: an odd number, so that it does not walk along the columns of a
-/// picture whose width is a power of two.
+/// Stride of the grid, in texels. It is odd, so that the grid does not run along the columns of a picture
+/// whose width is a power of two.
 std::size_t grid_step(std::size_t texels)
 {
     return texels / kEnoughForTheGrid | 1U;
