@@ -2,14 +2,10 @@
 // The calls that the folder batch of normal maps makes. The files are empty: stand-ins serve the pictures.
 #include "files/folder_to_normal.h"
 
-#include "call_log.h"
 #include "devil_fake.h"
-#include "kept_directory.h"
+#include "folder_calls.h"
 #include "picture_depths.h"
-#include "temporary_folder.h"
 
-#include <algorithm>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <stdexcept>
 
@@ -20,26 +16,11 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using umbrixlib::test::CallLog;
 using umbrixlib::test::DevilFake;
-using umbrixlib::test::KeptDirectory;
-using umbrixlib::test::TemporaryFolder;
-using Calls = std::vector<std::string>;
 
-class FolderToNormalCalls : public testing::Test {
+class FolderToNormalCalls : public umbrixlib::test::FolderCalls {
 protected:
-    void SetUp() override
-    {
-        CallLog::instance().clear();
-        DevilFake::instance().serve(4, 4, 24);
-    }
+    void SetUp() override { DevilFake::instance().serve(4, 4, 24); }
     void TearDown() override { DevilFake::instance() = {}; }
-
-    void add_files(std::initializer_list<char const*> names) const
-    {
-        for (char const* const name : names) {
-            fs::create_directories((root_ / name).parent_path());
-            std::ofstream(root_ / name) << "x";
-        }
-    }
 
     bool run(char const* pattern, bool recurse, std::string const& path)
     {
@@ -47,33 +28,6 @@ protected:
                               &current_, &status_, &progress_);
     }
     bool run(char const* pattern, bool recurse = false) { return run(pattern, recurse, root()); }
-
-    std::string root() const { return root_.path().string(); }
-
-    /// The recorded calls that start with one of @p starts, the root folder left out of the names.
-    Calls calls(std::initializer_list<char const*> starts) const
-    {
-        Calls found;
-        for (std::string call : CallLog::instance().calls()) {
-            bool const wanted = std::any_of(starts.begin(), starts.end(),
-                                            [&](char const* start) { return call.rfind(start, 0) == 0; });
-            if (wanted) {
-                if (std::size_t const at = call.find(root() + "/"); at != std::string::npos) {
-                    call.erase(at, root().size() + 1);
-                }
-                found.push_back(call);
-            }
-        }
-        return found;
-    }
-    Calls files() const { return calls({"ilLoadImage(", "ilSaveImage("}); }
-
-    TemporaryFolder root_;
-    KeptDirectory kept_;
-    LinkedList<n_layer> layers_;
-    std::string current_ = "before";
-    std::string status_ = "before";
-    int progress_ = 7;
 };
 
 TEST_F(FolderToNormalCalls, EachFileIsConvertedBesideItself)

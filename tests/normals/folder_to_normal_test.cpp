@@ -2,10 +2,8 @@
 // The folder batch of normal maps on real pictures.
 #include "files/folder_to_normal.h"
 
-#include "kept_directory.h"
+#include "folder_pictures.h"
 #include "normals/height_to_normal.h"
-#include "picture_files.h"
-#include "temporary_folder.h"
 
 #include <gtest/gtest.h>
 #include <set>
@@ -14,41 +12,16 @@ namespace {
 
 namespace fs = std::filesystem;
 using umbrixlib::test::Bytes;
-using umbrixlib::test::KeptDirectory;
-using umbrixlib::test::read_tga;
-using umbrixlib::test::TemporaryFolder;
 
-class FolderToNormalFiles : public testing::Test {
+class FolderToNormalFiles : public umbrixlib::test::FolderPictures {
 protected:
-    void add_picture(char const* name, unsigned seed) const
-    {
-        fs::create_directories((root_ / name).parent_path());
-        Bytes bytes(8 * 8 * 3);
-        for (std::size_t i = 0; i < bytes.size(); ++i) {
-            bytes[i] = static_cast<std::uint8_t>((i * 37 + seed * 11) & 255U);
-        }
-        umbrixlib::test::write_file(root_ / name, umbrixlib::test::tga_bytes(8, 8, 3, bytes));
-    }
+    void add_picture(char const* name, unsigned seed) const { FolderPictures::add_picture(name, seed, 3); }
 
     bool run(char const* pattern, LinkedList<n_layer> const& layers = {})
     {
         return FolderToNormal(root_.path().string(), pattern, 3.0f, 1.0f, false, 1, 0.0f, false, layers,
                               false, true, &current_, &status_, &progress_);
     }
-
-    std::set<std::string> names() const
-    {
-        std::set<std::string> found;
-        for (auto const& entry : fs::recursive_directory_iterator(root_.path())) {
-            if (entry.is_regular_file()) {
-                found.insert(fs::relative(entry.path(), root_.path()).string());
-            }
-        }
-        return found;
-    }
-
-    /// The pixels alone: DevIL leaves the header's origin unset.
-    static Bytes pixels(fs::path const& file) { return read_tga(file).pixels; }
 
     /// What one call for one file makes of @p source.
     Bytes single(char const* source)
@@ -58,13 +31,6 @@ protected:
                        &status_, &progress_);
         return pixels(output);
     }
-
-    TemporaryFolder root_;
-    TemporaryFolder other_;
-    KeptDirectory kept_;
-    std::string current_;
-    std::string status_;
-    int progress_ = 0;
 };
 
 TEST_F(FolderToNormalFiles, ATreeOfThreeLevelsHasTheFilesOfSingleCalls)

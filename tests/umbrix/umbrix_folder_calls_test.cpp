@@ -3,17 +3,14 @@
 // are empty: stand-ins serve the pictures.
 #include "files/umbrix_folder.h"
 
-#include "call_log.h"
 #include "devil_fake.h"
+#include "folder_calls.h"
 #include "forms.h"
 #include "graphics_fake.h"
-#include "kept_directory.h"
 #include "picture_depths.h"
-#include "temporary_folder.h"
 #include "umbrix_test_options.h"
 
 #include <algorithm>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <omp.h>
 #include <stdexcept>
@@ -29,20 +26,16 @@ using umbrixlib::test::DevilFake;
 using umbrixlib::test::Form;
 using umbrixlib::test::GraphicsFake;
 using umbrixlib::test::kCpu;
-using umbrixlib::test::KeptDirectory;
 using umbrixlib::test::kGpu;
 using umbrixlib::test::name_of;
 using umbrixlib::test::neutral_options;
-using umbrixlib::test::TemporaryFolder;
-using Calls = std::vector<std::string>;
 
-class UmbrixFolderCalls : public testing::TestWithParam<Form> {
+class UmbrixFolderCalls : public umbrixlib::test::FolderCalls, public testing::WithParamInterface<Form> {
 protected:
     void SetUp() override
     {
         omp_set_dynamic(0);
         omp_set_num_threads(omp_get_num_procs());
-        CallLog::instance().clear();
         GraphicsFake::instance().reset();
         DevilFake::instance().serve(4, 4, 32);
         options_.cancel = &cancel_;
@@ -63,14 +56,6 @@ protected:
             delete[] std::exchange(options_.normal_map, nullptr);
         }
         delete[] std::exchange(options_.height_copy, nullptr);
-    }
-
-    void add_files(std::initializer_list<char const*> names) const
-    {
-        for (char const* const name : names) {
-            fs::create_directories((root_ / name).parent_path());
-            std::ofstream(root_ / name) << "x";
-        }
     }
 
     void describe(std::initializer_list<char const*> files)
@@ -95,26 +80,6 @@ protected:
     bool run(char const* search, std::string const& path) { return run(search, path, &layers_); }
     bool run(char const* search) { return run(search, root()); }
 
-    std::string root() const { return root_.path().string(); }
-
-    /// The recorded calls that start with one of @p starts, the root folder left out of the names.
-    Calls calls(std::initializer_list<char const*> starts) const
-    {
-        Calls found;
-        for (std::string call : CallLog::instance().calls()) {
-            bool const wanted = std::any_of(starts.begin(), starts.end(),
-                                            [&](char const* start) { return call.rfind(start, 0) == 0; });
-            if (wanted) {
-                if (std::size_t const at = call.find(root() + "/"); at != std::string::npos) {
-                    call.erase(at, root().size() + 1);
-                }
-                found.push_back(call);
-            }
-        }
-        return found;
-    }
-    Calls files() const { return calls({"ilLoadImage(", "ilSaveImage("}); }
-
     /// Sets the stop flag when a call begins with @p start.
     void cancel_at(std::string const& start)
     {
@@ -123,14 +88,8 @@ protected:
         };
     }
 
-    TemporaryFolder root_;
-    KeptDirectory kept_;
     umbrix_options options_ = neutral_options();
     bool cancel_ = false;
-    LinkedList<n_layer> layers_;
-    std::string current_ = "before";
-    std::string status_ = "before";
-    int progress_ = 7;
 };
 INSTANTIATE_TEST_SUITE_P(Forms, UmbrixFolderCalls, testing::Values(kCpu, kGpu), name_of);
 

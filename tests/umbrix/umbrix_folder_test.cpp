@@ -3,9 +3,7 @@
 #include "files/umbrix_folder.h"
 
 #include "files/umbrix_file.h"
-#include "kept_directory.h"
-#include "picture_files.h"
-#include "temporary_folder.h"
+#include "folder_pictures.h"
 #include "umbrix_test_options.h"
 
 #include <gtest/gtest.h>
@@ -16,11 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using umbrixlib::test::Bytes;
-using umbrixlib::test::KeptDirectory;
-using umbrixlib::test::read_tga;
-using umbrixlib::test::TemporaryFolder;
 
-class UmbrixFolderFiles : public testing::Test {
+class UmbrixFolderFiles : public umbrixlib::test::FolderPictures {
 protected:
     void SetUp() override
     {
@@ -31,35 +26,13 @@ protected:
         options_.height_map = true;
     }
 
-    void add_picture(char const* name, unsigned seed) const
-    {
-        fs::create_directories((root_ / name).parent_path());
-        Bytes bytes(8 * 8 * 4);
-        for (std::size_t i = 0; i < bytes.size(); ++i) {
-            bytes[i] = static_cast<std::uint8_t>((i * 37 + seed * 11) & 255U);
-        }
-        umbrixlib::test::write_file(root_ / name, umbrixlib::test::tga_bytes(8, 8, 4, bytes));
-    }
+    void add_picture(char const* name, unsigned seed) const { FolderPictures::add_picture(name, seed, 4); }
 
     bool run(char const* search)
     {
         return UmbrixFolder(root_.path().string(), search, options_, &layers_, &current_, &status_,
                             &progress_);
     }
-
-    std::set<std::string> names() const
-    {
-        std::set<std::string> found;
-        for (auto const& entry : fs::recursive_directory_iterator(root_.path())) {
-            if (entry.is_regular_file()) {
-                found.insert(fs::relative(entry.path(), root_.path()).string());
-            }
-        }
-        return found;
-    }
-
-    /// The pixels alone: DevIL leaves the header's origin unset.
-    static Bytes pixels(fs::path const& file) { return read_tga(file).pixels; }
 
     /// What one call for one file makes of @p source.
     Bytes single(char const* source)
@@ -70,14 +43,8 @@ protected:
         return pixels(output);
     }
 
-    TemporaryFolder root_;
-    TemporaryFolder other_;
-    KeptDirectory kept_;
     umbrix_options options_ = umbrixlib::test::neutral_options();
     LinkedList<n_layer> layers_;
-    std::string current_;
-    std::string status_;
-    int progress_ = 0;
 };
 
 TEST_F(UmbrixFolderFiles, ATreeOfThreeLevelsHasTheFilesOfSingleCalls)
