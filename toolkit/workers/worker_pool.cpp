@@ -23,8 +23,8 @@ public:
     bool busy() const { return session_ != nullptr; }
     Session& session() const { return *session_; }
 
-    /// Has a worker begin with work number @p index, unless there is nothing to do or that fails.
-    void begin(std::size_t index)
+    /// Has a worker start work number @p index, unless there is nothing to do or that fails.
+    void start(std::size_t index)
     {
         ending_ = {};
         ending_.index = index;
@@ -127,7 +127,7 @@ private:
         for (auto const& slot : slots_) {
             // Work that is nothing or fails at once leaves its slot free.
             while (!slot->busy() && next_ < count_ && !noticed_wish_to_stop()) {
-                slot->begin(next_++);
+                slot->start(next_++);
             }
         }
     }
