@@ -45,7 +45,7 @@ TEST_F(StackOfManyLayers, IsRefusedInASentenceIfTheLastIsNoPicture)
     write_stack(2000, "none");
     Outcome const outcome = run(blend, {}, end_soon);
     EXPECT_EQ(outcome.code, 1);
-    EXPECT_TRUE(complains_about(outcome, "umbrix stack", "none"));
+    EXPECT_TRUE(complains_about(outcome, "umbrix stack", "s.toml: layer 2000: file: none"));
 }
 
 TEST_F(StackOfManyLayers, IsStoppedInTheMiddle)
