@@ -115,7 +115,7 @@ TEST_F(OpenedFiles, AreTheThreeOutputsOfAStack)
 
 TEST_F(OpenedFiles, AreTheOutputsOfAListAndItsLog)
 {
-    for (std::string const& source : {"hill.tga", "deep.png"}) {
+    for (char const* const source : {"hill.tga", "deep.png"}) {
         ASSERT_EQ(run({"list", "add", "jobs.ulist", source, "--rays", "4"}).code, 0);
     }
     Opened opened = opened_by({"list", "run", "jobs.ulist", "--jobs", "1"});
