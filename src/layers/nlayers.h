@@ -193,8 +193,8 @@ private:
     void resize_layer(int index, layer_size size, bool new_normals, bool new_heights);
 
     LinkedList<LayerBuffers> replaced_; ///< Taken out of the lists, and perhaps still looked at.
-    float3* made_result_ = nullptr;     ///< The `result` that this stack made last,
-    long long made_result_texels_ = 0;  ///< and its room. Another `result` is the front end's.
+    float3* made_result_ = nullptr; ///< The `result` that this stack made last. Others are the front end's.
+    long long made_result_texels_ = 0; ///< Its room.
 };
 
 } // namespace umbrix_v0

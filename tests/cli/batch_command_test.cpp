@@ -71,7 +71,8 @@ TEST_F(BatchCommand, TellsItsResultsAsJson)
     put("in/made.tga", hill(16));
     put("in/made_Umbrix.tga", {1});
     put_text("in/letter.png", "not a picture");
-    put("in/sixteen.png", png_bytes(4, PngColour::kGrey, 16, std::vector<Bytes>(4, Bytes(8, 7))));
+    Bytes const straight_up{128, 128, 255};
+    put("in/no_alpha_normal.png", png_bytes(1, PngColour::kRgb, 8, {straight_up}));
     put("in/not \xff utf-8.tga", hill(8));
     Outcome const outcome = run({"batch", "in", "nowhere", "--json"});
     EXPECT_EQ(outcome.code, 1);
@@ -90,7 +91,7 @@ TEST_F(BatchCommand, TellsItsResultsAsJson)
     EXPECT_EQ(all.at("in/letter.png").at("reason"), "it is damaged, or not an image of a known format");
     EXPECT_EQ(all.at("nowhere").at("state"), "failed");
     EXPECT_EQ(all.at("nowhere").at("reason"), "there is no such file or folder");
-    EXPECT_EQ(all.at("in/sixteen.png").at("notes").size(), 1U);
+    EXPECT_EQ(all.at("in/no_alpha_normal.png").at("notes").size(), 1U);
     nlohmann::json const& summary = all.at("");
     EXPECT_EQ(summary.at("done"), 3);
     EXPECT_EQ(summary.at("skipped"), 1);

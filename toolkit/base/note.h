@@ -7,11 +7,14 @@ namespace umbrixlib::toolkit {
 
 /// What a note is about, where a front end has more to say on it than its text does.
 enum class NoteKind {
-    kPlain,           ///< The text is all that there is to say.
-    kDeviceIsCpu,     ///< The graphics device is the CPU itself, so it saves no time.
-    kGraphicsHeights, ///< A graphics device takes heights otherwise than the CPU does, and no match is asked
-                      ///< for.
-    kNormalsLeftOut   ///< A map that is made from layers has nothing of this layer's normals.
+    /// The text is all that there is to say.
+    kPlain,
+    /// The graphics device is the CPU itself, so it saves no time.
+    kDeviceIsCpu,
+    /// A graphics device takes heights otherwise than the CPU does, and no match is asked for.
+    kGraphicsHeights,
+    /// A map that is made from layers has nothing of this layer's normals.
+    kNormalsLeftOut
 };
 
 /// Something about a file that the user ought to know, and that does not end the work.

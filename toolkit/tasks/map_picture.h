@@ -16,8 +16,8 @@ namespace umbrixlib::toolkit {
 void check_relief_size(Settings const& settings, std::string const& name, int width, int height);
 
 /// Has the library make the Umbrix map of @p source, of any sample type, which with `blend_height` needs no
-/// samples. The map has 8 bits a channel, and an
-/// alpha if the source has one. If @p options keep the buffers, the alpha has the heights as they were read.
+/// samples. The map has 8 bits a channel, and an alpha if the source has one. If @p options keep the buffers,
+/// the alpha has the heights as they were read.
 /// @param name     What messages call the source.
 /// @param layers   Descriptions of the layers that join the picture, or null; @p stack holds them.
 /// @param graphics The device that it is made on, or the CPU.

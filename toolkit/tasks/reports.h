@@ -31,8 +31,8 @@ struct MapReport {
     std::string reason;           ///< What speaks for the kind that would be guessed.
     float n_scale = 0;            ///< Strength of the normals.
     std::optional<DeviceReport> device;
-    std::vector<int>
-        difference; ///< Largest of each channel from the CPU's map, of 255; empty: not asked for.
+    /// Largest of each channel from the CPU's map, of 255; empty: not asked for.
+    std::vector<int> difference;
 
     bool operator==(MapReport const&) const = default;
 };

@@ -10,8 +10,8 @@ namespace umbrixlib::toolkit {
 
 /// A job for a stand-in. It does @p acts one after the other, pairs of a name and a word, and then reports a
 /// map: its reason repeats the acts, its difference holds the numbers of the processors that the stand-in may
-/// use, and its width tells how many OpenMP counts. A map with an output, as those of
-/// a batch have, has its acts in its input.
+/// use, and its width tells how many OpenMP counts. A map with an output, as those of a batch have, has its
+/// acts in its input.
 ///
 ///     abort now         ends as a crash does
 ///     exit 3            ends with that code
