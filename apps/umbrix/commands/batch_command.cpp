@@ -16,9 +16,7 @@ namespace umbrix_cli {
 
 namespace {
 
-constexpr char const* kCommand = "umbrix batch";
-constexpr char const* kFiles = "Files";
-constexpr char const* kRun = "Run";
+constexpr char const* kBatchCommand = "umbrix batch";
 
 } // namespace
 
@@ -29,8 +27,8 @@ CLI::App* BatchCommand::declare(CLI::App& app)
     declare_input(*command_);
     command_
         ->add_flag("--json", json_, "Write a JSON object a line for each file as it ends, and one in the end")
-        ->group(kRun);
-    declare_workers(*command_, workers_)->group(kRun);
+        ->group(kRunGroup);
+    declare_workers(*command_, workers_)->group(kRunGroup);
     common_.declare_limits(*command_);
     common_.declare_progress(*command_, "not");
     declare_graphics(*command_, graphics_);
@@ -39,7 +37,7 @@ CLI::App* BatchCommand::declare(CLI::App& app)
             "--plain", plain_,
             "Have the library walk one folder itself: it replaces outputs, takes those of earlier runs as "
             "inputs and tells of no failure; the kind and --n-scale have to be given")
-        ->group(kRun);
+        ->group(kRunGroup);
     declare_options(*command_, settings_, kForMap);
     return command_;
 }
@@ -56,29 +54,30 @@ void BatchCommand::declare_files(CLI::App& command)
                     "Only files with such a name, in any letter case: '*_H.tga'. Without, or with an open "
                     "extension as in '*_H.*', only what is called like a picture is taken from folders")
         ->type_name("GLOB")
-        ->group(kFiles);
-    command.add_flag("-r,--recurse", search_.recurse, "Look into the folders in folders, too")->group(kFiles);
+        ->group(kFilesGroup);
+    command.add_flag("-r,--recurse", search_.recurse, "Look into the folders in folders, too")
+        ->group(kFilesGroup);
     command
         .add_flag("--include-outputs", include_outputs_,
                   "Take outputs of earlier runs as inputs, too; they are told by their names")
-        ->group(kFiles);
+        ->group(kFilesGroup);
     command
         .add_option("--suffix", suffix_,
                     "What is put after the name [default _Umbrix for maps and _Normal for normal maps]")
         ->type_name("TEXT")
-        ->group(kFiles);
+        ->group(kFilesGroup);
     command
         .add_option("--keep-tree", keep_tree_,
                     "Write into this folder instead, in folders of the same names; it is made if need be")
         ->type_name("DIR")
-        ->group(kFiles);
+        ->group(kFilesGroup);
     auto* const overwrite = command.add_flag("--overwrite", common_.overwrite,
                                              "Replace outputs that exist [default: skip their inputs]");
     auto* const update =
         command.add_flag("--update", update_, "Replace outputs that are older than their inputs");
-    overwrite->excludes(update)->group(kFiles);
-    update->group(kFiles);
-    command.add_flag("-n,--dry-run", dry_run_, "Only print what would be made of what")->group(kFiles);
+    overwrite->excludes(update)->group(kFilesGroup);
+    update->group(kFilesGroup);
+    command.add_flag("-n,--dry-run", dry_run_, "Only print what would be made of what")->group(kFilesGroup);
 }
 
 void BatchCommand::declare_input(CLI::App& command)
@@ -205,9 +204,10 @@ void BatchCommand::run(Interrupts const& interrupts)
     }
     BatchPlan const plan = plan_batch(choice());
     if (common_.verbose && plan.outputs_left_out > 0) {
-        say_note(kCommand, fmt::format("{} outputs of earlier runs are left out", plan.outputs_left_out));
+        say_note(kBatchCommand,
+                 fmt::format("{} outputs of earlier runs are left out", plan.outputs_left_out));
     }
-    show_batch(plan, orders(), {kCommand, common_.verbose, json_, common_.progress, {}}, interrupts);
+    show_batch(plan, orders(), {kBatchCommand, common_.verbose, json_, common_.progress, {}}, interrupts);
 }
 
 } // namespace umbrix_cli

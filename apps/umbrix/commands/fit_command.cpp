@@ -16,7 +16,7 @@ namespace umbrix_cli {
 
 namespace {
 
-constexpr char const* kCommand = "umbrix fit";
+constexpr char const* kFitCommand = "umbrix fit";
 
 void print_text(std::string const& heights, std::string const& normals, FitReport const& report)
 {
@@ -51,8 +51,8 @@ CLI::App* FitCommand::declare(CLI::App& app)
                      "Write the relief and the direction of green that were found into a preset, with the "
                      "other options of --preset")
         ->type_name("FILE")
-        ->group("Files");
-    command->add_flag("--overwrite", common_.overwrite, "Replace that file if it exists")->group("Files");
+        ->group(kFilesGroup);
+    command->add_flag("--overwrite", common_.overwrite, "Replace that file if it exists")->group(kFilesGroup);
     declare_options(*command, settings_, kForFit);
     command->add_flag("--fit-gaussian", fit_gaussian_, "Find the sigma of the blur, too [0 to 10 texels]")
         ->excludes(command->get_option("--gaussian"))
@@ -93,7 +93,7 @@ void FitCommand::run(Interrupts const& interrupts)
     job.max_texels = common_.max_texels;
     job.settings = settings_;
     job.fit_gaussian = fit_gaussian_;
-    FitReport const report = supervise(job, common_.supervision(kCommand, interrupts));
+    FitReport const report = supervise(job, common_.supervision(kFitCommand, interrupts));
     interrupts.check();
     if (json_) {
         fmt::print("{}", json_text(report, common_.input, normals_));

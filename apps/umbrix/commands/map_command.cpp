@@ -16,7 +16,7 @@ namespace umbrix_cli {
 
 namespace {
 
-constexpr char const* kCommand = "umbrix map";
+constexpr char const* kMapCommand = "umbrix map";
 
 } // namespace
 
@@ -69,7 +69,7 @@ void MapCommand::run(Interrupts const& interrupts)
     job.compare_cpu = compare_cpu_;
     job.normal_y = normal_y_.value_or(settings_.normal_y);
     job.kind = kind_ ? kind_ : settings_.kind;
-    Made<MapJob> const made = make_picture_file(kCommand, common_, job, "_Umbrix", interrupts);
+    Made<MapJob> const made = make_picture_file(kMapCommand, common_, job, "_Umbrix", interrupts);
     MapReport const& report = made.report;
     fmt::print("wrote {}: Umbrix map, {} x {}, from a {}", printable(made.output.string()), report.width,
                report.height, name_of(report.kind));

@@ -99,7 +99,7 @@ void PresetCommand::declare_show(CLI::App& command)
 void PresetCommand::declare_save(CLI::App& command)
 {
     command.add_option("FILE", name_, "File to write; its name ends in .toml")->required()->type_name("");
-    command.add_flag("--overwrite", overwrite_, "Replace the file if it exists")->group("Files");
+    command.add_flag("--overwrite", overwrite_, "Replace the file if it exists")->group(kFilesGroup);
     std::function<void(std::string const&)> const describe_it = [this](std::string const& text) {
         if (!is_one_line(text)) {
             throw CLI::ValidationError("--description", "it has line breaks or other control characters");
@@ -108,7 +108,7 @@ void PresetCommand::declare_save(CLI::App& command)
     };
     command.add_option_function<std::string>("--description", describe_it, "One line about it")
         ->type_name("TEXT")
-        ->group("Files");
+        ->group(kFilesGroup);
     declare_kind(command, kind_);
     declare_normal_y(command, normal_y_, "Where green points in a normal map")->group("Input");
     declare_options(command, settings_, kForMap);

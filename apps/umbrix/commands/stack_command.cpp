@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char const* kCommand = "umbrix stack";
+constexpr char const* kStackCommand = "umbrix stack";
 constexpr char const* kStack = "Stack";
 
 void check_that_no_layer_is_lost(fs::path const& output, StackDescription const& description)
@@ -65,10 +65,10 @@ CLI::App* StackCommand::declare(CLI::App& app)
         ->required(false);
     command->add_option("--height", height_output_, "File for the blended height map, from 0 to 255")
         ->type_name("FILE")
-        ->group("Files");
+        ->group(kFilesGroup);
     command->add_option("--map", map_output_, "File for the Umbrix map of the blended normals and heights")
         ->type_name("FILE")
-        ->group("Files");
+        ->group(kFilesGroup);
     command
         ->add_flag("--new", new_, "Write an example stack to INPUT [default stack.toml] and do nothing else")
         ->group(kStack);
@@ -113,10 +113,12 @@ void StackCommand::write_example() const
     std::error_code error;
     fs::path const program = fs::read_symlink("/proc/self/exe", error);
     if (!write_example_stack(file, program.parent_path(), common_.overwrite)) {
-        say_note(kCommand, fmt::format("{}: the example textures are not near; change the names of its files",
-                                       file.string()));
+        say_note(kStackCommand,
+                 fmt::format("{}: the example textures are not near; change the names of its files",
+                             file.string()));
     }
-    say("wrote {}: an example stack; {} {} makes its normal map", file.string(), kCommand, file.string());
+    say("wrote {}: an example stack; {} {} makes its normal map", file.string(), kStackCommand,
+        file.string());
 }
 
 std::vector<StackTarget> StackCommand::targets_for(StackDescription const& description) const
@@ -156,12 +158,12 @@ void StackCommand::run(Interrupts const& interrupts)
 
     std::vector<StackTarget> targets = targets_for(file.description);
     for (std::string const& each : file.notes) {
-        say_note(kCommand, each);
+        say_note(kStackCommand, each);
     }
 
     StackJob job;
     for (StackTarget& target : targets) {
-        note_format(kCommand, target.named());
+        note_format(kStackCommand, target.named());
         remove_leftovers_beside(target.named());
         target.open(job);
     }
@@ -171,7 +173,7 @@ void StackCommand::run(Interrupts const& interrupts)
     job.graphics = graphics_;
     job.description = file.description;
     job.map_from_layers = map_from_layers_;
-    StackReport const report = supervise(job, common_.supervision(kCommand, interrupts));
+    StackReport const report = supervise(job, common_.supervision(kStackCommand, interrupts));
     interrupts.check();
     // All pictures are whole and read back. A rename that fails now keeps the later ones from being replaced.
     for (StackTarget& target : targets) {

@@ -16,9 +16,6 @@ namespace umbrix_cli {
 
 namespace {
 
-constexpr char const* kFiles = "Files";
-constexpr char const* kRun = "Run";
-
 ProgressDisplay::Style parse_style(std::string const& text)
 {
     using Style = ProgressDisplay::Style;
@@ -38,7 +35,7 @@ void add_number(CLI::App& command, char const* option, double& value, double min
     std::function<void(std::string const&)> const parse = [=, &value](std::string const& text) {
         value = parse_number(option, text, minimum, maximum);
     };
-    command.add_option_function<std::string>(option, parse, description)->type_name("N")->group(kRun);
+    command.add_option_function<std::string>(option, parse, description)->type_name("N")->group(kRunGroup);
 }
 
 } // namespace
@@ -53,7 +50,7 @@ CLI::Option* CommonOptions::declare_input(CLI::App& command, std::string const& 
 
 void CommonOptions::declare_limits(CLI::App& command)
 {
-    command.add_flag("-v,--verbose", verbose, "Say more about what is done")->group(kRun);
+    command.add_flag("-v,--verbose", verbose, "Say more about what is done")->group(kRunGroup);
     add_number(command, "--timeout", timeout_seconds, 0.001, 86400,
                "Longest time that decoding a file may take [seconds; default 60]");
     add_number(command, "--max-texels", max_texels, 1, 4294836225.0,
@@ -66,8 +63,8 @@ void CommonOptions::declare_output(CLI::App& command, std::string const& default
         .add_option("-o,--output", output,
                     fmt::format("File to write; its extension names the format [default {}]", default_name))
         ->type_name("FILE")
-        ->group(kFiles);
-    command.add_flag("--overwrite", overwrite, "Replace the output if it exists")->group(kFiles);
+        ->group(kFilesGroup);
+    command.add_flag("--overwrite", overwrite, "Replace the output if it exists")->group(kFilesGroup);
     declare_progress(command);
 }
 
@@ -83,7 +80,7 @@ void CommonOptions::declare_progress(CLI::App& command, std::string const& elsew
                         "and else {} [auto, bar, lines, none; default auto]",
                         elsewhere))
         ->type_name("HOW")
-        ->group(kRun);
+        ->group(kRunGroup);
 }
 
 Supervision CommonOptions::supervision(std::string const& command, Interrupts const& interrupts) const

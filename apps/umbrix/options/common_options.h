@@ -13,6 +13,10 @@
 
 namespace umbrix_cli {
 
+// The groups of options in the help that more than one command has.
+inline constexpr char const* kFilesGroup = "Files";
+inline constexpr char const* kRunGroup = "Run";
+
 /// The options that are about files and the run itself, not about the picture.
 struct CommonOptions {
     std::string input;

@@ -12,12 +12,12 @@ namespace umbrix_cli {
 
 namespace {
 
-constexpr char const* kCommand = "umbrix batch";
+constexpr char const* kCaller = "umbrix batch"; // the one command with such a walk
 
 class WalkDisplay : public Observer {
     void note(std::string const& file, Note const& note) override
     {
-        say_note(kCommand, file + ": " + text_of(note));
+        say_note(kCaller, file + ": " + text_of(note));
     }
 };
 
@@ -25,7 +25,7 @@ void say_that_it_is_stopping()
 {
     put_text(stderr, fmt::format("{}: stopping when the file at work is finished; press Ctrl-C again to "
                                  "stop at once, which may leave half of it\n",
-                                 kCommand));
+                                 kCaller));
 }
 
 } // namespace

@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string const kCommand = "umbrix list add";
+std::string const kListAddCommand = "umbrix list add";
 constexpr char const* kAllFiles = "*.*";
 
 } // namespace
@@ -61,7 +61,7 @@ ListAddCommand::NewJob ListAddCommand::job_for(std::string const& source, Interr
     umbrix_node& job = added.job;
     job.search_str = pattern_for(source);
     SourceLook const look =
-        look_at_source(source, options_.settings, options_.kind(), Caller{kCommand, interrupts});
+        look_at_source(source, options_.settings, options_.kind(), Caller{kListAddCommand, interrupts});
     if (look.kind == Kind::kNormalMap && options_.settings.normal_y == NormalY::kDown) {
         throw UsageError("--preset", "its green points down, and a job of a list takes green for up",
                          "turn the green of the picture over, or leave the direction out of the preset");
@@ -76,7 +76,7 @@ ListAddCommand::NewJob ListAddCommand::job_for(std::string const& source, Interr
 void ListAddCommand::run(Interrupts const& interrupts)
 {
     check_map_usage(options_.settings, "");
-    ListLock const lock = lock_list(file_, kCommand, interrupts);
+    ListLock const lock = lock_list(file_, kListAddCommand, interrupts);
     umbrix_list list;
     std::error_code error;
     if (fs::exists(fs::symlink_status(file_, error))) {
@@ -84,7 +84,7 @@ void ListAddCommand::run(Interrupts const& interrupts)
     }
     LinkedList<n_layer> layers;
     if (!options_.layers.empty()) {
-        layers = layers_for_job(options_.layers, options_.settings, Caller{kCommand, interrupts});
+        layers = layers_for_job(options_.layers, options_.settings, Caller{kListAddCommand, interrupts});
     }
     std::vector<std::string> told;
     for (std::string const& source : sources_) {

@@ -18,7 +18,6 @@ namespace umbrix_cli {
 
 namespace {
 
-constexpr char const* kRun = "Run";
 constexpr int kMostShares = 1000000;
 
 /// "2/8".
@@ -57,11 +56,11 @@ CLI::App* ListRunCommand::declare(CLI::App& app)
         ->add_option_function<std::string>(
             "--shard", parse, "Only every N-th job, from the I-th on, so that many machines share a list")
         ->type_name("I/N")
-        ->group(kRun);
+        ->group(kRunGroup);
     command
         ->add_flag("--json", json_, "Write a JSON object a line for each file as it ends, and one in the end")
-        ->group(kRun);
-    declare_workers(*command, workers_)->group(kRun);
+        ->group(kRunGroup);
+    declare_workers(*command, workers_)->group(kRunGroup);
     common_.declare_limits(*command);
     common_.declare_progress(*command, "not");
     declare_graphics(*command, graphics_);

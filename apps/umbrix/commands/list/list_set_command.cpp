@@ -16,7 +16,7 @@ namespace umbrix_cli {
 
 namespace {
 
-std::string const kCommand = "umbrix list set";
+std::string const kListSetCommand = "umbrix list set";
 
 /// The settings that a job has, with those from the command line in their place.
 Settings merged(umbrix_data const& data, Settings const& told, std::set<std::string> const& given)
@@ -57,14 +57,15 @@ void ListSetCommand::change_numbers(umbrix_node& job, Interrupts const& interrup
     Settings const settings = merged(job, options_.settings, given);
     check_map_usage(settings, "");
     Kind const kind = options_.kind().value_or(kind_of(job));
-    int const width = settings.n_scale
-                          ? 0
-                          : look_at_source(job.filename, settings, kind, Caller{kCommand, interrupts}).width;
+    int const width =
+        settings.n_scale
+            ? 0
+            : look_at_source(job.filename, settings, kind, Caller{kListSetCommand, interrupts}).width;
     bool const made_normals = job.generate_normal;
     copy_given(data_for(settings, kind, width), given, job);
     bool const asks_for_strength = given.contains("relief") || !made_normals;
     if (job.generate_normal && asks_for_strength && !given.contains("n-scale")) {
-        say_note(kCommand,
+        say_note(kListSetCommand,
                  fmt::format("the strength of the normals stays {}; --n-scale auto fits it to the relief",
                              job.n_scale));
     }
@@ -79,7 +80,7 @@ void ListSetCommand::change_layers(umbrix_node& job, Interrupts const& interrupt
     if (!no_layers_) {
         Settings settings = settings_of(job);
         settings.n_scale = std::nullopt; // each layer's own, or the one that fits the job's relief
-        layers = layers_for_job(options_.layers, settings, Caller{kCommand, interrupts});
+        layers = layers_for_job(options_.layers, settings, Caller{kListSetCommand, interrupts});
     }
     while (job.layers.count != 0) {
         job.layers.RemoveFirst();
@@ -95,7 +96,7 @@ void ListSetCommand::run(Interrupts const& interrupts)
     if (options_.given().empty() && !options_.is_given("search") && options_.layers.empty() && !no_layers_) {
         throw UsageError("INDEX", "nothing is told to be changed", "name an option");
     }
-    ListLock const lock = lock_list(file_, kCommand, interrupts);
+    ListLock const lock = lock_list(file_, kListSetCommand, interrupts);
     umbrix_list list;
     read_list(file_, list);
     umbrix_node& job = *list.items.GetRef(index_of_job(list, file_, number_));
