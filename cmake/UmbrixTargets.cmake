@@ -47,3 +47,11 @@ endfunction()
 function(umbrix_unity target)
     set_target_properties(${target} PROPERTIES UNITY_BUILD ${UMBRIX_UNITY} UNITY_BUILD_BATCH_SIZE 8)
 endfunction()
+
+# umbrix_room_unity(TARGET SOURCE...): adds the sources of this folder to a target, in one compilation.
+function(umbrix_room_unity target)
+    target_sources(${target} PRIVATE ${ARGN})
+    cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME room)
+    set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES UNITY_GROUP ${room})
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ${UMBRIX_UNITY} UNITY_BUILD_MODE GROUP)
+endfunction()
