@@ -3,6 +3,8 @@
 
 #include "umbrix/umbrix_options.h"
 
+#include <utility>
+
 namespace umbrixlib::test {
 
 /// A record with every stage at its neutral point, on the usual basis set.
@@ -21,6 +23,14 @@ inline umbrix_options neutral_options()
     options.basis_b = {-0.408248290f, -0.707106781f, 0.577350269f};
     options.basis_c = {1.224744871f, 0.0f, 0.577350269f};
     return options;
+}
+
+/// Releases the arrays that a run with `keep_buffers` left.
+inline void release_kept(umbrix_options& options)
+{
+    delete[] std::exchange(options.ao_map, nullptr);
+    delete[] std::exchange(options.normal_map, nullptr);
+    delete[] std::exchange(options.height_copy, nullptr);
 }
 
 } // namespace umbrixlib::test

@@ -44,14 +44,6 @@ inline umbrix_options busy_options()
     return options;
 }
 
-/// Releases the arrays that a run with `keep_buffers` left.
-inline void release_kept(umbrix_options& options)
-{
-    delete[] options.ao_map;
-    delete[] options.normal_map;
-    delete[] options.height_copy;
-}
-
 /// Runs from file to file in a folder of their own, without layers.
 class FileRun : public testing::Test {
 protected:

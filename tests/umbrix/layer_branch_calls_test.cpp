@@ -30,6 +30,7 @@ using umbrixlib::test::kCpu;
 using umbrixlib::test::KernelsFake;
 using umbrixlib::test::kGpu;
 using umbrixlib::test::name_of;
+using umbrixlib::test::release_kept;
 
 /// What differs between the two forms.
 struct Differences {
@@ -49,12 +50,13 @@ protected:
     ~UmbrixFileLayers() override
     {
         EXPECT_EQ(GraphicsFake::instance().faults, std::vector<std::string>());
-        release(options_);
+        release_kept(options_);
     }
 
     bool run(LinkedList<n_layer>* layers, NLayers* stack)
     {
         CallLog::instance().clear();
+        release_kept(options_); // what the run before left
         if (GetParam().graphics) {
             return UmbrixFile_GPU({false, 0, 0}, "in.png", "out.tga", options_, layers, stack, &status_,
                                   &progress_);
@@ -66,7 +68,7 @@ protected:
     /// Options as before the first run.
     void start_anew()
     {
-        release(options_);
+        release_kept(options_);
         options_ = kept_options();
     }
 

@@ -59,13 +59,6 @@ protected:
         return options;
     }
 
-    static void release(umbrix_options& options)
-    {
-        delete[] options.ao_map;
-        delete[] options.normal_map;
-        delete[] options.height_copy;
-    }
-
     static std::ptrdiff_t calls_starting_with(char const* start)
     {
         auto const& calls = CallLog::instance().calls();

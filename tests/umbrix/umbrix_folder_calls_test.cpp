@@ -71,6 +71,7 @@ protected:
     bool run(char const* search, std::string const& path, LinkedList<n_layer>* layers,
              NLayers* stack = nullptr)
     {
+        release(); // what the run before left
         if (GetParam().graphics) {
             return UmbrixFolder_GPU({true, 3, 17}, path, search, options_, layers, stack, &current_, &status_,
                                     &progress_);
