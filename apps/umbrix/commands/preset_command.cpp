@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "commands/preset_command.h"
 
+#include "options/common_options.h"
 #include "options/kind_option.h"
 #include "options/map_usage.h"
 #include "options/normal_y_option.h"
