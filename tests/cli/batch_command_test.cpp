@@ -71,8 +71,8 @@ TEST_F(BatchCommand, TellsItsResultsAsJson)
     put("in/made.tga", hill(16));
     put("in/made_Umbrix.tga", {1});
     put_text("in/letter.png", "not a picture");
-    Bytes const straight_up{128, 128, 255};
-    put("in/no_alpha_normal.png", png_bytes(1, PngColour::kRgb, 8, {straight_up}));
+    Bytes const straight_up{128, 128, 255, 128, 128, 255};
+    put("in/no_alpha_normal.png", png_bytes(2, PngColour::kRgb, 8, {straight_up, straight_up}));
     put("in/not \xff utf-8.tga", hill(8));
     Outcome const outcome = run({"batch", "in", "nowhere", "--json"});
     EXPECT_EQ(outcome.code, 1);
