@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The stack as a list and its way from files to layers, with a stand-in for DevIL.
-#include "layers/nlayers.h"
+#include "nlayers_stack.h"
 
 #include "boundary/message_box.h"
 #include "call_log.h"
-#include "devil_fake.h"
 #include "picture_depths.h"
 
 #include <cstddef>
 #include <gmock/gmock.h>
-#include <omp.h>
 #include <type_traits>
 
 namespace {
@@ -17,63 +15,11 @@ namespace {
 using testing::ElementsAre;
 using umbrixlib::test::CallLog;
 using umbrixlib::test::DevilFake;
+using umbrixlib::test::NLayersStack;
 
 static_assert(!std::is_copy_constructible_v<NLayers> && !std::is_copy_assignable_v<NLayers>);
 static_assert(!std::is_polymorphic_v<NLayers>);
 static_assert(std::is_same_v<decltype(layer_size::height), int> && offsetof(layer_size, width) == 4);
-
-class NLayersStack : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        omp_set_num_threads(omp_get_num_procs());
-        DevilFake::instance().serve(1, 1, 24);
-    }
-
-    /// A file of @p width x @p height texels whose bytes are counted up from @p start.
-    static void provide(char const* name, int width, int height, int bits = 24, int start = 0)
-    {
-        DevilFake::File file{width, height, bits, {}};
-        file.bytes.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3);
-        for (std::size_t i = 0; i < file.bytes.size(); ++i) {
-            file.bytes[i] = static_cast<unsigned char>(static_cast<std::size_t>(start) + i);
-        }
-        DevilFake::instance().files[name] = file;
-    }
-
-    /// Adds a record, then the layer.
-    void add(char const* file)
-    {
-        records_.Add({});
-        stack_.AddLayer(file);
-    }
-    void add_normal(char const* file)
-    {
-        records_.Add({});
-        records_.tail->data.regenerate = true;
-        stack_.AddNormalLayer(file);
-    }
-
-    /// No layers, no records.
-    void start_afresh()
-    {
-        stack_.Clear();
-        while (records_.count > 0) {
-            records_.RemoveFirst();
-        }
-    }
-
-    float* heights(int index) { return stack_.heights.Get(index); }
-
-    static float height_of(DevilFake::File const& file, int x, int y)
-    {
-        unsigned char const* const colour = file.bytes.data() + 3 * (y * file.width + x);
-        return static_cast<float>((colour[0] + colour[1] + colour[2]) / 3 / 255.0);
-    }
-
-    LinkedList<n_layer> records_;
-    NLayers stack_{&records_};
-};
 
 TEST_F(NLayersStack, FieldsStandInTheirOrder)
 {
@@ -313,116 +259,6 @@ TEST_F(NLayersStack, AFailedLoadTakesTheBoundImage)
     EXPECT_EQ(stack_.Count(), 3);
     EXPECT_EQ(heights(1)[5], heights(0)[5]);
     EXPECT_EQ(stack_.GetLayerWidth(2), 3);
-}
-
-TEST_F(NLayersStack, SetLayerDataReplacesTheHeightsAndKeepsTheBuffers)
-{
-    provide("a.png", 3, 2);
-    provide("b.png", 2, 2, 24, 90);
-    add("a.png");
-    add("a.png");
-    records_.GetRef(1)->regenerate = false;
-    float* const heights_before = heights(1);
-    float3* const normals_before = stack_.GetLayer(1);
-    CallLog::instance().clear();
-    stack_.SetLayerData(1, "b.png");
-    EXPECT_THAT(CallLog::instance().calls(),
-                ElementsAre("ilInit()", "ilEnable(0x0620)", "ilEnable(0x0600)",
-                            "ilSetInteger(0x0600, 0x0602)", "ilLoadImage(b.png)", "ilGetInteger(0x0DE4)",
-                            "ilGetInteger(0x0DE5)", "ilGetInteger(0x0DE9)",
-                            "ilCopyPixels(2x2, 0x1907, 0x1401, #1)"));
-    EXPECT_EQ(heights(1), heights_before);
-    EXPECT_EQ(stack_.GetLayer(1), normals_before);
-    EXPECT_EQ(stack_.GetLayerWidth(1), 3);
-    EXPECT_EQ(heights(1)[5], height_of(DevilFake::instance().files["b.png"], 0, 1));
-    EXPECT_TRUE(records_.GetRef(1)->regenerate);
-}
-
-TEST_F(NLayersStack, SetLayerDataAppendsAtBothEndsAndStopsBehindTheList)
-{
-    provide("a.png", 3, 2);
-    for (int i = 0; i < 3; ++i) {
-        records_.Add({});
-    }
-    stack_.SetLayerData(-1, "a.png");
-    EXPECT_EQ(stack_.Count(), 1);
-    stack_.SetLayerData(1, "a.png");
-    EXPECT_EQ(stack_.Count(), 2);
-    CallLog::instance().clear();
-    stack_.SetLayerData(3, "a.png");
-    EXPECT_EQ(stack_.Count(), 2);
-    EXPECT_TRUE(CallLog::instance().calls().empty());
-    stack_.SetLayerData(-7, "");
-    EXPECT_EQ(stack_.GetLayer(2), nullptr) << "a blank layer, as AddLayer adds it";
-}
-
-TEST_F(NLayersStack, SetLayerDataTurnsANormalLayerIntoAHeightLayer)
-{
-    provide("base.png", 3, 2);
-    provide("small.png", 2, 1);
-    provide("large.png", 9, 9);
-    add("base.png");
-    add_normal("small.png");
-    add_normal("large.png");
-    float3* const small_before = stack_.GetLayer(1);
-    float3* const large_before = stack_.GetLayer(2);
-    float const seen = small_before[1].x;
-    stack_.SetLayerData(1, "base.png");
-    stack_.SetLayerData(2, "base.png");
-    for (int index : {1, 2}) {
-        EXPECT_EQ(stack_.GetLayerWidth(index), 3);
-        EXPECT_EQ(stack_.GetLayerHeight(index), 2);
-        EXPECT_EQ(heights(index)[5], heights(0)[5]);
-    }
-    EXPECT_NE(stack_.GetLayer(1), small_before) << "two texels have no room for six";
-    EXPECT_EQ(small_before[1].x, seen) << "what was replaced stays until Clear";
-    EXPECT_EQ(stack_.GetLayer(2), large_before);
-    stack_.GenerateLayers();
-}
-
-TEST_F(NLayersStack, ABlankFirstLayerHasNoSizeUntilSetLayerDataGivesIt)
-{
-    provide("a.png", 3, 2, 24, 7);
-    add("");
-    add("a.png");
-    EXPECT_EQ(stack_.GetLayerWidth(1), 0);
-    EXPECT_NE(stack_.GetLayer(1), nullptr) << "an empty buffer";
-    EXPECT_TRUE(records_.GetRef(1)->regenerate);
-    stack_.SetLayerData(1, "a.png");
-    EXPECT_EQ(stack_.GetLayerWidth(0), 3);
-    EXPECT_EQ(stack_.GetLayerHeight(0), 2);
-    EXPECT_EQ(stack_.GetLayer(0), nullptr) << "still without buffers";
-    EXPECT_EQ(stack_.GetLayerWidth(1), 3);
-    EXPECT_EQ(heights(1)[5], height_of(DevilFake::instance().files["a.png"], 2, 1));
-    add("a.png");
-    EXPECT_EQ(stack_.GetLayerHeight(2), 2) << "the stack has a size now";
-}
-
-TEST_F(NLayersStack, SetLayerDataOnABlankFirstLayerMakesItAHeightLayer)
-{
-    provide("a.png", 3, 2, 24, 7);
-    add("");
-    stack_.SetLayerData(0, "a.png");
-    EXPECT_EQ(stack_.GetLayerWidth(0), 3);
-    ASSERT_NE(stack_.GetLayer(0), nullptr);
-    EXPECT_EQ(heights(0)[4], height_of(DevilFake::instance().files["a.png"], 1, 1));
-}
-
-TEST_F(NLayersStack, AnEmptyBufferThatComesFirstGrowsWithTheStack)
-{
-    provide("a.png", 3, 2);
-    add("");
-    add("a.png");
-    add("a.png");
-    stack_.MoveLayerUp(1);
-    stack_.SetLayerData(2, "a.png");
-    EXPECT_EQ(stack_.GetLayerWidth(0), 3);
-    EXPECT_EQ(heights(0)[5], 0.0f) << "room for the new size, and nothing in it";
-    EXPECT_EQ(stack_.GetLayerWidth(1), 0);
-    stack_.GenerateLayers();
-    stack_.BlendLayers();
-    stack_.BlendHeightMap();
-    EXPECT_NE(stack_.height_result, nullptr);
 }
 
 TEST_F(NLayersStack, IndicesOutOfRangeGiveNothing)
