@@ -5,8 +5,8 @@
 # these need besides. With "docs" alone: what the site of the documents needs, and nothing else.
 set -euo pipefail
 
-build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libpng-dev libfmt-dev libcli11-dev nlohmann-json3-dev
-    libtomlplusplus-dev opencl-c-headers"
+build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libpng-dev libtiff-dev libopenexr-dev libjpeg-dev
+    libwebp-dev libgif-dev libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev opencl-c-headers"
 docs_packages="doxygen"
 test_packages="libgtest-dev libgmock-dev python3 pocl-opencl-icd ocl-icd-libopencl1 oclgrind dpkg-dev file binutils
     g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel clang-format-14 $docs_packages"

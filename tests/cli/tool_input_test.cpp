@@ -66,29 +66,24 @@ TEST_F(ToolInput, RefusesADdsPictureWithLessDataThanItsSizeNeeds)
     Bytes dds = read("hill.dds");
     dds[16] = 64; // columns
     write("wide.dds", dds);
-    expect_refusal("wide.dds", "less data than its size needs");
+    expect_refusal("wide.dds", "damaged");
 }
 
-TEST_F(ToolInput, SurvivesALoaderThatFreesItsImage)
+TEST_F(ToolInput, RefusesAPictureWithoutItsTexels)
 {
-    // DevIL is left with a freed image after this file, and would crash when the program ends.
     std::string const ppm = "P6\n64 64\n255\nonly a few bytes";
     write("cut.ppm", Bytes(ppm.begin(), ppm.end()));
     expect_refusal("cut.ppm", "damaged");
 }
 
-TEST_F(ToolInput, SurvivesADecoderThatCrashes)
+TEST_F(ToolInput, RefusesAPhotoshopFileOfAnotherSize)
 {
     write("good.psd", photoshop_file(5, 7));
     EXPECT_EQ(run({"info", "good.psd"}).code, 0);
-    write("crash.psd", photoshop_file(0x80000005U, 7));
-    expect_refusal("crash.psd", "its decoder broke down");
-}
-
-TEST_F(ToolInput, SurvivesADecoderThatDoesNotEnd)
-{
-    write("endless.psd", photoshop_file(5, 0xff000007U));
-    expect_refusal("endless.psd", "it ends too early");
+    write("high.psd", photoshop_file(0x80000005U, 7));
+    expect_refusal("high.psd", "7 x 2147483653 is more than");
+    write("wide.psd", photoshop_file(5, 0x1000));
+    expect_refusal("wide.psd", "damaged");
 }
 
 TEST_F(ToolInput, StopsADecoderThatTakesTooLong)
@@ -100,9 +95,9 @@ TEST_F(ToolInput, StopsADecoderThatTakesTooLong)
 TEST_F(ToolInput, IsNamedByItsLayerInAStack)
 {
     write("good.psd", photoshop_file(5, 7));
-    write("crash.psd", photoshop_file(0x80000005U, 7));
-    write("endless.psd", photoshop_file(5, 0xff000007U));
-    for (std::string const name : {"crash.psd", "endless.psd"}) {
+    write("high.psd", photoshop_file(0x80000005U, 7));
+    write("wide.psd", photoshop_file(5, 0x1000));
+    for (std::string const name : {"high.psd", "wide.psd"}) {
         std::string const stack =
             "[[layer]]\nfile = 'good.psd'\n[[layer]]\nfile = '" + name + "'\nblend = 'add'\n";
         write("s.toml", Bytes(stack.begin(), stack.end()));
@@ -164,7 +159,7 @@ TEST_F(ToolInputHdr, TakesEachFormOfARow)
     for (Row const& row : {runs, stretches, pixels, repeated}) {
         Outcome const outcome = look_at("-Y 2 +X 8", {row, row});
         EXPECT_EQ(outcome.code, 0) << outcome.err;
-        EXPECT_EQ(outcome.out.find("x.hdr: 8 x 2, 32-bit colour"), 0U) << outcome.out;
+        EXPECT_EQ(outcome.out.find("x.hdr: 8 x 2, Radiance HDR, 32-bit colour"), 0U) << outcome.out;
     }
 }
 
@@ -183,8 +178,7 @@ TEST_F(ToolInputHdr, RefusesRowsThatAreDamaged)
         Outcome const outcome = look_at("-Y 2 +X 8", {runs, row});
         EXPECT_EQ(outcome.code, 1) << testing::PrintToString(row);
         EXPECT_TRUE(complains_about(outcome, "umbrix info", "x.hdr"));
-        EXPECT_NE(outcome.err.find("its rows are not what its size asks for"), std::string::npos)
-            << outcome.err;
+        EXPECT_NE(outcome.err.find("damaged"), std::string::npos) << outcome.err;
     }
     for (std::string const& size :
          {std::string("-Y 2 +X 9"), std::string("-Y 3 +X 8"), std::string("-Y 0 +X 8"), std::string("-Y 2"),

@@ -148,7 +148,7 @@ TEST_F(ToolOutput, WantsSidesThatTheFormatCanHold)
     EXPECT_TRUE(complains_about(vtf, "umbrix map", "x.vtf"));
 
     write("wide.tga", height_map(65501, 1, [](int x, int) { return x & 255; }));
-    Outcome const jpeg = run({"relight", "wide.tga", "-o", "x.jpg"}); // its encoder would end the process
+    Outcome const jpeg = run({"relight", "wide.tga", "-o", "x.jpg"}); // its encoder takes no more
     EXPECT_EQ(jpeg.code, 1);
     EXPECT_TRUE(complains_about(jpeg, "umbrix relight", "x.jpg"));
     EXPECT_EQ(files(), (std::set<std::string>{"hill.tga", "odd.tga", "wide.tga"}));

@@ -27,11 +27,14 @@ enum class Fault {
     // Pictures.
     kChangedWhileRead,  ///< A picture was written to while it was read.
     kDamagedPicture,    ///< A picture is damaged, or of no known format.
+    kNotReadable,       ///< A sound picture that no reader takes. The remedy says what to save instead.
     kTooManyTexels,     ///< A picture is larger than it is allowed to be.
     kSideTooLong,       ///< A picture is wider or higher than can be worked on.
     kUnknownFormat,     ///< The name of an output tells no format. The remedy lists those that do.
     kOutputIsInput,     ///< An output would replace the input.
     kNoAlphaInFormat,   ///< The format of an output holds no alpha, and heights are to go there.
+    kDepthNotInFormat,  ///< The format of an output has no samples of the depth. The remedy names those it
+                        ///< has.
     kSizeOutsideFormat, ///< The format of an output does not take pictures of this size.
     kNotReadBack,       ///< A picture that was written does not read back as it should.
 

@@ -2,7 +2,6 @@
 #include "toolkit/pictures/decoded_image.h"
 
 #include "toolkit/base/failure.h"
-#include "toolkit/pictures/devil/devil_formats.h"
 
 #include <algorithm>
 #include <array>
@@ -27,12 +26,17 @@ FileStamp stamp_of(std::filesystem::path const& file)
             status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
-/// The first that takes the file decodes it; the formats that are told by more of their first bytes come
-/// first.
+/// The first that takes the file decodes it. A long signature comes before a name, and that before a short
+/// signature, which raw heights may begin with, too; TGA has none.
 DecodedFile decoded(SourceFile& source)
 {
-    for (Decoder const* const decoder : {&png_decoder(), &pnm_decoder(), &tga_decoder(), devil_decoder()}) {
-        if (decoder != nullptr && decoder->takes(source)) {
+    for (Decoder const* const decoder :
+         {&png_decoder(),   &tiff_decoder(),      &exr_decoder(),  &jpeg_decoder(), &webp_decoder(),
+          &gif_decoder(),   &raw_decoder(),       &pnm_decoder(),  &pfm_decoder(),  &bmp_decoder(),
+          &dds_decoder(),   &ico_decoder(),       &sgi_decoder(),  &pcx_decoder(),  &sun_decoder(),
+          &hdr_decoder(),   &psd_decoder(),       &fits_decoder(), &vtf_decoder(),  &refused_formats(),
+          &alias_decoder(), &softimage_decoder(), &tga_decoder()}) {
+        if (decoder->takes(source)) {
             return decoder->decode(source);
         }
     }

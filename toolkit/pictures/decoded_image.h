@@ -38,6 +38,12 @@ public:
         return !file_.palette && file_.picture.type == SampleType::kUint8 && file_.picture.channels >= 3;
     }
 
+    /// "PNG", "TIFF": what the file is, whatever its name.
+    std::string const& format() const { return file_.format; }
+
+    /// What a user has to know of how it was taken.
+    std::vector<std::string> const& notes() const { return file_.notes; }
+
     /// "8-bit grey with alpha", "palette", "16-bit colour" and the like.
     std::string description() const;
 
@@ -46,6 +52,9 @@ public:
 
     /// The picture in the file's sample type, grey as three equal channels.
     Picture to_picture(bool with_alpha) const { return in_colour(file_.picture, with_alpha); }
+
+    /// The picture in the file's own channels and sample type.
+    Picture const& picture() const { return file_.picture; }
 
     /// Ranges of the channels as they are in the file; of a palette's colours.
     std::vector<ChannelRange> ranges() const;

@@ -29,9 +29,8 @@ bool reads_back(std::filesystem::path const& file, OutputFormat const& format, P
         if (!format.lossless) {
             return true;
         }
-        bool const with_alpha = written.channels == 4 && format.exact_alpha;
-        Picture const read = image.to_picture(with_alpha);
-        return read.bytes == (read.channels == written.channels ? written : without_alpha(written)).bytes;
+        return image.picture().type == written.type &&
+               image.to_picture(written.has_alpha()).bytes == in_colour(written, written.has_alpha()).bytes;
     } catch (Failure const&) {
         return false;
     }
@@ -62,13 +61,11 @@ void write_picture(std::filesystem::path const& file, OutputFormat const& format
                    Picture const& picture, Observer& observer)
 {
     check_size(format, name, picture.width, picture.height);
-    Picture const upright = picture.channels == 4 && !format.alpha ? without_alpha(picture) : picture;
+    Picture const stored = picture.has_alpha() && !format.alpha ? without_alpha(picture) : picture;
     observer.begin(Phase::kWriting, name);
-    bool const saved =
-        format.encoder->encode(file, format.rows_from_the_top ? upside_down(upright) : upright) &&
-        flush_to_disk(file);
+    bool const saved = format.encoder->encode(file, stored) && flush_to_disk(file);
     observer.begin(Phase::kChecking, name);
-    if (saved && reads_back(file, format, upright)) {
+    if (saved && reads_back(file, format, stored)) {
         return;
     }
     if (disk_is_full(file)) {

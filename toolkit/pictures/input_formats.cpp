@@ -2,11 +2,9 @@
 #include "toolkit/pictures/input_formats.h"
 
 #include "toolkit/base/text.h"
-#include "toolkit/pictures/devil/devil_formats.h"
 #include "toolkit/pictures/output_format.h"
 
 #include <algorithm>
-#include <array>
 #include <span>
 #include <string_view>
 
@@ -15,9 +13,9 @@ namespace umbrixlib::toolkit {
 namespace {
 
 // Those that are read, but not written.
-constexpr std::array<std::string_view, 4> kReadOnly{".pnm", ".vda", ".icb", ".vst"};
-constexpr std::array<std::string_view, 13> kReadByDevilOnly{
-    ".dib", ".pdd", ".gif", ".dcx", ".iff", ".fit", ".fits", ".pic", ".pix", ".ras", ".sun", ".xpm", ".pcd"};
+constexpr std::string_view kReadOnly[] = {".cur", ".dcx", ".dib", ".exr", ".fit", ".fits", ".gif", ".icb",
+                                          ".ico", ".pam", ".pdd", ".pfm", ".pic", ".pix",  ".pnm", ".psb",
+                                          ".r16", ".r32", ".ras", ".sun", ".vda", ".vst",  ".webp"};
 
 bool is_among(std::span<std::string_view const> all, std::string const& extension)
 {
@@ -29,8 +27,7 @@ bool is_among(std::span<std::string_view const> all, std::string const& extensio
 bool is_called_like_a_picture(std::filesystem::path const& file)
 {
     std::string const extension = lower_case(file.extension().string());
-    return output_format(file) != nullptr || is_among(kReadOnly, extension) ||
-           (devil_decoder() != nullptr && is_among(kReadByDevilOnly, extension));
+    return output_format(file) != nullptr || is_among(kReadOnly, extension);
 }
 
 } // namespace umbrixlib::toolkit

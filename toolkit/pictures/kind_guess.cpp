@@ -72,7 +72,7 @@ bool looks_like_normals(Look const& look)
 
 KindGuess guess_kind(Picture const& picture, std::filesystem::path const& file)
 {
-    Look const look = look_at(picture);
+    Look const look = look_at(has_vectors(picture) ? encoded_vectors(picture) : picture);
     if (look.grey_share >= kMostTexels) {
         return {Kind::kHeightMap, "it has no colour"};
     }

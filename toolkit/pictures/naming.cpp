@@ -92,10 +92,4 @@ std::optional<NameHint> hint_of_name(fs::path const& file)
     return hint;
 }
 
-bool is_tiff(std::filesystem::path const& file)
-{
-    std::string const extension = lower_case(file.extension().string());
-    return extension == ".tif" || extension == ".tiff";
-}
-
 } // namespace umbrixlib::toolkit

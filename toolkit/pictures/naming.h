@@ -14,9 +14,6 @@ namespace umbrixlib::toolkit {
 /// extension stays if pictures can be written so without loss; else it is ".png".
 std::filesystem::path default_output(std::filesystem::path const& input, std::string const& suffix);
 
-/// Whether @p file is called a TIFF, in any letter case.
-bool is_tiff(std::filesystem::path const& file);
-
 /// What the name says about the picture: a word such as "normal" or "height", or one of the tags _N and _H at
 /// its end, in any letter case. Nothing if it has words for both.
 struct NameHint {

@@ -2,10 +2,10 @@
 #include "toolkit/pictures/output_format.h"
 
 #include "toolkit/base/text.h"
-#include "toolkit/pictures/devil/devil_formats.h"
 #include "toolkit/pictures/encoder.h"
 
 #include <fmt/format.h>
+#include <initializer_list>
 #include <vector>
 
 namespace umbrixlib::toolkit {
@@ -18,44 +18,53 @@ constexpr char const* kJpeg = "JPEG is lossy and halves the resolution of colour
 constexpr char const* kDds = "DDS is written with lossy DXT1 compression and without alpha";
 constexpr char const* kHdr = "Radiance HDR rounds the channels of a texel to a common exponent";
 
-std::vector<OutputFormat> formats_of_this_build()
+constexpr unsigned bits_of(std::initializer_list<SampleType> depths)
 {
-    Encoder const* const png = &png_encoder();
-    Encoder const* const tga = &tga_encoder();
-    Encoder const* const ppm = &ppm_encoder();
-    Encoder const* const devil = devil_encoder();
-    // The fields in their order: extension, lossless, alpha, exact_alpha, powers_of_two, rows_from_the_top,
-    // longest_side, warning, encoder.
-    std::vector<OutputFormat> formats = {
-        {".png", true, true, true, false, false, kSide, "", png},
-        {".tga", true, true, true, false, false, kSide, "", tga},
-        {".tif", true, true, true, false, false, kSide, "", devil},
-        {".tiff", true, true, true, false, false, kSide, "", devil},
-        {".bmp", true, false, false, false, false, kSide, "", devil},
-        {".psd", true, true, false, false, false, 30000, "", devil},
-        {".sgi", true, true, true, false, false, kSide, "", devil},
-        {".rgb", true, true, true, false, false, kSide, "", devil},
-        {".rgba", true, true, true, false, false, kSide, "", devil},
-        {".bw", true, true, true, false, false, kSide, "", devil},
-        {".pcx", true, true, true, false, false, kSide, "", devil},
-        {".ppm", true, false, false, false, false, kSide, "", ppm},
-        {".pgm", true, false, false, false, false, kSide, "", ppm},
-        {".pbm", true, false, false, false, false, kSide, "", ppm},
-        // The writer of this one puts the first row at the top of the picture, unlike all others.
-        {".vtf", true, true, true, true, true, 32768, "", devil},
-        {".jpg", false, false, false, false, false, kJpegSide, kJpeg, devil},
-        {".jpe", false, false, false, false, false, kJpegSide, kJpeg, devil},
-        {".jpeg", false, false, false, false, false, kJpegSide, kJpeg, devil},
-        {".dds", false, false, false, false, false, kSide, kDds, devil},
-        {".hdr", false, false, false, false, false, kSide, kHdr, devil},
+    unsigned bits = 0;
+    for (SampleType const depth : depths) {
+        bits |= OutputFormat::bit_of(depth);
+    }
+    return bits;
+}
+
+std::vector<OutputFormat> make_formats()
+{
+    using enum SampleType;
+    constexpr unsigned kBytes = bits_of({kUint8});
+    constexpr unsigned kWhole = bits_of({kUint8, kUint16});
+    constexpr unsigned kMost = bits_of({kUint8, kUint16, kFloat});
+    constexpr unsigned kFloats = bits_of({kFloat});
+    // The fields in their order: extension, lossless, alpha, powers_of_two, longest_side,
+    // warning, encoder, depths.
+    return {
+        {".png", true, true, false, kSide, "", &png_encoder(), kWhole},
+        {".tga", true, true, false, kSide, "", &tga_encoder(), kBytes},
+        {".tif", true, true, false, kSide, "", &tiff_encoder(), kMost},
+        {".tiff", true, true, false, kSide, "", &tiff_encoder(), kMost},
+        {".exr", true, true, false, kSide, "", &exr_encoder(), bits_of({kHalf, kFloat})},
+        {".bmp", true, false, false, kSide, "", &bmp_encoder(), kBytes},
+        {".psd", true, true, false, 30000, "", &psd_encoder(), kMost},
+        {".sgi", true, true, false, kSide, "", &sgi_encoder(), kWhole},
+        {".rgb", true, true, false, kSide, "", &sgi_encoder(), kWhole},
+        {".rgba", true, true, false, kSide, "", &sgi_encoder(), kWhole},
+        {".bw", true, true, false, kSide, "", &sgi_encoder(), kWhole},
+        {".pcx", true, true, false, kSide, "", &pcx_encoder(), kBytes},
+        {".ppm", true, false, false, kSide, "", &ppm_encoder(), kWhole},
+        {".pgm", true, false, false, kSide, "", &ppm_encoder(), kWhole},
+        {".pbm", true, false, false, kSide, "", &ppm_encoder(), kWhole},
+        {".pfm", true, false, false, kSide, "", &pfm_encoder(), kFloats},
+        {".vtf", true, true, true, 32768, "", &vtf_encoder(), kBytes},
+        {".jpg", false, false, false, kJpegSide, kJpeg, &jpeg_encoder(), kBytes},
+        {".jpe", false, false, false, kJpegSide, kJpeg, &jpeg_encoder(), kBytes},
+        {".jpeg", false, false, false, kJpegSide, kJpeg, &jpeg_encoder(), kBytes},
+        {".dds", false, false, false, kSide, kDds, &dds_encoder(), kBytes},
+        {".hdr", false, false, false, kSide, kHdr, &hdr_encoder(), bits_of({kUint8, kFloat})},
     };
-    std::erase_if(formats, [](OutputFormat const& format) { return format.encoder == nullptr; });
-    return formats;
 }
 
 std::vector<OutputFormat> const& all_formats()
 {
-    static std::vector<OutputFormat> const formats = formats_of_this_build();
+    static std::vector<OutputFormat> const formats = make_formats();
     return formats;
 }
 

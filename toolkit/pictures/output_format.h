@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/pictures/picture.h"
+
 #include <filesystem>
 #include <string>
 
@@ -13,12 +15,14 @@ struct OutputFormat {
     char const* extension;  ///< Lower case, with the dot.
     bool lossless;          ///< What is read back equals what was written.
     bool alpha;             ///< Holds a fourth channel.
-    bool exact_alpha;       ///< And gives it back as it was.
     bool powers_of_two;     ///< Width and height have to be powers of two.
-    bool rows_from_the_top; ///< Is handed the top row first; all others the bottom row.
     int longest_side;       ///< In texels.
     char const* warning;    ///< Told with every picture written; "" if there is nothing to tell.
     Encoder const* encoder; ///< What writes it.
+    unsigned depths;        ///< Types of the samples that it holds, a bit each.
+
+    static constexpr unsigned bit_of(SampleType depth) { return 1U << static_cast<unsigned>(depth); }
+    bool holds(SampleType depth) const { return (depths & bit_of(depth)) != 0; }
 };
 
 /// The format of @p file by its extension in any letter case, or null if pictures cannot be written so.

@@ -99,6 +99,35 @@ Picture in_floats(Picture const& source)
     return result;
 }
 
+bool has_vectors(Picture const& picture)
+{
+    if (picture.type != SampleType::kHalf && picture.type != SampleType::kFloat) {
+        return false;
+    }
+    return with_samples(picture, [&](auto samples) {
+        auto const channels = static_cast<std::size_t>(picture.channels);
+        for (std::size_t i = 0; i < samples.size(); ++i) {
+            if (i % channels < 3 && to_number(samples[i]) < 0.0) {
+                return true;
+            }
+        }
+        return false;
+    });
+}
+
+Picture encoded_vectors(Picture const& vectors)
+{
+    Picture result = in_floats(vectors);
+    auto const samples = result.samples<float>();
+    auto const channels = static_cast<std::size_t>(result.channels);
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        if (i % channels < 3) {
+            samples[i] = samples[i] * 0.5f + 0.5f;
+        }
+    }
+    return result;
+}
+
 float to_float(Half half)
 {
     std::uint32_t const sign = (half.bits & 0x8000U) << 16U;
@@ -110,6 +139,26 @@ float to_float(Half half)
     }
     std::uint32_t const wide_exponent = exponent == 31 ? 255 : exponent + 112;
     return std::bit_cast<float>(sign | wide_exponent << 23U | fraction << 13U);
+}
+
+Half to_half(float number)
+{
+    auto const bits = std::bit_cast<std::uint32_t>(number);
+    std::uint32_t const sign = bits >> 16U & 0x8000U;
+    std::uint32_t const magnitude = bits & 0x7fffffffU;
+    auto const half = [sign](std::uint32_t rest) { return Half{static_cast<std::uint16_t>(sign | rest)}; };
+    if (magnitude > 0x7f800000U) {
+        return half(0x7e00U);
+    }
+    if (magnitude >= 0x477ff000U) { // what rounds above 65504
+        return half(0x7c00U);
+    }
+    if (magnitude < 0x38800000U) { // below the least normal half, steps of 2^-24
+        float const steps = std::nearbyint(std::bit_cast<float>(magnitude) * 0x1p24f);
+        return half(static_cast<std::uint32_t>(steps));
+    }
+    std::uint32_t const even = magnitude >> 13U & 1U;
+    return half((magnitude - 0x38000000U + 0xfffU + even) >> 13U);
 }
 
 } // namespace umbrixlib::toolkit

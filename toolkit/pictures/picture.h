@@ -81,7 +81,16 @@ Picture in_colour(Picture const& source, bool with_alpha);
 /// @p source in floats.
 Picture in_floats(Picture const& source);
 
+/// Whether the colours are floats of which any lies below 0, as in a normal map of vectors.
+bool has_vectors(Picture const& picture);
+
+/// @p vectors as floats whose colours are 0 to 1 for -1 to 1; the alpha stays.
+Picture encoded_vectors(Picture const& vectors);
+
 float to_float(Half half);
+
+/// The nearest half; of two, the one whose last bit is 0. Above 65504 it is infinite, and NaN stays NaN.
+Half to_half(float number);
 
 /// A sample in 8 bits: rounded to the nearest, floats cut at 0 and 1; NaN gives 0.
 inline std::uint8_t to_byte(std::uint8_t sample)

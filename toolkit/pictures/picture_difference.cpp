@@ -2,7 +2,7 @@
 #include "toolkit/pictures/picture_difference.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <cmath>
 #include <fmt/format.h>
 
 namespace umbrixlib::toolkit {
@@ -11,10 +11,15 @@ std::vector<int> largest_difference(Picture const& a, Picture const& b)
 {
     auto const channels = static_cast<std::size_t>(a.channels);
     std::vector<int> largest(channels);
-    for (std::size_t i = 0; i < a.bytes.size(); ++i) {
-        int& known = largest[i % channels];
-        known = std::max(known, std::abs(int{a.bytes[i]} - int{b.bytes[i]}));
-    }
+    double const scale = 255.0 / full_scale(a.type);
+    with_samples(a, [&]<typename Sample>(std::span<Sample const> of_a) {
+        auto const of_b = b.samples<Sample>();
+        for (std::size_t i = 0; i < of_a.size(); ++i) {
+            double const apart = std::abs(to_number(of_a[i]) - to_number(of_b[i])) * scale;
+            int& known = largest[i % channels];
+            known = apart > known ? static_cast<int>(std::min(std::ceil(apart), 255.0)) : known;
+        }
+    });
     return largest;
 }
 

@@ -7,7 +7,7 @@
 
 namespace umbrixlib::toolkit {
 
-/// The largest difference of each channel of two pictures of one shape, of 255.
+/// The largest difference of each channel of two pictures of one shape and type: of 255, rounded up.
 std::vector<int> largest_difference(Picture const& a, Picture const& b);
 
 /// "red 3, green 0, blue 12", and alpha if there is a fourth.

@@ -15,6 +15,8 @@ namespace {
 
 constexpr double kLongestSide = 65535.0;
 constexpr std::size_t kBuffer = 65536;
+constexpr double kBytesPerTexel = 32.0;                ///< Four channels of doubles.
+constexpr double kMostBesideTexels = 64 * 1024 * 1024; ///< Tags, tables, profiles and thumbnails.
 
 } // namespace
 
@@ -31,6 +33,9 @@ SourceFile::SourceFile(std::filesystem::path path, std::string subject, double m
 
 std::size_t SourceFile::read_some(void* to, std::size_t bytes)
 {
+    if (bytes == 0) {
+        return 0; // to nowhere, from an empty file
+    }
     std::size_t const of_head = std::min(bytes, head_size_ - head_read_);
     std::memcpy(to, head_.data() + head_read_, of_head);
     head_read_ += of_head;
@@ -59,6 +64,22 @@ int SourceFile::next()
     return head_read_ < head_size_ ? head_[head_read_++] : getc_unlocked(stream_.get());
 }
 
+std::span<std::uint8_t const> SourceFile::content()
+{
+    if (content_.empty()) {
+        struct stat status = {};
+        double const most = kBytesPerTexel * max_texels_ + kMostBesideTexels;
+        if (fstat(fileno(stream_.get()), &status) != 0 || static_cast<double>(status.st_size) > most) {
+            throw Failure(Fault::kTooManyTexels, subject_,
+                          fmt::format("its {:.0f} MiB are more than a picture of {:.0f} texels takes",
+                                      static_cast<double>(status.st_size) / (1024 * 1024), max_texels_));
+        }
+        content_.resize(static_cast<std::size_t>(status.st_size));
+        content_.resize(read_some(content_.data(), content_.size()));
+    }
+    return content_;
+}
+
 void SourceFile::check_size(double width, double height) const
 {
     if (width < 1 || height < 1 || width * height > max_texels_) {
@@ -80,6 +101,11 @@ void SourceFile::check_length(double bytes) const
         static_cast<double>(status.st_size) < bytes) {
         refuse_as_damaged();
     }
+}
+
+void SourceFile::refuse(std::string const& what, std::string const& remedy) const
+{
+    throw Failure(Fault::kNotReadable, subject_, what, remedy);
 }
 
 void SourceFile::refuse_as_damaged() const

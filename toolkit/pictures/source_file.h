@@ -8,6 +8,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace umbrixlib::toolkit {
 
@@ -35,6 +36,10 @@ public:
     /// The next byte; -1 at the end.
     int next();
 
+    /// The whole file, for formats that are not read from start to end. Read at the first call; a Failure if
+    /// it has more bytes than a picture of the largest size takes.
+    std::span<std::uint8_t const> content();
+
     /// A Failure if the picture is too large, or has no texel.
     void check_size(double width, double height) const;
 
@@ -42,6 +47,10 @@ public:
     void check_length(double bytes) const;
 
     [[noreturn]] void refuse_as_damaged() const;
+
+    /// For a sound file that is not taken: what it is, "it is a deep OpenEXR picture", and what helps, "save
+    /// it flat".
+    [[noreturn]] void refuse(std::string const& what, std::string const& remedy) const;
 
 private:
     struct Close {
@@ -55,6 +64,7 @@ private:
     std::array<std::uint8_t, 32> head_{};
     std::size_t head_size_ = 0;
     std::size_t head_read_ = 0; ///< How much of the head was handed out.
+    std::vector<std::uint8_t> content_;
 };
 
 } // namespace umbrixlib::toolkit

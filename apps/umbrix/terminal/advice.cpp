@@ -29,11 +29,13 @@ constexpr Advice kAdvice[] = {
 
     {Fault::kChangedWhileRead, "try again when nothing writes it any more"},
     {Fault::kDamagedPicture, kResave},
+    {Fault::kNotReadable, "{}"},
     {Fault::kTooManyTexels, "allow more with --max-texels"},
     {Fault::kSideTooLong, "cut it into parts"},
     {Fault::kUnknownFormat, "{}", kWrongUsage},
     {Fault::kOutputIsInput, "give another name", kWrongUsage},
     {Fault::kNoAlphaInFormat, "give a name ending in .png, or leave --height-in-alpha out", kWrongUsage},
+    {Fault::kDepthNotInFormat, "give --depth {}, or a name of another format"},
     {Fault::kSizeOutsideFormat, "give a name ending in .png"},
     {Fault::kNotReadBack, "check the disk and the limits on memory, or choose another folder or format"},
 

@@ -50,7 +50,7 @@ public:
             rows[rows.size() - 1 - i] = &picture.bytes[i * row_size];
         }
         check(read_rows(rows.data()));
-        return {std::move(picture), palette};
+        return {std::move(picture), palette, "PNG"};
     }
 
 private:

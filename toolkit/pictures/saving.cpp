@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/pictures/saving.h"
+
+#include "toolkit/base/failure.h"
+#include "toolkit/pictures/output_format.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <utility>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+constexpr std::pair<char const*, SampleType> kDepths[] = {{"8", SampleType::kUint8},
+                                                          {"16", SampleType::kUint16},
+                                                          {"half", SampleType::kHalf},
+                                                          {"float", SampleType::kFloat}};
+
+/// Halves hold directions and light to the last digit that shows, but not heights.
+SampleType usual_depth(OutputFormat const& format, PictureKind kind)
+{
+    if (kind != PictureKind::kHeights && !format.holds(SampleType::kUint8) &&
+        format.holds(SampleType::kHalf)) {
+        return SampleType::kHalf;
+    }
+    for (SampleType const depth : {SampleType::kUint8, SampleType::kFloat, SampleType::kUint16}) {
+        if (format.holds(depth)) {
+            return depth;
+        }
+    }
+    return SampleType::kHalf;
+}
+
+std::string depths_of(OutputFormat const& format)
+{
+    std::string all;
+    for (auto const& [name, depth] : kDepths) {
+        if (format.holds(depth)) {
+            all += fmt::format("{}{}", all.empty() ? "" : " or ", name);
+        }
+    }
+    return all;
+}
+
+/// 0 to 1, evenly spread: one of 2^24 numbers for each place. A step of SplitMix64 (Steele, Lea and Flood,
+/// "Fast splittable pseudorandom number generators", 2014).
+double noise_at(std::size_t place)
+{
+    std::uint64_t bits = (place + 1) * 0x9e3779b97f4a7c15U;
+    bits = (bits ^ bits >> 30U) * 0xbf58476d1ce4e5b9U;
+    bits = (bits ^ bits >> 27U) * 0x94d049bb133111ebU;
+    return static_cast<double>((bits ^ bits >> 31U) >> 40U) / 16777216.0;
+}
+
+/// What is added before the part behind the point is cut off.
+double rounding_at(std::size_t place, SavedAs const& as)
+{
+    if (as.depth == SampleType::kUint16) {
+        return 0.5;
+    }
+    return as.dither ? noise_at(place) : as.rounding == Rounding::kNearest ? 0.5 : 0.0;
+}
+
+template <typename Whole>
+void to_whole(Picture const& floats, SavedAs const& as, Picture& result)
+{
+    bool const normals = floats.kind == PictureKind::kNormals;
+    bool const alpha = floats.has_alpha();
+    double const full = full_scale(result.type);
+    auto const channels = static_cast<std::size_t>(floats.channels);
+    auto const from = floats.samples<float>();
+    auto const to = result.samples<Whole>();
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        bool const is_direction = normals && !(alpha && i % channels == channels - 1);
+        double const value = static_cast<double>(from[i]);
+        double const share = is_direction ? (value + 1.0) / 2.0 : value;
+        to[i] = share > 0.0
+                    ? static_cast<Whole>(std::min(std::min(share, 1.0) * full + rounding_at(i, as), full))
+                    : Whole{0};
+    }
+}
+
+} // namespace
+
+SavedAs saved_as(Saving const& saving, OutputFormat const& format, PictureKind kind, std::string const& name)
+{
+    SampleType const depth = saving.depth.value_or(usual_depth(format, kind));
+    if (!format.holds(depth)) {
+        throw Failure(Fault::kDepthNotInFormat, name,
+                      fmt::format("{} files have no samples of depth {}", format.extension, name_of(depth)),
+                      depths_of(format));
+    }
+    return {depth, saving.rounding, saving.dither};
+}
+
+Picture in_samples(Picture const& floats, SavedAs const& as)
+{
+    if (as.depth == SampleType::kFloat) {
+        return floats;
+    }
+    Picture result = make_picture(floats.width, floats.height, floats.channels, as.depth);
+    result.kind = floats.kind;
+    switch (as.depth) {
+    case SampleType::kUint8:
+        to_whole<std::uint8_t>(floats, as, result);
+        break;
+    case SampleType::kUint16:
+        to_whole<std::uint16_t>(floats, as, result);
+        break;
+    default:
+        std::ranges::transform(floats.samples<float>(), result.samples<Half>().begin(), to_half);
+    }
+    return result;
+}
+
+char const* name_of(SampleType depth)
+{
+    return std::ranges::find(kDepths, depth, &std::pair<char const*, SampleType>::second)->first;
+}
+
+std::optional<SampleType> depth_called(std::string const& name)
+{
+    auto const* const found =
+        std::ranges::find_if(kDepths, [&](auto const& each) { return name == each.first; });
+    return found == std::end(kDepths) ? std::nullopt : std::optional(found->second);
+}
+
+} // namespace umbrixlib::toolkit
