@@ -14,7 +14,7 @@ TEST_F(InfoCommand, TellsWhatIsInAPicture)
     write("x.png", png_bytes(2, PngColour::kRgba, 8, {{10, 20, 30, 40, 50, 20, 90, 200}}));
     Outcome const outcome = run({"info", "x.png"});
     EXPECT_EQ(outcome.code, 0);
-    EXPECT_EQ(outcome.out, "x.png: 2 x 1, 8-bit colour with alpha\n"
+    EXPECT_EQ(outcome.out, "x.png: 2 x 1, PNG, 8-bit colour with alpha\n"
                            "  red   10 to 50, mean 30\n"
                            "  green 20 to 20, mean 20\n"
                            "  blue  30 to 90, mean 60\n"
@@ -32,6 +32,7 @@ TEST_F(InfoCommand, TellsTheSameAsJson)
     EXPECT_EQ(told.at("width"), 2);
     EXPECT_EQ(told.at("height"), 1);
     EXPECT_EQ(told.at("bits_per_channel"), 16);
+    EXPECT_EQ(told.at("format"), "PNG");
     EXPECT_EQ(told.at("pixel"), "16-bit grey");
     EXPECT_EQ(told.at("taken_for"), "height map");
     EXPECT_EQ(told.at("channels").size(), 1U);

@@ -32,6 +32,7 @@ public:
     {
         auto const with_files = [&](auto job) -> Job {
             picture_.name_files(job.files);
+            job.files.output.saving = orders_.saving;
             job.files.max_texels = orders_.max_texels;
             return job;
         };

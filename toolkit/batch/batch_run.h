@@ -50,6 +50,7 @@ struct BatchOrders {
     std::size_t workers = 1; ///< Files at a time.
     bool dry_run = false;    ///< Only tell what would be made of what.
     OutputPolicy policy = OutputPolicy::kKeep;
+    Saving saving{};               ///< Of every picture.
     double max_texels = 268435456; ///< Largest picture that is worked on; 2^28 is 16384 x 16384.
     double timeout_seconds = 60;   ///< Longest time for decoding a file.
 };

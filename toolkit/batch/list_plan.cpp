@@ -56,7 +56,18 @@ std::uint8_t road_of(Graphics const& graphics)
     return static_cast<std::uint8_t>(graphics.device ? (graphics.match_cpu ? 2 : 1) : 0);
 }
 
-ListPiece piece_of(umbrix_node job, fs::path const& file, Graphics const& graphics)
+/// Adds to what a picture is made of how it is saved; as lists always were, nothing.
+void add_saving(std::vector<unsigned char>& made_of, Saving const& saving)
+{
+    if (saving != Saving{}) {
+        int const depth = saving.depth ? static_cast<int>(*saving.depth) : -1;
+        for (int const each : {depth, static_cast<int>(saving.rounding), saving.dither ? 1 : 0}) {
+            made_of.push_back(static_cast<unsigned char>(each));
+        }
+    }
+}
+
+ListPiece piece_of(umbrix_node job, fs::path const& file, ListChoice const& choice)
 {
     bool const of_folder = job.filename != file.string();
     if (of_folder && job.generate_normal) {
@@ -66,13 +77,14 @@ ListPiece piece_of(umbrix_node job, fs::path const& file, Graphics const& graphi
     ListPiece piece;
     piece.job.data = job;
     piece.job.layers = layers_of(job);
-    piece.job.graphics = graphics;
+    piece.job.graphics = choice.graphics;
     std::vector<fs::path> read{file};
     for (n_layer const& layer : piece.job.layers) {
         read.emplace_back(layer.filename);
     }
     std::vector<std::uint8_t> made_of = pack_list_job(job);
-    made_of.push_back(road_of(graphics));
+    made_of.push_back(road_of(choice.graphics));
+    add_saving(made_of, choice.saving);
     piece.digest = digest_of(made_of, read);
     return piece;
 }
@@ -88,7 +100,7 @@ ListPlan plan_list(umbrix_list& list, ListChoice const& choice, ListLog const& l
         }
         umbrix_node const job = list.get_node(i);
         for (BatchFile file : files_of(job, choice, plan.batch.failures)) {
-            ListPiece piece = piece_of(job, file.source, choice.graphics);
+            ListPiece piece = piece_of(job, file.source, choice);
             std::uint64_t const maker = log.maker_of(file.target);
             file.outdated = maker != 0 && maker != piece.digest;
             file.origin = plan.pieces.size();

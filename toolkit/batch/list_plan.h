@@ -17,6 +17,7 @@ struct ListChoice {
     bool recurse = false; ///< Look into the folders in folders.
     OutputPolicy policy = OutputPolicy::kKeep;
     Graphics graphics;
+    Saving saving{};
 };
 
 /// A file of a job of the list: what is to be done, and what the log remembers.

@@ -30,7 +30,8 @@ PictureFile::PictureFile(fs::path const& input, fs::path named, bool overwrite)
 void PictureFile::name_files(JobFiles& files) const
 {
     files.input = input_.string();
-    files.output = {file_.temporary().string(), named_.string()};
+    files.output.file = file_.temporary().string();
+    files.output.name = named_.string();
 }
 
 void PictureFile::complete()

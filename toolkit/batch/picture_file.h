@@ -17,7 +17,7 @@ public:
     /// @param named The output as the user knows it.
     PictureFile(std::filesystem::path const& input, std::filesystem::path named, bool overwrite);
 
-    /// Fills in @p files, but for the limit on texels.
+    /// Fills in the names of @p files.
     void name_files(JobFiles& files) const;
 
     /// Gives the file its name. What the worker wrote is whole and read back by now.

@@ -22,7 +22,9 @@ bool StackTarget::is_same_file(StackTarget const& other) const
 void StackTarget::open(StackJob& job)
 {
     file_ = std::make_unique<OutputFile>(target_, output_format(named_)->extension);
-    job.*field_ = {file_->temporary().string(), named_.string()};
+    Output& output = job.*field_;
+    output.file = file_->temporary().string();
+    output.name = named_.string();
 }
 
 void StackTarget::move_into_place(bool overwrite)

@@ -98,6 +98,7 @@ Pair read_pair(FitJob const& job, Observer& observer)
     if (input.guess.kind == Kind::kHeightMap) {
         observer.note(job.normals, {"this does not look like a normal map: " + input.guess.reason});
     }
+    take_for_normals(input, job.normals, observer);
     pair.picture = std::move(input.picture);
     return pair;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/pictures/saving.h"
 #include "toolkit/settings/defaults.h"
 #include "toolkit/settings/graphics_settings.h"
 #include "toolkit/settings/stack_description.h"
@@ -23,6 +24,7 @@ namespace umbrixlib::toolkit {
 struct Output {
     std::string file; ///< Temporary; its extension names the format. Empty: the picture is not wanted.
     std::string name; ///< What messages call it.
+    Saving saving{};
 
     bool operator==(Output const&) const = default;
 };

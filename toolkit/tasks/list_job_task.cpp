@@ -39,9 +39,13 @@ ListReport run(ListJob const& job, Observer& observer)
     JobFiles const& files = job.files;
     Settings const settings = settings_of(job.data);
     PreparedInput input = prepare_input({files.input, files.input, files.max_texels}, observer);
+    if (kind_of(job.data) == Kind::kNormalMap) {
+        take_for_normals(input, files.input, observer);
+    }
     check_relief_size(settings, files.input, input.width, input.height);
     OutputFormat const& format = *output_format(files.output.file);
     check_size(format, files.output.name, input.width, input.height);
+    SavedAs const as = saved_as(files.output.saving, format, PictureKind::kLight, files.output.name);
     LinkedList<n_layer> layers;
     NLayers stack(&layers, InMemory{});
     read_layers(job, layers, stack, observer);
@@ -51,7 +55,7 @@ ListReport run(ListJob const& job, Observer& observer)
     observer.begin(Phase::kMaking, files.input);
     bool const has_layers = layers.count > 0;
     Picture const map =
-        make_umbrix_map(input.picture, files.input, options_of_job(job.data, input.width), observer,
+        make_umbrix_map(input.picture, files.input, options_of_job(job.data, input.width), as, observer,
                         has_layers ? &layers : nullptr, has_layers ? &stack : nullptr, job.graphics);
     write_picture(files.output.file, format, files.output.name, map, observer);
     return {map.width, map.height, kind_of(job.data)};

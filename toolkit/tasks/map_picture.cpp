@@ -4,6 +4,7 @@
 #include "toolkit/base/failure.h"
 #include "toolkit/tasks/graphics_run.h"
 #include "toolkit/tasks/library_run.h"
+#include "toolkit/tasks/methods/saved_picture.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -12,8 +13,8 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-MapRequest request_for(Picture const& source, umbrix_options const& options, LinkedList<n_layer>* layers,
-                       NLayers* stack, std::optional<int> device)
+MapRequest request_for(Picture const& source, umbrix_options const& options, SavedAs const& as,
+                       LinkedList<n_layer>* layers, NLayers* stack, std::optional<int> device)
 {
     MapRequest request;
     request.source = source.view();
@@ -25,7 +26,9 @@ MapRequest request_for(Picture const& source, umbrix_options const& options, Lin
     if (device) {
         request.gpu = gpu_options(*device);
     }
-    request.form = source.has_alpha() ? MapForm::kBytes : MapForm::kColourBytes;
+    if (as.as_the_library_does()) {
+        request.form = source.has_alpha() ? MapForm::kBytes : MapForm::kColourBytes;
+    }
     request.wants_source_heights = options.keep_buffers;
     return request;
 }
@@ -34,13 +37,28 @@ MapRequest request_for(Picture const& source, umbrix_options const& options, Lin
 /// scale, which leaves a usual relief only a few of the 256 steps.
 Picture with_heights_in_alpha(Picture const& map, float const* heights, bool inverted)
 {
-    Picture result = make_picture(map.width, map.height, 4);
+    Picture result = in_colour(map, true);
+    Picture greys = make_picture(map.width, map.height, 1, SampleType::kFloat);
+    std::transform(heights, heights + map.texels(), greys.samples<float>().begin(),
+                   [inverted](float height) { return inverted ? 1.0f - height : height; });
+    greys = in_samples(greys, {map.type, Rounding::kNearest});
+    std::size_t const size = sample_size(map.type);
     for (std::size_t i = 0; i < map.texels(); ++i) {
-        std::copy_n(map.texel(i), 3, result.texel(i));
-        float const height = inverted ? 1.0f - heights[i] : heights[i];
-        result.texel(i)[3] = static_cast<std::uint8_t>(std::clamp(height, 0.0f, 1.0f) * 255.0f + 0.5f);
+        std::copy_n(&greys.bytes[i * size], size, &result.bytes[(4 * i + 3) * size]);
     }
     return result;
+}
+
+/// What a run has made, as a picture.
+Picture picture_of(MapResult const& made, int channels, SavedAs const& as)
+{
+    if (!as.as_the_library_does()) {
+        return saved_map(made.map.get(), made.cols, made.rows, channels, as);
+    }
+    Picture map = make_picture(made.cols, made.rows, channels);
+    map.kind = PictureKind::kLight;
+    std::copy_n(made.bytes.get(), map.bytes.size(), map.bytes.data());
+    return map;
 }
 
 } // namespace
@@ -54,14 +72,14 @@ void check_relief_size(Settings const& settings, std::string const& name, int wi
 }
 
 Picture make_umbrix_map(Picture const& source, std::string const& name, umbrix_options options,
-                        Observer& observer, LinkedList<n_layer>* layers, NLayers* stack,
+                        SavedAs const& as, Observer& observer, LinkedList<n_layer>* layers, NLayers* stack,
                         Graphics const& graphics)
 {
     int const channels = source.has_alpha() ? 4 : 3;
     if (graphics.match_cpu) {
         match_processor(options, channels);
     }
-    MapRequest request = request_for(source, options, layers, stack, graphics.device);
+    MapRequest request = request_for(source, options, as, layers, stack, graphics.device);
     MapResult result;
     run_in_memory(name, observer, [&](RunControl& control) {
         request.control = &control;
@@ -71,9 +89,7 @@ Picture make_umbrix_map(Picture const& source, std::string const& name, umbrix_o
     if (graphics.device) {
         note_fallback(name, observer);
     }
-    Picture map = make_picture(result.cols, result.rows, channels);
-    map.kind = PictureKind::kLight;
-    std::copy_n(result.bytes.get(), map.bytes.size(), map.bytes.data());
+    Picture map = picture_of(result, channels, as);
     if (!options.keep_buffers) {
         return map;
     }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "toolkit/base/observer.h"
-#include "toolkit/pictures/picture.h"
+#include "toolkit/pictures/saving.h"
 #include "toolkit/settings/graphics_settings.h"
 #include "toolkit/settings/settings.h"
 
@@ -16,13 +16,14 @@ namespace umbrixlib::toolkit {
 void check_relief_size(Settings const& settings, std::string const& name, int width, int height);
 
 /// Has the library make the Umbrix map of @p source, of any sample type, which with `blend_height` needs no
-/// samples. The map has 8 bits a channel, and an alpha if the source has one. If @p options keep the buffers,
-/// the alpha has the heights as they were read.
+/// samples. The map has an alpha if the source has one. If @p options keep the buffers, the alpha has the
+/// heights as they were read.
 /// @param name     What messages call the source.
+/// @param as       The samples of the map.
 /// @param layers   Descriptions of the layers that join the picture, or null; @p stack holds them.
 /// @param graphics The device that it is made on, or the CPU.
 Picture make_umbrix_map(Picture const& source, std::string const& name, umbrix_options options,
-                        Observer& observer, LinkedList<n_layer>* layers = nullptr, NLayers* stack = nullptr,
-                        Graphics const& graphics = {});
+                        SavedAs const& as, Observer& observer, LinkedList<n_layer>* layers = nullptr,
+                        NLayers* stack = nullptr, Graphics const& graphics = {});
 
 } // namespace umbrixlib::toolkit

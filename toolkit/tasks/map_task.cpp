@@ -38,9 +38,6 @@ void note_normal_map(MapJob const& job, PreparedInput const& input, Observer& ob
             observer.note(job.files.input, {"a normal map carries its heights in its alpha, and this one has "
                                             "none there: its ground counts as flat"});
         }
-    } else if (is_tiff(job.files.input)) {
-        observer.note(job.files.input, {"the alpha of a TIFF may have been multiplied into its colours: if "
-                                        "the map looks wrong, save the picture as PNG"});
     }
 }
 
@@ -67,13 +64,13 @@ void turn_green(Picture& normals)
 }
 
 /// The map, on the job's device; if asked for, @p report is told how far from the CPU's it is.
-Picture make_map(MapJob const& job, Picture const& source, umbrix_options const& options, MapReport& report,
-                 Observer& observer)
+Picture make_map(MapJob const& job, Picture const& source, umbrix_options const& options, SavedAs const& as,
+                 MapReport& report, Observer& observer)
 {
     std::string const& name = job.files.input;
-    Picture map = make_umbrix_map(source, name, options, observer, nullptr, nullptr, job.graphics);
+    Picture map = make_umbrix_map(source, name, options, as, observer, nullptr, nullptr, job.graphics);
     if (job.compare_cpu) {
-        report.difference = largest_difference(map, make_umbrix_map(source, name, options, observer));
+        report.difference = largest_difference(map, make_umbrix_map(source, name, options, as, observer));
     }
     return map;
 }
@@ -87,8 +84,10 @@ MapReport run(MapJob const& job, Observer& observer)
     check_relief_size(job.settings, files.input, input.width, input.height);
     OutputFormat const& format = *output_format(files.output.file);
     check_size(format, files.output.name, input.width, input.height);
+    SavedAs const as = saved_as(files.output.saving, format, PictureKind::kLight, files.output.name);
     Kind const kind = job.kind.value_or(input.guess.kind);
     if (kind == Kind::kNormalMap) {
+        take_for_normals(input, files.input, observer);
         note_normal_map(job, input, observer);
         if (job.normal_y == NormalY::kDown) {
             turn_green(input.picture);
@@ -107,7 +106,7 @@ MapReport run(MapJob const& job, Observer& observer)
         report.device = open_device(job.graphics, files.input, observer);
     }
     observer.begin(Phase::kMaking, files.input);
-    Picture const map = make_map(job, input.picture, options, report, observer);
+    Picture const map = make_map(job, input.picture, options, as, report, observer);
     write_picture(files.output.file, format, files.output.name, map, observer);
     return report;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/encode.h"
 #include "toolkit/tasks/library_run.h"
-#include "toolkit/tasks/methods/narrowed.h"
+#include "toolkit/tasks/methods/saved_picture.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/tasks.h"
 
@@ -14,16 +14,30 @@ namespace {
 
 /// Turns green over in normals that the library encoded: as it cuts (v + 1) * 255 / 2 off to a whole number,
 /// the code of -v is 254 less that of v, and flat ground stays 127.
-void turn_green(Picture& normals)
+void turn_green(Picture& bytes)
 {
-    for (std::size_t i = 0; i < normals.texels(); ++i) {
-        std::uint8_t& green = normals.texel(i)[1];
+    for (std::size_t i = 0; i < bytes.texels(); ++i) {
+        std::uint8_t& green = bytes.texel(i)[1];
         green = static_cast<std::uint8_t>(std::max(254 - green, 0));
     }
 }
 
-Picture make_picture_of_normals(NormalJob const& job, Picture const& heights, float n_scale,
-                                Observer& observer)
+Picture save(NormalsResult const& made, NormalY normal_y, SavedAs const& as)
+{
+    bool const down = normal_y == NormalY::kDown;
+    bool const turn_bytes = down && as.as_the_library_does();
+    if (down && !turn_bytes) {
+        std::for_each_n(made.normals.get(), static_cast<std::ptrdiff_t>(made.rows) * made.cols,
+                        [](float3& normal) { normal.y = -normal.y; });
+    }
+    Picture picture = saved_normals(made.normals.get(), made.cols, made.rows, as);
+    if (turn_bytes) {
+        turn_green(picture);
+    }
+    return picture;
+}
+
+NormalsResult make_normals(NormalJob const& job, Picture const& heights, float n_scale, Observer& observer)
 {
     NormalsRequest request;
     request.heights = heights.view();
@@ -32,10 +46,10 @@ Picture make_picture_of_normals(NormalJob const& job, Picture const& heights, fl
     NormalsResult result;
     run_in_memory(job.files.input, observer, [&](RunControl& control) {
         request.control = &control;
-        result = make_normals(request);
+        result = umbrixlib::make_normals(request);
         return result.outcome;
     });
-    return narrowed_normals(result.normals.get(), result.cols, result.rows);
+    return result;
 }
 
 } // namespace
@@ -46,6 +60,7 @@ NormalReport run(NormalJob const& job, Observer& observer)
     PreparedInput const input = prepare_input({files.input, files.input, files.max_texels}, observer);
     OutputFormat const& format = *output_format(files.output.file);
     check_size(format, files.output.name, input.width, input.height);
+    SavedAs const as = saved_as(files.output.saving, format, PictureKind::kNormals, files.output.name);
     if (input.guess.kind == Kind::kNormalMap) {
         observer.note(files.input, {"this looks like a normal map already (" + input.guess.reason +
                                     "); its brightness is taken for heights"});
@@ -53,11 +68,8 @@ NormalReport run(NormalJob const& job, Observer& observer)
 
     observer.begin(Phase::kMaking, files.input);
     float const n_scale = n_scale_of(job.settings, input.width);
-    Picture normals = make_picture_of_normals(job, input.picture, n_scale, observer);
-    if (job.normal_y == NormalY::kDown) {
-        turn_green(normals);
-    }
-    write_picture(files.output.file, format, files.output.name, normals, observer);
+    NormalsResult const made = make_normals(job, input.picture, n_scale, observer);
+    write_picture(files.output.file, format, files.output.name, save(made, job.normal_y, as), observer);
     return {input.width, input.height, n_scale};
 }
 

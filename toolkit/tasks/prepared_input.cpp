@@ -25,6 +25,14 @@ void note_conversion(DecodedImage const& image, Source const& source, Observer& 
 
 } // namespace
 
+void take_for_normals(PreparedInput& input, std::string const& name, Observer& observer)
+{
+    if (has_vectors(input.picture)) {
+        input.picture = encoded_vectors(input.picture);
+        observer.note(name, {"its normals go below 0 and are taken for -1 to 1"});
+    }
+}
+
 DecodedImage decode_input(Source const& source, Observer& observer)
 {
     observer.begin(Phase::kReading, source.name);
@@ -36,6 +44,9 @@ PreparedInput prepare_input(Source const& source, Observer& observer)
 {
     DecodedImage const image = decode_input(source, observer);
     note_conversion(image, source, observer);
+    for (std::string const& note : image.notes()) {
+        observer.note(source.name, {note});
+    }
     Picture picture = image.to_picture(image.has_alpha());
     KindGuess guess = guess_kind(picture, source.file);
     return {image.width(),       image.height(),   image.has_alpha(),

@@ -55,11 +55,13 @@ struct RelightReport {
 struct InfoReport {
     int width = 0;
     int height = 0;
+    std::string format; ///< "PNG", "TIFF": whatever the name says.
     int bits_per_channel = 0;
     std::string pixel; ///< "8-bit grey with alpha" and the like.
     std::vector<ChannelRange> channels;
     Kind taken_for = Kind::kHeightMap; ///< What a map would be made from.
     std::string because;               ///< What speaks for that.
+    std::vector<std::string> notes;    ///< How the file was taken, where a user has to know it.
 
     bool operator==(InfoReport const&) const = default;
 };

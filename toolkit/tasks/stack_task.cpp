@@ -4,7 +4,7 @@
 #include "toolkit/tasks/graphics_run.h"
 #include "toolkit/tasks/library_run.h"
 #include "toolkit/tasks/map_picture.h"
-#include "toolkit/tasks/methods/narrowed.h"
+#include "toolkit/tasks/methods/saved_picture.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/tasks.h"
 
@@ -62,11 +62,21 @@ bool fits(StackLayer const& layer, PreparedInput const& picture, ReadyStack cons
     return true;
 }
 
+/// How the samples of an output are saved, which may be a picture that is not wanted.
+SavedAs saved_as(Output const& output, PictureKind kind)
+{
+    return output.file.empty() ? SavedAs{}
+                               : saved_as(output.saving, *output_format(output.file), kind, output.name);
+}
+
 void check_outputs(StackJob const& job, ReadyStack const& stack)
 {
-    for (Output const* output : {&job.normals, &job.heights, &job.map}) {
+    for (auto const& [output, kind] :
+         {std::pair(&job.normals, PictureKind::kNormals), std::pair(&job.heights, PictureKind::kHeights),
+          std::pair(&job.map, PictureKind::kLight)}) {
         if (!output->file.empty()) {
             check_size(*output_format(output->file), output->name, stack.width, stack.height);
+            saved_as(*output, kind);
         }
     }
     if (!job.map.file.empty()) {
@@ -92,6 +102,9 @@ ReadyStack read_layers(StackJob const& job, Observer& observer)
             check_outputs(job, stack);
         } else if (!fits(layer, picture, stack, observer)) {
             continue;
+        }
+        if (layer.is_normal_map) {
+            take_for_normals(picture, layer.file_label(), observer);
         }
         stack.layers.push_back({&layer, std::move(picture.picture)});
     }
@@ -162,16 +175,19 @@ Blended blend(StackJob const& job, ReadyStack const& stack, Observer& observer)
 }
 
 /// Whether normals and heights are narrowed to bytes before a map is made of them, as its own bytes are. Maps
-/// of layers of bytes are what they always were so; what more the layers hold is kept.
-bool is_narrowed_between(ReadyStack const& stack)
+/// of layers of bytes are what they always were so; what more the layers or the map hold is kept.
+bool is_narrowed_between(ReadyStack const& stack, SavedAs const& map)
 {
-    return std::all_of(stack.layers.begin(), stack.layers.end(),
+    return map.depth == SampleType::kUint8 &&
+           std::all_of(stack.layers.begin(), stack.layers.end(),
                        [](ReadyLayer const& layer) { return layer.picture.type == SampleType::kUint8; });
 }
 
 /// The blended normals with the blended heights, stretched to their full range, in the alpha.
-Picture source_in_bytes(Picture const& normals, Picture const& heights)
+Picture source_in_bytes(ReadyStack const& stack, Blended const& blended)
 {
+    Picture const normals = saved_normals(blended.normals.data(), stack.width, stack.height);
+    Picture const heights = saved_heights(blended.heights.data(), stack.width, stack.height);
     Picture result = make_picture(normals.width, normals.height, 4);
     for (std::size_t i = 0; i < result.texels(); ++i) {
         std::copy_n(normals.texel(i), 3, result.texel(i));
@@ -209,7 +225,8 @@ void note_layers_without_normals(ReadyStack const& stack, Observer& observer)
 }
 
 /// The map as the library itself makes it with layers. Their heights take the place of the picture's.
-Picture make_map_from_layers(StackJob const& job, ReadyStack const& stack, Observer& observer)
+Picture make_map_from_layers(StackJob const& job, ReadyStack const& stack, SavedAs const& as,
+                             Observer& observer)
 {
     note_layers_without_normals(stack, observer);
     LinkedList<n_layer> records = records_of(stack, job);
@@ -218,34 +235,20 @@ Picture make_map_from_layers(StackJob const& job, ReadyStack const& stack, Obser
     umbrix_options options = options_for(job.settings, Kind::kHeightMap, stack.width);
     options.blend_height = true;
     Picture const no_samples{stack.width, stack.height, 3, {}};
-    return make_umbrix_map(no_samples, job.file, options, observer, &records, &library_stack, job.graphics);
+    return make_umbrix_map(no_samples, job.file, options, as, observer, &records, &library_stack,
+                           job.graphics);
 }
 
-/// What is saved of the blended layers: 8 bits a channel.
-struct Narrowed {
-    Picture normals;
-    Picture heights; ///< Empty without heights.
-};
-
-Narrowed narrowed(ReadyStack const& stack, Blended const& blended)
+Picture make_map(StackJob const& job, ReadyStack const& stack, Blended const& blended, Observer& observer)
 {
-    Narrowed result{narrowed_normals(blended.normals.data(), stack.width, stack.height), {}};
-    if (!blended.heights.empty()) {
-        result.heights = narrowed_heights(blended.heights.data(), stack.width, stack.height);
-    }
-    return result;
-}
-
-Picture make_map(StackJob const& job, ReadyStack const& stack, Blended const& blended, Narrowed const& saved,
-                 Observer& observer)
-{
+    SavedAs const as = saved_as(job.map, PictureKind::kLight);
     if (job.map_from_layers) {
-        return make_map_from_layers(job, stack, observer);
+        return make_map_from_layers(job, stack, as, observer);
     }
     umbrix_options const options = options_for(job.settings, Kind::kNormalMap, stack.width);
-    Picture const source = is_narrowed_between(stack) ? source_in_bytes(saved.normals, saved.heights)
-                                                      : source_in_floats(stack, blended);
-    return make_umbrix_map(source, job.file, options, observer, nullptr, nullptr, job.graphics);
+    Picture const source =
+        is_narrowed_between(stack, as) ? source_in_bytes(stack, blended) : source_in_floats(stack, blended);
+    return make_umbrix_map(source, job.file, options, as, observer, nullptr, nullptr, job.graphics);
 }
 
 void write_output(Output const& output, Picture const& picture, Observer& observer)
@@ -263,13 +266,18 @@ StackReport run(StackJob const& job, Observer& observer)
     }
     observer.begin(Phase::kMaking, job.file);
     Blended const blended = blend(job, stack, observer);
-    Narrowed const saved = narrowed(stack, blended);
     if (!job.map.file.empty()) {
-        write_output(job.map, make_map(job, stack, blended, saved, observer), observer);
+        write_output(job.map, make_map(job, stack, blended, observer), observer);
     }
-    write_output(job.normals, saved.normals, observer);
+    write_output(job.normals,
+                 saved_normals(blended.normals.data(), stack.width, stack.height,
+                               saved_as(job.normals, PictureKind::kNormals)),
+                 observer);
     if (!job.heights.file.empty()) {
-        write_output(job.heights, saved.heights, observer);
+        write_output(job.heights,
+                     saved_heights(blended.heights.data(), stack.width, stack.height,
+                                   saved_as(job.heights, PictureKind::kHeights)),
+                     observer);
     }
     return {stack.width, stack.height, stack.layers.size()};
 }

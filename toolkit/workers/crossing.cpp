@@ -28,7 +28,8 @@ struct FieldsOf;
     };
 #define UMBRIX_FIELD(name) std::pair(#name, &R::name)
 
-UMBRIX_FIELDS(Output, UMBRIX_FIELD(file), UMBRIX_FIELD(name))
+UMBRIX_FIELDS(Saving, UMBRIX_FIELD(depth), UMBRIX_FIELD(rounding), UMBRIX_FIELD(dither))
+UMBRIX_FIELDS(Output, UMBRIX_FIELD(file), UMBRIX_FIELD(name), UMBRIX_FIELD(saving))
 UMBRIX_FIELDS(JobFiles, UMBRIX_FIELD(input), UMBRIX_FIELD(output), UMBRIX_FIELD(max_texels))
 UMBRIX_FIELDS(Graphics, UMBRIX_FIELD(device), UMBRIX_FIELD(match_cpu))
 UMBRIX_FIELDS(Light, UMBRIX_FIELD(azimuth_degrees), UMBRIX_FIELD(elevation_degrees))
@@ -60,8 +61,9 @@ UMBRIX_FIELDS(NormalReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FI
 UMBRIX_FIELDS(RelightReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height))
 UMBRIX_FIELDS(ChannelRange, UMBRIX_FIELD(name), UMBRIX_FIELD(minimum), UMBRIX_FIELD(maximum),
               UMBRIX_FIELD(mean))
-UMBRIX_FIELDS(InfoReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(bits_per_channel),
-              UMBRIX_FIELD(pixel), UMBRIX_FIELD(channels), UMBRIX_FIELD(taken_for), UMBRIX_FIELD(because))
+UMBRIX_FIELDS(InfoReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(format),
+              UMBRIX_FIELD(bits_per_channel), UMBRIX_FIELD(pixel), UMBRIX_FIELD(channels),
+              UMBRIX_FIELD(taken_for), UMBRIX_FIELD(because), UMBRIX_FIELD(notes))
 UMBRIX_FIELDS(StackReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(layers))
 UMBRIX_FIELDS(FitReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(relief),
               UMBRIX_FIELD(n_scale), UMBRIX_FIELD(gaussian), UMBRIX_FIELD(green),

@@ -4,6 +4,7 @@
 #include "options/kind_option.h"
 #include "options/map_usage.h"
 #include "options/normal_y_option.h"
+#include "options/saving_options.h"
 #include "options/setting_options.h"
 #include "terminal/complaint.h"
 #include "terminal/say.h"
@@ -30,6 +31,7 @@ CLI::App* BatchCommand::declare(CLI::App& app)
         ->group(kRunGroup);
     declare_workers(*command_, workers_)->group(kRunGroup);
     common_.declare_limits(*command_);
+    declare_saving(*command_, common_.saving);
     common_.declare_progress(*command_, "not");
     declare_graphics(*command_, graphics_);
     command_
@@ -155,6 +157,7 @@ BatchOrders BatchCommand::orders() const
     }
     orders.max_texels = common_.max_texels;
     orders.policy = choice().policy;
+    orders.saving = common_.saving;
     orders.timeout_seconds = common_.timeout_seconds;
     orders.workers = workers_.count();
     orders.dry_run = dry_run_;

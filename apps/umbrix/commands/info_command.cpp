@@ -21,10 +21,13 @@ std::string shown(double number)
 
 void print_text(std::string const& file, InfoReport const& report)
 {
-    say("{}: {} x {}, {}", file, report.width, report.height, report.pixel);
+    say("{}: {} x {}, {}, {}", file, report.width, report.height, report.format, report.pixel);
     for (ChannelRange const& channel : report.channels) {
         fmt::print("  {:5} {} to {}, mean {}\n", channel.name, shown(channel.minimum), shown(channel.maximum),
                    shown(channel.mean));
+    }
+    for (std::string const& note : report.notes) {
+        say("  {}", note);
     }
     fmt::print("  `umbrix map` takes it for a {}: {}\n", name_of(report.taken_for), report.because);
 }

@@ -167,6 +167,9 @@ void StackCommand::run(Interrupts const& interrupts)
         remove_leftovers_beside(target.named());
         target.open(job);
     }
+    for (Output* const output : {&job.normals, &job.heights, &job.map}) {
+        output->saving = common_.saving;
+    }
     job.file = common_.input;
     job.max_texels = common_.max_texels;
     job.settings = settings_;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "options/common_options.h"
 
+#include "options/saving_options.h"
 #include "options/setting_options.h"
 #include "terminal/say.h"
 #include "toolkit/base/text.h"
@@ -65,6 +66,7 @@ void CommonOptions::declare_output(CLI::App& command, std::string const& default
         ->type_name("FILE")
         ->group(kFilesGroup);
     command.add_flag("--overwrite", overwrite, "Replace the output if it exists")->group(kFilesGroup);
+    declare_saving(command, saving);
     declare_progress(command);
 }
 

@@ -22,6 +22,7 @@ struct CommonOptions {
     std::string input;
     std::string output; ///< Empty: named after the input.
     bool overwrite = false;
+    Saving saving;
     bool verbose = false;
     ProgressDisplay::Style progress = ProgressDisplay::Style::kAuto;
     double timeout_seconds = 60;
@@ -66,6 +67,7 @@ Made<OneJob> make_picture_file(std::string const& command, CommonOptions const& 
     PictureFile file(options.input, named, options.overwrite);
     note_format(command, named);
     job.files.max_texels = options.max_texels;
+    job.files.output.saving = options.saving;
     file.name_files(job.files);
     typename OneJob::Report report = supervise(job, options.supervision(command, interrupts));
     interrupts.check();

@@ -30,6 +30,7 @@ std::string json_text(InfoReport const& report, std::string const& file)
     return text_of({{"file", file},
                     {"width", report.width},
                     {"height", report.height},
+                    {"format", report.format},
                     {"bits_per_channel", report.bits_per_channel},
                     {"pixel", report.pixel},
                     {"channels", channels},

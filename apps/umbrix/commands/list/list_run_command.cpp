@@ -3,6 +3,7 @@
 
 #include "options/list_argument.h"
 #include "options/map_usage.h"
+#include "options/saving_options.h"
 #include "options/setting_options.h"
 #include "terminal/batch_display.h"
 #include "toolkit/batch/list_plan.h"
@@ -62,6 +63,7 @@ CLI::App* ListRunCommand::declare(CLI::App& app)
         ->group(kRunGroup);
     declare_workers(*command, workers_)->group(kRunGroup);
     common_.declare_limits(*command);
+    declare_saving(*command, common_.saving);
     common_.declare_progress(*command, "not");
     declare_graphics(*command, graphics_);
     return command;
@@ -73,7 +75,8 @@ void ListRunCommand::run(Interrupts const& interrupts)
     read_list(file_, list);
     ListLog log(file_, shard_);
     ListChoice const choice{shard_, recurse_,
-                            common_.overwrite ? OutputPolicy::kReplace : OutputPolicy::kKeep, graphics_};
+                            common_.overwrite ? OutputPolicy::kReplace : OutputPolicy::kKeep, graphics_,
+                            common_.saving};
     ListPlan const plan = plan_list(list, choice, log);
 
     if (!dry_run_) {
@@ -82,6 +85,7 @@ void ListRunCommand::run(Interrupts const& interrupts)
 
     BatchOrders orders;
     orders.policy = choice.policy;
+    orders.saving = choice.saving;
     orders.max_texels = common_.max_texels;
     orders.timeout_seconds = common_.timeout_seconds;
     orders.workers = workers_.count();

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#include "options/saving_options.h"
+
+#include <CLI/Error.hpp>
+#include <fmt/format.h>
+#include <functional>
+#include <string>
+
+namespace umbrix_cli {
+
+namespace {
+
+constexpr char const* kSaving = "Saving";
+
+} // namespace
+
+void declare_saving(CLI::App& command, Saving& saving)
+{
+    std::function<void(std::string const&)> const parse_depth = [&saving](std::string const& text) {
+        saving.depth = depth_called(text);
+        if (!saving.depth) {
+            throw CLI::ValidationError("--depth", fmt::format("'{}' is not one of 8, 16, half, float", text));
+        }
+    };
+    command
+        .add_option_function<std::string>(
+            "--depth", parse_depth,
+            "Samples of what is written: 8 or 16 bits, half or float; normals in floats are -1 to 1 "
+            "[8, 16, half, float; default 8 where the format has it]")
+        ->type_name("DEPTH")
+        ->group(kSaving);
+    std::function<void(std::string const&)> const parse_rounding = [&saving](std::string const& text) {
+        if (text != "cut" && text != "nearest") {
+            throw CLI::ValidationError("--round", fmt::format("'{}' is neither cut nor nearest", text));
+        }
+        saving.rounding = text == "cut" ? Rounding::kCut : Rounding::kNearest;
+    };
+    command
+        .add_option_function<std::string>(
+            "--round", parse_rounding,
+            "How 8 bits are made: cut, as maps always were, or nearest, with half the error "
+            "[cut, nearest; default cut]")
+        ->type_name("HOW")
+        ->group(kSaving);
+    command.add_flag("--dither", saving.dither, "Hide the steps of 8 bits with noise, the same in every run")
+        ->group(kSaving);
+}
+
+} // namespace umbrix_cli
