@@ -16,7 +16,7 @@ function(umbrix_add_test name)
     endif()
     target_link_libraries(${name} PRIVATE umbrix_build_settings umbrix_test_support ${arg_LIBRARIES} GTest::gtest_main)
     # What is tested is optimised in full; the tests' own code would take longer to compile than it runs.
-    target_compile_options(${name} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O1>)
+    target_compile_options(${name} PRIVATE ${UMBRIX_QUICK_COMPILE})
     umbrix_unity(${name})
 
     # The suites are known when the program is.
