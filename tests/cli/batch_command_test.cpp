@@ -133,9 +133,9 @@ TEST_F(BatchCommand, WantsSomethingToDo)
     for (auto const& [arguments, subject, advice] :
          std::vector<std::tuple<Arguments, char const*, char const*>>{
              {{"in"}, "in", "--recurse"},
-             {{"empty", "-r"}, "empty", "--pattern"},
+             {{"empty", "-r"}, "empty", "--include"},
              {{"in", "empty"}, "input", "--recurse"},
-             {{"in", "-r", "--pattern", "*.png"}, "in", "--pattern"},
+             {{"in", "-r", "--pattern", "*.png"}, "in", "--include"},
              {{"*.bmp"}, "*.bmp", "--recurse"},
              {{"made"}, "made", "--include-outputs"}}) {
         Arguments words{"batch"};

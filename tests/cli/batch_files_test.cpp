@@ -117,6 +117,64 @@ TEST_F(BatchFiles, MatchAPatternInAnyLetterCase)
     EXPECT_EQ(sources({"in", "--pattern", ".*"}), (std::set<std::string>{"in/.d.tga"}));
 }
 
+TEST_F(BatchFiles, AreChosenByPatternsOfTheirNames)
+{
+    for (char const* name : {"in/a_h.tga", "in/b_h.tga", "in/c.tga", "in/b_rough.tga"}) {
+        put(name, {1});
+    }
+    using Names = std::set<std::string>;
+    EXPECT_EQ(sources({"--include", "*_h.*", "in"}), (Names{"in/a_h.tga", "in/b_h.tga"}));
+    EXPECT_EQ(sources({"--include=C*", "--pattern", "a*", "in"}), (Names{"in/a_h.tga", "in/c.tga"}));
+    EXPECT_EQ(sources({"in", "--exclude", "B*", "--exclude", "c*"}), (Names{"in/a_h.tga"}));
+    EXPECT_EQ(sources({"in", "in/c.tga", "--include", "*.tga", "--exclude", "*_h*"}), (Names{"in/c.tga"}));
+    EXPECT_EQ(sources({"in", "--include", "b*rough*"}), (Names{"in/b_rough.tga"}));
+    EXPECT_EQ(sources({"in/b_rough.tga"}), (Names{"in/b_rough.tga"}));
+}
+
+TEST_F(BatchFiles, OfColoursAndTheLikeAreLeftAlone)
+{
+    Bytes const tilted{128, 160, 248, 128, 96, 248};
+    Bytes const normals = png_bytes(2, PngColour::kRgb, 8, {tilted, tilted});
+    put("in/rock_Displacement.tga", hill(8));
+    put("in/rock_NormalGL.png", normals);
+    put("in/rock_nor_dx_2k.png", normals);
+    for (char const* ending :
+         {"albedo",    "BaseColor", "diffuse",   "diff",    "Color",    "col",       "ao",
+          "Occlusion", "rough",     "ROUGHNESS", "metal",   "metallic", "metalness", "spec",
+          "specular",  "gloss",     "mask",      "opacity", "emissive", "orm",       "arm"}) {
+        put(std::string("in/rock_") + ending + ".tga", hill(8));
+    }
+    Outcome const outcome = run({"batch", "in"});
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_NE(outcome.out.find("in/rock_Displacement_Umbrix.tga, from a height map, "), std::string::npos);
+    EXPECT_NE(outcome.out.find("from a normal map, green up (its name says so), "), std::string::npos);
+    EXPECT_NE(outcome.out.find("from a normal map, green down (its name says so), "), std::string::npos);
+    EXPECT_NE(outcome.out.find("\n3 done, 0 skipped, 0 failed, 21 left alone; "), std::string::npos)
+        << outcome.out;
+    EXPECT_EQ(outcome.err.find("rock_ao"), std::string::npos) << outcome.err;
+    EXPECT_NE(read("in/rock_NormalGL_Umbrix.png"), read("in/rock_nor_dx_2k_Umbrix.png"));
+    ASSERT_EQ(run({"batch", "in", "--normal-y", "up", "--overwrite"}).code, 0);
+    EXPECT_EQ(read("in/rock_NormalGL_Umbrix.png"), read("in/rock_nor_dx_2k_Umbrix.png"));
+
+    auto const told = objects(run({"batch", "in", "--json", "--overwrite"}));
+    EXPECT_EQ(told.at("").at("left_alone"), 21);
+    EXPECT_EQ(told.at("in/rock_nor_dx_2k.png").at("green"), "down");
+    EXPECT_FALSE(told.at("in/rock_Displacement.tga").contains("green"));
+    Outcome const verbose = run({"batch", "in", "-v", "--dry-run"});
+    EXPECT_NE(
+        verbose.err.find("umbrix batch: note: in/rock_ao.tga: it is left alone, as its name ends in _ao\n"),
+        std::string::npos)
+        << verbose.err;
+    Outcome const nothing = run({"batch", "in", "--include", "rock_a?.tga"});
+    EXPECT_EQ(nothing.code, 1);
+    EXPECT_NE(
+        nothing.err.find("in: what is found there is left alone for its name, such as rock_ao.tga; take "
+                         "them with --include '*_ao*'\n"),
+        std::string::npos)
+        << nothing.err;
+    EXPECT_EQ(sources({"in", "--normal"}), (std::set<std::string>{"in/rock_Displacement.tga"}));
+}
+
 TEST_F(BatchFiles, AreExpandedFromPatternsThatTheShellLeft)
 {
     for (char const* name : {"x1/a.tga", "x1/B.TGA", "x1/deep/c.tga", "x2/d.tga", "y/e.tga", "f[1].tga"}) {
@@ -220,7 +278,7 @@ TEST_F(BatchFiles, WithOneOutputNameAreRefusedBeforeAnythingIsWritten)
     put("in/good.tga", hill(8));
     put("in/rock_N.tga", hill(8));
     put("in/rock_H.tga", hill(8));
-    expect_refusal({"in"}, "in/rock_Umbrix.tga", {"in/rock_N.tga", "in/rock_H.tga", "--pattern"});
+    expect_refusal({"in"}, "in/rock_Umbrix.tga", {"in/rock_N.tga", "in/rock_H.tga", "--include"});
     EXPECT_EQ(sources({"in", "--pattern", "*_h.tga"}), (std::set<std::string>{"in/rock_H.tga"}));
     put("in/wall.jpg", hill(8));
     put("in/wall.png", hill(8));

@@ -49,8 +49,8 @@ TEST_F(BatchPlain, GuessesNothingAndTakesNoOtherRules)
     EXPECT_EQ(run({"batch", "--plain", "rocks", "--height-map"}).code, 2);
     EXPECT_EQ(run({"batch", "--plain", "rocks", "rocks/deep", "--height-map", "--n-scale", "1"}).code, 2);
     EXPECT_EQ(run({"batch", "--plain", "nowhere", "--height-map", "--n-scale", "1"}).code, 2);
-    for (char const* option :
-         {"--normal", "--overwrite", "--update", "--dry-run", "--json", "--height-in-alpha"}) {
+    for (char const* option : {"--include=*.tga", "--exclude=a*", "--normal", "--overwrite", "--update",
+                               "--dry-run", "--json", "--height-in-alpha"}) {
         EXPECT_EQ(run(plain({option})).code, 2) << option;
     }
 }

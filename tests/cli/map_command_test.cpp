@@ -45,6 +45,33 @@ TEST_F(MapCommand, GivesFlatGroundTheSameInAllChannels)
     }
 }
 
+TEST_F(MapCommand, TakesTheDirectionOfGreenFromTheEndingOfAName)
+{
+    write("wall_nor_dx.tga", slope_with_heights());
+    write("wall.tga", slope_with_heights());
+    std::string const down = run({"map", "wall_nor_dx.tga", "--normal-map"}).out;
+    EXPECT_NE(down.find(", green down (its name says so), "), std::string::npos) << down;
+    ASSERT_EQ(run({"map", "wall.tga", "--normal-map", "--normal-y", "down"}).code, 0);
+    EXPECT_EQ(read("wall_nor_dx_Umbrix.tga"), read("wall_Umbrix.tga"));
+    std::string const up =
+        run({"map", "wall_nor_dx.tga", "--normal-map", "--normal-y", "up", "--overwrite"}).out;
+    EXPECT_NE(up.find(", green up, "), std::string::npos) << up;
+    EXPECT_NE(read("wall_nor_dx_Umbrix.tga"), read("wall_Umbrix.tga"));
+}
+
+TEST_F(MapCommand, WondersAboutAPictureUnlikeItsName)
+{
+    write("hill_Nor.tga", hill(16));
+    Outcome const outcome = run({"map", "hill_Nor.tga"});
+    EXPECT_NE(outcome.out.find("from a height map (guessed: it has no colour)"), std::string::npos);
+    EXPECT_NE(
+        outcome.err.find("hill_Nor.tga: its name ends in _nor, as those of normal maps do, but it has no "
+                         "colour: it is taken for a height map\n"),
+        std::string::npos)
+        << outcome.err;
+    EXPECT_EQ(run({"map", "hill_Nor.tga", "--height-map", "-o", "a.tga", "--progress", "none"}).err, "");
+}
+
 TEST_F(MapCommand, DarkensWhatTheReliefHides)
 {
     write("pit.tga",

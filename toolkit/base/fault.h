@@ -84,6 +84,7 @@ enum class Fault {
     kSameTarget,        ///< Two inputs lead to the same output.
     kTargetIsSource,    ///< The output of one input would replace another one.
     kOnlyOutputsFound,  ///< All that is found are outputs of earlier runs.
+    kOnlyOthersFound,   ///< All that is found is left alone for its names. The remedy is an ending of them.
     kNothingFound,      ///< No picture is found, and subfolders were looked into.
     kNothingFoundAtTop, ///< No picture is found, and subfolders were not looked into.
 

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/batch/batch_plan.h"
 
+#include "toolkit/base/glob.h"
 #include "toolkit/base/text.h"
 #include "toolkit/files/temporary.h"
 #include "toolkit/pictures/naming.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <map>
 #include <utility>
@@ -79,12 +81,44 @@ void check_that_no_source_is_lost(std::vector<BatchFile> const& files, OutputPol
     }
 }
 
+/// Whether the search asks for @p found by its ending, in a pattern or by its name: what "*rough*" and
+/// "rock_AO.png" do, and "rock_*" and "metal*" do not.
+bool asks_for(NameEnding const& ending, FoundFile const& found, Search const& search)
+{
+    std::string name = lower_case(found.file.filename().string());
+    name.erase(name.rfind(ending.text), ending.text.size());
+    auto const means_it = [&](std::string const& pattern) {
+        return lower_case(pattern).find(ending.text.substr(1)) != std::string::npos &&
+               !matches(pattern, name);
+    };
+    return std::ranges::any_of(found.asked_for, means_it) || std::ranges::any_of(search.include, means_it);
+}
+
+/// The ending for which @p found is left alone; null if it is not.
+NameEnding const* reason_to_leave_alone(FoundFile const& found, BatchChoice const& choice)
+{
+    NameEnding const* const ending = ending_of_name(found.file);
+    if (ending == nullptr || choice.endings == Endings::kAny) {
+        return nullptr;
+    }
+    bool const wanted =
+        choice.endings == Endings::kSurface ? ending->kind.has_value() : ending->kind == Kind::kHeightMap;
+    return wanted || asks_for(*ending, found, choice.search) ? nullptr : ending;
+}
+
 Failure nothing_found(BatchChoice const& choice, BatchPlan const& plan)
 {
     std::string const where =
         choice.search.places.size() == 1 ? choice.search.places.front() : std::string("input");
     if (plan.outputs_left_out > 0) {
         return {Fault::kOnlyOutputsFound, where, "all that is found there are outputs of earlier runs"};
+    }
+    if (!plan.left_alone.empty()) {
+        LeftAlone const& one = plan.left_alone.front();
+        return {Fault::kOnlyOthersFound, where,
+                fmt::format("what is found there is left alone for its name, such as {}",
+                            one.file.filename().string()),
+                one.ending};
     }
     return {choice.search.recurse ? Fault::kNothingFound : Fault::kNothingFoundAtTop, where,
             "no picture is found there"};
@@ -95,13 +129,18 @@ Failure nothing_found(BatchChoice const& choice, BatchPlan const& plan)
 BatchPlan plan_batch(BatchChoice const& choice)
 {
     SearchResult found = find_files(choice.search);
-    BatchPlan plan{{}, std::move(found.failures), 0};
+    BatchPlan plan;
+    plan.failures = std::move(found.failures);
     for (FoundFile const& each : found.files) {
         if (is_temporary_name(each.file)) {
             continue;
         }
         if (!choice.include_outputs && is_output_of_a_run(each.file, choice.suffix)) {
             ++plan.outputs_left_out;
+            continue;
+        }
+        if (NameEnding const* const ending = reason_to_leave_alone(each, choice)) {
+            plan.left_alone.push_back({each.file, std::string(ending->text)});
             continue;
         }
         plan.files.push_back({each.file, target_for(each, choice)});

@@ -18,11 +18,19 @@ enum class OutputPolicy {
     kReplace, ///< They are replaced.
 };
 
+/// Pictures of a material that a batch does without, as their names' endings tell.
+enum class Endings {
+    kAny,     ///< None.
+    kSurface, ///< All but heights and normals.
+    kHeights, ///< All but heights.
+};
+
 /// Which files a batch works on and where their outputs go.
 struct BatchChoice {
     Search search;
-    bool include_outputs = false; ///< Take outputs of earlier runs as inputs.
-    std::string suffix;           ///< Of the outputs: "_Umbrix".
+    bool include_outputs = false;    ///< Take outputs of earlier runs as inputs.
+    Endings endings = Endings::kAny; ///< Those that the search has in a pattern or a name are taken.
+    std::string suffix;              ///< Of the outputs: "_Umbrix".
     std::string keep_tree; ///< Folder that the outputs go to, in the tree of the inputs; empty: beside them.
     OutputPolicy policy = OutputPolicy::kKeep;
 };
@@ -35,10 +43,17 @@ struct BatchFile {
     std::size_t origin = 0; ///< For whoever made the plan: where the file comes from.
 };
 
+/// A picture that a batch does without.
+struct LeftAlone {
+    std::filesystem::path file;
+    std::string ending; ///< Of its name.
+};
+
 struct BatchPlan {
-    std::vector<BatchFile> files;     ///< By source.
-    std::vector<Failure> failures;    ///< Places where no files can be looked for.
-    std::size_t outputs_left_out = 0; ///< Outputs of earlier runs.
+    std::vector<BatchFile> files;      ///< By source.
+    std::vector<Failure> failures;     ///< Places where no files can be looked for.
+    std::size_t outputs_left_out = 0;  ///< Outputs of earlier runs.
+    std::vector<LeftAlone> left_alone; ///< For their endings.
 };
 
 /// Finds the files and names their outputs. A Failure if there are none, or if two inputs lead to one output,

@@ -71,6 +71,13 @@ std::optional<Kind> kind_of(Report const& report)
     return std::visit(kind, report);
 }
 
+/// The direction of green that the source's name told.
+std::optional<NormalY> green_of(Report const& report)
+{
+    auto const* const map = std::get_if<MapReport>(&report);
+    return map != nullptr && map->green_by_name ? std::optional(map->green) : std::nullopt;
+}
+
 void remove_what_killed_runs_left(std::vector<BatchFile> const& files)
 {
     std::set<fs::path> folders;
@@ -107,6 +114,7 @@ public:
             summary_.stopped = !run_pool(files_.size(), orders_.workers, *this, stop);
         }
         summary_.left = plan.files.size() + plan.failures.size() - summary_.total();
+        summary_.left_alone = plan.left_alone.size();
         summary_.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
         return summary_;
     }
@@ -148,6 +156,7 @@ private:
             result.reason = "it was stopped; nothing of it is left";
         } else if (!ending.failure) {
             result.kind = kind_of(*ending.report);
+            result.green = green_of(*ending.report);
         } else if (auto const reason = reason_to_skip(file, orders_.policy);
                    reason && orders_.policy == OutputPolicy::kKeep) {
             result.state = BatchState::kSkipped; // another run was faster

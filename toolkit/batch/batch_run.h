@@ -25,6 +25,7 @@ struct BatchResult {
     std::string reason;             ///< If it was skipped or stopped.
     std::optional<Failure> failure; ///< If it failed.
     std::optional<Kind> kind;       ///< What the source was taken for, if it is done and that was a question.
+    std::optional<NormalY> green;   ///< Direction of it, as the name of a normal map told.
     double seconds = 0;             ///< 0 if no worker was begun, and so the next two.
     long peak_kib = 0;              ///< Largest memory of the worker.
     std::vector<Note> notes;
@@ -36,9 +37,10 @@ struct BatchSummary {
     std::size_t done = 0;
     std::size_t skipped = 0;
     std::size_t failed = 0;
-    std::size_t left = 0; ///< Not begun, or stopped.
-    double seconds = 0;   ///< Of the whole run.
-    bool stopped = false; ///< There was a wish to stop.
+    std::size_t left = 0;       ///< Not begun, or stopped.
+    std::size_t left_alone = 0; ///< For the endings of their names; they count in nothing else.
+    double seconds = 0;         ///< Of the whole run.
+    bool stopped = false;       ///< There was a wish to stop.
 
     std::size_t total() const { return planned + done + skipped + failed + left; }
 };

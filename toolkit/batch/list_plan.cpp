@@ -25,7 +25,9 @@ std::vector<BatchFile> files_of(umbrix_node const& job, ListChoice const& choice
     }
     BatchChoice folder;
     folder.search.places = {job.filename};
-    folder.search.pattern = job.search_str;
+    if (!job.search_str.empty()) {
+        folder.search.include = {job.search_str};
+    }
     folder.search.recurse = choice.recurse;
     folder.suffix = kSuffix;
     folder.policy = choice.policy;
@@ -93,7 +95,7 @@ ListPiece piece_of(umbrix_node job, fs::path const& file, ListChoice const& choi
 
 ListPlan plan_list(umbrix_list& list, ListChoice const& choice, ListLog const& log)
 {
-    ListPlan plan{{{}, {}, 0}, {}};
+    ListPlan plan;
     for (int i = 0; i < list.get_size(); ++i) {
         if (!choice.shard.holds(i)) {
             continue;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <map>
 #include <set>
 #include <sys/stat.h>
 #include <utility>
@@ -41,18 +42,19 @@ private:
     void look_at(std::string const& place)
     {
         std::error_code error;
+        std::string const asked_for = fs::path(place).filename().string();
         if (!has_wildcards(place) || fs::exists(fs::symlink_status(place, error))) {
-            look_at_name(place, fs::path());
+            look_at_name(place, fs::path(), asked_for);
             return;
         }
         fs::path const fixed = fixed_part(place);
         for (fs::path const& name : expand(place)) {
-            look_at_name(name, name.lexically_relative(fixed.empty() ? fs::path() : fixed));
+            look_at_name(name, name.lexically_relative(fixed.empty() ? fs::path() : fixed), asked_for);
         }
     }
 
     /// @param below Where it lies in the tree; empty: the tree begins here.
-    void look_at_name(fs::path const& name, fs::path const& below)
+    void look_at_name(fs::path const& name, fs::path const& below, std::string const& asked_for)
     {
         std::error_code error;
         fs::file_status const status = fs::status(name, error);
@@ -64,8 +66,8 @@ private:
                                           "there is no such file or folder");
         } else if (!fs::exists(status) && !fs::is_symlink(fs::symlink_status(name, error))) {
             result_.failures.emplace_back(Fault::kMissingFile, name.string(), error.message());
-        } else if (search_.pattern.empty() || matches(search_.pattern, name.filename().string())) {
-            add(name, below.parent_path());
+        } else if (is_asked_for(name.filename().string())) {
+            add(name, below.parent_path()).asked_for.push_back(asked_for);
         }
     }
 
@@ -135,29 +137,44 @@ private:
         return !search_.avoided.empty() && fs::equivalent(folder, search_.avoided, error);
     }
 
+    bool is_asked_for(std::string const& name) const
+    {
+        auto const describes = [&](std::string const& pattern) { return matches(pattern, name); };
+        return (search_.include.empty() || std::ranges::any_of(search_.include, describes)) &&
+               std::ranges::none_of(search_.exclude, describes);
+    }
+
+    /// The same for a file in a folder.
     bool is_wanted(fs::path const& name) const
     {
-        if (search_.pattern.empty()) {
+        if (!is_asked_for(name.string())) {
+            return false;
+        }
+        if (search_.include.empty()) {
             return !name.string().starts_with('.') && is_called_like_a_picture(name);
         }
         // "*_H.*" means pictures, and not what some programs put beside each.
-        bool const any_extension = has_wildcards(fs::path(search_.pattern).extension().string());
-        return matches(search_.pattern, name.string()) && (!any_extension || is_called_like_a_picture(name));
+        auto const means_it = [&](std::string const& pattern) {
+            return matches(pattern, name.string()) && !has_wildcards(fs::path(pattern).extension().string());
+        };
+        return is_called_like_a_picture(name) || std::ranges::any_of(search_.include, means_it);
     }
 
-    void add(fs::path const& file, fs::path const& tree)
+    FoundFile& add(fs::path const& file, fs::path const& tree)
     {
         // Not the file behind a link: its name gives the output its own.
         std::error_code error;
         fs::path const folder = file.has_parent_path() ? file.parent_path() : fs::path(".");
         fs::path const key = fs::weakly_canonical(folder, error) / file.filename();
-        if (found_.insert(key).second) {
+        auto const [entry, is_new] = found_.emplace(key, result_.files.size());
+        if (is_new) {
             result_.files.push_back({file, tree});
         }
+        return result_.files[entry->second];
     }
 
     Search const& search_;
-    std::set<fs::path> found_;
+    std::map<fs::path, std::size_t> found_; ///< Places in the result.
     SearchResult result_;
 };
 

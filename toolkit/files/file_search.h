@@ -13,14 +13,18 @@ namespace umbrixlib::toolkit {
 struct FoundFile {
     std::filesystem::path file; ///< The place that was given, or a path that begins with it.
     std::filesystem::path tree; ///< Its folder, relative to the root of the walked tree.
+    /// Last parts of the places that are the file or describe its name, in the places' letters; empty if it
+    /// was only found in folders.
+    std::vector<std::string> asked_for{};
 };
 
 /// What is looked for.
 struct Search {
     std::vector<std::string> places; ///< Files, folders, and patterns for either.
-    /// Of the names of files. If it is empty or leaves the extension open, folders give only files with the
-    /// extension of a picture.
-    std::string pattern;
+    /// Patterns of the names of files; one that describes it is enough. If there are none, or if it leaves
+    /// the extension open, folders give only files with the extension of a picture.
+    std::vector<std::string> include;
+    std::vector<std::string> exclude; ///< Patterns of the names of files that are not wanted.
     bool recurse = false;
     /// A folder that is not walked unless it is one of the places; may be empty.
     std::filesystem::path avoided;

@@ -16,9 +16,74 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::array<std::string_view, 4> kTags{"_n", "_normal", "_h", "_height"};
-constexpr std::array<std::string_view, 5> kNormalWords{"normal", "normals", "normalmap", "nrm", "nor"};
-constexpr std::array<std::string_view, 8> kHeightWords{"height", "heights", "heightmap", "displacement",
-                                                       "disp",   "bump",    "depth",     "elevation"};
+constexpr std::array<std::string_view, 7> kNormalWords{"normal", "normals",  "normalmap", "nrm",
+                                                       "nor",    "normalgl", "normaldx"};
+constexpr std::array<std::string_view, 11> kHeightWords{"height",   "heights", "heightmap", "displacement",
+                                                        "displace", "disp",    "dsp",       "hgt",
+                                                        "bump",     "depth",   "elevation"};
+
+constexpr NameEnding heights(std::string_view text)
+{
+    return {text, Kind::kHeightMap, std::nullopt};
+}
+
+constexpr NameEnding normals(std::string_view text, std::optional<NormalY> green = std::nullopt)
+{
+    return {text, Kind::kNormalMap, green};
+}
+
+constexpr NameEnding kEndings[] = {
+    heights("_displacement"),
+    heights("_displace"),
+    heights("_disp"),
+    heights("_dsp"),
+    heights("_height"),
+    heights("_hgt"),
+    heights("_h"),
+    heights("_bump"),
+    heights("_bmp"),
+    heights("_depth"),
+    normals("_normal"),
+    normals("_nor"),
+    normals("_nrm"),
+    normals("_n"),
+    normals("_normalgl", NormalY::kUp),
+    normals("_normaldx", NormalY::kDown),
+    normals("_nor_gl", NormalY::kUp),
+    normals("_nor_dx", NormalY::kDown),
+    {"_albedo", {}, {}},
+    {"_basecolor", {}, {}},
+    {"_diffuse", {}, {}},
+    {"_diff", {}, {}},
+    {"_color", {}, {}},
+    {"_col", {}, {}},
+    {"_ao", {}, {}},
+    {"_occlusion", {}, {}},
+    {"_rough", {}, {}},
+    {"_roughness", {}, {}},
+    {"_metal", {}, {}},
+    {"_metallic", {}, {}},
+    {"_metalness", {}, {}},
+    {"_spec", {}, {}},
+    {"_specular", {}, {}},
+    {"_gloss", {}, {}},
+    {"_mask", {}, {}},
+    {"_opacity", {}, {}},
+    {"_emissive", {}, {}},
+    {"_orm", {}, {}},
+    {"_arm", {}, {}},
+};
+
+/// @p stem without a resolution at its end: "_2k".
+std::string_view without_resolution(std::string_view stem)
+{
+    if (!stem.ends_with('k')) {
+        return stem;
+    }
+    std::size_t const last = stem.find_last_not_of("0123456789", stem.size() - 2);
+    bool const has_digits = last != std::string_view::npos && last + 2 < stem.size();
+    return has_digits && stem[last] == '_' ? stem.substr(0, last) : stem;
+}
 
 template <typename Words>
 bool contains(Words const& words, std::string_view word)
@@ -53,7 +118,7 @@ std::optional<Kind> kind_of_word(std::string const& word, bool last)
     if (contains(kNormalWords, lower) || (last && lower == "n")) {
         return Kind::kNormalMap;
     }
-    if (contains(kHeightWords, lower) || (last && lower == "h")) {
+    if (contains(kHeightWords, lower) || (last && (lower == "h" || lower == "bmp"))) {
         return Kind::kHeightMap;
     }
     return std::nullopt;
@@ -90,6 +155,15 @@ std::optional<NameHint> hint_of_name(fs::path const& file)
         }
     }
     return hint;
+}
+
+NameEnding const* ending_of_name(fs::path const& file)
+{
+    std::string const lower = lower_case(file.stem().string());
+    std::string_view const stem = without_resolution(lower);
+    auto const* const found =
+        std::ranges::find_if(kEndings, [&](NameEnding const& each) { return stem.ends_with(each.text); });
+    return found == std::end(kEndings) ? nullptr : found;
 }
 
 } // namespace umbrixlib::toolkit

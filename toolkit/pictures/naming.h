@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace umbrixlib::toolkit {
 
@@ -21,5 +22,16 @@ struct NameHint {
     std::string word; ///< As it stands in the name.
 };
 std::optional<NameHint> hint_of_name(std::filesystem::path const& file);
+
+/// An ending by which the pictures of a material are told apart.
+struct NameEnding {
+    std::string_view text;        ///< In small letters: "_nor_dx".
+    std::optional<Kind> kind;     ///< Empty: no map is made of such a picture, which has colours or the like.
+    std::optional<NormalY> green; ///< Of a normal map whose ending settles it.
+};
+
+/// The ending of a name before its extension, in any letter case; a resolution such as _2k may follow it.
+/// Null if it is none of those known.
+NameEnding const* ending_of_name(std::filesystem::path const& file);
 
 } // namespace umbrixlib::toolkit

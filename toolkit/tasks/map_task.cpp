@@ -8,6 +8,7 @@
 #include "toolkit/tasks/tasks.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 
 namespace umbrixlib::toolkit {
 
@@ -39,6 +40,27 @@ void note_normal_map(MapJob const& job, PreparedInput const& input, Observer& ob
                                             "none there: its ground counts as flat"});
         }
     }
+}
+
+/// Two signs that disagree deserve a look.
+void note_unlike_its_name(std::string const& file, KindGuess const& guess, NameEnding const* ending,
+                          Observer& observer)
+{
+    if (ending != nullptr && ending->kind && *ending->kind != guess.kind) {
+        bool const normals = guess.kind == Kind::kNormalMap;
+        observer.note(file,
+                      {fmt::format("its name ends in {}, as those of {} maps do, but {}: it is taken for a "
+                                   "{} map",
+                                   ending->text, normals ? "height" : "normal", guess.reason,
+                                   normals ? "normal" : "height")});
+    }
+}
+
+/// Settles where green points in a normal map.
+void settle_green(MapJob const& job, NameEnding const* ending, MapReport& report)
+{
+    report.green_by_name = !job.normal_y && ending != nullptr && ending->green;
+    report.green = report.green_by_name ? *ending->green : job.normal_y.value_or(job.settings.normal_y);
 }
 
 /// The library's normals have green up; a picture's own maker chose the direction when it was made.
@@ -85,17 +107,22 @@ MapReport run(MapJob const& job, Observer& observer)
     OutputFormat const& format = *output_format(files.output.file);
     check_size(format, files.output.name, input.width, input.height);
     SavedAs const as = saved_as(files.output.saving, format, PictureKind::kLight, files.output.name);
+    NameEnding const* const ending = ending_of_name(files.input);
+    if (!job.kind) {
+        note_unlike_its_name(files.input, input.guess, ending, observer);
+    }
+    MapReport report;
     Kind const kind = job.kind.value_or(input.guess.kind);
     if (kind == Kind::kNormalMap) {
         take_for_normals(input, files.input, observer);
         note_normal_map(job, input, observer);
-        if (job.normal_y == NormalY::kDown) {
+        settle_green(job, ending, report);
+        if (report.green == NormalY::kDown) {
             turn_green(input.picture);
         }
     }
 
     umbrix_options const options = options_for(job.settings, kind, input.width);
-    MapReport report;
     report.width = input.width;
     report.height = input.height;
     report.kind = kind;

@@ -29,6 +29,8 @@ struct MapReport {
     Kind kind = Kind::kHeightMap; ///< What the input was taken for.
     bool guessed = false;         ///< The kind was not given.
     std::string reason;           ///< What speaks for the kind that would be guessed.
+    NormalY green = NormalY::kUp; ///< Of a normal map.
+    bool green_by_name = false;   ///< The ending of its name settled it.
     float n_scale = 0;            ///< Strength of the normals.
     std::optional<DeviceReport> device;
     /// Largest of each channel from the CPU's map, of 255; empty: not asked for.

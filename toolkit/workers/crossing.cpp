@@ -56,7 +56,8 @@ UMBRIX_FIELDS(FolderJob, UMBRIX_FIELD(folder), UMBRIX_FIELD(search), UMBRIX_FIEL
 
 UMBRIX_FIELDS(DeviceReport, UMBRIX_FIELD(name), UMBRIX_FIELD(backend))
 UMBRIX_FIELDS(MapReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(kind), UMBRIX_FIELD(guessed),
-              UMBRIX_FIELD(reason), UMBRIX_FIELD(n_scale), UMBRIX_FIELD(device), UMBRIX_FIELD(difference))
+              UMBRIX_FIELD(reason), UMBRIX_FIELD(green), UMBRIX_FIELD(green_by_name), UMBRIX_FIELD(n_scale),
+              UMBRIX_FIELD(device), UMBRIX_FIELD(difference))
 UMBRIX_FIELDS(NormalReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(n_scale))
 UMBRIX_FIELDS(RelightReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height))
 UMBRIX_FIELDS(ChannelRange, UMBRIX_FIELD(name), UMBRIX_FIELD(minimum), UMBRIX_FIELD(maximum),

@@ -19,6 +19,18 @@ namespace {
 
 constexpr char const* kBatchCommand = "umbrix batch";
 
+void say_what_is_left_out(BatchPlan const& plan)
+{
+    if (plan.outputs_left_out > 0) {
+        say_note(kBatchCommand,
+                 fmt::format("{} outputs of earlier runs are left out", plan.outputs_left_out));
+    }
+    for (LeftAlone const& each : plan.left_alone) {
+        say_note(kBatchCommand, fmt::format("{}: it is left alone, as its name ends in {}",
+                                            each.file.string(), each.ending));
+    }
+}
+
 } // namespace
 
 CLI::App* BatchCommand::declare(CLI::App& app)
@@ -48,15 +60,12 @@ void BatchCommand::declare_files(CLI::App& command)
 {
     command
         .add_option("FOLDER", search_.places,
-                    "Folders, files, or patterns for either, such as 'textures/*/rock*.tga'")
+                    "Folders, files, or patterns for either, such as 'textures/*/rock*.tga'; in "
+                    "folders, what ends in _albedo, _roughness, _ao and the like is left alone unless a "
+                    "pattern names that ending")
         ->required()
         ->type_name("...");
-    command
-        .add_option("--pattern", search_.pattern,
-                    "Only files with such a name, in any letter case: '*_H.tga'. Without, or with an open "
-                    "extension as in '*_H.*', only what is called like a picture is taken from folders")
-        ->type_name("GLOB")
-        ->group(kFilesGroup);
+    declare_patterns(command);
     command.add_flag("-r,--recurse", search_.recurse, "Look into the folders in folders, too")
         ->group(kFilesGroup);
     command
@@ -80,6 +89,24 @@ void BatchCommand::declare_files(CLI::App& command)
     overwrite->excludes(update)->group(kFilesGroup);
     update->group(kFilesGroup);
     command.add_flag("-n,--dry-run", dry_run_, "Only print what would be made of what")->group(kFilesGroup);
+}
+
+void BatchCommand::declare_patterns(CLI::App& command)
+{
+    command
+        .add_option(
+            "--include,--pattern", search_.include,
+            "Only files with such a name, in any letter case: '*_H.tga'; may be repeated. Without, or "
+            "with an open extension as in '*_H.*', only what is called like a picture is taken from "
+            "folders; what ends in _albedo, _roughness and the like is left alone unless the pattern "
+            "has that ending in it")
+        ->allow_extra_args(false)
+        ->type_name("GLOB")
+        ->group(kFilesGroup);
+    command.add_option("--exclude", search_.exclude, "No files with such a name; may be repeated")
+        ->allow_extra_args(false)
+        ->type_name("GLOB")
+        ->group(kFilesGroup);
 }
 
 void BatchCommand::declare_input(CLI::App& command)
@@ -133,6 +160,7 @@ BatchChoice BatchCommand::choice() const
     choice.search = search_;
     choice.search.avoided = include_outputs_ ? "" : keep_tree_;
     choice.include_outputs = include_outputs_;
+    choice.endings = normal_ ? Endings::kHeights : Endings::kSurface;
     choice.suffix = suffix_.value_or(normal_ ? "_Normal" : "_Umbrix");
     choice.keep_tree = keep_tree_;
     choice.policy = common_.overwrite ? OutputPolicy::kReplace
@@ -144,12 +172,11 @@ BatchChoice BatchCommand::choice() const
 BatchOrders BatchCommand::orders() const
 {
     BatchOrders orders;
-    NormalY const normal_y = normal_y_.value_or(settings_.normal_y);
     if (normal_) {
-        NormalJob const job{{}, settings_, normal_y};
+        NormalJob const job{{}, settings_, normal_y_.value_or(settings_.normal_y)};
         orders.job_for = [job](BatchFile const&) { return job; };
     } else {
-        MapJob const job{{}, settings_, kind_ ? kind_ : settings_.kind, normal_y, graphics_};
+        MapJob const job{{}, settings_, kind_ ? kind_ : settings_.kind, normal_y_, graphics_};
         orders.job_for = [job](BatchFile const& file) {
             check_map_usage(job.settings, file.target.string());
             return job;
@@ -174,12 +201,15 @@ FolderJob BatchCommand::plain_walk() const
     };
     for (char const* option :
          {"--normal", "--suffix", "--keep-tree", "--overwrite", "--update", "--dry-run", "--json", "--jobs",
-          "--include-outputs", "--normal-y", "--match-cpu", "--height-in-alpha"}) {
+          "--include-outputs", "--exclude", "--normal-y", "--match-cpu", "--height-in-alpha"}) {
         forbid(option);
     }
     std::error_code error;
     if (search_.places.size() != 1 || !std::filesystem::is_directory(search_.places.front(), error)) {
         throw UsageError("--plain", "it takes one folder", "name a folder that exists");
+    }
+    if (search_.include.size() > 1) {
+        throw UsageError("--include", "the library's own walk takes one pattern", "give one");
     }
     std::optional<Kind> const kind = kind_ ? kind_ : settings_.kind;
     bool const makes_normals =
@@ -191,7 +221,7 @@ FolderJob BatchCommand::plain_walk() const
                  : "add --height-map or --normal-map");
     }
     return {std::filesystem::canonical(search_.places.front()).string(),
-            search_.pattern.empty() ? "*.*" : search_.pattern,
+            search_.include.empty() ? "*.*" : search_.include.front(),
             search_.recurse,
             settings_,
             *kind,
@@ -206,9 +236,8 @@ void BatchCommand::run(Interrupts const& interrupts)
         return;
     }
     BatchPlan const plan = plan_batch(choice());
-    if (common_.verbose && plan.outputs_left_out > 0) {
-        say_note(kBatchCommand,
-                 fmt::format("{} outputs of earlier runs are left out", plan.outputs_left_out));
+    if (common_.verbose) {
+        say_what_is_left_out(plan);
     }
     show_batch(plan, orders(), {kBatchCommand, common_.verbose, json_, common_.progress, {}}, interrupts);
 }

@@ -23,6 +23,7 @@ public:
 
 private:
     void declare_files(CLI::App& command);
+    void declare_patterns(CLI::App& command);
     void declare_input(CLI::App& command);
     void validate() const;
     void forbid_map_options() const;

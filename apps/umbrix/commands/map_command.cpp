@@ -67,7 +67,7 @@ void MapCommand::run(Interrupts const& interrupts)
     job.settings = settings_;
     job.graphics = graphics_;
     job.compare_cpu = compare_cpu_;
-    job.normal_y = normal_y_.value_or(settings_.normal_y);
+    job.normal_y = normal_y_;
     job.kind = kind_ ? kind_ : settings_.kind;
     Made<MapJob> const made = make_picture_file(kMapCommand, common_, job, "_Umbrix", interrupts);
     MapReport const& report = made.report;
@@ -77,7 +77,7 @@ void MapCommand::run(Interrupts const& interrupts)
         fmt::print(" (guessed: {})", report.reason);
     }
     if (report.kind == Kind::kNormalMap) {
-        fmt::print(", green {}", name_of(job.normal_y));
+        fmt::print(", green {}{}", name_of(report.green), report.green_by_name ? " (its name says so)" : "");
     }
     print_relief(report);
     fmt::print(", {:.1f} s\n", made.seconds);

@@ -77,11 +77,12 @@ constexpr Advice kAdvice[] = {
     {Fault::kNoWorker, "check the limits on processes and memory"},
     {Fault::kMissingWorker, "install UmbrixLib again; in a build folder build the target umbrix_worker"},
 
-    {Fault::kSameTarget, "take one of them, for instance with --pattern '*_H.*'", kWrongUsage},
+    {Fault::kSameTarget, "take one of them, for instance with --include '*_H.*'", kWrongUsage},
     {Fault::kTargetIsSource, "give another --suffix, or another folder with --keep-tree", kWrongUsage},
     {Fault::kOnlyOutputsFound, "take them as inputs with --include-outputs"},
-    {Fault::kNothingFound, "check the name, or give another --pattern"},
-    {Fault::kNothingFoundAtTop, "check the name, give another --pattern, or look deeper with --recurse"},
+    {Fault::kOnlyOthersFound, "take them with --include '*{}*'"},
+    {Fault::kNothingFound, "check the name, or give another --include"},
+    {Fault::kNothingFoundAtTop, "check the name, give another --include, or look deeper with --recurse"},
 
     {Fault::kUnexpected, "try it by itself"},
 };

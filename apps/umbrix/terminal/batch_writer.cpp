@@ -29,8 +29,10 @@ std::string row_of(BatchResult const& result)
     std::string const source = result.file.source.string();
     if (result.state == BatchState::kDone) {
         return fmt::format(
-            "{:8} {} -> {}{}, {:.1f} s", word_for(result.state), source, result.file.target.string(),
-            result.kind ? fmt::format(", from a {}", name_of(*result.kind)) : "", result.seconds);
+            "{:8} {} -> {}{}{}, {:.1f} s", word_for(result.state), source, result.file.target.string(),
+            result.kind ? fmt::format(", from a {}", name_of(*result.kind)) : "",
+            result.green ? fmt::format(", green {} (its name says so)", name_of(*result.green)) : "",
+            result.seconds);
     }
     return fmt::format("{:8} {}: {}", word_for(result.state), source, reason_of(result));
 }
@@ -57,7 +59,9 @@ public:
         }
         std::string text =
             fmt::format("{} done, {} skipped, {} failed", summary.done, summary.skipped, summary.failed);
-        for (auto const& [number, word] : {std::pair(summary.planned, "to do"), {summary.left, "left"}}) {
+        for (auto const& [number, word] : {std::pair(summary.planned, "to do"),
+                                           {summary.left, "left"},
+                                           {summary.left_alone, "left alone"}}) {
             text += number > 0 ? fmt::format(", {} {}", number, word) : "";
         }
         put_text(stdout, fmt::format("{}; {:.1f} s\n", text, summary.seconds));
@@ -93,6 +97,9 @@ public:
         if (result.kind) {
             object["taken_for"] = name_of(*result.kind);
         }
+        if (result.green) {
+            object["green"] = name_of(*result.green);
+        }
         if (result.peak_kib > 0) {
             object["seconds"] = result.seconds;
             object["peak_kib"] = result.peak_kib;
@@ -112,6 +119,7 @@ public:
                {"skipped", summary.skipped},
                {"failed", summary.failed},
                {"left", summary.left},
+               {"left_alone", summary.left_alone},
                {"seconds", summary.seconds}});
     }
 

@@ -121,6 +121,50 @@ TEST_F(BatchPlans, OfNothingAreRefused)
     EXPECT_EQ(fault(), Fault::kOnlyOutputsFound);
 }
 
+TEST_F(BatchPlans, LeaveWhatIsNoSurfaceAlone)
+{
+    for (char const* name : {"a.png", "b_disp.png", "b_nor_dx.png", "b_AO.png", "b_diff_2k.jpg"}) {
+        touch(name);
+    }
+    EXPECT_EQ(plan().size(), 5U);
+    choice_.endings = Endings::kSurface;
+    EXPECT_EQ(plan(), (Lines{"a.png -> a_Umbrix.png", "b_disp.png -> b_disp_Umbrix.png",
+                             "b_nor_dx.png -> b_nor_dx_Umbrix.png"}));
+    auto const left_alone = plan_batch(choice_).left_alone;
+    ASSERT_EQ(left_alone.size(), 2U);
+    EXPECT_EQ(left_alone[0].file, folder_ / "b_AO.png");
+    EXPECT_EQ(left_alone[0].ending, "_ao");
+    choice_.endings = Endings::kHeights;
+    EXPECT_EQ(plan(), (Lines{"a.png -> a_Umbrix.png", "b_disp.png -> b_disp_Umbrix.png"}));
+}
+
+TEST_F(BatchPlans, TakeAnyEndingThatIsAskedFor)
+{
+    for (char const* name : {"a_ao.png", "b_ao.png", "b_diff.png"}) {
+        touch(name);
+    }
+    choice_.endings = Endings::kSurface;
+    EXPECT_EQ(fault(), Fault::kOnlyOthersFound);
+    choice_.search.include = {"*.png"}; // asks for no ending
+    EXPECT_EQ(fault(), Fault::kOnlyOthersFound);
+    choice_.search.include = {"*_AO.png"};
+    EXPECT_EQ(plan(), (Lines{"a_ao.png -> a_ao_Umbrix.png", "b_ao.png -> b_ao_Umbrix.png"}));
+    choice_.search.include = {"*diff.png"};
+    EXPECT_EQ(plan(), (Lines{"b_diff.png -> b_diff_Umbrix.png"}));
+    choice_.search.include = {"b_*"}; // the pictures of a material
+    EXPECT_EQ(fault(), Fault::kOnlyOthersFound);
+    choice_.search.include.clear();
+    choice_.search.places = {folder_.path().string(), folder_ / "a_ao.png"};
+    EXPECT_EQ(plan(), (Lines{"a_ao.png -> a_ao_Umbrix.png"}));
+    choice_.search.places = {folder_ / "*_diff*"};
+    EXPECT_EQ(plan(), (Lines{"b_diff.png -> b_diff_Umbrix.png"}));
+    choice_.search.places = {folder_ / "*"};
+    EXPECT_EQ(fault(), Fault::kOnlyOthersFound);
+    touch("diff_diff.png");
+    choice_.search.places = {folder_ / "diff*"};
+    EXPECT_EQ(fault(), Fault::kOnlyOthersFound);
+}
+
 TEST_F(BatchPlans, TellOfPlacesThatAreMissing)
 {
     touch("a.png");

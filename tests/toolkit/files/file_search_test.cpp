@@ -76,12 +76,43 @@ TEST_F(FileSearch, KeepsToThePattern)
     }
     Search search;
     search.places = {folder().string()};
-    search.pattern = "*_h.*"; // an open extension means pictures
+    search.include = {"*_h.*"}; // an open extension means pictures
     EXPECT_EQ(found(search), (Names{"a_h.png|"}));
-    search.pattern = "*_h.txt"; // a given one means what it says
+    search.include = {"*_h.txt"}; // a given one means what it says
     EXPECT_EQ(found(search), (Names{"b_h.txt|"}));
-    search.pattern = ".*";
+    search.include = {".*"};
     EXPECT_EQ(found(search), (Names{".c_h.png|"}));
+}
+
+TEST_F(FileSearch, TakesWhatOnePatternAsksForAndNoneRefuses)
+{
+    for (char const* file : {"a_h.png", "a_n.png", "a_h.txt", "b_h.png", "b_ao.png"}) {
+        make(file);
+    }
+    Search search;
+    search.places = {folder().string(), place("a_h.txt")};
+    search.include = {"*_H.*", "*_ao.png"};
+    EXPECT_EQ(found(search), (Names{"a_h.png|", "a_h.txt|", "b_ao.png|", "b_h.png|"}));
+    search.exclude = {"B*"};
+    EXPECT_EQ(found(search), (Names{"a_h.png|", "a_h.txt|"}));
+    search.exclude = {"*.png", "*.txt"};
+    EXPECT_EQ(found(search), Names{});
+    search.include.clear();
+    search.exclude = {"?_h.*"};
+    EXPECT_EQ(found(search), (Names{"a_n.png|", "b_ao.png|"}));
+}
+
+TEST_F(FileSearch, TellsWhatAskedForAFile)
+{
+    make("wet/a.png");
+    make("wet/b.png");
+    Search search;
+    search.places = {folder().string(), place("wet/a.png"), place("w*/?.png")};
+    search.recurse = true;
+    SearchResult const result = find_files(search);
+    ASSERT_EQ(result.files.size(), 2U);
+    EXPECT_EQ(result.files[0].asked_for, (std::vector<std::string>{"a.png", "?.png"}));
+    EXPECT_EQ(result.files[1].asked_for, (std::vector<std::string>{"?.png"}));
 }
 
 TEST_F(FileSearch, ExpandsPlaces)

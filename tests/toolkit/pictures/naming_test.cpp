@@ -69,5 +69,56 @@ TEST(Naming, SaysNothingWithWordsForBoth)
     EXPECT_FALSE(hint_of_name("normal_height_N.png"));
 }
 
+TEST(Naming, KnowsTheWordsOfTheUsualEndings)
+{
+    expect_hint("brick_NormalGL.png", Kind::kNormalMap, "Normal");
+    expect_hint("brick_normaldx.png", Kind::kNormalMap, "normaldx");
+    expect_hint("brick_nor_gl.png", Kind::kNormalMap, "nor");
+    for (char const* word :
+         {"displacement", "displace", "disp", "dsp", "height", "hgt", "h", "bump", "bmp", "depth"}) {
+        expect_hint((std::string("brick_") + word + ".png").c_str(), Kind::kHeightMap, word);
+    }
+    EXPECT_FALSE(hint_of_name("bmp_brick.png"));
+}
+
+std::string ending_of(char const* name)
+{
+    auto const* const ending = toolkit::ending_of_name(name);
+    if (ending == nullptr) {
+        return "";
+    }
+    std::string text(ending->text);
+    text += !ending->kind ? ": other" : *ending->kind == Kind::kHeightMap ? ": heights" : ": normals";
+    return text + (!ending->green ? "" : *ending->green == toolkit::NormalY::kUp ? ", up" : ", down");
+}
+
+TEST(Naming, TellsThePicturesOfAMaterialByTheirEndings)
+{
+    EXPECT_EQ(ending_of("brick_Displacement.tif"), "_displacement: heights");
+    EXPECT_EQ(ending_of("a/brick_H.png"), "_h: heights");
+    EXPECT_EQ(ending_of("brick_Normal.png"), "_normal: normals");
+    EXPECT_EQ(ending_of("brick_NormalGL.png"), "_normalgl: normals, up");
+    EXPECT_EQ(ending_of("brick_NORMALDX.png"), "_normaldx: normals, down");
+    EXPECT_EQ(ending_of("brick_nor_gl.exr"), "_nor_gl: normals, up");
+    EXPECT_EQ(ending_of("brick_nor_dx.exr"), "_nor_dx: normals, down");
+    EXPECT_EQ(ending_of("brick_AO.jpg"), "_ao: other");
+    EXPECT_EQ(ending_of("brick_BaseColor.jpg"), "_basecolor: other");
+    EXPECT_EQ(ending_of("brick_arm.jpg"), "_arm: other");
+    for (char const* none : {"brick.png", "ao.png", "brick_ao_2.png", "brickao.png", "ao/brick.png",
+                             "normal_brick.png", "brick_gl.png", ""}) {
+        EXPECT_EQ(ending_of(none), "") << none;
+    }
+}
+
+TEST(Naming, PassesAResolutionBehindTheEnding)
+{
+    EXPECT_EQ(ending_of("brick_nor_dx_4k.exr"), "_nor_dx: normals, down");
+    EXPECT_EQ(ending_of("brick_diff_16K.jpg"), "_diff: other");
+    for (char const* none :
+         {"brick_ao_k.png", "brick_ao4k.png", "brick_ao_4.png", "_4k.png", "4k.png", "k"}) {
+        EXPECT_EQ(ending_of(none), "") << none;
+    }
+}
+
 } // namespace
 } // namespace umbrixlib::test
