@@ -103,7 +103,9 @@ TEST_F(FitCommand, TellsTheAngleOfFlatGround)
         pixels.insert(pixels.end(), {static_cast<std::uint8_t>(127 + 102), 127, 127 + 76});
     }
     write("n.tga", tga_bytes(kSide, kSide, 3, pixels));
-    EXPECT_NEAR(fit().at("flat_mean_angle_degrees").get<double>(), 36.87, 0.5);
+    Outcome const outcome = run({"fit", "h.tga", "n.tga", "--json"});
+    EXPECT_EQ(outcome.code, 1); // bumps do not fit a slope
+    EXPECT_NEAR(nlohmann::json::parse(outcome.out).at("flat_mean_angle_degrees").get<double>(), 36.87, 0.5);
 }
 
 TEST_F(FitCommand, TakesTheBlurAsGivenOrFindsIt)
@@ -121,26 +123,75 @@ TEST_F(FitCommand, TakesTheBlurAsGivenOrFindsIt)
     EXPECT_EQ(run({"fit", "h.tga", "n.tga", "--fit-gaussian", "--gaussian", "1"}).code, 2);
 }
 
-TEST_F(FitCommand, SaysSoIfNoReliefBeatsFlatGround)
+TEST_F(FitCommand, FindsWhetherTheHeightsAreInverted)
+{
+    // The normals of bumps, and the bumps as a depth map has them: dark is high.
+    for (char const* green : {"up", "down"}) {
+        make_normals({"--relief", "0.1", "--normal-y", green});
+        EXPECT_FALSE(fit().at("inverted").get<bool>()) << green;
+        write("depth.tga", height_map(kSide, kSide, [](int x, int y) { return 255 - bumps(x, y); }));
+        Outcome const outcome = run({"fit", "depth.tga", "n.tga", "--json"});
+        ASSERT_EQ(outcome.code, 0) << outcome.err;
+        auto const report = nlohmann::json::parse(outcome.out);
+        EXPECT_TRUE(report.at("inverted").get<bool>()) << green;
+        EXPECT_EQ(report.at("green"), green);
+        EXPECT_NEAR(report.at("relief").get<double>(), 0.1, 0.002);
+        EXPECT_LT(report.at("mean_angle_degrees").get<double>(), 0.3);
+        EXPECT_GT(report.at("other_heights_mean_angle_degrees").get<double>(), 5.0);
+        EXPECT_GT(report.at("other_green_mean_angle_degrees").get<double>(), 5.0);
+    }
+    std::string const text = run({"fit", "depth.tga", "n.tga"}).out;
+    EXPECT_NE(text.find("\n  heights    inverted (as they are "), std::string::npos) << text;
+}
+
+/// Leans by atan(3 / 4) to the right in the first rows, and up in the others.
+Bytes leans_to_the_right(int rows)
 {
     Bytes pixels;
     for (int i = 0; i < kSide * kSide; ++i) {
-        pixels.insert(pixels.end(), {255, 128, 128});
+        bool const right = i < rows * kSide;
+        pixels.insert(pixels.end(), {229, static_cast<std::uint8_t>(right ? 127 : 203),
+                                     static_cast<std::uint8_t>(right ? 203 : 127)});
     }
-    write("n.tga", tga_bytes(kSide, kSide, 3, pixels));
-    EXPECT_FALSE(fit().at("beats_flat").get<bool>());
-    Outcome const outcome = run({"fit", "h.tga", "n.tga", "--save-preset", "p.toml", "--progress", "none"});
-    EXPECT_NE(outcome.out.find("no relief comes nearer to these normals than flat ground does"),
-              std::string::npos)
-        << outcome.out;
-    EXPECT_EQ(outcome.code, 1);
-    EXPECT_TRUE(complains_about(outcome, "umbrix fit", "p.toml"));
-    EXPECT_EQ(files(), (std::set<std::string>{"h.tga", "n.tga"}));
+    return tga_bytes(kSide, kSide, 3, pixels);
+}
 
-    // A height map without relief fits nothing, either.
+TEST_F(FitCommand, CallsAGainBelowATenthNoFit)
+{
+    Bytes flat;
+    for (int i = 0; i < kSide * kSide; ++i) {
+        flat.insert(flat.end(), {255, 128, 128});
+    }
+    write("n.tga", tga_bytes(kSide, kSide, 3, flat));
+    auto const expect_no_fit = [&](char const* what) {
+        Outcome const told = run({"fit", "h.tga", "n.tga", "--json"});
+        EXPECT_EQ(told.code, 1) << what;
+        EXPECT_FALSE(nlohmann::json::parse(told.out).at("beats_flat").get<bool>()) << what;
+        Outcome const outcome =
+            run({"fit", "h.tga", "n.tga", "--save-preset", "p.toml", "--progress", "none"});
+        EXPECT_EQ(outcome.code, 1) << what;
+        EXPECT_EQ(outcome.out, "") << what;
+        EXPECT_TRUE(complains_about(outcome, "umbrix fit", "n.tga"));
+        EXPECT_NE(outcome.err.find("no relief fits it: "), std::string::npos) << outcome.err;
+        EXPECT_NE(outcome.err.find(" degrees remain at best, and "), std::string::npos) << outcome.err;
+        EXPECT_EQ(files(), (std::set<std::string>{"h.tga", "n.tga"})) << what;
+    };
+    expect_no_fit("flat ground");
+
+    // A ramp that leans so in a sixteenth of the picture gains that much; one in a quarter is enough.
+    auto const ramp = [](int rows) {
+        return height_map(kSide, kSide, [rows](int x, int y) { return y < rows ? kSide - x : 0; });
+    };
+    write("h.tga", ramp(8));
+    write("n.tga", leans_to_the_right(8));
+    expect_no_fit("a sixteenth");
+    write("h.tga", ramp(32));
+    write("n.tga", leans_to_the_right(32));
+    EXPECT_TRUE(fit().at("beats_flat").get<bool>());
+
     write("h.tga", height_map(kSide, kSide, [](int, int) { return 99; }));
     write("n.tga", normals_of_bumps(5, 127.5));
-    EXPECT_FALSE(fit().at("beats_flat").get<bool>());
+    expect_no_fit("heights without relief");
 }
 
 TEST_F(FitCommand, SavesAPresetThatMakesTheseNormals)
@@ -152,6 +203,7 @@ TEST_F(FitCommand, SavesAPresetThatMakesTheseNormals)
         run({"fit", "h.tga", "n.tga", "--preset", "base.toml", "--save-preset", "p.toml"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_NE(outcome.out.find("wrote p.toml: preset, relief 0."), std::string::npos) << outcome.out;
+    EXPECT_NE(outcome.out.find(" degrees remain\n"), std::string::npos) << outcome.out;
     auto const preset = nlohmann::json::parse(run({"preset", "show", "p.toml", "--json"}).out);
     EXPECT_EQ(preset.at("different_from_default"), (nlohmann::json{"normal_y", "relief", "rays"}));
     EXPECT_EQ(preset.at("options").at("rays"), 16);

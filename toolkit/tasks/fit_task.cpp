@@ -17,9 +17,9 @@ namespace {
 constexpr double kLeastRelief = 1e-4; // image widths
 constexpr double kMostRelief = 10.0;
 
-/// A relief beats flat ground if it leaves less than this part of its angle. Any noise fits a very low relief
-/// a little.
-constexpr double kBetter = 0.99;
+/// A relief fits if it leaves at most this part of the angle of flat ground. Of two pictures that have
+/// nothing to do with each other, a low relief meets some slopes by chance.
+constexpr double kBetter = 0.9;
 
 /// Calls @p body with the number of a texel and its first three channels, in the file's own numbers.
 template <typename Body>
@@ -103,32 +103,42 @@ Pair read_pair(FitJob const& job, Observer& observer)
     return pair;
 }
 
-/// Fits both directions of green to slopes that the library makes of the heights.
+/// The heights as they are come first, and green up, where the pictures do not tell.
+constexpr Directions kDirections[] = {
+    {false, NormalY::kUp}, {false, NormalY::kDown}, {true, NormalY::kUp}, {true, NormalY::kDown}};
+
+/// Fits a normal map to slopes that the library makes of the heights.
 class PairFit {
 public:
-    struct Result {
-        FittedScale up;
-        FittedScale down;
-
-        FittedScale const& best() const
-        {
-            return down.mean_angle_degrees < up.mean_angle_degrees ? down : up;
-        }
-    };
-
     PairFit(Pair& pair, float detail, std::string* status, int* progress)
         : pair_(pair), detail_(detail), status_(status), progress_(progress)
     {
     }
 
+    /// The directions that leave the smallest angle.
+    Directions best_directions(double gaussian)
+    {
+        normals_ = normals_of(pair_.picture, 0.0);
+        double smallest = 360.0;
+        Directions best;
+        for (Directions const& each : kDirections) {
+            double const angle = at(gaussian, each, false).mean_angle_degrees;
+            if (angle < smallest) {
+                smallest = angle;
+                best = each;
+            }
+        }
+        return best;
+    }
+
     /// From now on, reads the normal map with flat ground at the place that leaves the smallest angle.
-    void choose_middle(double gaussian)
+    void choose_middle(double gaussian, Directions const& directions)
     {
         double smallest = 360.0;
         double best = 0.0;
         for (double const offset : kOffsets) {
             normals_ = normals_of(pair_.picture, offset);
-            double const angle = at(gaussian, false).best().mean_angle_degrees;
+            double const angle = at(gaussian, directions, false).mean_angle_degrees;
             if (angle < smallest) {
                 smallest = angle;
                 best = offset;
@@ -139,14 +149,11 @@ public:
 
     std::vector<float3> const& normals() const { return normals_; }
 
-    Result at(double gaussian, bool thorough)
+    FittedScale at(double gaussian, Directions const& directions, bool thorough)
     {
         make_slopes(gaussian);
-        auto const fit = [&](NormalY green) {
-            return fit_scale(slopes_, normals_, green, scale_of(kLeastRelief), scale_of(kMostRelief),
-                             thorough);
-        };
-        return {fit(NormalY::kUp), fit(NormalY::kDown)};
+        return fit_scale(slopes_, normals_, directions, scale_of(kLeastRelief), scale_of(kMostRelief),
+                         thorough);
     }
 
     double relief_of(double n_scale) const { return n_scale * 2.0 / pair_.width; }
@@ -193,26 +200,30 @@ FitReport run(FitJob const& job, Observer& observer)
     run_library(job.heights, observer, [&](std::string* status, int* progress) {
         PairFit fit(pair, job.settings.detail, status, progress);
         double gaussian = rounded(static_cast<double>(job.settings.gaussian));
-        fit.choose_middle(gaussian);
+        Directions const directions = fit.best_directions(gaussian);
+        fit.choose_middle(gaussian, directions);
         if (job.fit_gaussian) {
             gaussian = rounded(
-                fit_sigma([&](double sigma) { return fit.at(sigma, false).best().mean_angle_degrees; }));
+                fit_sigma([&](double sigma) { return fit.at(sigma, directions, false).mean_angle_degrees; }));
         }
-        PairFit::Result const result = fit.at(gaussian, true);
-        bool const down = &result.best() == &result.down;
-        FittedScale const& best = result.best();
-        double const flat = flat_mean_angle_degrees(fit.normals());
+        auto const [inverted, green] = directions;
+        NormalY const other_green = green == NormalY::kUp ? NormalY::kDown : NormalY::kUp;
+        FittedScale const best = fit.at(gaussian, directions, true);
         double const relief = rounded(fit.relief_of(best.n_scale));
         report.width = pair.width;
         report.height = pair.height;
         report.relief = relief;
         report.n_scale = rounded(relief * pair.width / 2.0);
         report.gaussian = gaussian;
-        report.green = down ? NormalY::kDown : NormalY::kUp;
+        report.inverted = inverted;
+        report.green = green;
         report.mean_angle_degrees = best.mean_angle_degrees;
-        report.other_green_mean_angle_degrees = (down ? result.up : result.down).mean_angle_degrees;
-        report.flat_mean_angle_degrees = flat;
-        report.beats_flat = best.mean_angle_degrees < kBetter * flat;
+        report.other_heights_mean_angle_degrees =
+            fit.at(gaussian, {!inverted, green}, true).mean_angle_degrees;
+        report.other_green_mean_angle_degrees =
+            fit.at(gaussian, {inverted, other_green}, true).mean_angle_degrees;
+        report.flat_mean_angle_degrees = flat_mean_angle_degrees(fit.normals());
+        report.beats_flat = best.mean_angle_degrees < kBetter * report.flat_mean_angle_degrees;
         return true;
     });
     return report;

@@ -81,12 +81,14 @@ struct FitReport {
     int height = 0;
     double relief = 0; ///< In image widths.
     double n_scale = 0;
-    double gaussian = 0; ///< Sigma in texels.
+    double gaussian = 0;   ///< Sigma in texels.
+    bool inverted = false; ///< Dark heights are high.
     NormalY green = NormalY::kUp;
-    double mean_angle_degrees = 0;             ///< That remains between the normals.
-    double other_green_mean_angle_degrees = 0; ///< With the other direction of green.
-    double flat_mean_angle_degrees = 0;        ///< Of flat ground.
-    bool beats_flat = false;                   ///< The relief comes nearer than flat ground.
+    double mean_angle_degrees = 0;               ///< That remains between the normals.
+    double other_heights_mean_angle_degrees = 0; ///< With the heights the other way up.
+    double other_green_mean_angle_degrees = 0;   ///< With the other direction of green.
+    double flat_mean_angle_degrees = 0;          ///< Of flat ground.
+    bool beats_flat = false; ///< The relief fits: it is nearer than flat ground by a tenth.
 
     bool operator==(FitReport const&) const = default;
 };

@@ -67,9 +67,10 @@ UMBRIX_FIELDS(InfoReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIEL
               UMBRIX_FIELD(taken_for), UMBRIX_FIELD(because), UMBRIX_FIELD(notes))
 UMBRIX_FIELDS(StackReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(layers))
 UMBRIX_FIELDS(FitReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(relief),
-              UMBRIX_FIELD(n_scale), UMBRIX_FIELD(gaussian), UMBRIX_FIELD(green),
-              UMBRIX_FIELD(mean_angle_degrees), UMBRIX_FIELD(other_green_mean_angle_degrees),
-              UMBRIX_FIELD(flat_mean_angle_degrees), UMBRIX_FIELD(beats_flat))
+              UMBRIX_FIELD(n_scale), UMBRIX_FIELD(gaussian), UMBRIX_FIELD(inverted), UMBRIX_FIELD(green),
+              UMBRIX_FIELD(other_heights_mean_angle_degrees), UMBRIX_FIELD(mean_angle_degrees),
+              UMBRIX_FIELD(other_green_mean_angle_degrees), UMBRIX_FIELD(flat_mean_angle_degrees),
+              UMBRIX_FIELD(beats_flat))
 UMBRIX_FIELDS(DevicesReport::Device, UMBRIX_FIELD(number), UMBRIX_FIELD(name), UMBRIX_FIELD(backend),
               UMBRIX_FIELD(is_default))
 UMBRIX_FIELDS(DevicesReport, UMBRIX_FIELD(devices), UMBRIX_FIELD(last_error))

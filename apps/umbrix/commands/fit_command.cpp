@@ -6,6 +6,7 @@
 #include "terminal/kind_name.h"
 #include "terminal/report_json.h"
 #include "terminal/say.h"
+#include "terminal/standard_output.h"
 #include "toolkit/files/preflight.h"
 #include "toolkit/files/text_file.h"
 #include "toolkit/settings/preset.h"
@@ -18,22 +19,33 @@ namespace {
 
 constexpr char const* kFitCommand = "umbrix fit";
 
+char const* name_of_heights(bool inverted)
+{
+    return inverted ? "inverted" : "as they are";
+}
+
 void print_text(std::string const& heights, std::string const& normals, FitReport const& report)
 {
     NormalY const other = report.green == NormalY::kUp ? NormalY::kDown : NormalY::kUp;
     say("{} to {}, {} x {}", heights, normals, report.width, report.height);
-    if (!report.beats_flat) {
-        fmt::print("  no relief comes nearer to these normals than flat ground does\n"
-                   "  mean angle {:.2f} degrees at best, {:.2f} of flat ground\n",
-                   report.mean_angle_degrees, report.flat_mean_angle_degrees);
-        return;
-    }
     fmt::print("  relief     {} image widths, n-scale {}, gaussian {}\n", report.relief, report.n_scale,
                report.gaussian);
+    fmt::print("  heights    {} ({} {:.2f} degrees would remain)\n", name_of_heights(report.inverted),
+               name_of_heights(!report.inverted), report.other_heights_mean_angle_degrees);
     fmt::print("  green      {} (with {} {:.2f} degrees would remain)\n", name_of(report.green),
                name_of(other), report.other_green_mean_angle_degrees);
     fmt::print("  mean angle {:.2f} degrees, {:.2f} of flat ground\n", report.mean_angle_degrees,
                report.flat_mean_angle_degrees);
+}
+
+Complaint no_fit(std::string const& normals, FitReport const& report)
+{
+    return {
+        normals,
+        fmt::format("no relief fits it: {:.2f} degrees remain at best, and {:.2f} on flat ground, which is a "
+                    "gain of less than 10 %",
+                    report.mean_angle_degrees, report.flat_mean_angle_degrees),
+        "check that the two pictures show the same material"};
 }
 
 } // namespace
@@ -62,10 +74,6 @@ CLI::App* FitCommand::declare(CLI::App& app)
 
 void FitCommand::save(FitReport const& report) const
 {
-    if (!report.beats_flat) {
-        throw Complaint(preset_output_, "it is not written, as no relief comes nearer than flat ground does",
-                        "check that the two pictures show the same material");
-    }
     Settings settings = settings_;
     settings.relief = static_cast<float>(report.relief);
     settings.h_scale = std::nullopt; // both follow from the relief on pictures of every size
@@ -97,13 +105,21 @@ void FitCommand::run(Interrupts const& interrupts)
     interrupts.check();
     if (json_) {
         fmt::print("{}", json_text(report, common_.input, normals_));
-    } else {
+    } else if (report.beats_flat) {
         print_text(common_.input, normals_, report);
+    }
+    if (!report.beats_flat) {
+        finish_standard_output();
+        throw no_fit(normals_, report);
     }
     if (!preset_output_.empty()) {
         save(report);
+        if (report.inverted) {
+            say_note(kFitCommand, preset_output_ + ": it does not say that the heights are inverted");
+        }
         if (!json_) {
-            say("wrote {}: preset, relief {}", preset_output_, report.relief);
+            say("wrote {}: preset, relief {}, {:.2f} degrees remain", preset_output_, report.relief,
+                report.mean_angle_degrees);
         }
     }
 }

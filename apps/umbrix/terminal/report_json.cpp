@@ -47,8 +47,10 @@ std::string json_text(FitReport const& report, std::string const& heights, std::
                     {"relief", report.relief},
                     {"n_scale", report.n_scale},
                     {"gaussian", report.gaussian},
+                    {"inverted", report.inverted},
                     {"green", name_of(report.green)},
                     {"mean_angle_degrees", report.mean_angle_degrees},
+                    {"other_heights_mean_angle_degrees", report.other_heights_mean_angle_degrees},
                     {"other_green_mean_angle_degrees", report.other_green_mean_angle_degrees},
                     {"flat_mean_angle_degrees", report.flat_mean_angle_degrees},
                     {"beats_flat", report.beats_flat}});

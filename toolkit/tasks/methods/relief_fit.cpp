@@ -46,14 +46,15 @@ double angle_degrees(double cosine)
 }
 
 /// Mean angle at one n-scale over every @p step-th texel.
-double mean_angle_degrees(Slopes const& slopes, std::span<float3 const> wanted, NormalY green, double n_scale,
-                          std::size_t step)
+double mean_angle_degrees(Slopes const& slopes, std::span<float3 const> wanted, Directions const& directions,
+                          double n_scale, std::size_t step)
 {
-    double const scale_y = green == NormalY::kUp ? n_scale : -n_scale;
+    double const scale_x = directions.inverted ? -n_scale : n_scale;
+    double const scale_y = directions.green == NormalY::kUp ? scale_x : -scale_x;
     std::size_t const count = (wanted.size() + step - 1) / step;
     double const sum = sum_of(count, [&](std::size_t i) {
         std::size_t const texel = i * step;
-        double const x = n_scale * static_cast<double>(slopes.x[texel]);
+        double const x = scale_x * static_cast<double>(slopes.x[texel]);
         double const y = scale_y * static_cast<double>(slopes.y[texel]);
         float3 const& other = wanted[texel];
         double const product = x * static_cast<double>(other.x) + y * static_cast<double>(other.y) +
@@ -109,8 +110,8 @@ Slopes slopes_of(std::span<float3 const> normals)
     return slopes;
 }
 
-FittedScale fit_scale(Slopes const& slopes, std::span<float3 const> wanted, NormalY green, double least,
-                      double most, bool thorough)
+FittedScale fit_scale(Slopes const& slopes, std::span<float3 const> wanted, Directions const& directions,
+                      double least, double most, bool thorough)
 {
     std::size_t const step = grid_step(wanted.size());
     double const low = std::log(least);
@@ -119,14 +120,14 @@ FittedScale fit_scale(Slopes const& slopes, std::span<float3 const> wanted, Norm
     double best = low;
     double smallest = 180.0;
     for (double place = low; place < high + width / 2.0; place += width) {
-        double const angle = mean_angle_degrees(slopes, wanted, green, std::exp(place), step);
+        double const angle = mean_angle_degrees(slopes, wanted, directions, std::exp(place), step);
         if (angle < smallest) {
             smallest = angle;
             best = place;
         }
     }
     auto const angle_at = [&](double place) {
-        return mean_angle_degrees(slopes, wanted, green, std::exp(place), thorough ? 1 : step);
+        return mean_angle_degrees(slopes, wanted, directions, std::exp(place), thorough ? 1 : step);
     };
     double const place =
         golden_section(angle_at, std::max(best - width, low), std::min(best + width, high), kScaleTolerance);

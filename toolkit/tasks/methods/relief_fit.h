@@ -18,6 +18,12 @@ struct Slopes {
 
 Slopes slopes_of(std::span<float3 const> normals);
 
+/// Which way heights and green point.
+struct Directions {
+    bool inverted = false;        ///< Dark is high.
+    NormalY green = NormalY::kUp; ///< In the normals to be met; that of slopes is up.
+};
+
 /// The n-scale at which normals come nearest to others, and the mean angle that remains between them.
 struct FittedScale {
     double n_scale;
@@ -28,10 +34,9 @@ struct FittedScale {
 /// @p slopes and the unit vectors @p wanted is smallest: by a grid of equal ratios, for which a part of a
 /// large picture is enough, and from there by golden section over all texels. The same on any number of
 /// threads.
-/// @param green    Direction of green in @p wanted; that of the slopes is up.
 /// @param thorough If not, a part of a large picture is enough for the golden section, too.
-FittedScale fit_scale(Slopes const& slopes, std::span<float3 const> wanted, NormalY green, double least,
-                      double most, bool thorough);
+FittedScale fit_scale(Slopes const& slopes, std::span<float3 const> wanted, Directions const& directions,
+                      double least, double most, bool thorough);
 
 /// Mean angle between @p wanted and flat ground.
 double flat_mean_angle_degrees(std::span<float3 const> wanted);
