@@ -100,6 +100,19 @@ TEST_F(BatchCommand, TellsItsResultsAsJson)
     EXPECT_EQ(outcome.out.rfind("{\"done\":3", outcome.out.size()), outcome.out.rfind('{'));
 }
 
+TEST_F(BatchCommand, NotesWhichReliefWouldHalveTheBlack)
+{
+    put("in/steep.tga", height_map(64, 64, [](int x, int y) { return (x * 37 + y * 101) % 256; }));
+    put("in/flat.tga", hill(64));
+    auto const all = objects(run({"batch", "in", "--relief", "1", "--json"}));
+    ASSERT_EQ(all.at("in/steep.tga").at("notes").size(), 1U);
+    std::string const note = all.at("in/steep.tga").at("notes")[0];
+    EXPECT_NE(note.find(" % of the map's samples are black; a relief of 0."), std::string::npos) << note;
+    Outcome const outcome = run({"batch", "in", "--relief", "1", "--overwrite"});
+    EXPECT_NE(outcome.err.find("umbrix batch: note: in/steep.tga: " + note + "\n"), std::string::npos)
+        << outcome.err;
+}
+
 TEST_F(BatchCommand, OnlySaysWhatItWouldDoIfAsked)
 {
     put("in/a_h.tga", hill(16));

@@ -3,6 +3,7 @@
 #include "toolkit/pictures/naming.h"
 #include "toolkit/pictures/picture_difference.h"
 #include "toolkit/tasks/graphics_run.h"
+#include "toolkit/tasks/lost_light.h"
 #include "toolkit/tasks/map_picture.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/tasks.h"
@@ -134,6 +135,7 @@ MapReport run(MapJob const& job, Observer& observer)
     }
     observer.begin(Phase::kMaking, files.input);
     Picture const map = make_map(job, input.picture, options, as, report, observer);
+    note_lost_light(map, files.input, {input.picture, job.settings, kind, false, job.graphics}, observer);
     write_picture(files.output.file, format, files.output.name, map, observer);
     return report;
 }

@@ -3,6 +3,7 @@
 #include "toolkit/settings/stack_record.h"
 #include "toolkit/tasks/graphics_run.h"
 #include "toolkit/tasks/library_run.h"
+#include "toolkit/tasks/lost_light.h"
 #include "toolkit/tasks/map_picture.h"
 #include "toolkit/tasks/methods/saved_picture.h"
 #include "toolkit/tasks/prepared_input.h"
@@ -235,8 +236,19 @@ Picture make_map_from_layers(StackJob const& job, ReadyStack const& stack, Saved
     umbrix_options options = options_for(job.settings, Kind::kHeightMap, stack.width);
     options.blend_height = true;
     Picture const no_samples{stack.width, stack.height, 3, {}};
-    return make_umbrix_map(no_samples, job.file, options, as, observer, &records, &library_stack,
-                           job.graphics);
+    Picture map =
+        make_umbrix_map(no_samples, job.file, options, as, observer, &records, &library_stack, job.graphics);
+    note_lost_light(map, job.file, {no_samples, job.settings, Kind::kHeightMap, false, job.graphics},
+                    observer);
+    return map;
+}
+
+/// Whether the settings' relief makes the normals of all layers.
+bool normals_follow_relief(ReadyStack const& stack)
+{
+    return std::ranges::none_of(stack.layers, [](ReadyLayer const& layer) {
+        return layer.description->n_scale.has_value() || layer.description->is_normal_map;
+    });
 }
 
 Picture make_map(StackJob const& job, ReadyStack const& stack, Blended const& blended, Observer& observer)
@@ -248,7 +260,11 @@ Picture make_map(StackJob const& job, ReadyStack const& stack, Blended const& bl
     umbrix_options const options = options_for(job.settings, Kind::kNormalMap, stack.width);
     Picture const source =
         is_narrowed_between(stack, as) ? source_in_bytes(stack, blended) : source_in_floats(stack, blended);
-    return make_umbrix_map(source, job.file, options, as, observer, nullptr, nullptr, job.graphics);
+    Picture map = make_umbrix_map(source, job.file, options, as, observer, nullptr, nullptr, job.graphics);
+    note_lost_light(map, job.file,
+                    {source, job.settings, Kind::kNormalMap, normals_follow_relief(stack), job.graphics},
+                    observer);
+    return map;
 }
 
 void write_output(Output const& output, Picture const& picture, Observer& observer)
