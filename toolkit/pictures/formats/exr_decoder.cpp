@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <fmt/format.h>
 
 namespace umbrixlib::toolkit {
@@ -50,15 +51,32 @@ public:
         }
         if (first) {
             file_.check(exr_decoding_choose_default_routines(file_.get(), 0, &steps_));
+            decompress_ = steps_.decompress_fn;
         }
+        // OpenEXRCore takes B44's chunks that were not worth to be compressed for compressed ones.
+        bool const is_plain = chunk.packed_size == chunk.unpacked_size;
+        steps_.decompress_fn = is_plain && decompress_ != nullptr ? copy_chunk : decompress_;
         file_.check(exr_decoding_run(file_.get(), 0, &steps_));
     }
 
 private:
+    static exr_result_t copy_chunk(exr_decode_pipeline_t* steps)
+    {
+        if (steps->unpacked_buffer == steps->packed_buffer) {
+            return EXR_ERR_SUCCESS;
+        }
+        if (steps->unpacked_alloc_size < steps->chunk.packed_size) {
+            return EXR_ERR_CORRUPT_CHUNK;
+        }
+        std::memcpy(steps->unpacked_buffer, steps->packed_buffer, steps->chunk.packed_size);
+        return EXR_ERR_SUCCESS;
+    }
+
     ExrFile const& file_;
     std::vector<std::size_t> const& taken_;
     Picture& picture_;
     exr_decode_pipeline_t steps_{};
+    decltype(steps_.decompress_fn) decompress_ = nullptr; ///< OpenEXRCore's own.
 };
 
 /// Whole numbers that are where floats should be.
@@ -164,15 +182,9 @@ private:
         std::int32_t chunks = 0;
         file_.check(exr_get_compression(file_.get(), 0, &compression));
         file_.check(exr_get_chunk_count(file_.get(), 0, &chunks));
+        // OpenEXRCore 3.1.5 has no decoder for it.
         if (compression == EXR_COMPRESSION_DWAA || compression == EXR_COMPRESSION_DWAB) {
             source_.refuse("it is an OpenEXR picture compressed with DWA", "save it with ZIP or PIZ");
-        }
-        bool const in_blocks = compression == EXR_COMPRESSION_B44 || compression == EXR_COMPRESSION_B44A;
-        bool const all_halves = std::all_of(list_->entries, list_->entries + list_->num_channels,
-                                            [](auto& entry) { return entry.pixel_type == EXR_PIXEL_HALF; });
-        if (in_blocks && !all_halves) { // OpenEXRCore puts the texels of other channels in wrong rows
-            source_.refuse("it is an OpenEXR picture compressed with B44 whose channels are not all halves",
-                           "save it with ZIP or PIZ");
         }
         source_.check_length(chunks * kBytesPerChunk);
         if (compression == EXR_COMPRESSION_NONE) {
