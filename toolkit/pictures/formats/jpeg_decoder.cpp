@@ -20,7 +20,8 @@ namespace {
 
 constexpr double kMostTexelsPerByte = 1024.0; ///< A block of 8 x 8 texels takes a bit at least.
 constexpr int kMostScans = 500;
-constexpr int kLossless = 3; ///< The frame's marker, 0xc0 and this.
+constexpr int kLossless = 3;  ///< The frame's marker, 0xc0 and this.
+constexpr int kJpegLs = 0xf7; ///< The marker of a frame of JPEG-LS.
 
 /// Whether a warning says that texels are wrong. Others are of stray bytes and unknown markers.
 bool is_damage(int warning)
@@ -111,6 +112,11 @@ private:
             source_.refuse(errors_.msg_parm.i[0] == 0xc0 + kLossless ? "it is a lossless JPEG picture"
                                                                      : "it is a JPEG picture of a rare kind",
                            "save it as PNG, or as baseline JPEG");
+        case JERR_UNKNOWN_MARKER:
+            if (errors_.msg_parm.i[0] == kJpegLs) {
+                source_.refuse("it is a JPEG-LS picture", "save it as PNG, or as baseline JPEG");
+            }
+            break;
         default:
             break;
         }
