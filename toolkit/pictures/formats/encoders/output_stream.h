@@ -20,7 +20,7 @@ public:
     bool write(std::span<unsigned char const> bytes)
     {
         good_ = good_ && stream_ != nullptr &&
-                std::fwrite(bytes.data(), 1, bytes.size(), stream_) == bytes.size();
+                (bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), stream_) == bytes.size());
         return good_;
     }
 

@@ -1,109 +1,118 @@
 // SPDX-License-Identifier: MIT
+#include "toolkit/base/all_threads.h"
 #include "toolkit/pictures/encoder.h"
+#include "toolkit/pictures/formats/encoders/byte_writer.h"
 #include "toolkit/pictures/formats/encoders/output_stream.h"
-
-#include <bit>
-#include <new>
-#include <png.h>
+#include "toolkit/pictures/formats/encoders/png_packing.h"
 
 namespace umbrixlib::toolkit {
 
 namespace {
 
-/// libpng at work on one file. It reports a failure by a long jump, which passes no object that has to be
-/// released: the function that it leaves holds none.
+constexpr std::size_t kSamePlan = 8;     ///< Pieces that one of them speaks for.
+constexpr std::size_t kHeldPieces = 128; ///< Packed before they are written.
+
+/// The Adler-32 of two strings, one behind the other, of theirs and the length of the second.
+std::uint32_t joined_adler(std::uint32_t first, std::uint32_t second, std::size_t second_length)
+{
+    constexpr std::uint64_t kBase = 65521;
+    std::uint64_t const low = first & 0xffffU;
+    std::uint64_t const joined_low = (low + (second & 0xffffU) + kBase - 1) % kBase;
+    std::uint64_t const joined_high =
+        ((first >> 16U) + (second >> 16U) + (low + kBase - 1) % kBase * (second_length % kBase)) % kBase;
+    return static_cast<std::uint32_t>(joined_high << 16U | joined_low);
+}
+
+/// One file.
 class PngWriter {
 public:
-    explicit PngWriter(OutputStream& stream) : stream_(stream)
+    PngWriter(OutputStream& stream, Picture const& picture)
+        : stream_(stream), picture_(picture), rows_(picture)
     {
-        png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, this, fail, warn);
-        info_ = png_ == nullptr ? nullptr : png_create_info_struct(png_);
-        if (info_ == nullptr) {
-            png_destroy_write_struct(&png_, nullptr);
-            throw std::bad_alloc();
-        }
     }
-    ~PngWriter() { png_destroy_write_struct(&png_, &info_); }
-    PngWriter(PngWriter const&) = delete;
-    PngWriter& operator=(PngWriter const&) = delete;
 
-    bool write(Picture const& picture)
+    bool write()
     {
-        std::vector<png_const_bytep> rows(static_cast<std::size_t>(picture.height));
-        std::size_t const row_size = picture.bytes.size() / rows.size();
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            rows[rows.size() - 1 - i] = &picture.bytes[i * row_size];
-        }
-        return write(picture, rows.data());
+        constexpr std::uint8_t kSignature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
+        return stream_.write(kSignature) && write_header() && write_rows() && write_chunk("IEND", {});
     }
 
 private:
-    static int colour_type(Picture const& picture)
+    bool write_header()
     {
-        constexpr int kTypes[] = {PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_GRAY_ALPHA, PNG_COLOR_TYPE_RGB,
-                                  PNG_COLOR_TYPE_RGB_ALPHA};
-        return kTypes[picture.channels - 1];
+        constexpr unsigned kColourTypes[] = {0, 4, 2, 6};
+        ByteWriter header(ByteOrder::kBig);
+        header.u32(static_cast<unsigned>(picture_.width)).u32(static_cast<unsigned>(picture_.height));
+        header.u8(static_cast<unsigned>(8 * sample_size(picture_.type)));
+        header.u8(kColourTypes[picture_.channels - 1]).u8(0).u8(0).u8(0);
+        return write_chunk("IHDR", header.bytes());
     }
 
-    bool write(Picture const& picture, png_const_bytep* rows)
+    bool write_chunk(std::string_view name, std::span<std::uint8_t const> content)
     {
-        if (setjmp(png_jmpbuf(png_)) != 0) {
-            return false;
+        ByteWriter start(ByteOrder::kBig);
+        start.u32(static_cast<unsigned>(content.size())).text(name);
+        std::uint32_t check = libdeflate_crc32(0, start.bytes().data() + 4, 4);
+        if (!content.empty()) { // of no bytes libdeflate gives what a check sum starts with
+            check = libdeflate_crc32(check, content.data(), content.size());
         }
-        png_set_write_fn(png_, this, put_bytes, flush);
-        png_set_IHDR(png_, info_, static_cast<png_uint_32>(picture.width),
-                     static_cast<png_uint_32>(picture.height),
-                     static_cast<int>(8 * sample_size(picture.type)), colour_type(picture),
-                     PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-        set_texts();
-        png_write_info(png_, info_);
-        if constexpr (std::endian::native == std::endian::little) {
-            png_set_swap(png_); // of samples of 16 bits
-        }
-        png_write_image(png_, const_cast<png_bytepp>(rows));
-        png_write_end(png_, info_);
-        return true;
+        return stream_.write(start.bytes()) && stream_.write(content) &&
+               stream_.write(ByteWriter(ByteOrder::kBig).u32(check).bytes());
     }
 
-    /// The texts that pictures of the tool have had from the start: the same picture is the same file.
-    void set_texts()
+    /// One zlib stream, a piece in each chunk. The pieces do not depend on the number of threads.
+    bool write_rows()
     {
-        char const* const texts[][2] = {
-            {"Generated by", "Generated by the Developer's Image Library (DevIL)"},
-            {"Author", ""},
-            {"Description", ""},
-        };
-        for (auto const& [key, text] : texts) {
-            png_text entry{};
-            entry.compression = PNG_TEXT_COMPRESSION_NONE;
-            entry.key = const_cast<png_charp>(key);
-            entry.text = const_cast<png_charp>(text);
-            png_set_text(png_, info_, &entry, 1);
+        constexpr std::uint8_t kStart[] = {0x78, 0x5e}; // Deflate with a window of 32 KiB, at a fast level
+        bool good = write_chunk("IDAT", kStart);
+        for (std::size_t first = 0; good && first < rows_.pieces(); first += kHeldPieces) {
+            good = write_pieces(first, std::min(kHeldPieces, rows_.pieces() - first));
         }
+        ByteWriter end(ByteOrder::kBig);
+        end.u8(0b011).u8(0).u32(adler_); // a last block, which is empty
+        return good && write_chunk("IDAT", end.bytes());
     }
 
-    static void put_bytes(png_structp png, png_bytep bytes, std::size_t size)
+    bool write_pieces(std::size_t first, std::size_t count)
     {
-        auto* const self = static_cast<PngWriter*>(png_get_io_ptr(png));
-        if (!self->stream_.write({bytes, size})) {
-            png_error(png, "not written");
+        std::vector<PngPlan> plans((count - 1) / kSamePlan + 1);
+        on_all_threads(plans.size(), [&](auto next) {
+            PngPacker packer(rows_);
+            for (std::size_t i = next(); i < plans.size(); i = next()) {
+                plans[i] = packer.plan(first + i * kSamePlan, kSamePlan);
+            }
+        });
+        std::vector<PngPacker::Packed> packed(count);
+        on_all_threads(count, [&](auto next) {
+            PngPacker packer(rows_);
+            for (std::size_t i = next(); i < count; i = next()) {
+                packed[i] = packer.pack(first + i, plans[i / kSamePlan]);
+            }
+        });
+        bool good = true;
+        for (std::size_t i = 0; good && i < count; ++i) {
+            adler_ = joined_adler(adler_, packed[i].adler, packed[i].length);
+            good = write_chunk("IDAT", packed[i].bytes);
         }
+        return good;
     }
-    static void flush(png_structp) {}
-    [[noreturn]] static void fail(png_structp png, png_const_charp) { png_longjmp(png, 1); }
-    static void warn(png_structp, png_const_charp) {}
 
     OutputStream& stream_;
-    png_structp png_ = nullptr;
-    png_infop info_ = nullptr;
+    Picture const& picture_;
+    PngRows rows_;
+    std::uint32_t adler_ = 1;
 };
 
+/// Each number of channels, in 8 or 16 bits.
 class PngEncoder : public Encoder {
 public:
     bool encode(std::filesystem::path const& file, Picture const& picture) const override
     {
+        if (picture.type != SampleType::kUint8 && picture.type != SampleType::kUint16) {
+            return false;
+        }
         OutputStream stream(file);
-        bool const written = PngWriter(stream).write(picture);
+        bool const written = PngWriter(stream, picture).write();
         return stream.close() && written;
     }
 };

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "toolkit/pictures/formats/deflate/literal_block.h"
+#include "toolkit/pictures/formats/deflate/match_deflater.h"
+#include "toolkit/pictures/formats/encoders/png_rows.h"
+
+#include <optional>
+
+namespace umbrixlib::toolkit {
+
+/// How the pieces of a part of a picture are packed.
+struct PngPlan {
+    PngFilter filter = PngFilter::kNone;
+    bool matches = false;           ///< Whether libdeflate finds more than the bytes by themselves tell.
+    std::uint64_t literal_bits = 0; ///< What a byte takes by itself, times 1024.
+};
+
+/// Packs pieces of a picture's rows. Of one thread.
+class PngPacker {
+public:
+    explicit PngPacker(PngRows const& rows) : rows_(rows) {}
+
+    /// Tries on a sample of @p count pieces what is best for them.
+    PngPlan plan(std::size_t first_piece, std::size_t count);
+
+    /// A piece of a Deflate stream, with the check sum and the length of what it holds.
+    struct Packed {
+        std::vector<std::uint8_t> bytes;
+        std::uint32_t adler = 1;
+        std::size_t length = 0;
+    };
+
+    Packed pack(std::size_t piece, PngPlan const& plan);
+
+private:
+    MatchDeflater& deflater();
+
+    PngRows const& rows_;
+    std::vector<std::uint8_t> filtered_;
+    std::optional<MatchDeflater> deflater_; ///< Made when it is first needed.
+};
+
+} // namespace umbrixlib::toolkit

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/pictures/formats/encoders/png_rows.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+/// Bytes of a piece. A piece knows nothing of what stands before it, which costs a larger share of smaller
+/// ones.
+constexpr std::size_t kPiece = std::size_t{256} * 1024;
+
+constexpr std::size_t kSample = std::size_t{128} * 1024; ///< Bytes of a sample, if rows are not long.
+constexpr std::size_t kRowsOfStripe = 8;                 ///< At least: rows may be like those above them.
+constexpr std::size_t kMostStripes = 8;
+
+} // namespace
+
+PngRows::PngRows(Picture const& picture)
+    : picture_(picture), rows_(static_cast<std::size_t>(picture.height)),
+      row_bytes_(picture.bytes.size() / rows_),
+      rows_of_piece_(std::max<std::size_t>(kPiece / (row_bytes_ + 1), 1))
+{
+}
+
+void PngRows::filter(std::size_t piece, PngFilter filter, std::vector<std::uint8_t>& to) const
+{
+    std::size_t const first = piece * rows_of_piece_;
+    to.clear();
+    append(first, std::min(first + rows_of_piece_, rows_), filter, to);
+}
+
+void PngRows::filter_sample(std::size_t first_piece, std::size_t count, PngFilter filter,
+                            std::vector<std::uint8_t>& to) const
+{
+    std::size_t const begin = first_piece * rows_of_piece_;
+    std::size_t const rows = std::min(count * rows_of_piece_, rows_ - begin);
+    std::size_t const sample = std::clamp<std::size_t>(kSample / (row_bytes_ + 1), 1, rows);
+    std::size_t const stripes = std::clamp<std::size_t>(sample / kRowsOfStripe, 1, kMostStripes);
+    to.clear();
+    for (std::size_t i = 0; i < stripes; ++i) {
+        std::size_t const first = begin + rows * i / stripes;
+        append(first, first + sample / stripes, filter, to);
+    }
+}
+
+void PngRows::append(std::size_t first, std::size_t last, PngFilter filter,
+                     std::vector<std::uint8_t>& to) const
+{
+    std::size_t const step = static_cast<std::size_t>(picture_.channels) * sample_size(picture_.type);
+    std::vector<std::uint8_t> rooms[2];
+    std::vector<std::uint8_t> const zeros(first == 0 ? row_bytes_ : 0);
+    std::uint8_t const* above = first == 0 ? zeros.data() : row(first - 1, rooms[(first + 1) % 2]);
+    std::size_t at = to.size();
+    to.resize(at + (last - first) * (row_bytes_ + 1));
+    for (std::size_t y = first; y < last; ++y) {
+        std::uint8_t const* const bytes = row(y, rooms[y % 2]);
+        to[at] = static_cast<std::uint8_t>(filter);
+        filter_row(filter, {bytes, row_bytes_}, above, step, &to[at + 1]);
+        at += row_bytes_ + 1;
+        above = bytes;
+    }
+}
+
+std::uint8_t const* PngRows::row(std::size_t y, std::vector<std::uint8_t>& room) const
+{
+    std::uint8_t const* const bytes = &picture_.bytes[(rows_ - 1 - y) * row_bytes_];
+    if (picture_.type == SampleType::kUint8 || std::endian::native == std::endian::big) {
+        return bytes;
+    }
+    room.resize(row_bytes_);
+    std::uint8_t* const to = room.data();
+    for (std::size_t i = 0; i + 2 <= row_bytes_; i += 2) {
+        to[i] = bytes[i + 1];
+        to[i + 1] = bytes[i];
+    }
+    return to;
+}
+
+} // namespace umbrixlib::toolkit
