@@ -55,6 +55,44 @@ protected:
     std::string path(char const* name) const { return (folder() / name).string(); }
 };
 
+TEST_F(ListCommand, RefusesWhatAJobDoesNotHold)
+{
+    done({"add", "x.ulist", "hill.tga"});
+    Bytes const before = read("x.ulist");
+    for (char const* option : {"--depth=16", "--round=nearest", "--dither", "--invert", "--height-range=0,1",
+                               "--replace-invalid=0", "--height-from=r"}) {
+        std::string const text = option;
+        std::string const name = text.substr(0, text.find('='));
+        for (Arguments const& start :
+             {Arguments{"add", "x.ulist", "hill.tga"}, Arguments{"set", "x.ulist", "1"}}) {
+            Arguments words = start;
+            words.emplace_back(option);
+            Outcome const outcome = list(words);
+            EXPECT_EQ(outcome.code, 2) << option;
+            EXPECT_TRUE(complains_about(outcome, "umbrix list " + start[0], name));
+            EXPECT_NE(outcome.err.find("umbrix list run"), std::string::npos) << outcome.err;
+        }
+    }
+    EXPECT_EQ(read("x.ulist"), before);
+    std::string const help = done({"add", "--help"});
+    EXPECT_EQ(help.find("--depth"), std::string::npos) << help;
+}
+
+TEST_F(ListCommand, TellsThatAJobDoesNotHoldThePresetsDepth)
+{
+    write_text("p.toml", "save_depth = '16'\nrays = 9\n");
+    for (Arguments const& words : {Arguments{"add", "x.ulist", "hill.tga", "--preset", "p.toml"},
+                                   {"set", "x.ulist", "1", "--preset", "p.toml"}}) {
+        Outcome const outcome = list(words);
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_EQ(outcome.err,
+                  "umbrix list " + words[0] +
+                      ": note: a job does not hold the save_depth of the preset; umbrix list run "
+                      "--depth 16 saves so\n");
+        EXPECT_EQ(jobs()[0].at("rays"), 9);
+    }
+}
+
 TEST_F(ListCommand, AddsFilesWithTheirKindAndAStrengthThatFits)
 {
     std::string const told = done({"add", "x.ulist", "hill.tga", "flat.tga"});

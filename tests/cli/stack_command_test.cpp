@@ -2,6 +2,8 @@
 /// `umbrix stack`, run as a user runs it.
 #include "tool.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <cmath>
 
@@ -186,6 +188,26 @@ TEST_F(StackCommand, MakesTheMapFromTheLayersThemselvesIfAsked)
     EXPECT_LE(largest_difference(tga("m.tga"), tga("map.tga")), 1);
 }
 
+TEST_F(StackCommand, SavesAtTheDepthOfTheStackFile)
+{
+    write_stack("save_depth = '16'\n" + kHill);
+    auto const depth_of = [&](char const* name) {
+        return nlohmann::json::parse(run({"info", name, "--json"}).out).at("bits_per_channel").get<int>();
+    };
+    Arguments words{"stack", "s.toml", "-o", "n.png", "--height", "h.png", "--map", "m.png", "--overwrite"};
+    ASSERT_EQ(run(words).code, 0);
+    for (char const* name : {"n.png", "h.png", "m.png"}) {
+        EXPECT_EQ(depth_of(name), 16) << name;
+    }
+    std::string const preset = "save_depth = 'float'\n"; // PNG would not hold it: the stack file comes before
+    write("p.toml", Bytes(preset.begin(), preset.end()));
+    words.insert(words.end(), {"--preset", "p.toml"});
+    ASSERT_EQ(run(words).code, 0);
+    words.insert(words.end(), {"--depth", "8"});
+    ASSERT_EQ(run(words).code, 0);
+    EXPECT_EQ(depth_of("n.png"), 8);
+}
+
 TEST_F(StackCommand, CountsFileNamesFromTheStackFile)
 {
     std::filesystem::create_directory(folder() / "sub");
@@ -253,6 +275,7 @@ TEST_F(StackCommand, RefusesAStackFileThatItDoesNotUnderstand)
         {"layer = 3\n", "s.toml: layer (line 1): it is not a list of tables"},
         {"[layer]\nfile = 'hill.tga'\n", "s.toml: layer (line 1): it is not a list of tables"},
         {"normal_scale = 'high'\n" + kHill, "s.toml: normal_scale (line 1): it is not a number"},
+        {"save_depth = 12\n" + kHill, "s.toml: save_depth (line 1): '12' is no depth; give \"8\", \"16\", "},
         {"colour = 1\n" + kHill, "s.toml: colour (line 1): there is no such key"},
         {"[[layer]]\nfile = \n", "s.toml: line 2, column "},
         {kHill + "file = 'waves.tga'\n", "s.toml: line 3, column "},

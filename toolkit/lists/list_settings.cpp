@@ -92,6 +92,7 @@ Settings settings_of(umbrix_data const& data)
         .max = data.max,
         .brightness = data.brightness,
         .smooth = data.smooth,
+        .save_depth = std::nullopt,
     };
 }
 

@@ -7,16 +7,10 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
-#include <utility>
 
 namespace umbrixlib::toolkit {
 
 namespace {
-
-constexpr std::pair<char const*, SampleType> kDepths[] = {{"8", SampleType::kUint8},
-                                                          {"16", SampleType::kUint16},
-                                                          {"half", SampleType::kHalf},
-                                                          {"float", SampleType::kFloat}};
 
 /// Halves hold directions and light to the last digit that shows, but not heights.
 SampleType usual_depth(OutputFormat const& format, PictureKind kind)
@@ -36,8 +30,8 @@ SampleType usual_depth(OutputFormat const& format, PictureKind kind)
 std::string depths_of(OutputFormat const& format)
 {
     std::string all;
-    for (auto const& [name, depth] : kDepths) {
-        if (format.holds(depth)) {
+    for (char const* const name : kDepthNames) {
+        if (format.holds(*depth_called(name))) {
             all += fmt::format("{}{}", all.empty() ? "" : " or ", name);
         }
     }
@@ -113,18 +107,6 @@ Picture in_samples(Picture const& floats, SavedAs const& as)
         std::ranges::transform(floats.samples<float>(), result.samples<Half>().begin(), to_half);
     }
     return result;
-}
-
-char const* name_of(SampleType depth)
-{
-    return std::ranges::find(kDepths, depth, &std::pair<char const*, SampleType>::second)->first;
-}
-
-std::optional<SampleType> depth_called(std::string const& name)
-{
-    auto const* const found =
-        std::ranges::find_if(kDepths, [&](auto const& each) { return name == each.first; });
-    return found == std::end(kDepths) ? std::nullopt : std::optional(found->second);
 }
 
 } // namespace umbrixlib::toolkit

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/base/depth.h"
 #include "toolkit/pictures/picture.h"
 
 #include <optional>
@@ -45,9 +46,5 @@ SavedAs saved_as(Saving const& saving, OutputFormat const& format, PictureKind k
 /// @p floats, the picture of a known kind, in the samples that are saved. Whole numbers stand for 0 to 1, of
 /// normals for -1 to 1; what lies outside is cut, and NaN is 0. Other floats are as they are.
 Picture in_samples(Picture const& floats, SavedAs const& as);
-
-/// "8", "16", "half" and "float", as options and keys have them.
-char const* name_of(SampleType depth);
-std::optional<SampleType> depth_called(std::string const& name);
 
 } // namespace umbrixlib::toolkit

@@ -52,6 +52,8 @@ inline constexpr Settings kDefaults{
     .max = 255,
     .brightness = 0.0f,
     .smooth = 0.0f,
+
+    .save_depth = std::nullopt,
 };
 
 } // namespace umbrixlib::toolkit

@@ -13,6 +13,7 @@
 #include <cmath>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
+#include <type_traits>
 
 namespace umbrixlib::toolkit {
 
@@ -67,7 +68,8 @@ public:
     {
         auto const names = choices(row_);
         std::string const remedy = fmt::format("give \"{}\"", fmt::join(names, "\", \""));
-        std::string const text = entry_.text(remedy);
+        bool const has_numbers = std::is_same_v<Choice, std::optional<SampleType>>;
+        std::string const text = has_numbers ? entry_.word(remedy) : entry_.text(remedy);
         auto const found = std::find(names.begin(), names.end(), text);
         if (found == names.end()) {
             entry_.refuse(fmt::format("'{}' is not known", text), remedy);

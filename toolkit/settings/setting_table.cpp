@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/settings/setting_table.h"
 
+#include "toolkit/base/depth.h"
 #include "toolkit/base/failure.h"
 #include "toolkit/base/overloaded.h"
 #include "toolkit/settings/defaults.h"
@@ -17,6 +18,7 @@ constexpr char const* kRelief = "Relief";
 constexpr char const* kOcclusion = "Occlusion";
 constexpr char const* kHeights = "Grading of the heights, in this order";
 constexpr char const* kResult = "Grading of the map, in this order";
+constexpr char const* kSaving = "Saving";
 
 constexpr double kMaxSigma = 1000.0;
 
@@ -77,11 +79,16 @@ constexpr SettingRow kTable[] = {
     {"max", kResult, &Settings::max, 0, 255, ", 255 is off", kForMap, "Upper limit"},
     {"brightness", kResult, &Settings::brightness, -1, 1, ", 0 is off", kForMap, "Brightness"},
     {"smooth", kResult, &Settings::smooth, 0, kMaxSigma, " texels, 0 is off", kForMap, "Sigma of the blur"},
+
+    {"save-depth", kSaving, &Settings::save_depth, 0, 0, "", kForPresets,
+     "Samples of what is written; auto is what the format holds as a rule"},
 };
 
 constexpr char const* kModeNames[] = {"projection", "unit", "flat", "squared"};
 constexpr char const* kKindNames[] = {"auto", "height", "normal"};
 constexpr char const* kDirectionNames[] = {"up", "down"};
+constexpr char const* kDepthChoices[] = {"auto", kDepthNames[0], kDepthNames[1], kDepthNames[2],
+                                         kDepthNames[3]};
 
 } // namespace
 
@@ -104,6 +111,7 @@ std::span<char const* const> choices(SettingRow const& row)
                           [](Modes Settings::*) { return Names(kModeNames); },
                           [](std::optional<Kind> Settings::*) { return Names(kKindNames); },
                           [](NormalY Settings::*) { return Names(kDirectionNames); },
+                          [](std::optional<SampleType> Settings::*) { return Names(kDepthChoices); },
                       },
                       row.field);
 }
@@ -118,6 +126,9 @@ void choose(SettingRow const& row, Settings& settings, int choice)
                            choice == 0 ? std::nullopt : std::optional(static_cast<Kind>(choice - 1));
                    },
                    [&](NormalY Settings::*field) { settings.*field = static_cast<NormalY>(choice); },
+                   [&](std::optional<SampleType> Settings::*field) {
+                       settings.*field = depth_called(kDepthChoices[choice]);
+                   },
                },
                row.field);
 }
@@ -137,6 +148,10 @@ std::string value_text(SettingRow const& row, Settings const& settings)
                           },
                           [&](NormalY Settings::*field) {
                               return std::string(kDirectionNames[static_cast<int>(settings.*field)]);
+                          },
+                          [&](std::optional<SampleType> Settings::*field) {
+                              auto const depth = settings.*field;
+                              return std::string(depth ? name_of(*depth) : kDepthChoices[0]);
                           },
                       },
                       row.field);

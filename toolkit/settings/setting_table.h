@@ -12,10 +12,11 @@ namespace umbrixlib::toolkit {
 /// The member of `Settings` that a row is about.
 using SettingsField =
     std::variant<bool Settings::*, int Settings::*, float Settings::*, std::optional<float> Settings::*,
-                 Modes Settings::*, std::optional<Kind> Settings::*, NormalY Settings::*>;
+                 Modes Settings::*, std::optional<Kind> Settings::*, NormalY Settings::*,
+                 std::optional<SampleType> Settings::*>;
 
 /// The tasks that a setting counts in. Those of kForPresets alone are keys of a preset that each front end
-/// asks for in its own words: what the input is, and where green points in it.
+/// asks for in its own words: what the input is, where green points in it, and how the result is saved.
 enum SettingUser : unsigned { kForPresets = 0, kForMap = 1, kForNormal = 2, kForRelight = 4, kForFit = 8 };
 
 /// One setting of a run. The table of them yields the options and the help of a command line, the keys of

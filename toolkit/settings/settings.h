@@ -52,6 +52,8 @@ struct Settings {
     float brightness;
     float smooth;
 
+    std::optional<SampleType> save_depth; ///< Empty: what the format holds as a rule.
+
     bool operator==(Settings const&) const = default;
 };
 

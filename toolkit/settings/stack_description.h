@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/base/depth.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -31,6 +33,7 @@ struct StackLayer {
 struct StackDescription {
     float normal_scale = 1;
     std::vector<StackLayer> layers;
+    std::optional<SampleType> save_depth; ///< Of all results. Empty: what their formats hold as a rule.
 
     bool operator==(StackDescription const&) const = default;
 };

@@ -65,6 +65,17 @@ void read_edges(Entry const& entry, StackLayer& layer)
     layer.edge_b = number(Entry{entry.subject, (*pair)[1]}, -kAny, kAny);
 }
 
+SampleType read_depth(Entry const& entry)
+{
+    std::string const remedy = fmt::format("give \"{}\"", fmt::join(kDepthNames, "\", \""));
+    std::string const text = entry.word(remedy);
+    auto const depth = depth_called(text);
+    if (!depth) {
+        entry.refuse(fmt::format("'{}' is no depth", text), remedy);
+    }
+    return *depth;
+}
+
 /// A key of a layer, and how its value is taken in.
 struct LayerKey {
     std::string_view name;
@@ -118,6 +129,8 @@ public:
             Entry const entry{fmt::format("{}: {}", file_.string(), key.str()), node};
             if (key == "normal_scale") {
                 result_.description.normal_scale = number(entry, -kAny, kAny);
+            } else if (key == "save_depth") {
+                result_.description.save_depth = read_depth(entry);
             } else if (key == "layer") {
                 layers = node.as_array();
                 if (layers == nullptr || !std::all_of(layers->begin(), layers->end(), is_table)) {
@@ -125,7 +138,7 @@ public:
                 }
             } else {
                 entry.refuse(Fault::kUnknownKey, "there is no such key",
-                             "known at the top are normal_scale and [[layer]]");
+                             "known at the top are normal_scale, save_depth and [[layer]]");
             }
         }
         if (layers == nullptr || layers->empty()) {

@@ -53,6 +53,12 @@ std::string TomlEntry::text(std::string const& remedy) const
     return *value;
 }
 
+std::string TomlEntry::word(std::string const& remedy) const
+{
+    auto const whole = node.value_exact<std::int64_t>();
+    return whole ? fmt::format("{}", *whole) : text(remedy);
+}
+
 double TomlEntry::number(double minimum, double maximum) const
 {
     std::optional<double> const value = node.is_number() ? node.value<double>() : std::nullopt;

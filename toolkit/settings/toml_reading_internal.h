@@ -24,6 +24,9 @@ struct TomlEntry {
     /// The value as a text, or a Failure with @p remedy.
     std::string text(std::string const& remedy) const;
 
+    /// The same for a choice whose words may be whole numbers, with or without quotes.
+    std::string word(std::string const& remedy) const;
+
     /// The value as a finite number in @p minimum..@p maximum, or a Failure.
     double number(double minimum, double maximum) const;
 };

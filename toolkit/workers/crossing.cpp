@@ -37,7 +37,7 @@ UMBRIX_FIELDS(Relighting, UMBRIX_FIELD(mode), UMBRIX_FIELD(exposure))
 UMBRIX_FIELDS(StackLayer, UMBRIX_FIELD(label), UMBRIX_FIELD(file), UMBRIX_FIELD(is_normal_map),
               UMBRIX_FIELD(blend), UMBRIX_FIELD(opacity), UMBRIX_FIELD(n_scale), UMBRIX_FIELD(detail),
               UMBRIX_FIELD(gaussian), UMBRIX_FIELD(depth), UMBRIX_FIELD(edge_a), UMBRIX_FIELD(edge_b))
-UMBRIX_FIELDS(StackDescription, UMBRIX_FIELD(normal_scale), UMBRIX_FIELD(layers))
+UMBRIX_FIELDS(StackDescription, UMBRIX_FIELD(normal_scale), UMBRIX_FIELD(layers), UMBRIX_FIELD(save_depth))
 
 UMBRIX_FIELDS(MapJob, UMBRIX_FIELD(files), UMBRIX_FIELD(settings), UMBRIX_FIELD(kind), UMBRIX_FIELD(normal_y),
               UMBRIX_FIELD(graphics), UMBRIX_FIELD(compare_cpu))

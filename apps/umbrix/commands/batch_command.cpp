@@ -184,7 +184,7 @@ BatchOrders BatchCommand::orders() const
     }
     orders.max_texels = common_.max_texels;
     orders.policy = choice().policy;
-    orders.saving = common_.saving;
+    orders.saving = with_depth(common_.saving, settings_.save_depth);
     orders.timeout_seconds = common_.timeout_seconds;
     orders.workers = workers_.count();
     orders.dry_run = dry_run_;

@@ -24,6 +24,19 @@
 
 namespace umbrix_cli {
 
+namespace {
+
+ParsedLine refusal(std::string const& command, Complaint const& complaint)
+{
+    ParsedLine parsed;
+    parsed.name = command;
+    parsed.complaint = error_line(complaint, command);
+    parsed.code = complaint.code;
+    return parsed;
+}
+
+} // namespace
+
 template <typename... Commands>
 void CommandLine::declare_all()
 {
@@ -81,10 +94,9 @@ ParsedLine CommandLine::parse(std::vector<std::string> const& words)
         parsed.code = kWrongUsage;
         return parsed;
     } catch (Failure const& failure) { // a preset is read while the command line is
-        Complaint const complaint = complaint_about(failure);
-        parsed.complaint = error_line(complaint, parsed.name);
-        parsed.code = complaint.code;
-        return parsed;
+        return refusal(parsed.name, complaint_about(failure));
+    } catch (Complaint const& complaint) {
+        return refusal(parsed.name, complaint);
     }
     for (Declared const& each : commands_) {
         if (each.app->parsed()) {

@@ -4,6 +4,7 @@
 #include "options/kind_option.h"
 #include "options/map_usage.h"
 #include "options/normal_y_option.h"
+#include "options/saving_options.h"
 #include "options/setting_options.h"
 #include "terminal/complaint.h"
 #include "terminal/kind_name.h"
@@ -63,6 +64,7 @@ void MapCommand::print_relief(MapReport const& report) const
 void MapCommand::run(Interrupts const& interrupts)
 {
     validate();
+    common_.saving = with_depth(common_.saving, settings_.save_depth);
     MapJob job;
     job.settings = settings_;
     job.graphics = graphics_;

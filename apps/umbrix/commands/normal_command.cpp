@@ -2,6 +2,7 @@
 #include "commands/normal_command.h"
 
 #include "options/normal_y_option.h"
+#include "options/saving_options.h"
 #include "options/setting_options.h"
 #include "terminal/kind_name.h"
 #include "terminal/say.h"
@@ -22,6 +23,7 @@ CLI::App* NormalCommand::declare(CLI::App& app)
 
 void NormalCommand::run(Interrupts const& interrupts)
 {
+    common_.saving = with_depth(common_.saving, settings_.save_depth);
     NormalJob job;
     job.settings = settings_;
     job.normal_y = normal_y_.value_or(settings_.normal_y);

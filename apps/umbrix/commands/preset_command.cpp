@@ -5,6 +5,7 @@
 #include "options/kind_option.h"
 #include "options/map_usage.h"
 #include "options/normal_y_option.h"
+#include "options/saving_options.h"
 #include "options/setting_options.h"
 #include "terminal/say.h"
 #include "toolkit/files/text_file.h"
@@ -113,6 +114,7 @@ void PresetCommand::declare_save(CLI::App& command)
     declare_kind(command, kind_);
     declare_normal_y(command, normal_y_, "Where green points in a normal map")->group("Input");
     declare_options(command, settings_, kForMap);
+    declare_depth(command, settings_.save_depth);
 }
 
 void PresetCommand::declare_list(CLI::App& command)

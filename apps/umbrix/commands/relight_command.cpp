@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "commands/relight_command.h"
 
+#include "options/saving_options.h"
 #include "options/setting_options.h"
 #include "terminal/say.h"
 
@@ -67,6 +68,7 @@ CLI::App* RelightCommand::declare(CLI::App& app)
 
 void RelightCommand::run(Interrupts const& interrupts)
 {
+    common_.saving = with_depth(common_.saving, settings_.save_depth);
     RelightJob job;
     job.light = {azimuth_degrees_, elevation_degrees_};
     job.look = {settings_.mode, exposure_};

@@ -2,6 +2,7 @@
 #include "commands/stack_command.h"
 
 #include "options/map_usage.h"
+#include "options/saving_options.h"
 #include "options/setting_options.h"
 #include "terminal/complaint.h"
 #include "terminal/say.h"
@@ -58,10 +59,11 @@ CLI::App* StackCommand::declare(CLI::App& app)
         app.add_subcommand("stack", "Blend layers into a normal map, a height map and an Umbrix map");
     common_.declare_output(*command, "INPUT_Normal beside the input, the blended normal map");
     common_
-        .declare_input(*command, "Stack file: TOML with normal_scale and, for each layer from the lowest to "
-                                 "the uppermost, [[layer]] with file, kind, blend, opacity, n_scale, detail, "
-                                 "gaussian, depth and edges; --new writes a commented example. blend and "
-                                 "opacity tell how a layer joins what lies below it")
+        .declare_input(
+            *command, "Stack file: TOML with normal_scale, save_depth and, for each layer from the lowest to "
+                      "the uppermost, [[layer]] with file, kind, blend, opacity, n_scale, detail, "
+                      "gaussian, depth and edges; --new writes a commented example. blend and "
+                      "opacity tell how a layer joins what lies below it")
         ->required(false);
     command->add_option("--height", height_output_, "File for the blended height map, from 0 to 255")
         ->type_name("FILE")
@@ -168,7 +170,8 @@ void StackCommand::run(Interrupts const& interrupts)
         target.open(job);
     }
     for (Output* const output : {&job.normals, &job.heights, &job.map}) {
-        output->saving = common_.saving;
+        output->saving =
+            with_depth(with_depth(common_.saving, file.description.save_depth), settings_.save_depth);
     }
     job.file = common_.input;
     job.max_texels = common_.max_texels;

@@ -14,11 +14,11 @@ constexpr char const* kSaving = "Saving";
 
 } // namespace
 
-void declare_saving(CLI::App& command, Saving& saving)
+void declare_depth(CLI::App& command, std::optional<umbrixlib::SampleType>& depth)
 {
-    std::function<void(std::string const&)> const parse_depth = [&saving](std::string const& text) {
-        saving.depth = depth_called(text);
-        if (!saving.depth) {
+    std::function<void(std::string const&)> const parse_depth = [&depth](std::string const& text) {
+        depth = depth_called(text);
+        if (!depth) {
             throw CLI::ValidationError("--depth", fmt::format("'{}' is not one of 8, 16, half, float", text));
         }
     };
@@ -29,6 +29,11 @@ void declare_saving(CLI::App& command, Saving& saving)
             "[8, 16, half, float; default 8 where the format has it]")
         ->type_name("DEPTH")
         ->group(kSaving);
+}
+
+void declare_saving(CLI::App& command, Saving& saving)
+{
+    declare_depth(command, saving.depth);
     std::function<void(std::string const&)> const parse_rounding = [&saving](std::string const& text) {
         if (text != "cut" && text != "nearest") {
             throw CLI::ValidationError("--round", fmt::format("'{}' is neither cut nor nearest", text));
@@ -44,6 +49,12 @@ void declare_saving(CLI::App& command, Saving& saving)
         ->group(kSaving);
     command.add_flag("--dither", saving.dither, "Hide the steps of 8 bits with noise, the same in every run")
         ->group(kSaving);
+}
+
+Saving with_depth(Saving saving, std::optional<umbrixlib::SampleType> depth)
+{
+    saving.depth = saving.depth ? saving.depth : depth;
+    return saving;
 }
 
 } // namespace umbrix_cli

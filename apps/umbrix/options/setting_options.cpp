@@ -43,6 +43,7 @@ public:
     void operator()(Modes Settings::*) const { parse_choice(); }
     void operator()(std::optional<Kind> Settings::*) const { parse_choice(); }
     void operator()(NormalY Settings::*) const { parse_choice(); }
+    void operator()(std::optional<umbrixlib::SampleType> Settings::*) const { parse_choice(); }
 
 private:
     std::string option() const { return fmt::format("--{}", row_.name); }

@@ -76,6 +76,7 @@ ListAddCommand::NewJob ListAddCommand::job_for(std::string const& source, Interr
 void ListAddCommand::run(Interrupts const& interrupts)
 {
     check_map_usage(options_.settings, "");
+    options_.say_what_is_left_out(kListAddCommand);
     ListLock const lock = lock_list(file_, kListAddCommand, interrupts);
     umbrix_list list;
     std::error_code error;

@@ -42,6 +42,40 @@ void demand_all_of_a_folder(fs::path const& folder, Settings const& settings, st
     }
 }
 
+/// An option of other commands that no field of a job holds.
+struct Foreign {
+    char const* name;
+    bool is_flag;
+    bool saves; ///< It is about the result, and not about the heights.
+};
+
+constexpr Foreign kForeign[] = {
+    {"--depth", false, true},        {"--round", false, true},         {"--dither", true, true},
+    {"--invert", true, false},       {"--height-range", false, false}, {"--replace-invalid", false, false},
+    {"--height-from", false, false},
+};
+
+/// Has @p command refuse the option in a sentence, where the parser would only not know it.
+void refuse(CLI::App& command, Foreign const& foreign)
+{
+    if (CLI::Option* const declared = command.get_option_no_throw(foreign.name)) {
+        command.remove_option(declared);
+    }
+    std::function<void()> const complain = [foreign] {
+        throw UsageError(foreign.name,
+                         foreign.saves ? "a job of a list does not hold how its map is saved"
+                                       : "a job of a list does not hold how its heights are read",
+                         foreign.saves
+                             ? "give it to umbrix list run"
+                             : "umbrix list run takes them as they are, and umbrix convert changes them");
+    };
+    CLI::Option* const option = foreign.is_flag
+                                    ? command.add_flag_callback(foreign.name, complain)
+                                    : command.add_option_function<std::string>(
+                                          foreign.name, [complain](std::string const&) { complain(); });
+    option->group(""); // not in the help
+}
+
 } // namespace
 
 void JobOptions::declare(CLI::App& command)
@@ -60,6 +94,19 @@ void JobOptions::declare(CLI::App& command)
         ->type_name("STACK")
         ->group(kSource);
     declare_options(command, settings, kForMap);
+    for (Foreign const& each : kForeign) {
+        refuse(command, each);
+    }
+}
+
+void JobOptions::say_what_is_left_out(std::string const& caller) const
+{
+    if (settings.save_depth) {
+        say_note(caller,
+                 fmt::format("a job does not hold the save_depth of the preset; umbrix list run --depth {} "
+                             "saves so",
+                             name_of(*settings.save_depth)));
+    }
 }
 
 bool JobOptions::is_given(char const* option) const

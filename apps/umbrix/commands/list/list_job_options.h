@@ -27,6 +27,9 @@ struct JobOptions {
 
     std::optional<Kind> kind() const;
 
+    /// Tells what a preset has that a job does not hold.
+    void say_what_is_left_out(std::string const& caller) const;
+
 private:
     CLI::App* command_ = nullptr;
     std::optional<Kind> kind_;

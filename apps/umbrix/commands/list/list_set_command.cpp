@@ -96,6 +96,7 @@ void ListSetCommand::run(Interrupts const& interrupts)
     if (options_.given().empty() && !options_.is_given("search") && options_.layers.empty() && !no_layers_) {
         throw UsageError("INDEX", "nothing is told to be changed", "name an option");
     }
+    options_.say_what_is_left_out(kListSetCommand);
     ListLock const lock = lock_list(file_, kListSetCommand, interrupts);
     umbrix_list list;
     read_list(file_, list);
