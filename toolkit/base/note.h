@@ -14,7 +14,9 @@ enum class NoteKind {
     /// A graphics device takes heights otherwise than the CPU does, and no match is asked for.
     kGraphicsHeights,
     /// A map that is made from layers has nothing of this layer's normals.
-    kNormalsLeftOut
+    kNormalsLeftOut,
+    /// Heights of more than 8 bits are saved in 8.
+    kHeightsNarrowed
 };
 
 /// Something about a file that the user ought to know, and that does not end the work.

@@ -71,6 +71,17 @@ void check_relief_size(Settings const& settings, std::string const& name, int wi
     }
 }
 
+void note_narrowed_heights(SampleType read, SavedAs const& as, std::string const& name, Observer& observer)
+{
+    if (read != SampleType::kUint8 && as.depth == SampleType::kUint8) {
+        observer.note(name, {fmt::format("its heights are read in {} and written in 8 bits",
+                                         read == SampleType::kUint16 ? "16 bits"
+                                         : read == SampleType::kHalf ? "halves"
+                                                                     : "floats"),
+                             NoteKind::kHeightsNarrowed});
+    }
+}
+
 Picture make_umbrix_map(Picture const& source, std::string const& name, umbrix_options options,
                         SavedAs const& as, Observer& observer, LinkedList<n_layer>* layers, NLayers* stack,
                         Graphics const& graphics)

@@ -15,6 +15,9 @@ namespace umbrixlib::toolkit {
 /// @param name What messages call the picture.
 void check_relief_size(Settings const& settings, std::string const& name, int width, int height);
 
+/// Notes that heights are narrowed, if samples of type @p read are saved as bytes.
+void note_narrowed_heights(SampleType read, SavedAs const& as, std::string const& name, Observer& observer);
+
 /// Has the library make the Umbrix map of @p source, of any sample type, which with `blend_height` needs no
 /// samples. The map has an alpha if the source has one. If @p options keep the buffers, the alpha has the
 /// heights as they were read.

@@ -133,6 +133,9 @@ MapReport run(MapJob const& job, Observer& observer)
     if (job.graphics.device) {
         report.device = open_device(job.graphics, files.input, observer);
     }
+    if (job.settings.height_in_alpha) {
+        note_narrowed_heights(input.picture.type, as, files.input, observer);
+    }
     observer.begin(Phase::kMaking, files.input);
     Picture const map = make_map(job, input.picture, options, as, report, observer);
     note_lost_light(map, files.input, {input.picture, job.settings, kind, false, job.graphics}, observer);

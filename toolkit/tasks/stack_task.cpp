@@ -267,6 +267,18 @@ Picture make_map(StackJob const& job, ReadyStack const& stack, Blended const& bl
     return map;
 }
 
+/// Type of the samples that hold the most, among the layers of heights.
+SampleType deepest_heights(ReadyStack const& stack)
+{
+    SampleType deepest = SampleType::kUint8;
+    for (ReadyLayer const& layer : stack.layers) {
+        if (!layer.description->is_normal_map) {
+            deepest = std::max(deepest, layer.picture.type);
+        }
+    }
+    return deepest;
+}
+
 void write_output(Output const& output, Picture const& picture, Observer& observer)
 {
     write_picture(output.file, *output_format(output.file), output.name, picture, observer);
@@ -290,9 +302,9 @@ StackReport run(StackJob const& job, Observer& observer)
                                saved_as(job.normals, PictureKind::kNormals)),
                  observer);
     if (!job.heights.file.empty()) {
-        write_output(job.heights,
-                     saved_heights(blended.heights.data(), stack.width, stack.height,
-                                   saved_as(job.heights, PictureKind::kHeights)),
+        SavedAs const as = saved_as(job.heights, PictureKind::kHeights);
+        note_narrowed_heights(deepest_heights(stack), as, job.file, observer);
+        write_output(job.heights, saved_heights(blended.heights.data(), stack.width, stack.height, as),
                      observer);
     }
     return {stack.width, stack.height, stack.layers.size()};

@@ -108,6 +108,8 @@ std::string_view words_for(NoteKind kind)
         return "{}; --match-cpu gives the relief of a run without --gpu";
     case NoteKind::kNormalsLeftOut:
         return "--map-from-layers leaves the normals of this layer out of the map";
+    case NoteKind::kHeightsNarrowed:
+        return "{}; --depth 16 keeps them, where the format has it";
     case NoteKind::kPlain:
         break;
     }

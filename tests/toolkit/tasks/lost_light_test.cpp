@@ -11,18 +11,6 @@ namespace {
 
 using namespace toolkit;
 
-class Notes : public Observer {
-public:
-    void note(std::string const& /*file*/, Note const& note) override
-    {
-        if (!note.detail) {
-            texts.push_back(note.text);
-        }
-    }
-
-    std::vector<std::string> texts;
-};
-
 /// Shares of the samples that are black and of the texels that have one at 255.
 struct Shares {
     double black = 0;

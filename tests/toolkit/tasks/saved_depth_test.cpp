@@ -137,11 +137,7 @@ TEST_F(SavedDepth, AMapOfSixteenBitsNarrowsToTheMapOfEight)
 
 TEST_F(SavedDepth, NormalsInFloatsAreReadAsTheVectorsThatTheyAre)
 {
-    class : public Observer {
-    public:
-        void note(std::string const&, Note const& note) override { notes.push_back(note.text); }
-        std::vector<std::string> notes;
-    } told;
+    Notes told;
     NormalJob normals;
     normals.settings.n_scale = kStrength;
     MapJob map;
@@ -154,8 +150,8 @@ TEST_F(SavedDepth, NormalsInFloatsAreReadAsTheVectorsThatTheyAre)
         map.files.output.saving.depth = SampleType::kUint16;
         EXPECT_EQ(run(map, told).kind, Kind::kNormalMap) << name;
     }
-    EXPECT_NE(std::ranges::find(told.notes, "its normals go below 0 and are taken for -1 to 1"),
-              told.notes.end());
+    EXPECT_NE(std::ranges::find(told.texts, "its normals go below 0 and are taken for -1 to 1"),
+              told.texts.end());
     Picture const whole = picture("whole.png_map.png");
     Picture const vectors = picture("vectors.exr_map.png");
     ASSERT_EQ(whole.bytes.size(), vectors.bytes.size());
@@ -180,6 +176,54 @@ TEST_F(SavedDepth, HeightsOfAStackStayGreyAndStretched)
     EXPECT_EQ(heights.description(), "16-bit grey");
     EXPECT_EQ(heights.ranges().front().minimum, 0.0);
     EXPECT_EQ(heights.ranges().front().maximum, 65535.0);
+}
+
+std::string const kNarrowed = "its heights are read in 16 bits and written in 8 bits";
+
+TEST_F(SavedDepth, HeightsThatAMapNarrowsAreToldOnce)
+{
+    MapJob job;
+    job.kind = Kind::kHeightMap;
+    job.settings.rays = 8;
+    auto const times = [&](char const* input, bool in_alpha, std::optional<SampleType> depth) {
+        job.files = files(input, "map.png");
+        job.files.output.saving.depth = depth;
+        job.settings.height_in_alpha = in_alpha;
+        Notes told;
+        run(job, told);
+        return std::ranges::count(told.texts, kNarrowed);
+    };
+    EXPECT_EQ(times("heights.png", true, {}), 1);
+    EXPECT_EQ(times("heights.png", true, SampleType::kUint16), 0);
+    EXPECT_EQ(times("heights.png", false, {}), 0);
+    put_heights("bytes.png", kSide, 8, height_at);
+    EXPECT_EQ(times("bytes.png", true, {}), 0);
+}
+
+TEST_F(SavedDepth, HeightsThatAStackNarrowsAreToldOnce)
+{
+    put_heights("bytes.png", kSide, 8, height_at);
+    StackLayer lower;
+    lower.file = path("bytes.png");
+    StackLayer upper;
+    upper.file = path("heights.png");
+    StackJob job;
+    job.file = "stack.toml";
+    job.max_texels = kMostTexels;
+    auto const times = [&](std::vector<StackLayer> const& layers, bool heights,
+                           std::optional<SampleType> depth) {
+        job.description.layers = layers;
+        job.normals = {path("n.png"), "n.png"};
+        job.heights = {heights ? path("h.png") : "", "h.png", {depth}};
+        Notes told;
+        run(job, told);
+        return std::ranges::count(told.texts, kNarrowed);
+    };
+    EXPECT_EQ(times({lower, upper}, true, {}), 1);
+    EXPECT_EQ(times({upper, upper}, true, {}), 1);
+    EXPECT_EQ(times({lower, upper}, true, SampleType::kUint16), 0);
+    EXPECT_EQ(times({lower, upper}, false, {}), 0);
+    EXPECT_EQ(times({lower, lower}, true, {}), 0);
 }
 
 } // namespace

@@ -17,6 +17,19 @@
 
 namespace umbrixlib::test {
 
+/// Keeps the notes that every user sees.
+class Notes : public toolkit::Observer {
+public:
+    void note(std::string const& /*file*/, toolkit::Note const& note) override
+    {
+        if (!note.detail) {
+            texts.push_back(note.text);
+        }
+    }
+
+    std::vector<std::string> texts;
+};
+
 class TaskTest : public testing::Test {
 protected:
     static constexpr double kMostTexels = 1 << 24;
