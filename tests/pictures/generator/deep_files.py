@@ -67,6 +67,8 @@ def add_hdr(corpus: Corpus) -> None:
         data = f"#?RADIANCE\n{head}FORMAT=32-bit_rle_rgbe\n\n{size}\n".encode() + b"".join(lines)
         corpus.take(f"hdr/{name}.hdr", data, "Radiance HDR", what, reference, maker, remark=remark)
 
+    unit = rgbe(floats(33, 21, 3))
+    take("unit", "values of 0 to 1", of_rgbe(unit), [newer_runs(row) for row in unit], "-Y 21 +X 33")
     texels = rgbe(floats(33, 21, 3, 0, 40))
     texels[4, 3:20] = texels[4, 3]
     texels[6, 2] = 0

@@ -192,7 +192,16 @@ def add_palette_with_alpha(take) -> None:
     colours, numbers = palette(16), whole(13, 7, 1, 15)
     before = chunk(b"PLTE", colours.tobytes()) + chunk(b"tRNS", bytes(range(0, 160, 10)))
     remark = "the alpha of a palette is left out: its colours count as they are"
-    take("palette4_alpha", "palette with alpha", colours[numbers[..., 0]], numbers, 4, PALETTE, before=before, remark=remark)
+    take(
+        "palette4_alpha",
+        "palette with alpha",
+        colours[numbers[..., 0]],
+        numbers,
+        4,
+        PALETTE,
+        before=before,
+        remark=remark,
+    )
 
 
 def add_of_programs(corpus: Corpus) -> None:
@@ -203,7 +212,7 @@ def add_of_programs(corpus: Corpus) -> None:
     out = io.BytesIO()
     Image.fromarray(grey16[..., 0]).save(out, "PNG")
     corpus.take("png/pillow_grey16.png", out.getvalue(), "PNG", "16-bit grey of Pillow", grey16, "Pillow")
-    corpus.run("convert", "rgba16.pam", "-interlace", "PNG", "im.png")
+    corpus.run("convert", "rgba16.pam", "-interlace", "PNG", "-define", "png:exclude-chunks=date,tIME", "im.png")
     corpus.take("png/magick_rgba16.png", corpus.made("im.png"), "PNG", "16-bit RGBA, interlaced", rgba16, "ImageMagick")
     corpus.run("ffmpeg", "-v", "error", "-y", "-i", "rgb16.ppm", "-pix_fmt", "rgb48be", "ff.png")
     corpus.take("png/ffmpeg_rgb16.png", corpus.made("ff.png"), "PNG", "16-bit RGB", rgb16, "ffmpeg")

@@ -118,6 +118,8 @@ def add_pfm(corpus: Corpus) -> None:
     for array, name in ((grey, "grey"), (rgb, "rgb")):
         take(f"{name}_little", f"{name}, low byte first", array, pfm(array, True))
         take(f"{name}_big", f"{name}, high byte first", array, pfm(array, False))
+    unit = floats(33, 21, 1)
+    take("unit", "grey of 0 to 1", unit, pfm(unit, True))
     take("scale", "a scale of 0.5", grey, pfm(grey, True, 0.5), remark="the scale changes no value")
     take("one_line", "header of one line", grey, pfm(grey, True, between=" "))
     odd = grey.copy()

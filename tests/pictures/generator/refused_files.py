@@ -3,6 +3,7 @@
 
 import io
 import struct
+import time
 
 from arrays import bytes_of
 from corpus import Corpus, netpbm
@@ -34,9 +35,13 @@ def add(corpus: Corpus) -> None:
     corpus.run("convert", "rgb.ppm", "im.xpm")
     refuse("magick.xpm", "an XPM picture", "ImageMagick", corpus.made("im.xpm"))
     refuse("own.svg", "an SVG drawing", "own", b'<?xml version="1.0"?>\n<svg xmlns="http://www.w3.org/2000/svg"/>\n')
-    for kind, name in (("PDF", "a PDF document"), ("EPS", "a PostScript drawing")):
+    no_date = time.gmtime(0)
+    for kind, name, options in (
+        ("PDF", "a PDF document", {"creationDate": no_date, "modDate": no_date}),
+        ("EPS", "a PostScript drawing", {}),
+    ):
         out = io.BytesIO()
-        Image.fromarray(rgb).save(out, kind)
+        Image.fromarray(rgb).save(out, kind, **options)
         refuse(f"pillow.{kind.lower()}", name, "Pillow", out.getvalue())
     refuse("netpbm.iff", "an IFF picture", "netpbm", corpus.run("ppmtoilbm", "-24force", "rgb.ppm"))
     refuse("own.ktx", "a KTX texture", "own", b"\xabKTX 11\xbb\r\n\x1a\n" + struct.pack("<I", 0x04030201) + bytes(100))

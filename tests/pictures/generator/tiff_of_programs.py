@@ -87,6 +87,15 @@ def add_float_predictor(corpus: Corpus) -> None:
     )
 
 
+def add_logarithms(corpus: Corpus) -> None:
+    """Logarithms of luminance: the high bytes of a row as they are, then the low ones."""
+    logs = whole(33, 21, 1, 2047)[..., 0] + 16384 - 1024
+    strip = b"".join(bytes([33]) + plane.astype(np.uint8).tobytes() for row in logs for plane in (row >> 8, row & 255))
+    data = tiff(logs[..., None], 16, 32844, compression=34676, sample_format=SIGNED, strip=strip)
+    luminance = np.exp2((logs + 0.5) / 256 - 64).astype(np.float32)
+    corpus.take("tiff/log_luminance.tif", data, "TIFF", "logarithms of luminance", luminance, tolerance=1e-5)
+
+
 def add_lossy(corpus: Corpus, rgb8: np.ndarray, rgb8_file: bytes) -> None:
     """What others than the toolkit read decides."""
     grey8_file = tiff(rgb8[..., :1], 8)
@@ -136,6 +145,13 @@ def add_of_programs(corpus: Corpus) -> None:
         )
         corpus.take(f"tiff/ffmpeg_{kind}.tif", corpus.made("ff.tif"), "TIFF", f"{kind}, PackBits", layout, "ffmpeg")
     colours = floats(33, 21, 3, -1, 4)
+    bright = floats(33, 21, 3, 0, 4)
+    data = cv2.imencode(".tif", bright[..., ::-1])[1].tobytes()
+    decoded = cv2.imdecode(np.frombuffer(data, np.uint8), cv2.IMREAD_UNCHANGED)[..., ::-1]
+    assert np.abs(decoded - bright).max() < 0.1
+    remark = "its colours are X, Y and Z with the white of D65, as OpenCV writes and reads them"
+    take = corpus.take
+    take("tiff/opencv_float.tif", data, "TIFF", "float RGB as LogLuv", decoded, "OpenCV", 2e-5, remark, "OpenCV")
     for mode, array in (
         ("I;16", grey[..., 0]),
         ("F", colours[..., 0]),
@@ -154,4 +170,5 @@ def add_of_programs(corpus: Corpus) -> None:
 def add(corpus: Corpus) -> None:
     add_compressions(corpus)
     add_float_predictor(corpus)
+    add_logarithms(corpus)
     add_of_programs(corpus)

@@ -80,6 +80,20 @@ Picture from_inks(Picture const& inks)
     return colours;
 }
 
+void make_rgb_of_xyz(Picture& picture)
+{
+    auto const samples = picture.samples<float>();
+    auto const step = static_cast<std::size_t>(picture.channels);
+    for (std::size_t i = 0; i < samples.size(); i += step) {
+        double const x = static_cast<double>(samples[i]);
+        double const y = static_cast<double>(samples[i + 1]);
+        double const z = static_cast<double>(samples[i + 2]);
+        samples[i] = static_cast<float>(3.240479 * x - 1.53715 * y - 0.498535 * z);
+        samples[i + 1] = static_cast<float>(-0.969256 * x + 1.875991 * y + 0.041556 * z);
+        samples[i + 2] = static_cast<float>(0.055648 * x - 0.204043 * y + 1.057311 * z);
+    }
+}
+
 Picture divided_by_alpha(Picture&& picture)
 {
     if (picture.type == SampleType::kHalf) {

@@ -13,6 +13,9 @@ namespace umbrixlib::toolkit {
 /// what neither its ink nor black takes away. 0 is no ink. A fifth channel stays, as alpha.
 Picture from_inks(Picture const& inks);
 
+/// X, Y and Z of the CIE, in floats, become linear red, green and blue of Rec. 709 with the white of D65.
+void make_rgb_of_xyz(Picture& picture);
+
 /// Colours that were multiplied with their alpha as they were before. Those of no alpha stay; halves become
 /// floats.
 Picture divided_by_alpha(Picture&& picture);

@@ -29,6 +29,8 @@ public:
             picture = in_palette_colours(picture);
         } else if (form_.photometric == PHOTOMETRIC_SEPARATED) {
             picture = from_inks(picture);
+        } else if (form_.is_xyz) {
+            make_rgb_of_xyz(picture);
         }
         if (form_.divide_by_alpha) {
             picture = divided_by_alpha(std::move(picture));

@@ -102,6 +102,9 @@ private:
         bool const grey = form_.samples_per_texel < 3;
         std::uint16_t const usual = grey ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB;
         form_.photometric = file_.number<std::uint16_t>(TIFFTAG_PHOTOMETRIC, usual);
+        if (has_logarithms()) {
+            TIFFSetField(file_.get(), TIFFTAG_SGILOGDATAFMT, SGILOGDATAFMT_FLOAT);
+        }
         form_.samples.bits = file_.defaulted(TIFFTAG_BITSPERSAMPLE);
         if (form_.photometric == PHOTOMETRIC_YCBCR || form_.compression == COMPRESSION_OJPEG) {
             choose_way_to_rgb();
@@ -114,6 +117,12 @@ private:
         double const row =
             std::ceil(static_cast<double>(form_.width) * form_.samples_per_texel * form_.samples.bits / 8);
         source_.check_length(row * form_.height / most_packing(form_.compression));
+    }
+
+    /// libtiff makes floats of them.
+    bool has_logarithms() const
+    {
+        return form_.compression == COMPRESSION_SGILOG || form_.compression == COMPRESSION_SGILOG24;
     }
 
     /// Luminance and colour differences become red, green and blue in the decoder of JPEG, or in libtiff's
@@ -191,8 +200,19 @@ private:
             }
             form_.notes.emplace_back("its CMYK inks became RGB without their colour profile");
             break;
+        case PHOTOMETRIC_LOGL:
+        case PHOTOMETRIC_LOGLUV:
+            if (has_logarithms()) {
+                form_.is_xyz = form_.photometric == PHOTOMETRIC_LOGLUV;
+                colours = form_.is_xyz ? 3 : 1;
+                break;
+            }
+            [[fallthrough]];
         default:
             refuse(fmt::format("of {} colours", name_of_colours(form_.photometric)), "save it as RGB");
+        }
+        if (form_.is_xyz) {
+            form_.notes.emplace_back("its LogLuv colours became linear RGB");
         }
         if (form_.samples_per_texel < colours) {
             source_.refuse_as_damaged();

@@ -20,6 +20,7 @@ struct TiffForm {
     TiffSamples samples;
     bool planar = false;          ///< Each channel is in strips or tiles of its own.
     bool by_rgba = false;         ///< libtiff is to make RGB of it; all below is empty then.
+    bool is_xyz = false;          ///< The colours are X, Y and Z of the CIE, and not red, green and blue.
     bool divide_by_alpha = false; ///< Once the channels are read.
     std::vector<unsigned> taken;  ///< The samples of a texel that become channels.
     std::vector<std::string> notes;
