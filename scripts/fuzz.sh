@@ -17,12 +17,26 @@ export OMP_WAIT_POLICY=${OMP_WAIT_POLICY-passive} # a thread that spins takes th
 export findings=build/fuzz/findings
 mkdir -p "$findings"
 
+# The pictures of all formats are seeds, each behind the byte that chooses its name.
+pictures=build/fuzz/seeds/picture_fuzz
+rm -rf "$pictures"
+mkdir -p "$pictures"
+for file in tests/pictures/files/*/*; do
+    case $file in
+        *.tga) ending=1 ;; *.r16) ending=2 ;; *.r32) ending=3 ;; *.pix) ending=4 ;; *.dib) ending=5 ;; *.cur) ending=6 ;;
+        *) ending=0 ;;
+    esac
+    { printf "%b" "\\x$ending" && cat "$file"; } > "$pictures/$(basename "$(dirname "$file")")_$(basename "$file")"
+done
+
 run_target() {
     name=$(basename "$1")
     corpus=build/fuzz/corpus/$name
+    seeds=tests/fuzz/seeds/$name
+    [ -d "$seeds" ] || seeds=build/fuzz/seeds/$name
     mkdir -p "$corpus"
     if "$1" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=1024 -print_final_stats=1 \
-        -artifact_prefix="$findings/$name-" "$corpus" "tests/fuzz/seeds/$name" > "$findings/$name.log" 2>&1; then
+        -artifact_prefix="$findings/$name-" "$corpus" "$seeds" > "$findings/$name.log" 2>&1; then
         echo "$name: $(grep -o 'number_of_executed_units: .*' "$findings/$name.log"), no finding"
     else
         tail -n 60 "$findings/$name.log"
