@@ -208,6 +208,62 @@ TEST_F(StackCommand, SavesAtTheDepthOfTheStackFile)
     EXPECT_EQ(depth_of("n.png"), 8);
 }
 
+TEST_F(StackCommand, WritesHeightsWithoutAHeader)
+{
+    write_stack(kHill);
+    Arguments const start{"stack", "s.toml", "-o", "n.tga", "--overwrite", "--progress", "none", "--height"};
+    auto const with = [&](Arguments const& more) {
+        Arguments words = start;
+        words.insert(words.end(), more.begin(), more.end());
+        return run(words);
+    };
+    ASSERT_EQ(with({"h.r16"}).code, 0);
+    ASSERT_EQ(with({"h.png", "--depth", "16"}).code, 1); // of the normals in TGA
+    ASSERT_EQ(with({"h.R32"}).code, 0);
+    Bytes const whole = read("h.r16");
+    EXPECT_EQ(whole.size(), kSide * kSide * 2U);
+    EXPECT_EQ(read("h.R32").size(), kSide * kSide * 4U);
+    // The hill, stretched to the full range: white in its middle, black in a corner.
+    std::size_t const middle = (kSide / 2 - 1) * kSide + kSide / 2;
+    EXPECT_EQ(whole[2 * middle] + 256 * whole[2 * middle + 1], 65535);
+    EXPECT_LT(*std::min_element(whole.begin() + 1, whole.end()), 8);
+    // It is taken for the same heights again.
+    EXPECT_EQ(run({"normal", "h.r16"}).code, 0);
+    EXPECT_EQ(run({"info", "h_Normal.png"}).code, 0);
+
+    std::set<std::string> const before = files();
+    for (auto const& [words, what] : std::vector<std::pair<Arguments, std::string>>{
+             {{"normal", "hill.tga", "-o", "x.r16"},
+              "x.r16: .r16 files hold heights alone, in one channel; give a name ending in .png"},
+             {{"map", "hill.tga", "-o", "x.r32"},
+              "x.r32: .r32 files hold heights alone, in one channel; give a name ending in .png"},
+             {{"relight", "hill.tga", "-o", "x.r16"},
+              "x.r16: .r16 files hold heights alone, in one channel; give a name ending in .png"},
+             {{"stack", "s.toml", "-o", "x.r16"},
+              "x.r16: .r16 files hold heights alone, in one channel; give a name ending in .png"},
+             {{"stack", "s.toml", "-o", "x.png", "--height", "x.r16", "--depth", "8"},
+              "x.r16: .r16 files have no samples of depth 8; give --depth 16, or a name of another "
+              "format"}}) {
+        Outcome const outcome = run(words);
+        EXPECT_EQ(outcome.code, 1) << what;
+        EXPECT_NE(outcome.err.find("umbrix " + words[0] + ": error: " + what + "\n"), std::string::npos)
+            << outcome.err;
+    }
+    write("wide.tga", height_map(16, 8, [](int x, int y) { return x + y; }));
+    write_stack("[[layer]]\nfile = 'wide.tga'\n", "w.toml");
+    Outcome const wide = run({"stack", "w.toml", "-o", "x.png", "--height", "x.r16"});
+    EXPECT_EQ(wide.code, 1);
+    EXPECT_NE(
+        wide.err.find("x.r16: .r16 files tell no size, so they hold squares, and not 16 x 8; give a name "
+                      "ending in .png\n"),
+        std::string::npos)
+        << wide.err;
+    std::set<std::string> after = files();
+    after.erase("wide.tga");
+    after.erase("w.toml");
+    EXPECT_EQ(after, before);
+}
+
 TEST_F(StackCommand, CountsFileNamesFromTheStackFile)
 {
     std::filesystem::create_directory(folder() / "sub");

@@ -36,6 +36,7 @@ enum class Fault {
     kDepthNotInFormat,  ///< The format of an output has no samples of the depth. The remedy names those it
                         ///< has.
     kSizeOutsideFormat, ///< The format of an output does not take pictures of this size.
+    kHeightsOnly,       ///< The format of an output holds heights alone, and this is another picture.
     kNotReadBack,       ///< A picture that was written does not read back as it should.
 
     // Settings and the files that describe them.

@@ -50,6 +50,11 @@ void check_size(OutputFormat const& format, std::string const& name, int width, 
         throw Failure(Fault::kSizeOutsideFormat, name,
                       fmt::format("{} files end at {} texels a side", format.extension, format.longest_side));
     }
+    if (format.heights_only && width != height) {
+        throw Failure(Fault::kSizeOutsideFormat, name,
+                      fmt::format("{} files tell no size, so they hold squares, and not {} x {}",
+                                  format.extension, width, height));
+    }
     if (format.powers_of_two && !(is_power_of_two(width) && is_power_of_two(height))) {
         throw Failure(Fault::kSizeOutsideFormat, name,
                       fmt::format("{} files have sides of powers of two, not {} x {}", format.extension,
@@ -61,6 +66,9 @@ void write_picture(std::filesystem::path const& file, OutputFormat const& format
                    Picture const& picture, Observer& observer)
 {
     check_size(format, name, picture.width, picture.height);
+    if (format.heights_only && picture.channels > 2) {
+        throw no_heights(format, name);
+    }
     Picture const stored = picture.has_alpha() && !format.alpha ? without_alpha(picture) : picture;
     observer.begin(Phase::kWriting, name);
     bool const saved = format.encoder->encode(file, stored) && flush_to_disk(file);

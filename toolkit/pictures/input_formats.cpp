@@ -13,9 +13,9 @@ namespace umbrixlib::toolkit {
 namespace {
 
 // Those that are read, but not written.
-constexpr std::string_view kReadOnly[] = {".cur", ".dcx", ".dib", ".exr", ".fit", ".fits", ".gif", ".icb",
-                                          ".ico", ".pam", ".pdd", ".pfm", ".pic", ".pix",  ".pnm", ".psb",
-                                          ".r16", ".r32", ".ras", ".sun", ".vda", ".vst",  ".webp"};
+constexpr std::string_view kReadOnly[] = {".cur", ".dcx", ".dib", ".fit", ".fits", ".gif", ".icb",
+                                          ".ico", ".pam", ".pdd", ".pic", ".pix",  ".pnm", ".psb",
+                                          ".ras", ".sun", ".vda", ".vst", ".webp"};
 
 bool is_among(std::span<std::string_view const> all, std::string const& extension)
 {

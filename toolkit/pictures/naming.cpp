@@ -137,7 +137,8 @@ fs::path default_output(fs::path const& input, std::string const& suffix)
         }
     }
     OutputFormat const* const format = output_format(input);
-    bool const keeps = format != nullptr && format->lossless && !format->powers_of_two;
+    bool const keeps =
+        format != nullptr && format->lossless && !format->powers_of_two && !format->heights_only;
     return input.parent_path() / (stem + suffix + (keeps ? input.extension().string() : ".png"));
 }
 

@@ -35,7 +35,7 @@ std::vector<OutputFormat> make_formats()
     constexpr unsigned kMost = bits_of({kUint8, kUint16, kFloat});
     constexpr unsigned kFloats = bits_of({kFloat});
     // The fields in their order: extension, lossless, alpha, powers_of_two, longest_side,
-    // warning, encoder, depths.
+    // warning, encoder, depths, heights_only.
     return {
         {".png", true, true, false, kSide, "", &png_encoder(), kWhole},
         {".tga", true, true, false, kSide, "", &tga_encoder(), kBytes},
@@ -53,6 +53,8 @@ std::vector<OutputFormat> make_formats()
         {".pgm", true, false, false, kSide, "", &ppm_encoder(), kWhole},
         {".pbm", true, false, false, kSide, "", &ppm_encoder(), kWhole},
         {".pfm", true, false, false, kSide, "", &pfm_encoder(), kFloats},
+        {".r16", true, false, false, kSide, "", &raw_encoder(), bits_of({kUint16}), true},
+        {".r32", true, false, false, kSide, "", &raw_encoder(), kFloats, true},
         {".vtf", true, true, true, 32768, "", &vtf_encoder(), kBytes},
         {".jpg", false, false, false, kJpegSide, kJpeg, &jpeg_encoder(), kBytes},
         {".jpe", false, false, false, kJpegSide, kJpeg, &jpeg_encoder(), kBytes},
@@ -79,6 +81,12 @@ OutputFormat const* output_format(std::filesystem::path const& file)
         }
     }
     return nullptr;
+}
+
+Failure no_heights(OutputFormat const& format, std::string const& name)
+{
+    return {Fault::kHeightsOnly, name,
+            fmt::format("{} files hold heights alone, in one channel", format.extension)};
 }
 
 std::string output_extensions()

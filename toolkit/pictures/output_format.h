@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/base/failure.h"
 #include "toolkit/pictures/picture.h"
 
 #include <filesystem>
@@ -20,6 +21,8 @@ struct OutputFormat {
     char const* warning;    ///< Told with every picture written; "" if there is nothing to tell.
     Encoder const* encoder; ///< What writes it.
     unsigned depths;        ///< Types of the samples that it holds, a bit each.
+    /// Nothing but heights of a square, in one channel and without a header.
+    bool heights_only = false;
 
     static constexpr unsigned bit_of(SampleType depth) { return 1U << static_cast<unsigned>(depth); }
     bool holds(SampleType depth) const { return (depths & bit_of(depth)) != 0; }
@@ -27,6 +30,9 @@ struct OutputFormat {
 
 /// The format of @p file by its extension in any letter case, or null if pictures cannot be written so.
 OutputFormat const* output_format(std::filesystem::path const& file);
+
+/// About an output @p name that would hold something else than the heights which @p format takes.
+Failure no_heights(OutputFormat const& format, std::string const& name);
 
 /// The extensions of all formats, for messages.
 std::string output_extensions();

@@ -80,6 +80,9 @@ void to_whole(Picture const& floats, SavedAs const& as, Picture& result)
 
 SavedAs saved_as(Saving const& saving, OutputFormat const& format, PictureKind kind, std::string const& name)
 {
+    if (format.heights_only && (kind == PictureKind::kNormals || kind == PictureKind::kLight)) {
+        throw no_heights(format, name);
+    }
     SampleType const depth = saving.depth.value_or(usual_depth(format, kind));
     if (!format.holds(depth)) {
         throw Failure(Fault::kDepthNotInFormat, name,

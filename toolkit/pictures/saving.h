@@ -40,7 +40,7 @@ struct SavedAs {
 };
 
 /// What @p saving means for a picture of @p kind in @p format. A Failure about @p name if the format has no
-/// such samples.
+/// such samples, or no place for the kind.
 SavedAs saved_as(Saving const& saving, OutputFormat const& format, PictureKind kind, std::string const& name);
 
 /// @p floats, the picture of a known kind, in the samples that are saved. Whole numbers stand for 0 to 1, of

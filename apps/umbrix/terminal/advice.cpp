@@ -37,6 +37,7 @@ constexpr Advice kAdvice[] = {
     {Fault::kNoAlphaInFormat, "give a name ending in .png, or leave --height-in-alpha out", kWrongUsage},
     {Fault::kDepthNotInFormat, "give --depth {}, or a name of another format"},
     {Fault::kSizeOutsideFormat, "give a name ending in .png"},
+    {Fault::kHeightsOnly, "give a name ending in .png"},
     {Fault::kNotReadBack, "check the disk and the limits on memory, or choose another folder or format"},
 
     {Fault::kWrongValue, "{}"},

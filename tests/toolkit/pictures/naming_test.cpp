@@ -34,6 +34,7 @@ TEST(Naming, TakesPngWhereTheFormatOfTheInputWouldLoseSomething)
     EXPECT_EQ(default_output("brick.vtf", "_Umbrix"), "brick_Umbrix.png"); // sides of powers of two
     EXPECT_EQ(default_output("brick.gif", "_Umbrix"), "brick_Umbrix.png"); // is not written at all
     EXPECT_EQ(default_output("brick.bmp", "_Umbrix"), "brick_Umbrix.bmp");
+    EXPECT_EQ(default_output("land.r16", "_Umbrix"), "land_Umbrix.png"); // holds heights alone
 }
 
 void expect_hint(char const* name, Kind kind, char const* word)

@@ -63,11 +63,9 @@ void refuse(CLI::App& command, Foreign const& foreign)
     }
     std::function<void()> const complain = [foreign] {
         throw UsageError(foreign.name,
-                         foreign.saves ? "a job of a list does not hold how its map is saved"
-                                       : "a job of a list does not hold how its heights are read",
-                         foreign.saves
-                             ? "give it to umbrix list run"
-                             : "umbrix list run takes them as they are, and umbrix convert changes them");
+                         fmt::format("a job of a list does not hold how its {}",
+                                     foreign.saves ? "map is saved" : "heights are read"),
+                         "give it to umbrix list run");
     };
     CLI::Option* const option = foreign.is_flag
                                     ? command.add_flag_callback(foreign.name, complain)
