@@ -20,6 +20,7 @@ MODULES = sys.argv[1:] or [
     "png_files",
     "tiff_files",
     "tiff_of_programs",
+    "tiff_by_libtiff",
     "exr_files",
     "tga_files",
     "bmp_files",

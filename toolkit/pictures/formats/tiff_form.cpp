@@ -36,6 +36,8 @@ std::string name_of_compression(std::uint16_t compression)
     case COMPRESSION_T85:
     case COMPRESSION_T43:
         return "JBIG";
+    case COMPRESSION_CCITTRLEW:
+        return "CCITT RLE/W";
     case COMPRESSION_JP2000:
         return "JPEG 2000";
     case COMPRESSION_JXL:
@@ -92,7 +94,9 @@ private:
     void read_form()
     {
         form_.compression = file_.defaulted(TIFFTAG_COMPRESSION);
-        if (TIFFIsCODECConfigured(form_.compression) == 0) {
+        // libtiff takes the bytes that fill rows up to words for codes.
+        bool const is_broken = form_.compression == COMPRESSION_CCITTRLEW;
+        if (is_broken || TIFFIsCODECConfigured(form_.compression) == 0) {
             refuse(fmt::format("compressed with {}", name_of_compression(form_.compression)),
                    "save it with Deflate or without compression");
         }
