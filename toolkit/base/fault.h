@@ -64,6 +64,7 @@ enum class Fault {
     kNoDevice,          ///< There is no graphics device at all.
     kNoSuchDevice,      ///< There is no graphics device of that number.
     kSizesDiffer,       ///< Two pictures that belong together differ in size.
+    kNoMap,             ///< A picture that should be an Umbrix map tells that it is something else.
     kTooSmallForRelief, ///< A picture is too small to have a relief.
     kTooFewThreads,     ///< OpenMP gives fewer threads than it should.
     kNotWorkedOn,       ///< The library could not work on a picture.

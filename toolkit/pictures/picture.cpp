@@ -34,15 +34,22 @@ constexpr float one_of(float)
 
 Picture make_picture(int width, int height, int channels, SampleType type)
 {
-    Picture picture{width, height, channels, {}, type, PictureKind::kUnknown};
+    Picture picture{width, height, channels, {}, type, PictureKind::kUnknown, {}};
     picture.bytes.resize(picture.texels() * static_cast<std::size_t>(channels) * sample_size(type));
     return picture;
 }
 
+Picture make_alike(Picture const& source, int channels, SampleType type)
+{
+    Picture result = make_picture(source.width, source.height, channels, type);
+    result.kind = source.kind;
+    result.attributes = source.attributes;
+    return result;
+}
+
 Picture without_alpha(Picture const& source)
 {
-    Picture result = make_picture(source.width, source.height, source.channels - 1, source.type);
-    result.kind = source.kind;
+    Picture result = make_alike(source, source.channels - 1, source.type);
     std::size_t const from = static_cast<std::size_t>(source.channels) * sample_size(source.type);
     std::size_t const to = static_cast<std::size_t>(result.channels) * sample_size(source.type);
     for (std::size_t i = 0; i < source.texels(); ++i) {
@@ -69,8 +76,7 @@ Picture in_colour(Picture const& source, bool with_alpha)
     if (source.channels == channels) {
         return source;
     }
-    Picture result = make_picture(source.width, source.height, channels, source.type);
-    result.kind = source.kind;
+    Picture result = make_alike(source, channels, source.type);
     with_samples(source, [&]<typename Sample>(std::span<Sample const> from) {
         auto const step = static_cast<std::size_t>(source.channels);
         std::size_t const next_colour = step < 3 ? 0 : 1;
@@ -89,8 +95,7 @@ Picture in_colour(Picture const& source, bool with_alpha)
 
 Picture in_floats(Picture const& source)
 {
-    Picture result = make_picture(source.width, source.height, source.channels, SampleType::kFloat);
-    result.kind = source.kind;
+    Picture result = make_alike(source, source.channels, SampleType::kFloat);
     double const full = full_scale(source.type);
     with_samples(source, [&](auto samples) {
         std::transform(samples.begin(), samples.end(), result.samples<float>().begin(),

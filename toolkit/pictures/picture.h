@@ -2,6 +2,7 @@
 #pragma once
 
 #include "foundation/picture_view.h"
+#include "toolkit/pictures/formats/attributes.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -39,6 +40,7 @@ struct Picture {
     std::vector<std::uint8_t> bytes; ///< Of the samples, in the machine's order.
     SampleType type = SampleType::kUint8;
     PictureKind kind = PictureKind::kUnknown;
+    Attributes attributes{}; ///< What it tells of how it was made; results of other pictures have their own.
 
     std::size_t texels() const { return static_cast<std::size_t>(width) * static_cast<std::size_t>(height); }
     bool has_alpha() const { return channels % 2 == 0; }
@@ -68,6 +70,9 @@ struct Picture {
 
 /// A picture of zeros.
 Picture make_picture(int width, int height, int channels, SampleType type = SampleType::kUint8);
+
+/// A picture of zeros of the same size, kind and attributes.
+Picture make_alike(Picture const& source, int channels, SampleType type);
 
 /// @p source without its alpha.
 Picture without_alpha(Picture const& source);

@@ -97,8 +97,7 @@ Picture in_samples(Picture const& floats, SavedAs const& as)
     if (as.depth == SampleType::kFloat) {
         return floats;
     }
-    Picture result = make_picture(floats.width, floats.height, floats.channels, as.depth);
-    result.kind = floats.kind;
+    Picture result = make_alike(floats, floats.channels, as.depth);
     switch (as.depth) {
     case SampleType::kUint8:
         to_whole<std::uint8_t>(floats, as, result);

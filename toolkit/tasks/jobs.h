@@ -71,8 +71,10 @@ struct RelightJob {
     JobFiles files;
     Light light{};
     Relighting look{};
-    int directions = 0; ///< Of a contact sheet; 0: one picture.
-    int cell = 0;       ///< Longest side of a picture of a contact sheet, in texels.
+    bool mode_is_given = false; ///< Else the mode that the map itself tells is taken, if it tells one.
+    bool force = false;         ///< Take a picture that tells that it is no map, too.
+    int directions = 0;         ///< Of a contact sheet; 0: one picture.
+    int cell = 0;               ///< Longest side of a picture of a contact sheet, in texels.
 
     bool operator==(RelightJob const&) const = default;
 };

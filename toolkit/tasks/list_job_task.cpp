@@ -3,6 +3,7 @@
 #include "toolkit/pictures/encode.h"
 #include "toolkit/tasks/graphics_run.h"
 #include "toolkit/tasks/map_picture.h"
+#include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/tasks.h"
 
@@ -54,9 +55,10 @@ ListReport run(ListJob const& job, Observer& observer)
     }
     observer.begin(Phase::kMaking, files.input);
     bool const has_layers = layers.count > 0;
-    Picture const map =
+    Picture map =
         make_umbrix_map(input.picture, files.input, options_of_job(job.data, input.width), as, observer,
                         has_layers ? &layers : nullptr, has_layers ? &stack : nullptr, job.graphics);
+    map.attributes = attributes_of_map("list", settings);
     write_picture(files.output.file, format, files.output.name, map, observer);
     return {map.width, map.height, kind_of(job.data)};
 }

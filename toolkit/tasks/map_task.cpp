@@ -5,6 +5,7 @@
 #include "toolkit/tasks/graphics_run.h"
 #include "toolkit/tasks/lost_light.h"
 #include "toolkit/tasks/map_picture.h"
+#include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/tasks.h"
 
@@ -137,8 +138,9 @@ MapReport run(MapJob const& job, Observer& observer)
         note_narrowed_heights(input.picture.type, as, files.input, observer);
     }
     observer.begin(Phase::kMaking, files.input);
-    Picture const map = make_map(job, input.picture, options, as, report, observer);
+    Picture map = make_map(job, input.picture, options, as, report, observer);
     note_lost_light(map, files.input, {input.picture, job.settings, kind, false, job.graphics}, observer);
+    map.attributes = attributes_of_map("map", job.settings);
     write_picture(files.output.file, format, files.output.name, map, observer);
     return report;
 }

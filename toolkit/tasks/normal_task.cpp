@@ -2,6 +2,7 @@
 #include "toolkit/pictures/encode.h"
 #include "toolkit/tasks/library_run.h"
 #include "toolkit/tasks/methods/saved_picture.h"
+#include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/tasks.h"
 
@@ -69,7 +70,9 @@ NormalReport run(NormalJob const& job, Observer& observer)
     observer.begin(Phase::kMaking, files.input);
     float const n_scale = n_scale_of(job.settings, input.width);
     NormalsResult const made = make_normals(job, input.picture, n_scale, observer);
-    write_picture(files.output.file, format, files.output.name, save(made, job.normal_y, as), observer);
+    Picture normals = save(made, job.normal_y, as);
+    normals.attributes = attributes_of_normals("normal", job.normal_y, as.depth);
+    write_picture(files.output.file, format, files.output.name, normals, observer);
     return {input.width, input.height, n_scale};
 }
 

@@ -27,9 +27,16 @@ void note_conversion(DecodedImage const& image, Source const& source, Observer& 
 
 void take_for_normals(PreparedInput& input, std::string const& name, Observer& observer)
 {
-    if (has_vectors(input.picture)) {
+    SampleType const type = input.picture.type;
+    if (type != SampleType::kHalf && type != SampleType::kFloat) {
+        return;
+    }
+    std::string const coding = value_of(input.picture.attributes, "coding");
+    bool const told = coding == "-1..1" || coding == "0..1";
+    if (told ? coding == "-1..1" : has_vectors(input.picture)) {
         input.picture = encoded_vectors(input.picture);
-        observer.note(name, {"its normals go below 0 and are taken for -1 to 1"});
+        observer.note(name, {told ? "its normals are -1 to 1, as it tells itself"
+                                  : "its normals go below 0 and are taken for -1 to 1"});
     }
 }
 

@@ -31,8 +31,9 @@ struct PreparedInput {
 
 PreparedInput prepare_input(Source const& source, Observer& observer);
 
-/// For a picture that is taken for normals: floats of which any colour lies below 0 are vectors, and are
-/// encoded as colours are, with a note. Colours of all else are 0 to 1 already.
+/// For a picture that is taken for normals: floats are vectors if the picture tells so or, where it tells
+/// nothing, if any colour lies below 0. They are encoded as colours are, with a note. Colours of all else are
+/// 0 to 1 already.
 void take_for_normals(PreparedInput& input, std::string const& name, Observer& observer);
 
 } // namespace umbrixlib::toolkit

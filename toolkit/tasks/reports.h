@@ -64,6 +64,7 @@ struct InfoReport {
     Kind taken_for = Kind::kHeightMap; ///< What a map would be made from.
     std::string because;               ///< What speaks for that.
     std::vector<std::string> notes;    ///< How the file was taken, where a user has to know it.
+    Attributes attributes;             ///< What it tells of how it was made.
 
     bool operator==(InfoReport const&) const = default;
 };

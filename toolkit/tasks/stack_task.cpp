@@ -6,6 +6,7 @@
 #include "toolkit/tasks/lost_light.h"
 #include "toolkit/tasks/map_picture.h"
 #include "toolkit/tasks/methods/saved_picture.h"
+#include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/tasks.h"
 
@@ -279,8 +280,9 @@ SampleType deepest_heights(ReadyStack const& stack)
     return deepest;
 }
 
-void write_output(Output const& output, Picture const& picture, Observer& observer)
+void write_output(Output const& output, Picture&& picture, Attributes&& attributes, Observer& observer)
 {
+    picture.attributes = std::move(attributes);
     write_picture(output.file, *output_format(output.file), output.name, picture, observer);
 }
 
@@ -295,17 +297,17 @@ StackReport run(StackJob const& job, Observer& observer)
     observer.begin(Phase::kMaking, job.file);
     Blended const blended = blend(job, stack, observer);
     if (!job.map.file.empty()) {
-        write_output(job.map, make_map(job, stack, blended, observer), observer);
+        write_output(job.map, make_map(job, stack, blended, observer),
+                     attributes_of_map("stack", job.settings), observer);
     }
-    write_output(job.normals,
-                 saved_normals(blended.normals.data(), stack.width, stack.height,
-                               saved_as(job.normals, PictureKind::kNormals)),
-                 observer);
+    SavedAs const normals_as = saved_as(job.normals, PictureKind::kNormals);
+    write_output(job.normals, saved_normals(blended.normals.data(), stack.width, stack.height, normals_as),
+                 attributes_of_normals("stack", NormalY::kUp, normals_as.depth), observer);
     if (!job.heights.file.empty()) {
         SavedAs const as = saved_as(job.heights, PictureKind::kHeights);
         note_narrowed_heights(deepest_heights(stack), as, job.file, observer);
         write_output(job.heights, saved_heights(blended.heights.data(), stack.width, stack.height, as),
-                     observer);
+                     attributes_of_heights("stack"), observer);
     }
     return {stack.width, stack.height, stack.layers.size()};
 }

@@ -43,7 +43,7 @@ UMBRIX_FIELDS(MapJob, UMBRIX_FIELD(files), UMBRIX_FIELD(settings), UMBRIX_FIELD(
               UMBRIX_FIELD(graphics), UMBRIX_FIELD(compare_cpu))
 UMBRIX_FIELDS(NormalJob, UMBRIX_FIELD(files), UMBRIX_FIELD(settings), UMBRIX_FIELD(normal_y))
 UMBRIX_FIELDS(RelightJob, UMBRIX_FIELD(files), UMBRIX_FIELD(light), UMBRIX_FIELD(look),
-              UMBRIX_FIELD(directions), UMBRIX_FIELD(cell))
+              UMBRIX_FIELD(mode_is_given), UMBRIX_FIELD(force), UMBRIX_FIELD(directions), UMBRIX_FIELD(cell))
 UMBRIX_FIELDS(InfoJob, UMBRIX_FIELD(input), UMBRIX_FIELD(max_texels))
 UMBRIX_FIELDS(StackJob, UMBRIX_FIELD(file), UMBRIX_FIELD(description), UMBRIX_FIELD(normals),
               UMBRIX_FIELD(heights), UMBRIX_FIELD(map), UMBRIX_FIELD(map_from_layers),
@@ -62,9 +62,10 @@ UMBRIX_FIELDS(NormalReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FI
 UMBRIX_FIELDS(RelightReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height))
 UMBRIX_FIELDS(ChannelRange, UMBRIX_FIELD(name), UMBRIX_FIELD(minimum), UMBRIX_FIELD(maximum),
               UMBRIX_FIELD(mean))
+UMBRIX_FIELDS(Attribute, UMBRIX_FIELD(key), UMBRIX_FIELD(value))
 UMBRIX_FIELDS(InfoReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(format),
               UMBRIX_FIELD(bits_per_channel), UMBRIX_FIELD(pixel), UMBRIX_FIELD(channels),
-              UMBRIX_FIELD(taken_for), UMBRIX_FIELD(because), UMBRIX_FIELD(notes))
+              UMBRIX_FIELD(taken_for), UMBRIX_FIELD(because), UMBRIX_FIELD(notes), UMBRIX_FIELD(attributes))
 UMBRIX_FIELDS(StackReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(layers))
 UMBRIX_FIELDS(FitReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(relief),
               UMBRIX_FIELD(n_scale), UMBRIX_FIELD(gaussian), UMBRIX_FIELD(inverted), UMBRIX_FIELD(green),

@@ -29,6 +29,9 @@ void print_text(std::string const& file, InfoReport const& report)
     for (std::string const& note : report.notes) {
         say("  {}", note);
     }
+    for (Attribute const& each : report.attributes) {
+        say("  {}: {}", each.key, each.value);
+    }
     fmt::print("  `umbrix map` takes it for a {}: {}\n", name_of(report.taken_for), report.because);
 }
 

@@ -62,7 +62,10 @@ CLI::App* RelightCommand::declare(CLI::App& app)
     add_number(*command, "--exposure", "X", exposure_, 0.01, 10,
                "Brightness of flat ground that nothing hides; slopes that face the light are brighter "
                "[0.01 to 10; default 0.7]");
+    command->add_flag("--force", force_, "Take a picture that tells that it is no Umbrix map, too")
+        ->group(kLight);
     declare_options(*command, settings_, kForRelight);
+    command_ = command;
     return command;
 }
 
@@ -72,6 +75,8 @@ void RelightCommand::run(Interrupts const& interrupts)
     RelightJob job;
     job.light = {azimuth_degrees_, elevation_degrees_};
     job.look = {settings_.mode, exposure_};
+    job.mode_is_given = command_->count("--mode") > 0 || command_->count("--preset") > 0;
+    job.force = force_;
     job.directions = directions_;
     job.cell = cell_;
     Made<RelightJob> const made = make_picture_file("umbrix relight", common_, job,

@@ -22,6 +22,8 @@ private:
     double exposure_ = 0.7;
     int directions_ = 0;
     int cell_ = 256;
+    bool force_ = false;
+    CLI::App const* command_ = nullptr;
 };
 
 } // namespace umbrix_cli

@@ -62,6 +62,7 @@ constexpr Advice kAdvice[] = {
     {Fault::kNoDevice, "leave it out", kWrongUsage, "--gpu"},
     {Fault::kNoSuchDevice, "umbrix devices lists them", kWrongUsage, "--gpu"},
     {Fault::kSizesDiffer, "bring both to the same size"},
+    {Fault::kNoMap, "name an Umbrix map, or take it all the same with --force"},
     {Fault::kTooSmallForRelief, "give at least 2 x 2, or --no-occlusion"},
     {Fault::kTooFewThreads, "raise the limit on processes (ulimit -u)"},
     {Fault::kNotWorkedOn, "try another picture"},

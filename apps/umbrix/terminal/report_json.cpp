@@ -27,9 +27,14 @@ std::string json_text(InfoReport const& report, std::string const& file)
                             {"maximum", channel.maximum},
                             {"mean", channel.mean}});
     }
+    json attributes = json::object();
+    for (Attribute const& each : report.attributes) {
+        attributes[each.key] = each.value;
+    }
     return text_of({{"file", file},
                     {"width", report.width},
                     {"height", report.height},
+                    {"attributes", attributes},
                     {"format", report.format},
                     {"bits_per_channel", report.bits_per_channel},
                     {"pixel", report.pixel},

@@ -122,10 +122,21 @@ public:
             }
         }
         turn_rows(picture);
+        picture.attributes = attributes();
         return {std::move(picture), false, "OpenEXR", std::move(notes_)};
     }
 
 private:
+    Attributes attributes() const
+    {
+        std::int32_t length = 0;
+        char const* text = nullptr;
+        if (exr_attr_get_string(file_.get(), 0, "umbrix", &length, &text) != EXR_ERR_SUCCESS || length < 0) {
+            return {};
+        }
+        return parse_attributes({text, static_cast<std::size_t>(length)});
+    }
+
     void read_size()
     {
         exr_attr_box2i_t shown{};

@@ -62,6 +62,7 @@ Picture oriented(Picture&& picture, int orientation)
     Picture result = make_picture(exchanged ? picture.height : picture.width,
                                   exchanged ? picture.width : picture.height, picture.channels, picture.type);
     result.kind = picture.kind;
+    result.attributes = picture.attributes;
     std::size_t const size = static_cast<std::size_t>(picture.channels) * sample_size(picture.type);
     auto const texel = static_cast<std::ptrdiff_t>(size);
     Walk const walk = walk_through(picture, texel, orientation);

@@ -50,6 +50,7 @@ public:
             rows[rows.size() - 1 - i] = &picture.bytes[i * row_size];
         }
         check(read_rows(rows.data()));
+        picture.attributes = parse_attributes({text_, text_size_});
         return {std::move(picture), palette, "PNG"};
     }
 
@@ -71,8 +72,11 @@ private:
         }
         png_set_read_fn(png_, this, get_bytes);
         png_set_user_limits(png_, kMostSide, kMostSide); // the size is looked at by those who know the limit
-        // Only what makes the picture: no text, profile or time can be at fault.
+        // Only what makes the picture, and our own text: no other text, profile or time can be at fault.
         png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
+        constexpr png_byte kTexts[] = "iTXt";
+        png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_ALWAYS, kTexts, 1);
+        png_set_read_user_chunk_fn(png_, this, take_text);
         png_read_info(png_, info_);
         return true;
     }
@@ -113,6 +117,19 @@ private:
         }
     }
 
+    /// Keeps our text, if the chunk holds it; it is never written back, so that all of them are done with.
+    static int take_text(png_structp png, png_unknown_chunkp chunk)
+    {
+        constexpr char kBefore[] = "Umbrix\0\0\0\0"; // not packed, in no language, and the zero behind it
+        auto* const self = static_cast<PngReader*>(png_get_user_chunk_ptr(png));
+        if (chunk->size >= sizeof kBefore && chunk->size <= sizeof kBefore + kMostAttributeText &&
+            std::memcmp(chunk->data, kBefore, sizeof kBefore) == 0) {
+            self->text_size_ = chunk->size - sizeof kBefore;
+            std::memcpy(self->text_, chunk->data + sizeof kBefore, self->text_size_);
+        }
+        return 1;
+    }
+
     [[noreturn]] static void fail(png_structp png, png_const_charp) { png_longjmp(png, 1); }
     static void warn(png_structp, png_const_charp) {}
 
@@ -130,6 +147,8 @@ private:
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
     bool out_of_memory_ = false;
+    char text_[kMostAttributeText] = {};
+    std::size_t text_size_ = 0;
 };
 
 class PngDecoder : public Decoder {

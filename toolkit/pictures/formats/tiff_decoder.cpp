@@ -32,6 +32,7 @@ public:
         } else if (form_.is_xyz) {
             make_rgb_of_xyz(picture);
         }
+        picture.attributes = std::move(form_.attributes);
         if (form_.divide_by_alpha) {
             picture = divided_by_alpha(std::move(picture));
         }

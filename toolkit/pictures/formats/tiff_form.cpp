@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <fmt/format.h>
 #include <limits>
 #include <string_view>
@@ -297,6 +298,9 @@ private:
         void const* profile = nullptr;
         if (TIFFGetField(file_.get(), TIFFTAG_ICCPROFILE, &size, &profile) != 0) {
             form_.notes.emplace_back("its colour profile is left alone: values count as they are");
+        }
+        if (char const* const text = file_.number<char const*>(TIFFTAG_IMAGEDESCRIPTION, nullptr)) {
+            form_.attributes = parse_attributes({text, strnlen(text, kMostAttributeText + 1)});
         }
         if (TIFFLastDirectory(file_.get()) == 0) {
             form_.notes.emplace_back("it has several pictures, of which this is the first");

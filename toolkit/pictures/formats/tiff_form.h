@@ -24,6 +24,7 @@ struct TiffForm {
     bool divide_by_alpha = false; ///< Once the channels are read.
     std::vector<unsigned> taken;  ///< The samples of a texel that become channels.
     std::vector<std::string> notes;
+    Attributes attributes; ///< From the description.
 };
 
 /// Reads the tags of the first picture. Refuses pictures that are too large, and by name those of which no

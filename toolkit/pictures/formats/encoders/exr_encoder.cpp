@@ -60,6 +60,10 @@ private:
             note(exr_add_channel(file_, part, kNames[picture_.channels - 1][i], type,
                                  EXR_PERCEPTUALLY_LOGARITHMIC, 1, 1));
         }
+        if (!picture_.attributes.empty()) {
+            std::string const text = attribute_text(picture_.attributes);
+            note(exr_attr_set_string(file_, part, "umbrix", text.c_str()));
+        }
         note(exr_write_header(file_));
     }
 

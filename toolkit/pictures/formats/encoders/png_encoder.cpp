@@ -34,7 +34,8 @@ public:
     bool write()
     {
         constexpr std::uint8_t kSignature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
-        return stream_.write(kSignature) && write_header() && write_rows() && write_chunk("IEND", {});
+        return stream_.write(kSignature) && write_header() && write_attributes() && write_rows() &&
+               write_chunk("IEND", {});
     }
 
 private:
@@ -46,6 +47,17 @@ private:
         header.u8(static_cast<unsigned>(8 * sample_size(picture_.type)));
         header.u8(kColourTypes[picture_.channels - 1]).u8(0).u8(0).u8(0);
         return write_chunk("IHDR", header.bytes());
+    }
+
+    bool write_attributes()
+    {
+        if (picture_.attributes.empty()) {
+            return true;
+        }
+        ByteWriter text;
+        text.text("Umbrix").u8(0);    // the keyword
+        text.u8(0).u8(0).u8(0).u8(0); // not packed, in no language, with no other keyword
+        return write_chunk("iTXt", text.text(attribute_text(picture_.attributes)).bytes());
     }
 
     bool write_chunk(std::string_view name, std::span<std::uint8_t const> content)

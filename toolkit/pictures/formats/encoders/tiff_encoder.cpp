@@ -56,6 +56,10 @@ private:
             std::uint16_t const straight = EXTRASAMPLE_UNASSALPHA;
             good = TIFFSetField(tiff_, TIFFTAG_EXTRASAMPLES, 1, &straight) != 0;
         }
+        if (good && !picture_.attributes.empty()) {
+            good = TIFFSetField(tiff_, TIFFTAG_IMAGEDESCRIPTION,
+                                attribute_text(picture_.attributes).c_str()) != 0;
+        }
         return good;
     }
 

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/tasks/methods/self_description.h"
+
+#include "toolkit/settings/setting_table.h"
+
+#include <algorithm>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+Attributes begun(char const* maker, char const* kind)
+{
+    return {{"umbrix", maker}, {"version", UMBRIX_VERSION}, {"kind", kind}};
+}
+
+} // namespace
+
+Attributes attributes_of_map(char const* maker, Settings const& settings)
+{
+    Attributes attributes = begun(maker, "map");
+    auto const add = [&](std::initializer_list<std::string_view> names) {
+        for (std::string_view const name : names) {
+            auto const row = std::ranges::find(setting_table(), name, &SettingRow::name);
+            set_value(attributes, name, value_text(*row, settings));
+        }
+    };
+    add({"mode", "light", "relief", "n-scale", "occlusion"});
+    if (settings.occlusion) {
+        add({"h-scale", "rays", "radius", "alpha-limit", "theta-limit"});
+    }
+    return attributes;
+}
+
+Attributes attributes_of_normals(char const* maker, NormalY green, SampleType type)
+{
+    Attributes attributes = begun(maker, "normals");
+    set_value(attributes, "green", green == NormalY::kUp ? "up" : "down");
+    set_value(attributes, "coding", coding_of_normals(type));
+    return attributes;
+}
+
+Attributes attributes_of_heights(char const* maker)
+{
+    return begun(maker, "heights");
+}
+
+Attributes attributes_of_light(char const* maker)
+{
+    return begun(maker, "light");
+}
+
+char const* coding_of_normals(SampleType type)
+{
+    return type == SampleType::kHalf || type == SampleType::kFloat ? "-1..1" : "0..1";
+}
+
+std::optional<Modes> mode_of(Attributes const& attributes)
+{
+    std::string const name = value_of(attributes, "mode");
+    for (Modes const mode : {Modes_Projection, Modes_UnitBasis, Modes_FlatIsFull, Modes_Squared}) {
+        if (name_of_mode(mode) == name) {
+            return mode;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string kind_beside_map(Attributes const& attributes)
+{
+    std::string const kind = value_of(attributes, "kind");
+    return kind == "normals"   ? "a normal map"
+           : kind == "heights" ? "a height map"
+           : kind == "light"   ? "a picture in a light"
+                               : "";
+}
+
+} // namespace umbrixlib::toolkit
