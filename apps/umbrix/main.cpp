@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <new>
+#include <string_view>
 #include <system_error>
 
 namespace umbrix_cli {
@@ -59,6 +60,10 @@ int run_command(Command& command, std::string const& name)
 
 int run_tool(int count, char** words)
 {
+    if (count == 2 && std::string_view(words[1]) == "--version") { // without the declarations of all commands
+        put_text(stdout, fmt::format("{}\n", kVersion));
+        return kDone;
+    }
     CommandLine line;
     ParsedLine const parsed = line.parse({words + 1, words + count});
     if (parsed.command != nullptr) {

@@ -52,7 +52,7 @@ CommandLine::CommandLine()
     : app_("Makes tangent-space normal maps and Umbrix maps from height maps and normal maps.", "umbrix")
 {
     app_.formatter(std::make_shared<HelpFormatter>());
-    app_.set_version_flag("--version", "umbrix " UMBRIX_VERSION, "Print the version");
+    app_.set_version_flag("--version", kVersion, "Print the version");
     app_.footer(kExitCodesHelp);
     app_.require_subcommand(0, 1);
     declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, BatchCommand, ListCommand,

@@ -22,6 +22,9 @@ struct ParsedLine {
     int code = kDone;           ///< What to end with if there is no command.
 };
 
+/// What --version prints.
+inline constexpr char const* kVersion = "umbrix " UMBRIX_VERSION;
+
 /// The commands of the tool and their options.
 class CommandLine {
 public:
