@@ -54,7 +54,8 @@ int run_command(Command& command, std::string const& name)
         return complain(name, {"umbrix", "there is not enough memory", "raise the limit (ulimit -v)"});
     } catch (Stopped const& interrupted) {
         put_text(stderr, fmt::format("{}: interrupted; {}\n", name, interrupted.state));
-        return kInterrupted;
+        static_cast<void>(interrupts.take()); // a wish that was only looked at
+        return kStoppedBySignal + interrupts.signal();
     }
 }
 

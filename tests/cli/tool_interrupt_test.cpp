@@ -3,6 +3,7 @@
 #include "tool.h"
 
 #include <fstream>
+#include <sys/ioctl.h>
 #include <thread>
 
 namespace umbrixlib::test {
@@ -55,7 +56,7 @@ TEST_F(ToolInterrupt, LeavesNothingBehind)
         EXPECT_GT(files().size(), before.size());
         tool.send(signal);
         Outcome const outcome = tool.finish();
-        EXPECT_EQ(outcome.code, 130);
+        EXPECT_EQ(outcome.code, 128 + signal);
         EXPECT_NE(outcome.err.find("umbrix map: interrupted; nothing was written\n"), std::string::npos);
         EXPECT_EQ(outcome.out, "");
         EXPECT_TRUE(ends_within(workers[0], 1s));
@@ -95,6 +96,40 @@ TEST_F(ToolInterrupt, IsOneSentenceIfTheWorkerIsKilled)
     EXPECT_EQ(outcome.code, 1);
     EXPECT_TRUE(complains_about(outcome, "umbrix map", "hill.tga"));
     EXPECT_EQ(files(), (std::set<std::string>{"hill.tga", "old.tga"}));
+}
+
+TEST_F(ToolInterrupt, ShowsABarThatFitsTheTerminal)
+{
+    for (unsigned short const columns : std::initializer_list<unsigned short>{200, 80, 40, 20, 8, 1}) {
+        int const terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        ASSERT_GE(terminal, 0);
+        ASSERT_EQ(grantpt(terminal), 0);
+        ASSERT_EQ(unlockpt(terminal), 0);
+        int const inner = open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        winsize const size{24, columns, 0, 0};
+        ASSERT_EQ(ioctl(inner, TIOCSWINSZ, &size), 0);
+        Outcome const outcome = run({"map", "hill.tga", "-o", "a.tga", "--overwrite", "--rays", "30"}, {},
+                                    [inner] { dup2(inner, STDERR_FILENO); });
+        EXPECT_EQ(outcome.code, 0);
+        fcntl(terminal, F_SETFL, O_NONBLOCK);
+        std::string shown;
+        char piece[4096];
+        for (ssize_t got = 0; (got = ::read(terminal, piece, sizeof piece)) > 0;) {
+            shown.append(piece, static_cast<std::size_t>(got));
+        }
+        close(inner);
+        close(terminal);
+        std::string const clear = "\r\033[K";
+        EXPECT_EQ(shown.find('\n'), std::string::npos) << shown;
+        EXPECT_EQ(shown.rfind(clear), shown.size() - clear.size());
+        std::size_t bars = 0;
+        for (std::size_t at = clear.size(); at < shown.size(); ++bars) {
+            std::size_t const end = shown.find(clear, at);
+            EXPECT_LT(end - at, std::size_t{columns}) << shown.substr(at, end - at);
+            at = end + clear.size();
+        }
+        EXPECT_GT(bars, 1U) << columns;
+    }
 }
 
 } // namespace

@@ -162,7 +162,7 @@ protected:
         EXPECT_TRUE(adopted_workers_end());
         // A signal that comes before the tool watches for it ends it as it ends any program.
         EXPECT_TRUE(outcome.code == 0 || outcome.code == -signal ||
-                    (outcome.code == 130 && signal != SIGKILL))
+                    (outcome.code == 128 + signal && signal != SIGKILL))
             << outcome.code << '\n'
             << outcome.err;
         victim.counts[outcome.code == 0 ? 1 : 0] += 1;

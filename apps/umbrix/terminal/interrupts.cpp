@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "terminal/interrupts.h"
 
-#include <csignal>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
@@ -30,9 +29,10 @@ Interrupts::~Interrupts()
 bool Interrupts::take() const
 {
     bool arrived = false;
-    signalfd_siginfo ignored = {};
-    while (read(descriptor_, &ignored, sizeof ignored) > 0) {
+    signalfd_siginfo told = {};
+    while (read(descriptor_, &told, sizeof told) > 0) {
         arrived = true;
+        signal_ = static_cast<int>(told.ssi_signo);
     }
     return arrived;
 }

@@ -4,6 +4,8 @@
 #include "toolkit/base/stop.h"
 #include "toolkit_names.h"
 
+#include <csignal>
+
 namespace umbrix_cli {
 
 /// Collects Ctrl-C, a request to end and a closed terminal instead of dying from them, so that nothing
@@ -18,8 +20,12 @@ public:
     int descriptor() const override { return descriptor_; }
     bool take() const override;
 
+    /// The last signal that was taken; SIGINT if there was none.
+    int signal() const { return signal_; }
+
 private:
     int descriptor_;
+    mutable int signal_ = SIGINT;
 };
 
 } // namespace umbrix_cli
