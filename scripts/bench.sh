@@ -32,8 +32,8 @@ unset OMP_NUM_THREADS
 : > "$records"
 for program in machine_limits compare/compare_occlusion compare/compare_gaussian compare/compare_bilateral \
     compare/compare_normals compare/compare_tone layer_blends occlusion_threads occlusion_scaling whole_file \
-    start_up stop memory; do
-    echo "$(date +%T) measuring: ${program#compare/}" >&2
+    start_up stop memory formats/picture_formats; do
+    echo "$(date +%T) measuring: ${program#*/}" >&2
     "$programs/$program" $quick >> "$records"
 done
 

@@ -124,6 +124,18 @@ def checks(records: Records) -> Optional[Figure]:
     return Figure(sum(cells) / len(cells), cells) if cells else None
 
 
+def formats(what: str, only: str = "") -> Callable[[Records], Optional[Figure]]:
+    """The lowest speed of the toolkit over that of the format's own library."""
+    return lambda records: lowest_of(
+        [ratio(line, "direct") for line in records.of(what) if line["file"].startswith(only)]
+    )
+
+
+def png_size(records: Records) -> Optional[Figure]:
+    lines = records.of("picture_writing")
+    return highest_of([line["size"] for line in lines if line["file"].startswith("PNG")])
+
+
 @dataclass
 class Bar:
     operator: str
@@ -247,6 +259,15 @@ BARS = [
         False,
         "GiB",
     ),
+    Bar("reading of pictures", "the formats' libraries: at least 0.9, every file", formats("picture_reading"), 0.9),
+    Bar("writing of pictures", "the formats' libraries: at least 0.9, every file", formats("picture_writing"), 0.9),
+    Bar(
+        "writing of 16-bit PNG",
+        "libpng, level 6: at least 4, every picture in colour",
+        formats("picture_writing", "PNG, 16-bit RGB"),
+        4,
+    ),
+    Bar("writing of 16-bit PNG", "libpng, level 6: at most 1.03 of the size", png_size, 1.03, False),
     Bar("command line", "help, `info`, 64 x 64 map: each at most 20 ms", start_up, 20, False, "ms"),
     Bar("`make_map`, 2048", "returns at most 50 ms after a wish to stop", stop, 50, False, "ms"),
     Bar("all operators", "results equal the plain form's, bit for bit", checks, 1, True, ""),
