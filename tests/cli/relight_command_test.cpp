@@ -79,5 +79,32 @@ TEST_F(RelightCommand, WantsAnAzimuthAndAnElevation)
     }
 }
 
+TEST_F(RelightCommand, TakesTheModeThatAMapTells)
+{
+    write("hill.tga", hill(32));
+    ASSERT_EQ(run({"map", "hill.tga", "--mode", "squared", "-o", "map.png"}).code, 0);
+    auto const lit_with = [&](Arguments const& options) {
+        Arguments words{"relight", "map.png", "-o", "lit.tga", "--overwrite"};
+        words.insert(words.end(), options.begin(), options.end());
+        Outcome const outcome = run(words);
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_EQ(outcome.err.find("its mode is squared, and is taken for unit") != std::string::npos,
+                  (options == Arguments{"--mode", "unit"}));
+        return tga("lit.tga").pixels;
+    };
+    EXPECT_EQ(lit_with({}), lit_with({"--mode", "squared"}));
+    EXPECT_NE(lit_with({}), lit_with({"--mode", "unit"}));
+}
+
+TEST_F(RelightCommand, RefusesWhatTellsThatItIsNoMap)
+{
+    write("hill.tga", hill(32));
+    ASSERT_EQ(run({"normal", "hill.tga", "-o", "normals.png"}).code, 0);
+    Outcome const outcome = run({"relight", "normals.png", "-o", "lit.tga"});
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_TRUE(complains_about(outcome, "umbrix relight", "normals.png")) << outcome.err;
+    EXPECT_EQ(run({"relight", "normals.png", "-o", "lit.tga", "--force"}).code, 0);
+}
+
 } // namespace
 } // namespace umbrixlib::test
