@@ -72,6 +72,21 @@ TEST_F(MapCommand, WondersAboutAPictureUnlikeItsName)
     EXPECT_EQ(run({"map", "hill_Nor.tga", "--height-map", "-o", "a.tga", "--progress", "none"}).err, "");
 }
 
+TEST_F(MapCommand, SpeaksOfTheScalesThatWereGiven)
+{
+    write("hill.tga", hill(16));
+    auto const told = [&](Arguments const& more) {
+        Arguments words{"map", "hill.tga", "-o", "a.tga", "--overwrite"};
+        words.insert(words.end(), more.begin(), more.end());
+        std::string const out = run(words).out;
+        std::size_t const from = out.find("), ") + 3;
+        return out.substr(from, out.rfind(", ") - from);
+    };
+    EXPECT_EQ(told({}), "relief 0.05");
+    EXPECT_EQ(told({"--relief", "0.02", "--h-scale", "0.06"}), "h-scale 0.06");
+    EXPECT_EQ(told({"--n-scale", "3"}), "relief 0.05, n-scale 3");
+}
+
 TEST_F(MapCommand, DarkensWhatTheReliefHides)
 {
     write("pit.tga",

@@ -70,6 +70,9 @@ TEST_F(SelfDescription, BashCompletesCommandsOptionsWordsAndFiles)
     EXPECT_EQ(bash_offers("umbrix map --mode fl"), "flat");
     EXPECT_EQ(bash_offers("umbrix map hi"), "hill.tga");
     EXPECT_EQ(bash_offers("umbrix info --rel"), "");
+    EXPECT_EQ(bash_offers("umbrix map --preset br"), "brick");
+    EXPECT_EQ(bash_offers("umbrix map --preset hi"), "hill.tga");
+    EXPECT_EQ(bash_offers("umbrix completion z"), "zsh");
 }
 
 TEST_F(SelfDescription, ZshTakesItsCompletion)

@@ -203,5 +203,55 @@ TEST_F(ToolUsage, ShowsProgressAsAsked)
     EXPECT_EQ(bar.rfind("\r\033[K"), bar.size() - 4); // taken off in the end
 }
 
+TEST_F(ToolUsage, TellsItsVersionAndHelpInEveryWay)
+{
+    std::string const version = run({"--version"}).out;
+    for (Arguments const& words :
+         {Arguments{"-V"}, Arguments{"map", "--version"}, Arguments{"list", "add", "-V"}}) {
+        Outcome const outcome = run(words);
+        EXPECT_EQ(outcome.code, 0);
+        EXPECT_EQ(outcome.out, version);
+    }
+    EXPECT_EQ(run({"help"}).out, run({"--help"}).out);
+    EXPECT_EQ(run({"help", "map"}).out, run({"map", "--help"}).out);
+    EXPECT_EQ(run({"help", "list", "add"}).out, run({"list", "add", "--help"}).out);
+    EXPECT_EQ(run({"map", "--help"}).out.find("Print this help message and exit") == std::string::npos,
+              false);
+    EXPECT_EQ(run({"normal", "--help"}).out.find("--detail"), std::string::npos);
+}
+
+TEST_F(ToolUsage, AnswersAMistypedWordWithTheNearest)
+{
+    write("hill.tga", hill(16));
+    write("-dash.tga", hill(16));
+    for (auto const& [words, sentence] : std::vector<std::pair<Arguments, std::string>>{
+             {{"mpa", "hill.tga"},
+              "umbrix: error: there is no command mpa; perhaps map is meant; see umbrix --help"},
+             {{"list", "ad"},
+              "umbrix list: error: there is no command ad; perhaps add is meant; see umbrix list --help"},
+             {{"help", "lsit"},
+              "umbrix help: error: there is no command lsit; perhaps list is meant; see umbrix --help"},
+             {{"map", "hill.tga", "--releif=1"},
+              "umbrix map: error: there is no option --releif; perhaps --relief is meant; see umbrix map "
+              "--help"},
+             {{"map", "--releif", "1"},
+              "umbrix map: error: there is no option --releif; perhaps --relief is meant; see umbrix map "
+              "--help"},
+             {{"map", "hill.tga", "-q"}, "umbrix map: error: there is no option -q; see umbrix map --help"},
+             {{"map", "-dash.tga"},
+              "umbrix map: error: -dash.tga counts as an option; give the file as ./-dash.tga, or behind --; "
+              "see "
+              "umbrix map --help"},
+             {{"map", "hill.tga", "b", "a"},
+              "umbrix map: error: The following arguments were not expected: b a; see umbrix map --help"}}) {
+        Outcome const outcome = run(words);
+        EXPECT_EQ(outcome.code, 2) << sentence;
+        EXPECT_EQ(outcome.err, sentence + "\n");
+        EXPECT_EQ(outcome.out, "");
+    }
+    EXPECT_EQ(run({"map", "./-dash.tga"}).code, 0);
+    EXPECT_EQ(run({"map", "-o", "b.tga", "--", "-dash.tga"}).code, 0);
+}
+
 } // namespace
 } // namespace umbrixlib::test

@@ -13,18 +13,88 @@
 #include "commands/self_description_command.h"
 #include "commands/stack_command.h"
 #include "options/describe/help_formatter.h"
+#include "options/describe/option_words.h"
 #include "options/graphics_option.h"
 #include "terminal/advice.h"
+#include "toolkit/base/suggestion.h"
 #include "toolkit/base/utf8.h"
 
 #include <algorithm>
+#include <cctype>
+#include <filesystem>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <sstream>
 #include <utility>
 
 namespace umbrix_cli {
 
 namespace {
+
+constexpr char const* kNotExpected = "The following arguments were not expected:";
+
+/// "umbrix help map" as "umbrix map --help".
+std::vector<std::string> with_help_as_option(std::vector<std::string> words)
+{
+    if (!words.empty() && words.front() == "help") {
+        words.erase(words.begin());
+        words.emplace_back("--help");
+    }
+    return words;
+}
+
+bool asks_for_version(std::vector<std::string> const& words)
+{
+    auto const end = std::find(words.begin(), words.end(), "--");
+    return std::any_of(words.begin(), end,
+                       [](std::string const& word) { return word == "--version" || word == "-V"; });
+}
+
+/// "; perhaps map is meant", or nothing.
+std::string perhaps(std::string const& word, std::vector<std::string> const& known)
+{
+    std::string_view const meant = meant_by(word, {known.begin(), known.end()});
+    return meant.empty() ? "" : fmt::format("; perhaps {} is meant", meant);
+}
+
+std::vector<std::string> names_of_commands(CLI::App const& command)
+{
+    std::vector<std::string> names;
+    for (CLI::App const* each : subcommands_of(command)) {
+        names.push_back(each->get_name());
+    }
+    return names;
+}
+
+/// Whether @p word looks like an option, and @p command has none of that name.
+bool is_unknown_option(std::string const& word, CLI::App const& command)
+{
+    bool const is_long = word.starts_with("--");
+    bool const is_short = !is_long && word.size() > 1 && word[0] == '-' &&
+                          std::isalpha(static_cast<unsigned char>(word[1])) != 0;
+    if (!is_long && !is_short) {
+        return false;
+    }
+    std::string const name = is_long ? word.substr(0, word.find('=')) : word.substr(0, 2);
+    return command.get_option_no_throw(name) == nullptr;
+}
+
+std::string about_unknown_option(std::string const& word, CLI::App const& command)
+{
+    std::error_code error;
+    if (std::filesystem::exists(word, error)) {
+        return fmt::format("{0} counts as an option; give the file as ./{0}, or behind --", word);
+    }
+    std::vector<std::string> known;
+    for (CLI::Option const* option : options_of(command)) {
+        for (std::string const& spelling : spellings(*option)) {
+            known.push_back(spelling);
+        }
+    }
+    std::string const name = word.substr(0, word.find('='));
+    return fmt::format("there is no option {}{}", name,
+                       word.starts_with("--") ? perhaps(name, known) : std::string());
+}
 
 ParsedLine refusal(std::string const& command, Complaint const& complaint)
 {
@@ -52,33 +122,78 @@ CommandLine::CommandLine()
     : app_("Makes tangent-space normal maps and Umbrix maps from height maps and normal maps.", "umbrix")
 {
     app_.formatter(std::make_shared<HelpFormatter>());
-    app_.set_version_flag("--version", kVersion, "Print the version");
+    app_.set_version_flag("-V,--version", kVersion, "Print the version");
     app_.footer(kExitCodesHelp);
     app_.require_subcommand(0, 1);
     declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, BatchCommand, ListCommand,
                 InfoCommand, FitCommand, PresetCommand, DevicesCommand, CompletionCommand, ManualCommand>();
 }
 
-/// "umbrix map" or "umbrix list add" as soon as the words name the command.
-std::string CommandLine::full_name(std::vector<std::string> const& words)
+/// The command that the words begin with, or the tool.
+CommandLine::Named CommandLine::command_named_in(std::vector<std::string> const& words)
 {
-    std::string name = app_.get_name();
-    CLI::App* at = &app_;
+    Named named{&app_, app_.get_name()};
     for (std::string const& word : words) {
-        auto const named = at->get_subcommands([&](CLI::App* each) { return each->get_name() == word; });
-        if (named.empty()) {
+        auto const found =
+            named.app->get_subcommands([&](CLI::App* each) { return each->get_name() == word; });
+        if (found.empty()) {
             break;
         }
-        at = named.front();
-        name += " " + at->get_name();
+        named.app = found.front();
+        named.name += " " + word;
     }
-    return name;
+    return named;
 }
 
-ParsedLine CommandLine::parse(std::vector<std::string> const& words)
+/// The word that stands where a command should, and is none.
+std::optional<std::string> CommandLine::unknown_command(std::vector<std::string> const& words,
+                                                        Named const& named)
 {
+    auto const depth = static_cast<std::size_t>(std::count(named.name.begin(), named.name.end(), ' '));
+    bool const wants_command = !subcommands_of(*named.app).empty() && depth < words.size();
+    return wants_command && !words[depth].starts_with('-') ? std::optional(words[depth]) : std::nullopt;
+}
+
+/// In a sentence: an unknown option or command, or else what the parser says.
+std::string CommandLine::what_is_wrong(std::vector<std::string> const& words, Named const& named,
+                                       std::string const& parser_says) const
+{
+    auto const end = std::find(words.begin(), words.end(), "--");
+    auto const strange = std::find_if(
+        words.begin(), end, [&](std::string const& word) { return is_unknown_option(word, *named.app); });
+    if (strange != end) {
+        return about_unknown_option(*strange, *named.app);
+    }
+    if (auto const word = unknown_command(words, named)) {
+        return fmt::format("there is no command {}{}", *word, perhaps(*word, names_of_commands(*named.app)));
+    }
+    if (parser_says.starts_with(kNotExpected)) { // which lists them from the last to the first
+        std::vector<std::string> left = named.app->remaining(true);
+        std::sort(left.begin(), left.end(), [&](std::string const& one, std::string const& other) {
+            return std::find(words.begin(), words.end(), one) < std::find(words.begin(), words.end(), other);
+        });
+        return fmt::format("{} {}", kNotExpected, fmt::join(left, " "));
+    }
+    return parser_says;
+}
+
+ParsedLine CommandLine::parse(std::vector<std::string> const& typed)
+{
+    std::vector<std::string> const words = with_help_as_option(typed);
     ParsedLine parsed;
-    parsed.name = full_name(words);
+    Named const named = command_named_in(words);
+    parsed.name = named.name;
+    if (words != typed && unknown_command(words, named)) { // --help would answer for the tool
+        parsed.complaint = printable(fmt::format("umbrix help: error: {}; see umbrix --help",
+                                                 what_is_wrong(words, named, ""))) +
+                           "\n";
+        parsed.code = kWrongUsage;
+        return parsed;
+    }
+    if (asks_for_version(words)) {
+        parsed.out = fmt::format("{}\n", kVersion);
+        return parsed;
+    }
     try {
         std::vector<std::string> arguments = with_device_numbers(words);
         std::reverse(arguments.begin(), arguments.end()); // as CLI11 takes them
@@ -89,8 +204,9 @@ ParsedLine CommandLine::parse(std::vector<std::string> const& words)
         parsed.out = out.str();
         return parsed;
     } catch (CLI::ParseError const& error) {
-        parsed.complaint =
-            printable(fmt::format("{0}: error: {1}; see {0} --help", parsed.name, error.what())) + "\n";
+        parsed.complaint = printable(fmt::format("{0}: error: {1}; see {0} --help", parsed.name,
+                                                 what_is_wrong(words, named, error.what()))) +
+                           "\n";
         parsed.code = kWrongUsage;
         return parsed;
     } catch (Failure const& failure) { // a preset is read while the command line is

@@ -8,6 +8,7 @@
 
 #include <CLI/App.hpp>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,7 +33,7 @@ public:
 
     /// Parses the words behind the program's own name. No file is read but one that --preset names. In
     /// another call options that are not given keep what they were set to.
-    ParsedLine parse(std::vector<std::string> const& words);
+    ParsedLine parse(std::vector<std::string> const& typed);
 
     CLI::App const& app() const { return app_; }
 
@@ -44,7 +45,15 @@ private:
 
     template <typename... Commands>
     void declare_all();
-    std::string full_name(std::vector<std::string> const& words);
+    struct Named {
+        CLI::App* app;
+        std::string name; ///< "umbrix list add".
+    };
+    static std::optional<std::string> unknown_command(std::vector<std::string> const& words,
+                                                      Named const& named);
+    Named command_named_in(std::vector<std::string> const& words);
+    std::string what_is_wrong(std::vector<std::string> const& words, Named const& named,
+                              std::string const& parser_says) const;
 
     CLI::App app_;
     std::vector<Declared> commands_;

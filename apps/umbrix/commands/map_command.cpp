@@ -54,7 +54,10 @@ void MapCommand::print_relief(MapReport const& report) const
     if (graphics_.device && !graphics_.match_cpu) {
         fmt::print(", heights inverted and at full scale");
     } else {
-        fmt::print(", relief {}", h_scale_of(settings_));
+        fmt::print(", {} {}", settings_.h_scale ? "h-scale" : "relief", h_scale_of(settings_));
+        if (settings_.n_scale) {
+            fmt::print(", n-scale {}", *settings_.n_scale);
+        }
     }
     if (report.device) {
         fmt::print(", on {} ({})", report.device->name, report.device->backend);

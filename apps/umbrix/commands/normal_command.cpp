@@ -18,6 +18,7 @@ CLI::App* NormalCommand::declare(CLI::App& app)
     declare_normal_y(*command, normal_y_, "Where green points in the normal map that is written")
         ->group("Relief");
     declare_options(*command, settings_, kForNormal);
+    command->get_option("--detail")->group(""); // taken, as it always was, and without an effect
     return command;
 }
 

@@ -35,7 +35,7 @@ CLI::App* CompletionCommand::declare(CLI::App& app)
     tool_ = &app;
     CLI::App* const command =
         app.add_subcommand("completion", "Print a script that completes this command line");
-    command->add_option("SHELL", shell_, "bash or zsh")->required();
+    command->add_option("SHELL", shell_, "Shell that takes the script [bash, zsh]")->required();
     return command;
 }
 

@@ -2,6 +2,7 @@
 #include "options/describe/completion.h"
 
 #include "options/describe/option_words.h"
+#include "toolkit/settings/preset.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -29,6 +30,33 @@ std::vector<std::string> names_of(std::vector<CLI::App const*> const& commands)
         names.push_back(each->get_name());
     }
     return names;
+}
+
+/// What may stand where a command stands: the commands below it, or the words of its argument.
+std::vector<std::string> words_behind(CLI::App const& command)
+{
+    std::vector<std::string> words = names_of(subcommands_of(command));
+    for (CLI::Option const* argument : positionals_of(command)) {
+        std::vector<std::string> const more = value_words(*argument);
+        words.insert(words.end(), more.begin(), more.end());
+    }
+    return words;
+}
+
+/// The words of an option's value.
+std::vector<std::string> words_for(CLI::Option const& option)
+{
+    if (!option.check_lname("preset")) {
+        return value_words(option);
+    }
+    auto const presets = umbrixlib::toolkit::shipped_presets();
+    return {presets.begin(), presets.end()};
+}
+
+/// Whether the value may be a file, too.
+bool takes_file(CLI::Option const& option)
+{
+    return option.get_type_name().find("FILE") != std::string::npos;
 }
 
 std::vector<std::string> all_spellings(CLI::App const& command)
@@ -76,8 +104,9 @@ std::string zsh_option(CLI::Option const& option, std::string const& spelling)
     if (!takes_value(option)) {
         return fmt::format("        '{}[{}]' \\\n", spelling, help);
     }
-    std::vector<std::string> const words = value_words(option);
-    std::string const action = words.empty() ? "_files" : fmt::format("({})", fmt::join(words, " "));
+    std::vector<std::string> const words = words_for(option);
+    std::string const action =
+        words.empty() || takes_file(option) ? "_files" : fmt::format("({})", fmt::join(words, " "));
     return fmt::format("        '{}[{}]:{}:{}' \\\n", spelling, help, escaped(option.get_type_name()),
                        action);
 }
@@ -98,15 +127,14 @@ std::string bash_completion(CLI::App const& tool)
     std::string options;
     std::string values;
     for_each_command(tool, "umbrix", [&](CLI::App const& command, std::string const& path) {
-        names += fmt::format("        '{}') commands='{}' ;;\n", path,
-                             fmt::join(names_of(subcommands_of(command)), " "));
+        names += fmt::format("        '{}') commands='{}' ;;\n", path, fmt::join(words_behind(command), " "));
         options +=
             fmt::format("        '{}') options='{}' ;;\n", path, fmt::join(all_spellings(command), " "));
         for (CLI::Option const* option : options_of(command)) {
-            std::vector<std::string> const words = value_words(*option);
+            std::vector<std::string> const words = words_for(*option);
             for (std::string const& spelling : words.empty() ? words : spellings(*option)) {
-                values +=
-                    fmt::format("        '{} {}') words='{}' ;;\n", path, spelling, fmt::join(words, " "));
+                values += fmt::format("        '{} {}') words='{}'{} ;;\n", path, spelling,
+                                      fmt::join(words, " "), takes_file(*option) ? " files=-f" : "");
             }
         }
     });
@@ -118,7 +146,7 @@ _umbrix_commands() {{
 
 _umbrix() {{
     local current=${{COMP_WORDS[COMP_CWORD]}} previous=${{COMP_WORDS[COMP_CWORD-1]}}
-    local path=umbrix commands= options= words= i
+    local path=umbrix commands= options= words= files= i
     _umbrix_commands umbrix
     for ((i = 1; i < COMP_CWORD; ++i)); do
         if [[ " $commands " == *" ${{COMP_WORDS[i]}} "* ]]; then
@@ -131,7 +159,7 @@ _umbrix() {{
     case "$path $previous" in
 {}    esac
     if [[ -n $words ]]; then
-        COMPREPLY=($(compgen -W "$words" -- "$current"))
+        COMPREPLY=($(compgen -W "$words" $files -- "$current"))
     elif [[ $current == -* ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$current"))
     elif [[ -n $commands ]]; then
@@ -160,8 +188,10 @@ std::string zsh_completion(CLI::App const& tool)
         }
         std::vector<CLI::App const*> const inside = subcommands_of(command);
         if (inside.empty()) {
-            functions += fmt::format("{}() {{\n    _arguments \\\n{}        '*:file:_files'\n}}\n\n",
-                                     zsh_function_name(path), body);
+            std::vector<std::string> const words = words_behind(command);
+            functions += fmt::format(
+                "{}() {{\n    _arguments \\\n{}        '*:{}'\n}}\n\n", zsh_function_name(path), body,
+                words.empty() ? "file:_files" : fmt::format("word:({})", fmt::join(words, " ")));
             return;
         }
         std::string descriptions;

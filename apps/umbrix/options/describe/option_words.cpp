@@ -37,7 +37,7 @@ std::vector<std::string> value_words(CLI::Option const& option)
 {
     std::string const& help = option.get_description();
     std::size_t const open = help.rfind('[');
-    std::size_t const end = help.find(';', open == std::string::npos ? help.size() : open);
+    std::size_t const end = help.find_first_of(";]", open == std::string::npos ? help.size() : open);
     if (!takes_value(option) || end == std::string::npos) {
         return {};
     }
