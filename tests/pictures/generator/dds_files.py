@@ -65,7 +65,6 @@ def add_blocks(corpus: Corpus) -> None:
         b"ATI1": "bc4",
         b"BC4U": "bc4",
         b"BC4S": "bc4s",
-        b"ATI2": "bc5",
         b"BC5U": "bc5",
         b"BC5S": "bc5s",
     }
@@ -109,6 +108,13 @@ def add_blocks(corpus: Corpus) -> None:
             f"{code.decode()}: associated alpha",
             divided_by_alpha(reference_of(data, size, form)),
         )
+    data = blocks_of("bc5", size)
+    decoded = picture(data, *size, "bc5")
+    remark = "ATI's own form has green first, for ffmpeg as well; Pillow takes red first"
+    green_first = with_blue(decoded[..., [1, 0]])
+    corpus.take("dds/ati2.dds", dds(data, size, b"ATI2"), "DDS", "ATI2", green_first, tolerance=1, remark=remark)
+    red_first = dds(data, size, b"ATI2", bits=int.from_bytes(b"A2XY", "little"))
+    corpus.take("dds/ati2_a2xy.dds", red_first, "DDS", "ATI2 with A2XY: red first", with_blue(decoded), tolerance=1)
     data = blocks_of("bc3", size, 5)
     red_in_alpha = reference_of(data, size, "bc3")[..., [3, 1, 2]]
     corpus.take("dds/rxgb.dds", dds(data, size, b"RXGB"), "DDS", "RXGB: red in the alpha of DXT5", red_in_alpha)
@@ -190,6 +196,7 @@ def add_samples(corpus: Corpus) -> None:
         bits=24,
         masks=bgra_masks[:3] + [0],
         pitch=40,
+        remark="ImageMagick, Pillow and ffmpeg leave the pitch of the header out of account",
     )
     five, ten = whole(13, 7, 4, 31), whole(13, 7, 3, 1023)
     odd = np.dstack([spread(five[..., 0], 31), spread(five[..., 1] * 2, 63), spread(five[..., 2], 31)])

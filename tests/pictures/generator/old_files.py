@@ -125,7 +125,9 @@ def add_pcx(corpus: Corpus) -> None:
         few = whole(33, 21, 1, (1 << bits) - 1)[..., 0]
         planes = (few[..., None] >> np.arange(bits - 1, -1, -1)) & 1
         packed = np.packbits(planes.reshape(21, -1).astype(np.uint8), axis=1)
-        take(f"palette{bits}", f"palette, {bits} bit", colours[few], pcx([even(packed)], bits, small=colours))
+        remark = "netpbm takes these two colours as well; Pillow and ffmpeg take black and white" if bits == 1 else ""
+        data = pcx([even(packed)], bits, small=colours)
+        take(f"palette{bits}", f"palette, {bits} bit", colours[few], data, remark=remark)
     sixteen = whole(33, 21, 1, 15)[..., 0]
     planes = [even(np.packbits(((sixteen >> i) & 1).astype(np.uint8), axis=1)) for i in range(4)]
     take("four_planes", "four planes of one bit", colours[sixteen], pcx(planes, 1, small=colours))
@@ -164,9 +166,13 @@ def sun(rows: bytes, size: tuple[int, int], bits: int, kind: int, table: np.ndar
     )
 
 
+LONG_RUNS = ("rgb2", "palette2")
+
+
 def add_sun(corpus: Corpus) -> None:
     def take(name: str, what: str, reference: np.ndarray, data: bytes, maker: str = "own") -> None:
-        corpus.take(f"sun/{name}.ras", data, "Sun raster", what, reference, maker)
+        remark = "runs that go over the end of a row are lost to ImageMagick and Pillow" if name in LONG_RUNS else ""
+        corpus.take(f"sun/{name}.ras", data, "Sun raster", what, reference, maker, remark=remark)
 
     size = (13, 7)
     rgb, grey = bytes_of(*size, 3), bytes_of(*size, 1)

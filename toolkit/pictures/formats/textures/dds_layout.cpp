@@ -214,16 +214,18 @@ void read_dx10_header(ByteReader& reader, TexelLayout& layout)
 struct PixelFormat {
     unsigned flags;
     unsigned code;
-    int bits;
+    unsigned bits; ///< Of a texel; with ATI2, some writers have a second code here.
     std::uint32_t masks[4];
 
+    /// ATI's own form has the block of green first.
+    bool has_green_first() const { return code == code_of("ATI2") && bits != code_of("A2XY"); }
     bool has(unsigned flag) const { return (flags & flag) != 0; }
 };
 
 void set_by_masks(SourceFile const& source, PixelFormat const& format, TexelLayout& layout)
 {
     bool const has_alpha = format.has(kHasAlpha) && format.masks[3] != 0;
-    layout.bits = format.bits;
+    layout.bits = static_cast<int>(std::min(format.bits, 64U));
     if (format.has(kHasRgb)) {
         // A channel without bits, and those behind it, are not there.
         for (std::size_t i = 0; i < 3 && format.masks[i] != 0; ++i) {
@@ -273,10 +275,8 @@ TexelLayout read_dds_layout(ByteReader& reader)
     if (reader.u32() != kPixelFormatSize) {
         source.refuse_as_damaged();
     }
-    PixelFormat const format{reader.u32(),
-                             reader.u32(),
-                             static_cast<int>(std::min(reader.u32(), 64U)),
-                             {reader.u32(), reader.u32(), reader.u32(), reader.u32()}};
+    PixelFormat const format{
+        reader.u32(), reader.u32(), reader.u32(), {reader.u32(), reader.u32(), reader.u32(), reader.u32()}};
     reader.skip(4);
     unsigned const what = reader.u32();
     reader.go_to(4 + kHeaderSize);
@@ -288,6 +288,7 @@ TexelLayout read_dds_layout(ByteReader& reader)
         source.refuse(fmt::format("it is a DDS file of the form {}", name_of(format.code)), kRemedy);
     }
     if (format.has(kHasCode)) {
+        layout.green_first = format.has_green_first();
         layout.is_vectors = layout.channels == 2 || layout.masks.size() == 2 ||
                             layout.blocks == BlockForm::kBc5 || layout.blocks == BlockForm::kBc5Signed;
     }

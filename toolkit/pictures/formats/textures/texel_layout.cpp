@@ -5,6 +5,7 @@
 #include "toolkit/pictures/formats/textures/vectors.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace umbrixlib::toolkit {
 
@@ -149,6 +150,9 @@ Picture read_texels(ByteReader& reader, TexelLayout& layout)
     Picture picture = layout.blocks    ? read_blocks(reader, layout)
                       : layout.samples ? read_samples(reader, layout)
                                        : read_masked(reader, layout);
+    for (std::size_t i = 0; layout.green_first && i < picture.texels(); ++i) {
+        std::swap(picture.texel(i)[0], picture.texel(i)[1]);
+    }
     if (layout.is_vectors) {
         picture = with_blue(picture);
         layout.notes.emplace_back(kBlueNote);

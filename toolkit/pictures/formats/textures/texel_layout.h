@@ -23,6 +23,7 @@ struct TexelLayout {
     std::optional<SampleType> samples{}; ///< Whole samples, one a channel, the low byte first.
     int channels = 0;                    ///< Of samples.
     bool is_vectors = false;             ///< Two channels are red and green of normals.
+    bool green_first = false;            ///< Of two channels, the first one is green.
     bool alpha_is_red = false;           ///< DXT5 with the red channel where it is most exact.
     bool premultiplied = false;
     std::vector<std::string> notes{};
