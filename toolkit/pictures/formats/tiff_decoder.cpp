@@ -112,12 +112,37 @@ private:
     {
         auto const sample = static_cast<std::uint16_t>(plane);
         auto const bytes = static_cast<tmsize_t>(size);
-        tmsize_t const read =
-            tiled ? TIFFReadEncodedTile(file_.get(), TIFFComputeTile(file_.get(), left, top, 0, sample),
-                                        block.data(), bytes)
-                  : TIFFReadEncodedStrip(file_.get(), TIFFComputeStrip(file_.get(), top, sample),
-                                         block.data(), bytes);
+        std::uint32_t const number = tiled ? TIFFComputeTile(file_.get(), left, top, 0, sample)
+                                           : TIFFComputeStrip(file_.get(), top, sample);
+        if (form_.compression == COMPRESSION_JBIG) {
+            check_bits_of_jbig(number, bytes);
+        }
+        tmsize_t const read = tiled ? TIFFReadEncodedTile(file_.get(), number, block.data(), bytes)
+                                    : TIFFReadEncodedStrip(file_.get(), number, block.data(), bytes);
         file_.check(read == bytes);
+    }
+
+    /// JBIG has a size and a number of planes of its own, which libtiff takes as they are: a short file could
+    /// ask for very much memory and time.
+    void check_bits_of_jbig(std::uint32_t number, tmsize_t bytes) const
+    {
+        constexpr std::size_t kPlanesAt = 2;
+        constexpr std::size_t kWidthAt = 4;
+        constexpr std::size_t kHeightAt = 8;
+        constexpr std::size_t kEnd = 12;
+        auto const content = file_.content();
+        std::uint64_t const start = TIFFGetStrileOffset(file_.get(), number);
+        file_.check(start <= content.size() && content.size() - start >= kEnd);
+        auto const header = content.subspan(static_cast<std::size_t>(start), kEnd);
+        // libtiff turns the bits of each byte over where the highest one is first.
+        bool const turned = file_.defaulted(TIFFTAG_FILLORDER) == FILLORDER_MSB2LSB;
+        auto const* const bits = TIFFGetBitRevTable(turned ? 1 : 0);
+        auto const byte = [&](std::size_t at) { return static_cast<double>(bits[header[at]]); };
+        auto const word = [&](std::size_t at) {
+            return ((byte(at) * 256 + byte(at + 1)) * 256 + byte(at + 2)) * 256 + byte(at + 3);
+        };
+        file_.check(byte(kPlanesAt) == 1 &&
+                    std::ceil(word(kWidthAt) / 8) * word(kHeightAt) <= static_cast<double>(bytes));
     }
 
     /// Puts a row of a block into the picture, from texel @p at on. @p row has room for its samples.

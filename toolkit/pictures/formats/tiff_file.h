@@ -21,6 +21,9 @@ public:
 
     TIFF* get() const { return tiff_; }
 
+    /// The whole file.
+    std::span<std::uint8_t const> content() const { return content_; }
+
     /// A tag of one number, or the number that it counts as when the file does not have it.
     template <typename Number>
     Number number(ttag_t tag, Number missing) const
