@@ -27,8 +27,19 @@ struct PictureView {
     SampleType type = SampleType::kUint8; ///< Of every sample.
 };
 
-/// Marks a constructor of what works with pictures in memory alone.
-struct InMemory {};
+/// How a picture of heights goes on beyond its borders where normals are made of it: it repeats, or its
+/// slopes go on. What is made from file to file always repeats.
+struct Borders {
+    bool h_tile = true; ///< It repeats sideways.
+    bool v_tile = true; ///< It repeats up and down.
+
+    bool all_repeat() const { return h_tile && v_tile; }
+};
+
+/// Marks a constructor of what works with pictures in memory alone, and says what holds there.
+struct InMemory {
+    Borders borders{}; ///< Of all heights.
+};
 
 /// What the colours of a picture of normals are.
 enum class NormalCoding {

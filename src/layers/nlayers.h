@@ -41,8 +41,9 @@ class UMBRIX_API NLayers {
 public:
     /// An empty stack over the caller's records. Prepares DevIL.
     explicit NLayers(LinkedList<n_layer>* layers);
-    /// The same for layers from pictures in memory alone: DevIL is left alone.
-    NLayers(LinkedList<n_layer>* layers, umbrixlib::InMemory);
+    /// The same for layers from pictures in memory alone: DevIL is left alone, and normals may be made of
+    /// heights that do not repeat.
+    NLayers(LinkedList<n_layer>* layers, umbrixlib::InMemory memory);
     /// As `Clear`. Leaves the records and DevIL alone.
     ~NLayers();
     NLayers(NLayers const&) = delete;
@@ -192,6 +193,7 @@ private:
     float3* result_for(layer_size size) const;
     void resize_layer(int index, layer_size size, bool new_normals, bool new_heights);
 
+    umbrixlib::Borders borders_;        ///< Of the heights that normals are made of.
     LinkedList<LayerBuffers> replaced_; ///< Taken out of the lists, and perhaps still looked at.
     float3* made_result_ = nullptr; ///< The `result` that this stack made last. Others are the front end's.
     long long made_result_texels_ = 0; ///< Its room.

@@ -3,7 +3,7 @@
 #include "layers/nlayers.h"
 
 #include "layers/layer_access_internal.h"
-#include "normals/height_to_normal.h"
+#include "normals/height_to_normal_internal.h"
 
 inline namespace umbrix_v0 {
 
@@ -20,9 +20,11 @@ void NLayers::GenerateLayer(int index)
     if (record->regenerate && (has_buffers || layer.texels() == 0)) {
         std::string unseen_text;
         int unseen_progress = 0;
-        HeightToNormal(layer.heights, layer.normals, layer.size.height, layer.size.width, record->n_scale,
-                       record->gaussian, record->depth, false, 1, record->L_Detail, record->spare_flag,
-                       record->edge_a, record->edge_b, true, &unseen_text, &unseen_progress);
+        RunReport report(&unseen_text, &unseen_progress);
+        make_normals_of(layer.heights, layer.normals, layer.size.height, layer.size.width,
+                        {record->n_scale, record->gaussian, record->depth, record->L_Detail, record->edge_a,
+                         record->edge_b},
+                        report, borders_);
     }
     record->regenerate = false;
 }

@@ -44,7 +44,10 @@ NLayers::NLayers(LinkedList<n_layer>* layers) : records(layers)
     }
 }
 
-NLayers::NLayers(LinkedList<n_layer>* layers, umbrixlib::InMemory /*tag*/) : records(layers) {}
+NLayers::NLayers(LinkedList<n_layer>* layers, umbrixlib::InMemory memory)
+    : records(layers), borders_(memory.borders)
+{
+}
 
 NLayers::~NLayers()
 {

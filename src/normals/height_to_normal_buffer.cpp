@@ -8,6 +8,7 @@
 #include "normals/filter_parts_internal.h"
 #include "normals/filter_tables_internal.h"
 #include "normals/height_to_normal_internal.h"
+#include "normals/open_borders_internal.h"
 
 #include <cstddef>
 #include <memory>
@@ -24,10 +25,9 @@ void copy_on_all_threads(float const* from, float* to, std::ptrdiff_t count)
     }
 }
 
-} // namespace
-
-void make_normals_of(float const* source, float3* destination, int height, int width,
-                     NormalSettings const& settings, RunReport& report)
+/// Of heights that repeat.
+void make_repeating_normals(float const* source, float3* destination, int height, int width,
+                            NormalSettings const& settings, RunReport& report)
 {
     auto const texels = static_cast<std::ptrdiff_t>(height) * width;
     auto const size = static_cast<std::size_t>(texels);
@@ -79,6 +79,26 @@ void make_normals_of(float const* source, float3* destination, int height, int w
     if (settings.edge_a > 0.0f && settings.edge_b > 0.0f && !report.stopping()) {
         NormalEdges(destination, heights, height, width, settings.edge_a, settings.edge_b);
     }
+}
+
+} // namespace
+
+void make_normals_of(float const* source, float3* destination, int height, int width,
+                     NormalSettings const& settings, RunReport& report, Borders const& borders)
+{
+    if (borders.all_repeat()) {
+        make_repeating_normals(source, destination, height, width, settings, report);
+        return;
+    }
+    Margins const margins =
+        margins_for(borders, height, width, reach_of(settings.gaussian, settings.L_Detail));
+    int const rows = height + 2 * margins.rows;
+    int const columns = width + 2 * margins.columns;
+    auto const heights = with_margins(source, height, width, margins);
+    auto const normals =
+        make_large_array<float3>(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns));
+    make_repeating_normals(heights.get(), normals.get(), rows, columns, settings, report);
+    copy_without_margins(normals.get(), destination, height, width, margins);
 }
 
 } // namespace umbrixlib::detail

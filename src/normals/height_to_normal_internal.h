@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/vector_types.h"
+#include "foundation/picture_view.h"
 #include "foundation/run_report_internal.h"
 
 namespace umbrixlib::detail {
@@ -16,9 +17,9 @@ struct NormalSettings {
     float edge_b;
 };
 
-/// `HeightToNormal` on a buffer. If the run is stopped, the contents of @p destination are
-/// undefined.
+/// `HeightToNormal` on a buffer, with borders that it does not have. If the run is stopped, the contents of
+/// @p destination are undefined.
 void make_normals_of(float const* source, float3* destination, int height, int width,
-                     NormalSettings const& settings, RunReport& report);
+                     NormalSettings const& settings, RunReport& report, Borders const& borders = {});
 
 } // namespace umbrixlib::detail

@@ -4,12 +4,28 @@
 #include "boundary/run_turn_internal.h"
 #include "foundation/picture_samples_internal.h"
 #include "normals/colour_heights_internal.h"
+#include "normals/open_borders_internal.h"
 
 #include <utility>
 
 namespace umbrixlib {
 
 using namespace detail;
+
+namespace {
+
+void turn_into_normals_with_open_borders(float3* image, NormalsRequest const& request, RunReport& report)
+{
+    int const height = request.heights.height;
+    int const width = request.heights.width;
+    Margins const margins = margins_for(request.borders, height, width, reach_of(request.gaussian, 0.0f));
+    auto const extended = with_margins(image, height, width, margins);
+    turn_into_normals(extended.get(), height + 2 * margins.rows, width + 2 * margins.columns, request.n_scale,
+                      request.gaussian, report);
+    copy_without_margins(extended.get(), image, height, width, margins);
+}
+
+} // namespace
 
 NormalsResult make_normals(NormalsRequest const& request)
 {
@@ -26,7 +42,12 @@ NormalsResult make_normals(NormalsRequest const& request)
     }
     TexelArray<float3> image = fetch_colours(PictureSamples::of(heights), heights.height, heights.width);
     report.begin("Generating Normal");
-    turn_into_normals(image.get(), heights.height, heights.width, request.n_scale, request.gaussian, report);
+    if (request.borders.all_repeat()) {
+        turn_into_normals(image.get(), heights.height, heights.width, request.n_scale, request.gaussian,
+                          report);
+    } else {
+        turn_into_normals_with_open_borders(image.get(), request, report);
+    }
     if (report.stopping()) {
         result.outcome = Outcome::kStopped;
         return result;

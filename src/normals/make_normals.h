@@ -14,6 +14,7 @@ struct NormalsRequest {
     PictureView heights;           ///< The mean of the colours is the height; alpha is not read.
     float n_scale = 1.0f;          ///< Strength: a height difference of 1 over two texels, as a slope.
     float gaussian = 0.0f;         ///< Sigma of the blur before, texels; 0 or less means none.
+    Borders borders{};             ///< How the heights go on beyond the picture.
     RunControl* control = nullptr; ///< Watches and stops the run; null for none.
 };
 
@@ -26,7 +27,8 @@ struct NormalsResult {
 };
 
 /// Makes a tangent-space normal map of a picture of heights in memory: `HeightToNormal` from file to file,
-/// without the files. `normals_to_bytes` makes the bytes that it stores, of pictures of bytes to the bit.
+/// without the files. `normals_to_bytes` makes the bytes that it stores, of pictures of bytes to the bit; but
+/// for borders that do not repeat, which files do not have.
 ///
 /// Errors: std::bad_alloc leaves the call. Threads: as for `make_map`.
 UMBRIX_API NormalsResult make_normals(NormalsRequest const& request);

@@ -98,7 +98,7 @@ MapResult make_map(MapRequest const& request)
         GpuMapRun run(*request.gpu, options, nullptr, layers, source, shape, report);
         run_into(run, request, shape, result);
     } else {
-        MapRun run(options, nullptr, layers, source, shape, MapRun::Shares::kTeam, report);
+        MapRun run(options, nullptr, layers, source, shape, MapRun::Shares::kTeam, report, request.borders);
         run_into(run, request, shape, result);
     }
     return result;

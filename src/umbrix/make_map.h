@@ -47,6 +47,9 @@ struct MapRequest {
     /// If set, the run is that of `UmbrixFile_GPU` on this device.
     std::optional<GPU_opt> gpu;
 
+    /// Of heights that normals are made of; the occlusion has the options' own. With `gpu` they repeat.
+    Borders borders{};
+
     MapForm form = MapForm::kFloats;   ///< Of the map in the result.
     bool wants_light = false;          ///< Asks for that array of the result, as do the next four.
     bool wants_occlusion = false;      ///< As `wants_light`.

@@ -27,9 +27,10 @@ constexpr float3 kAll = {1.0f, 1.0f, 1.0f};
 } // namespace
 
 MapRun::MapRun(umbrix_options& options, KeptBuffers* kept, LayerBranch const& layers, MapSource const& source,
-               MapShape shape, Shares shares, RunReport& report)
+               MapShape shape, Shares shares, RunReport& report, Borders const& borders)
     : options_(options), kept_(kept), layers_(layers), source_(source), shape_(shape), share_rule_(shares),
-      report_(report), makes_light_(options.generate_normal || (!options.no_normal && !options.height_map)),
+      report_(report), borders_(borders),
+      makes_light_(options.generate_normal || (!options.no_normal && !options.height_map)),
       makes_occlusion_(has_occlusion(options.calc_type)),
       decodes_normals_(!options.no_normal && !options.generate_normal && !options.height_map)
 {
@@ -304,7 +305,7 @@ void MapRun::generate_normals(int thread)
         } else {
             make_normals_of(heights_.data.get(), target_normals(), shape_.rows, shape_.cols,
                             {options_.n_scale, options_.gaussian, 0.0f, options_.L_Detail, 0.0f, 0.0f},
-                            report_);
+                            report_, borders_);
         }
     });
 }

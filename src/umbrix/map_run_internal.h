@@ -42,7 +42,7 @@ public:
     /// @param kept   For the arrays that `keep_buffers` leaves to the caller; null keeps none.
     /// @param shape  Of the map; its channels are not looked at.
     MapRun(umbrix_options& options, KeptBuffers* kept, LayerBranch const& layers, MapSource const& source,
-           MapShape shape, Shares shares, RunReport& report);
+           MapShape shape, Shares shares, RunReport& report, Borders const& borders = {});
     ~MapRun();
     MapRun(MapRun const&) = delete;
     MapRun& operator=(MapRun const&) = delete;
@@ -148,6 +148,7 @@ private:
     MapShape const shape_;
     Shares const share_rule_;
     RunReport& report_;
+    Borders const borders_; ///< Of the heights that normals are made of.
 
     bool const makes_light_;
     bool const makes_occlusion_;
