@@ -90,15 +90,11 @@ void make_normals_of(float const* source, float3* destination, int height, int w
         make_repeating_normals(source, destination, height, width, settings, report);
         return;
     }
-    Margins const margins =
-        margins_for(borders, height, width, reach_of(settings.gaussian, settings.L_Detail));
-    int const rows = height + 2 * margins.rows;
-    int const columns = width + 2 * margins.columns;
-    auto const heights = with_margins(source, height, width, margins);
-    auto const normals =
-        make_large_array<float3>(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns));
-    make_repeating_normals(heights.get(), normals.get(), rows, columns, settings, report);
-    copy_without_margins(normals.get(), destination, height, width, margins);
+    OpenBorders const open(borders, height, width, settings.gaussian, settings.L_Detail);
+    auto const heights = open.extended(source);
+    auto const normals = make_large_array<float3>(open.texels());
+    make_repeating_normals(heights.get(), normals.get(), open.rows(), open.columns(), settings, report);
+    open.copy_inside(normals.get(), destination);
 }
 
 } // namespace umbrixlib::detail

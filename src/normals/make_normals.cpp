@@ -16,13 +16,11 @@ namespace {
 
 void turn_into_normals_with_open_borders(float3* image, NormalsRequest const& request, RunReport& report)
 {
-    int const height = request.heights.height;
-    int const width = request.heights.width;
-    Margins const margins = margins_for(request.borders, height, width, reach_of(request.gaussian, 0.0f));
-    auto const extended = with_margins(image, height, width, margins);
-    turn_into_normals(extended.get(), height + 2 * margins.rows, width + 2 * margins.columns, request.n_scale,
-                      request.gaussian, report);
-    copy_without_margins(extended.get(), image, height, width, margins);
+    OpenBorders const open(request.borders, request.heights.height, request.heights.width, request.gaussian,
+                           0.0f);
+    auto const extended = open.extended(image);
+    turn_into_normals(extended.get(), open.rows(), open.columns(), request.n_scale, request.gaussian, report);
+    open.copy_inside(extended.get(), image);
 }
 
 } // namespace

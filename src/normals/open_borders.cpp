@@ -5,13 +5,26 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
 
 namespace umbrixlib::detail {
 
 namespace {
 
-/// A place beside the picture, as the two texels that give its value: 2 * border - inner.
+/// How far the filters look, and the difference after them.
+double reach_of(float gaussian, float bilateral_radius)
+{
+    // The recursive blur has longer tails than a Gaussian: 4 % of its peak at three sigmas, 0.04 % at six.
+    constexpr double kSigmas = 6.0;
+    auto const part = [](double texels) { return texels > 0.0 ? std::ceil(texels) : 0.0; };
+    return 1.0 + part(kSigmas * wide(gaussian)) + part(wide(bilateral_radius));
+}
+
+int margin_of(bool repeats, int side, double reach)
+{
+    return repeats ? 0 : static_cast<int>(std::min(reach, std::max(side - 1.0, 0.0)));
+}
+
+/// A place in or beside the picture, as the two texels that give its value: 2 * border - inner.
 struct Mirrored {
     std::ptrdiff_t border;
     std::ptrdiff_t inner;
@@ -35,31 +48,40 @@ float3 carried_on(float3 const& border, float3 const& inner)
     return {carried_on(border.x, inner.x), carried_on(border.y, inner.y), carried_on(border.z, inner.z)};
 }
 
-template <typename Texel>
-LargeArray<Texel> extended(Texel const* picture, int height, int width, Margins const& margins)
+} // namespace
+
+OpenBorders::OpenBorders(Borders const& borders, int rows, int columns, float gaussian,
+                         float bilateral_radius)
+    : rows_(rows), columns_(columns),
+      margin_rows_(margin_of(borders.v_tile, rows, reach_of(gaussian, bilateral_radius))),
+      margin_columns_(margin_of(borders.h_tile, columns, reach_of(gaussian, bilateral_radius)))
 {
-    std::ptrdiff_t const rows = height + 2 * std::ptrdiff_t{margins.rows};
-    std::ptrdiff_t const columns = width + 2 * std::ptrdiff_t{margins.columns};
-    auto result = make_large_array<Texel>(static_cast<std::size_t>(rows * columns));
+}
+
+template <typename Texel>
+LargeArray<Texel> OpenBorders::with_margins(Texel const* picture) const
+{
+    auto result = make_large_array<Texel>(texels());
+    std::ptrdiff_t const stride = columns();
 #pragma omp parallel
     {
 #pragma omp for schedule(static)
-        for (std::ptrdiff_t y = 0; y < height; ++y) {
-            Texel const* const from = picture + y * width;
-            Texel* const to = &result[(y + margins.rows) * columns];
-            for (std::ptrdiff_t x = 0; x < columns; ++x) {
-                auto const [border, inner] = mirrored(x - margins.columns, width);
+        for (std::ptrdiff_t y = 0; y < rows_; ++y) {
+            Texel const* const from = picture + y * columns_;
+            Texel* const to = &result[(y + margin_rows_) * stride];
+            for (std::ptrdiff_t x = 0; x < stride; ++x) {
+                auto const [border, inner] = mirrored(x - margin_columns_, columns_);
                 to[x] = border == inner ? from[border] : carried_on(from[border], from[inner]);
             }
         }
 #pragma omp for schedule(static)
-        for (std::ptrdiff_t y = 0; y < rows; ++y) {
-            auto const [border, inner] = mirrored(y - margins.rows, height);
+        for (std::ptrdiff_t y = 0; y < rows(); ++y) {
+            auto const [border, inner] = mirrored(y - margin_rows_, rows_);
             if (border != inner) {
-                Texel const* const borders = &result[(border + margins.rows) * columns];
-                Texel const* const inners = &result[(inner + margins.rows) * columns];
-                for (std::ptrdiff_t x = 0; x < columns; ++x) {
-                    result[y * columns + x] = carried_on(borders[x], inners[x]);
+                Texel const* const borders = &result[(border + margin_rows_) * stride];
+                Texel const* const inners = &result[(inner + margin_rows_) * stride];
+                for (std::ptrdiff_t x = 0; x < stride; ++x) {
+                    result[y * stride + x] = carried_on(borders[x], inners[x]);
                 }
             }
         }
@@ -67,40 +89,22 @@ LargeArray<Texel> extended(Texel const* picture, int height, int width, Margins 
     return result;
 }
 
-} // namespace
-
-Margins margins_for(Borders const& borders, int height, int width, double reach)
+LargeArray<float> OpenBorders::extended(float const* picture) const
 {
-    auto const margin = [reach](bool repeats, int side) {
-        return repeats ? 0 : static_cast<int>(std::min(reach, std::max(side - 1.0, 0.0)));
-    };
-    return {margin(borders.h_tile, width), margin(borders.v_tile, height)};
+    return with_margins(picture);
 }
 
-double reach_of(float gaussian, float bilateral_radius)
+LargeArray<float3> OpenBorders::extended(float3 const* picture) const
 {
-    constexpr double kSigmas = 6.0; // the recursive blur has longer tails than a Gaussian: 0.04 of its peak at 3
-    auto const part = [](double texels) { return texels > 0.0 ? std::ceil(texels) : 0.0; };
-    return 1.0 + part(kSigmas * wide(gaussian)) + part(wide(bilateral_radius));
+    return with_margins(picture);
 }
 
-LargeArray<float> with_margins(float const* picture, int height, int width, Margins const& margins)
+void OpenBorders::copy_inside(float3 const* extended, float3* picture) const
 {
-    return extended(picture, height, width, margins);
-}
-
-LargeArray<float3> with_margins(float3 const* picture, int height, int width, Margins const& margins)
-{
-    return extended(picture, height, width, margins);
-}
-
-void copy_without_margins(float3 const* extended, float3* picture, int height, int width,
-                          Margins const& margins)
-{
-    std::ptrdiff_t const columns = width + 2 * std::ptrdiff_t{margins.columns};
 #pragma omp parallel for schedule(static)
-    for (std::ptrdiff_t y = 0; y < height; ++y) {
-        std::copy_n(extended + (y + margins.rows) * columns + margins.columns, width, picture + y * width);
+    for (std::ptrdiff_t y = 0; y < rows_; ++y) {
+        std::copy_n(extended + (y + margin_rows_) * columns() + margin_columns_, columns_,
+                    picture + y * columns_);
     }
 }
 

@@ -5,29 +5,41 @@
 #include "common/vector_types.h"
 #include "foundation/picture_view.h"
 
+#include <cstddef>
+
 namespace umbrixlib::detail {
 
-/// Texels that are added at each end of a row and of a column.
-struct Margins {
-    int columns = 0;
-    int rows = 0;
+/// A picture of heights with margins at the borders that do not repeat, wide enough that no filter looks
+/// across these. A texel of a margin mirrors one of the picture about the texel on the border, in place and
+/// in value: a slope goes on as it is, and the difference across the border is that at its inner side.
+class OpenBorders {
+public:
+    /// @param gaussian, bilateral_radius Of the filters before the difference, in texels; 0 for none.
+    OpenBorders(Borders const& borders, int rows, int columns, float gaussian, float bilateral_radius);
+
+    // Of the picture with its margins.
+    int rows() const { return rows_ + 2 * margin_rows_; }
+    int columns() const { return columns_ + 2 * margin_columns_; }
+    std::size_t texels() const
+    {
+        return static_cast<std::size_t>(rows()) * static_cast<std::size_t>(columns());
+    }
+
+    /// @p picture with its margins.
+    LargeArray<float> extended(float const* picture) const;
+    LargeArray<float3> extended(float3 const* picture) const;
+
+    /// Copies what lies between the margins of @p extended.
+    void copy_inside(float3 const* extended, float3* picture) const;
+
+private:
+    template <typename Texel>
+    LargeArray<Texel> with_margins(Texel const* picture) const;
+
+    int rows_;
+    int columns_;
+    int margin_rows_;
+    int margin_columns_; ///< Texels at each end of a row. No margin is as wide as the picture.
 };
-
-/// The margins that keep filters from looking across the borders that do not repeat. @p reach: how far they
-/// look, in texels. None is as wide as the picture.
-Margins margins_for(Borders const& borders, int height, int width, double reach);
-
-/// How far a blur of that sigma and a bilateral filter of that radius look, and the difference after them.
-double reach_of(float gaussian, float bilateral_radius);
-
-/// @p picture, of floats or colours, with its margins: each texel there mirrors one of the picture about the
-/// texel on the border, in place and in value. So a slope goes on as it is, and the difference across the
-/// border is that at its inner side.
-LargeArray<float> with_margins(float const* picture, int height, int width, Margins const& margins);
-LargeArray<float3> with_margins(float3 const* picture, int height, int width, Margins const& margins);
-
-/// Copies what lies between the margins of @p extended, which is @p height x @p width texels.
-void copy_without_margins(float3 const* extended, float3* picture, int height, int width,
-                          Margins const& margins);
 
 } // namespace umbrixlib::detail

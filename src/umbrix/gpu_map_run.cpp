@@ -5,6 +5,7 @@
 #include "common/rounding.h"
 #include "normals/filter_parts_internal.h"
 #include "normals/filter_tables_internal.h"
+#include "normals/open_borders_internal.h"
 #include "umbrix/layer_heights_internal.h"
 #include "umbrix/texel_steps_internal.h"
 
@@ -24,9 +25,9 @@ float inverse_mean(float3 const& colour)
 } // namespace
 
 GpuMapRun::GpuMapRun(GPU_opt gpu, umbrix_options& options, KeptBuffers* kept, LayerBranch const& layers,
-                     MapSource const& source, MapShape shape, RunReport& report)
+                     MapSource const& source, MapShape shape, RunReport& report, Borders const& borders)
     : gpu_(gpu), options_(options), kept_(kept), layers_(layers), source_(source), shape_(shape),
-      report_(report)
+      report_(report), borders_(borders)
 {
 }
 
@@ -291,11 +292,22 @@ void GpuMapRun::pre_process_group()
 
 void GpuMapRun::normals_group()
 {
-    SetDevice(gpu_.device);
-    SetDest(normals_.get(), shape_.rows, shape_.cols);
-    HeightToNormal_GPU(gpu_, heights_.data.get(), shape_.rows, shape_.cols, options_.n_scale,
-                       options_.gaussian, options_.L_Detail, 0.0f, report_.status(), report_.progress());
-    GetDest(normals_.get(), shape_.rows, shape_.cols);
+    auto const make = [this](float* heights, float3* normals, int rows, int columns) {
+        SetDevice(gpu_.device);
+        SetDest(normals, rows, columns);
+        HeightToNormal_GPU(gpu_, heights, rows, columns, options_.n_scale, options_.gaussian,
+                           options_.L_Detail, 0.0f, report_.status(), report_.progress());
+        GetDest(normals, rows, columns);
+    };
+    if (borders_.all_repeat()) {
+        make(heights_.data.get(), normals_.get(), shape_.rows, shape_.cols);
+        return;
+    }
+    OpenBorders const open(borders_, shape_.rows, shape_.cols, options_.gaussian, options_.L_Detail);
+    auto const heights = open.extended(heights_.data.get());
+    auto const normals = make_large_array<float3>(open.texels());
+    make(heights.get(), normals.get(), open.rows(), open.columns());
+    open.copy_inside(normals.get(), normals_.get());
 }
 
 void GpuMapRun::light_group(float3* uploaded, float3* downloaded)

@@ -26,7 +26,7 @@ public:
     /// @param kept  For the arrays that a run leaves to the caller; null keeps none.
     /// @param shape Of the map; its channels are not looked at.
     GpuMapRun(GPU_opt gpu, umbrix_options& options, KeptBuffers* kept, LayerBranch const& layers,
-              MapSource const& source, MapShape shape, RunReport& report);
+              MapSource const& source, MapShape shape, RunReport& report, Borders const& borders = {});
     ~GpuMapRun();
     GpuMapRun(GpuMapRun const&) = delete;
     GpuMapRun& operator=(GpuMapRun const&) = delete;
@@ -83,6 +83,7 @@ private:
     MapSource const source_;
     MapShape const shape_;
     RunReport& report_;
+    Borders const borders_; ///< Of the heights that normals are made of.
 
     MapDemand wanted_{};
     LargeArray<float3> normals_;     ///< Without kept ones: normals, then light.

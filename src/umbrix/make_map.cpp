@@ -95,7 +95,7 @@ MapResult make_map(MapRequest const& request)
     NestedTeams const nested;
     MapSource const source{PictureSamples::of(request.source), request.coding};
     if (request.gpu) {
-        GpuMapRun run(*request.gpu, options, nullptr, layers, source, shape, report);
+        GpuMapRun run(*request.gpu, options, nullptr, layers, source, shape, report, request.borders);
         run_into(run, request, shape, result);
     } else {
         MapRun run(options, nullptr, layers, source, shape, MapRun::Shares::kTeam, report, request.borders);

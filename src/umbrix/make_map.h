@@ -47,7 +47,7 @@ struct MapRequest {
     /// If set, the run is that of `UmbrixFile_GPU` on this device.
     std::optional<GPU_opt> gpu;
 
-    /// Of heights that normals are made of; the occlusion has the options' own. With `gpu` they repeat.
+    /// Of heights that normals are made of; the occlusion has the options' own.
     Borders borders{};
 
     MapForm form = MapForm::kFloats;   ///< Of the map in the result.

@@ -15,10 +15,10 @@ TEST_F(InfoCommand, TellsWhatIsInAPicture)
     Outcome const outcome = run({"info", "x.png"});
     EXPECT_EQ(outcome.code, 0);
     EXPECT_EQ(outcome.out, "x.png: 2 x 1, PNG, 8-bit colour with alpha\n"
-                           "  red   10 to 50, mean 30\n"
-                           "  green 20 to 20, mean 20\n"
-                           "  blue  30 to 90, mean 60\n"
-                           "  alpha 40 to 200, mean 120\n"
+                           "  red   10 to 50, mean 30, 2 levels\n"
+                           "  green 20 to 20, mean 20, 1 level\n"
+                           "  blue  30 to 90, mean 60, 2 levels\n"
+                           "  alpha 40 to 200, mean 120, 2 levels\n"
                            "  `umbrix map` takes it for a height map: its colours are no normals\n");
 }
 
@@ -46,10 +46,34 @@ TEST_F(InfoCommand, TellsGreyFromAlphaInATga)
 {
     write("x.tga", tga_bytes(2, 1, 2, {5, 200, 9, 100}));
     Outcome const outcome = run({"info", "x.tga"});
-    EXPECT_NE(
-        outcome.out.find("8-bit grey with alpha\n  grey  5 to 9, mean 7\n  alpha 100 to 200, mean 150\n"),
-        std::string::npos)
+    EXPECT_NE(outcome.out.find("8-bit grey with alpha\n  grey  5 to 9, mean 7, 2 levels\n  alpha 100 to 200, "
+                               "mean 150, 2 levels\n"),
+              std::string::npos)
         << outcome.out;
+}
+
+TEST_F(InfoCommand, WarnsOf8BitStepsIn16Bits)
+{
+    write("x.png", png_bytes(2, PngColour::kGrey, 16, {{0x12, 0x12, 0xff, 0xff}}));
+    Outcome const steps = run({"info", "x.png"});
+    EXPECT_NE(steps.out.find("2 levels\n  8-bit steps in a 16-bit file\n"), std::string::npos) << steps.out;
+    write("y.png", png_bytes(2, PngColour::kGrey, 16, {{0x12, 0x13, 0xff, 0xff}}));
+    EXPECT_EQ(run({"info", "y.png"}).out.find("8-bit steps"), std::string::npos);
+    nlohmann::json const told = nlohmann::json::parse(run({"info", "x.png", "--json"}).out);
+    EXPECT_EQ(told.at("has_8_bit_steps"), true);
+    EXPECT_EQ(told.at("channels")[0].at("levels"), 2);
+}
+
+TEST_F(InfoCommand, LooksIntoLargePicturesOnDemand)
+{
+    constexpr int kLargeSide = 4200; // 17.6 million texels
+    write("x.tga", tga_bytes(kLargeSide, kLargeSide, 1, Bytes(std::size_t{kLargeSide} * kLargeSide, 7)));
+    EXPECT_EQ(run({"info", "x.tga"}).out, "x.tga: 4200 x 4200, TGA; --range looks into so large a picture\n");
+    EXPECT_EQ(nlohmann::json::parse(run({"info", "x.tga", "--json"}).out).at("only_header"), true);
+    EXPECT_NE(run({"info", "x.tga", "--range"}).out.find("7 to 7, mean 7, 1 level"), std::string::npos);
+    Outcome const refused = run({"info", "x.tga", "--max-texels", "17000000"});
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_NE(refused.err.find("--max-texels"), std::string::npos) << refused.err;
 }
 
 } // namespace

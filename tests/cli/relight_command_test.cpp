@@ -44,6 +44,23 @@ TEST_F(RelightCommand, WeighsTheChannelsByTheirDirections)
     EXPECT_EQ(lit("map.tga", "120,10", 1, 1), 0);
 }
 
+TEST_F(RelightCommand, KeepsTheDepthThatIsAskedFor)
+{
+    write("hill.tga", hill(32));
+    ASSERT_EQ(run({"map", "hill.tga", "-o", "map.exr", "--rays", "16"}).code, 0);
+    ASSERT_EQ(run({"relight", "map.exr", "-o", "lit.png"}).code, 0);
+    ASSERT_EQ(run({"relight", "map.exr", "-o", "deep.png", "--depth", "16"}).code, 0);
+    ASSERT_EQ(run({"relight", "map.exr", "-o", "float.exr", "--depth", "float"}).code, 0);
+    ASSERT_EQ(run({"relight", "map.exr", "-o", "sheet.png", "--depth", "16", "--turntable", "4"}).code, 0);
+    EXPECT_EQ(run({"info", "deep.png"}).out.find("deep.png: 32 x 32, PNG, 16-bit grey\n"), 0U);
+    EXPECT_EQ(run({"info", "float.exr"}).out.find("float.exr: 32 x 32, OpenEXR, float grey\n"), 0U);
+    EXPECT_EQ(run({"info", "sheet.png"}).out.find("sheet.png: 64 x 64, PNG, 16-bit grey\n"), 0U);
+    // Both round to the nearest, so the nearest byte of the deep one is that of the other.
+    ASSERT_EQ(run({"convert", "deep.png", "-o", "narrow.tga", "--depth", "8", "--round", "nearest"}).code, 0);
+    ASSERT_EQ(run({"convert", "lit.png", "-o", "lit.tga", "--height-from", "r"}).code, 0);
+    EXPECT_EQ(read("narrow.tga"), read("lit.tga"));
+}
+
 TEST_F(RelightCommand, WritesAContactSheet)
 {
     write("red.tga", tga_bytes(128, 128, 3, [] {

@@ -159,7 +159,7 @@ TEST_F(ToolInputHdr, TakesEachFormOfARow)
     for (Row const& row : {runs, stretches, pixels, repeated}) {
         Outcome const outcome = look_at("-Y 2 +X 8", {row, row});
         EXPECT_EQ(outcome.code, 0) << outcome.err;
-        EXPECT_EQ(outcome.out.find("x.hdr: 8 x 2, Radiance HDR, 32-bit colour"), 0U) << outcome.out;
+        EXPECT_EQ(outcome.out.find("x.hdr: 8 x 2, Radiance HDR, float colour"), 0U) << outcome.out;
     }
 }
 

@@ -104,7 +104,7 @@ TEST_F(ToolOutput, ReadsBackInEveryFormat)
         bool const warns = outcome.err.find("umbrix normal: note: " + name) != std::string::npos;
         EXPECT_EQ(warns, std::set<std::string>({"jpg", "jpe", "jpeg", "dds", "hdr"}).contains(extension))
             << name;
-        EXPECT_EQ(run({"relight", name, "-o", "again.tga", "--overwrite"}).code, 0) << name;
+        EXPECT_EQ(run({"relight", name, "--force", "-o", "again.tga", "--overwrite"}).code, 0) << name;
     }
 }
 

@@ -51,7 +51,8 @@ PARTS = [
         [
             ["base"],
             ["files"],
-            ["pictures", "settings"],
+            ["pictures"],
+            ["settings"],
             ["lists"],
             ["tasks"],
             ["workers"],

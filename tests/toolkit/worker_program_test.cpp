@@ -36,7 +36,7 @@ TEST(WorkerProgram, DoesAJob)
     TemporaryFolder const folder;
     write_file(folder / "a.tga", tga_bytes(3, 2, 3, Bytes(18, 7)));
     Observer silent;
-    InfoReport const report = run_one(InfoJob{folder / "a.tga", 1e6}, silent, NeverStop());
+    InfoReport const report = run_one(InfoJob{folder / "a.tga", 1e6, false}, silent, NeverStop());
     EXPECT_EQ(report.width, 3);
     EXPECT_EQ(report.height, 2);
 }

@@ -25,19 +25,22 @@ enum class Fault {
     kNotWritten,        ///< Not all of a file could be written.
 
     // Pictures.
-    kChangedWhileRead,  ///< A picture was written to while it was read.
-    kDamagedPicture,    ///< A picture is damaged, or of no known format.
-    kNotReadable,       ///< A sound picture that no reader takes. The remedy says what to save instead.
-    kTooManyTexels,     ///< A picture is larger than it is allowed to be.
-    kSideTooLong,       ///< A picture is wider or higher than can be worked on.
-    kUnknownFormat,     ///< The name of an output tells no format. The remedy lists those that do.
-    kOutputIsInput,     ///< An output would replace the input.
-    kNoAlphaInFormat,   ///< The format of an output holds no alpha, and heights are to go there.
-    kDepthNotInFormat,  ///< The format of an output has no samples of the depth. The remedy names those it
-                        ///< has.
-    kSizeOutsideFormat, ///< The format of an output does not take pictures of this size.
-    kHeightsOnly,       ///< The format of an output holds heights alone, and this is another picture.
-    kNotReadBack,       ///< A picture that was written does not read back as it should.
+    kChangedWhileRead,    ///< A picture was written to while it was read.
+    kDamagedPicture,      ///< A picture is damaged, or of no known format.
+    kNotReadable,         ///< A sound picture that no reader takes. The remedy says what to save instead.
+    kTooManyTexels,       ///< A picture is larger than it is allowed to be.
+    kSideTooLong,         ///< A picture is wider or higher than can be worked on.
+    kUnknownFormat,       ///< The name of an output tells no format. The remedy lists those that do.
+    kOutputIsInput,       ///< An output would replace the input.
+    kNoAlphaInFormat,     ///< The format of an output holds no alpha, and heights are to go there.
+    kDepthNotInFormat,    ///< The format of an output has no samples of the depth. The remedy names those it
+                          ///< has.
+    kSizeOutsideFormat,   ///< The format of an output does not take pictures of this size.
+    kHeightsOnly,         ///< The format of an output holds heights alone, and this is another picture.
+    kInvalidTexels,       ///< Texels are NaN or infinite.
+    kHeightsOutsideRange, ///< Heights lie outside 0..1. The remedy names their range.
+    kNoSuchChannel,       ///< A picture has not got the channel that is asked for.
+    kNotReadBack,         ///< A picture that was written does not read back as it should.
 
     // Settings and the files that describe them.
     kWrongValue,           ///< The value of a key is not a right one. The remedy says which are.

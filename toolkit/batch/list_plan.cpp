@@ -5,6 +5,7 @@
 #include "toolkit/lists/list_job.h"
 #include "toolkit/pictures/naming.h"
 
+#include <fmt/format.h>
 #include <utility>
 
 namespace umbrixlib::toolkit {
@@ -69,6 +70,17 @@ void add_saving(std::vector<unsigned char>& made_of, Saving const& saving)
     }
 }
 
+/// The same of how heights are read.
+void add_reading(std::vector<unsigned char>& made_of, HeightReading const& reading)
+{
+    if (reading != HeightReading{}) {
+        std::string const text =
+            fmt::format("{} {} {} {}", static_cast<int>(reading.channel), text_of(reading.invalid),
+                        text_of(reading.range), reading.invert);
+        made_of.insert(made_of.end(), text.begin(), text.end());
+    }
+}
+
 ListPiece piece_of(umbrix_node job, fs::path const& file, ListChoice const& choice)
 {
     bool const of_folder = job.filename != file.string();
@@ -80,6 +92,7 @@ ListPiece piece_of(umbrix_node job, fs::path const& file, ListChoice const& choi
     piece.job.data = job;
     piece.job.layers = layers_of(job);
     piece.job.graphics = choice.graphics;
+    piece.job.reading = choice.reading;
     std::vector<fs::path> read{file};
     for (n_layer const& layer : piece.job.layers) {
         read.emplace_back(layer.filename);
@@ -87,6 +100,7 @@ ListPiece piece_of(umbrix_node job, fs::path const& file, ListChoice const& choi
     std::vector<std::uint8_t> made_of = pack_list_job(job);
     made_of.push_back(road_of(choice.graphics));
     add_saving(made_of, choice.saving);
+    add_reading(made_of, choice.reading);
     piece.digest = digest_of(made_of, read);
     return piece;
 }

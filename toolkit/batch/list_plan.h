@@ -18,6 +18,7 @@ struct ListChoice {
     OutputPolicy policy = OutputPolicy::kKeep;
     Graphics graphics;
     Saving saving{};
+    HeightReading reading{};
 };
 
 /// A file of a job of the list: what is to be done, and what the log remembers.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/lists/list_settings.h"
 
+#include "toolkit/settings/defaults.h"
+
 #include <algorithm>
 #include <string_view>
 #include <vector>
@@ -64,6 +66,10 @@ Settings settings_of(umbrix_data const& data)
     return {
         .kind = kind_of(data),
         .normal_y = NormalY::kUp,
+        .height_from = kDefaults.height_from,
+        .replace_invalid = kDefaults.replace_invalid,
+        .height_range = kDefaults.height_range,
+        .invert = kDefaults.invert,
         .light = !data.no_normal,
         .occlusion = data.calc_type == calc_type_light_occlusion || data.calc_type == calc_type_occlusion,
         .generate_normal = data.generate_normal,

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <fmt/format.h>
-#include <limits>
 #include <sys/stat.h>
 
 namespace umbrixlib::toolkit {
@@ -26,18 +25,35 @@ FileStamp stamp_of(std::filesystem::path const& file)
             status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
+struct Format {
+    char const* name;
+    Decoder const* decoder;
+};
+
 /// The first that takes the file decodes it. A long signature comes before a name, and that before a short
 /// signature, which raw heights may begin with, too; TGA has none.
 DecodedFile decoded(SourceFile& source)
 {
-    for (Decoder const* const decoder :
-         {&png_decoder(),   &tiff_decoder(),      &exr_decoder(),  &jpeg_decoder(), &webp_decoder(),
-          &gif_decoder(),   &raw_decoder(),       &pnm_decoder(),  &pfm_decoder(),  &bmp_decoder(),
-          &dds_decoder(),   &ico_decoder(),       &sgi_decoder(),  &pcx_decoder(),  &sun_decoder(),
-          &hdr_decoder(),   &psd_decoder(),       &fits_decoder(), &vtf_decoder(),  &refused_formats(),
-          &alias_decoder(), &softimage_decoder(), &tga_decoder()}) {
+    for (auto const& [name, decoder] :
+         {Format{"PNG", &png_decoder()},         Format{"TIFF", &tiff_decoder()},
+          Format{"OpenEXR", &exr_decoder()},     Format{"JPEG", &jpeg_decoder()},
+          Format{"WebP", &webp_decoder()},       Format{"GIF", &gif_decoder()},
+          Format{"raw heights", &raw_decoder()}, Format{"PNM", &pnm_decoder()},
+          Format{"PFM", &pfm_decoder()},         Format{"BMP", &bmp_decoder()},
+          Format{"DDS", &dds_decoder()},         Format{"ICO", &ico_decoder()},
+          Format{"SGI", &sgi_decoder()},         Format{"PCX", &pcx_decoder()},
+          Format{"Sun raster", &sun_decoder()},  Format{"Radiance HDR", &hdr_decoder()},
+          Format{"PSD", &psd_decoder()},         Format{"FITS", &fits_decoder()},
+          Format{"VTF", &vtf_decoder()},         Format{"refused", &refused_formats()},
+          Format{"Alias PIX", &alias_decoder()}, Format{"Softimage", &softimage_decoder()},
+          Format{"TGA", &tga_decoder()}}) {
         if (decoder->takes(source)) {
-            return decoder->decode(source);
+            try {
+                return decoder->decode(source);
+            } catch (TooManyTexels& failure) {
+                failure.format = name;
+                throw;
+            }
         }
     }
     source.refuse_as_damaged();
@@ -64,6 +80,13 @@ DecodedFile decode_unchanged(std::filesystem::path const& file, std::string cons
 
 } // namespace
 
+std::string description_of(Picture const& picture)
+{
+    constexpr char const* kSamples[] = {"8-bit", "16-bit", "half-float", "float"};
+    return fmt::format("{} {}{}", kSamples[static_cast<int>(picture.type)],
+                       picture.channels < 3 ? "grey" : "colour", picture.has_alpha() ? " with alpha" : "");
+}
+
 DecodedImage::DecodedImage(std::filesystem::path const& file, std::string const& subject, double max_texels)
     : file_(decode_unchanged(file, subject, max_texels))
 {
@@ -74,43 +97,7 @@ std::string DecodedImage::description() const
     if (file_.palette) {
         return "palette";
     }
-    return fmt::format("{}-bit {}{}", bits_per_channel(), file_.picture.channels < 3 ? "grey" : "colour",
-                       has_alpha() ? " with alpha" : "");
-}
-
-std::vector<std::string> DecodedImage::channel_names() const
-{
-    std::vector<std::string> names = file_.picture.channels < 3
-                                         ? std::vector<std::string>{"grey"}
-                                         : std::vector<std::string>{"red", "green", "blue"};
-    if (has_alpha()) {
-        names.emplace_back("alpha");
-    }
-    return names;
-}
-
-std::vector<ChannelRange> DecodedImage::ranges() const
-{
-    std::vector<ChannelRange> ranges;
-    for (std::string const& name : channel_names()) {
-        ranges.push_back(
-            {name, std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(), 0.0});
-    }
-    with_samples(file_.picture, [&](auto samples) {
-        for (std::size_t i = 0; i < samples.size(); i += ranges.size()) {
-            for (std::size_t channel = 0; channel < ranges.size(); ++channel) {
-                ChannelRange& range = ranges[channel];
-                double const number = to_number(samples[i + channel]);
-                range.minimum = std::min(range.minimum, number);
-                range.maximum = std::max(range.maximum, number);
-                range.mean += number;
-            }
-        }
-    });
-    for (ChannelRange& range : ranges) {
-        range.mean /= static_cast<double>(file_.picture.texels());
-    }
-    return ranges;
+    return description_of(file_.picture);
 }
 
 } // namespace umbrixlib::toolkit

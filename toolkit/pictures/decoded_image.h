@@ -5,19 +5,13 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace umbrixlib::toolkit {
 
-/// What one channel of a file holds, in the file's own numbers: 0 to 255, 0 to 65535, or any.
-struct ChannelRange {
-    std::string name;
-    double minimum;
-    double maximum;
-    double mean;
-
-    bool operator==(ChannelRange const&) const = default;
-};
+/// "8-bit grey with alpha", "half-float colour" and the like.
+std::string description_of(Picture const& picture);
 
 /// A file as its decoder read it. Hostile files can crash some decoders, so an object of this class is made
 /// in a worker process only, one at a time, and none while the library works on a file.
@@ -47,17 +41,14 @@ public:
     /// "8-bit grey with alpha", "palette", "16-bit colour" and the like.
     std::string description() const;
 
-    /// "grey", "red", "alpha" and the like.
-    std::vector<std::string> channel_names() const;
-
     /// The picture in the file's sample type, grey as three equal channels.
     Picture to_picture(bool with_alpha) const { return in_colour(file_.picture, with_alpha); }
 
     /// The picture in the file's own channels and sample type.
     Picture const& picture() const { return file_.picture; }
 
-    /// Ranges of the channels as they are in the file; of a palette's colours.
-    std::vector<ChannelRange> ranges() const;
+    /// The same, moved out of here.
+    Picture release_picture() { return std::move(file_.picture); }
 
 private:
     DecodedFile file_;

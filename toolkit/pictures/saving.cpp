@@ -70,9 +70,9 @@ void to_whole(Picture const& floats, SavedAs const& as, Picture& result)
         bool const is_direction = normals && !(alpha && i % channels == channels - 1);
         double const value = static_cast<double>(from[i]);
         double const share = is_direction ? (value + 1.0) / 2.0 : value;
-        to[i] = share > 0.0
-                    ? static_cast<Whole>(std::min(std::min(share, 1.0) * full + rounding_at(i, as), full))
-                    : Whole{0};
+        // Rounded to a float, the product of k / 255 is k again, and cutting it off keeps it.
+        double const steps = static_cast<double>(static_cast<float>(std::min(share, 1.0) * full));
+        to[i] = share > 0.0 ? static_cast<Whole>(std::min(steps + rounding_at(i, as), full)) : Whole{0};
     }
 }
 
@@ -109,6 +109,40 @@ Picture in_samples(Picture const& floats, SavedAs const& as)
         std::ranges::transform(floats.samples<float>(), result.samples<Half>().begin(), to_half);
     }
     return result;
+}
+
+SampleType nearest_depth(OutputFormat const& format, SampleType type)
+{
+    using enum SampleType;
+    constexpr SampleType kOrders[][4] = {{kUint8, kUint16, kFloat, kHalf},
+                                         {kUint16, kFloat, kHalf, kUint8},
+                                         {kHalf, kFloat, kUint16, kUint8},
+                                         {kFloat, kHalf, kUint16, kUint8}};
+    return *std::ranges::find_if(kOrders[static_cast<int>(type)],
+                                 [&](SampleType each) { return format.holds(each); });
+}
+
+Picture converted(Picture const& picture, SavedAs const& as)
+{
+    if (picture.type == as.depth) {
+        return picture;
+    }
+    constexpr unsigned kBytesInWord = 65535 / 255;
+    Picture result = make_picture(picture.width, picture.height, picture.channels, as.depth);
+    result.kind = picture.kind;
+    if (picture.type == SampleType::kUint8 && as.depth == SampleType::kUint16) {
+        std::ranges::transform(
+            picture.samples<std::uint8_t>(), result.samples<std::uint16_t>().begin(),
+            [](std::uint8_t byte) { return static_cast<std::uint16_t>(byte * kBytesInWord); });
+        return result;
+    }
+    if (picture.type == SampleType::kUint16 && as.as_the_library_does()) {
+        std::ranges::transform(
+            picture.samples<std::uint16_t>(), result.samples<std::uint8_t>().begin(),
+            [](std::uint16_t word) { return static_cast<std::uint8_t>(word / kBytesInWord); });
+        return result;
+    }
+    return in_samples(in_floats(picture), as);
 }
 
 } // namespace umbrixlib::toolkit

@@ -47,4 +47,11 @@ SavedAs saved_as(Saving const& saving, OutputFormat const& format, PictureKind k
 /// normals for -1 to 1; what lies outside is cut, and NaN is 0. Other floats are as they are.
 Picture in_samples(Picture const& floats, SavedAs const& as);
 
+/// The depth in which @p format holds samples of @p type as they are, or else with the least loss.
+SampleType nearest_depth(OutputFormat const& format, SampleType type);
+
+/// @p picture, of any type, in the samples that are saved. Whole numbers of another depth stand for the same
+/// share of 1: 8 bits become 16 without loss, and are the same again when these are cut.
+Picture converted(Picture const& picture, SavedAs const& as);
+
 } // namespace umbrixlib::toolkit

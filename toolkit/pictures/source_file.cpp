@@ -82,10 +82,14 @@ std::span<std::uint8_t const> SourceFile::content()
 
 void SourceFile::check_size(double width, double height) const
 {
-    if (width < 1 || height < 1 || width * height > max_texels_) {
-        throw Failure(Fault::kTooManyTexels, subject_,
-                      fmt::format("its size of {:.0f} x {:.0f} is more than {:.0f} texels", width, height,
-                                  max_texels_));
+    if (width < 1 || height < 1) {
+        refuse_as_damaged();
+    }
+    if (width * height > max_texels_) {
+        throw TooManyTexels(
+            subject_,
+            fmt::format("its size of {:.0f} x {:.0f} is more than {:.0f} texels", width, height, max_texels_),
+            width, height);
     }
     if (width > kLongestSide || height > kLongestSide) {
         throw Failure(

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/base/failure.h"
+
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -11,6 +13,18 @@
 #include <vector>
 
 namespace umbrixlib::toolkit {
+
+/// The Failure of a picture with more texels than it may have, and what its header says.
+struct TooManyTexels : Failure {
+    TooManyTexels(std::string const& subject_, std::string const& what_, double width_, double height_)
+        : Failure(Fault::kTooManyTexels, subject_, what_), width(width_), height(height_)
+    {
+    }
+
+    double width;
+    double height;
+    std::string format{}; ///< "PNG", "TIFF".
+};
 
 /// A file while it is decoded: read once, from its start to its end. A decoder asks it for leave before it
 /// takes memory for a picture.

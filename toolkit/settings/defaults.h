@@ -11,6 +11,11 @@ inline constexpr Settings kDefaults{
     .kind = std::nullopt,
     .normal_y = NormalY::kUp,
 
+    .height_from = HeightChannel::kMean,
+    .replace_invalid = {},
+    .height_range = {},
+    .invert = false,
+
     .light = true,
     // Instead of light only: occlusion is what sets an Umbrix map apart from a normal map.
     .occlusion = true,

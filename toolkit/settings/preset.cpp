@@ -63,6 +63,9 @@ public:
         }
     }
 
+    void operator()(HeightRange Settings::*) const { take_text(); }
+    void operator()(InvalidTexels Settings::*) const { take_text(); }
+
     template <typename Choice>
     void operator()(Choice Settings::*) const
     {
@@ -78,6 +81,15 @@ public:
     }
 
 private:
+    void take_text() const
+    {
+        std::string const remedy = fmt::format("give {}, in quotes", form_of(row_));
+        std::string const text = entry_.text(remedy);
+        if (!toolkit::take_text(row_, settings_, text)) {
+            entry_.refuse(fmt::format("'{}' is not known", text), remedy);
+        }
+    }
+
     double number() const { return entry_.number(row_.minimum, row_.maximum); }
 
     SettingRow const& row_;
@@ -152,7 +164,7 @@ std::string preset_key(SettingRow const& row)
 std::string preset_value(SettingRow const& row, Settings const& settings)
 {
     std::string const text = value_text(row, settings);
-    bool const word = !choices(row).empty() || text == "auto";
+    bool const word = !choices(row).empty() || *form_of(row) != '\0' || text == "auto";
     if (text == "-0") {
         return "-0.0"; // without a point it would be a whole number, and the sign lost
     }

@@ -13,9 +13,11 @@ namespace umbrixlib::toolkit {
 namespace {
 
 constexpr char const* kInput = "Input";
+constexpr char const* kRead = "Heights as they are read, in this order";
 constexpr char const* kLight = "Light";
 constexpr char const* kRelief = "Relief";
 constexpr char const* kOcclusion = "Occlusion";
+constexpr char const* kBorders = "Borders";
 constexpr char const* kHeights = "Grading of the heights, in this order";
 constexpr char const* kResult = "Grading of the map, in this order";
 constexpr char const* kSaving = "Saving";
@@ -27,6 +29,16 @@ constexpr SettingRow kTable[] = {
      "What `map` takes its input for; auto looks at the picture and its name"},
     {"normal-y", kInput, &Settings::normal_y, 0, 0, "", kForPresets,
      "Where green points in a normal map: up (OpenGL) or down (DirectX)"},
+
+    {"height-from", kRead, &Settings::height_from, 0, 0, "", kForHeights,
+     "What of a coloured height map is the height: the mean of its colours, one channel, or luma (Rec. 709)"},
+    {"replace-invalid", kRead, &Settings::replace_invalid, 0, 0, "", kForHeights,
+     "What takes the place of NaN and infinite samples; without, a picture that has any is refused"},
+    {"height-range", kRead, &Settings::height_range, 0, 0, "", kForHeights,
+     "What heights become 0 and 1, beyond which they are cut; auto: the picture's own lowest and highest. "
+     "Whole numbers are 0 to 1 already"},
+    {"invert", kRead, &Settings::invert, 0, 0, "", kForHeights,
+     "Turn the heights over: what is dark is high, as in maps of depth"},
 
     {"light", kLight, &Settings::light, 0, 0, "", kForMap,
      "Put the light of the three directions into the map"},
@@ -61,9 +73,10 @@ constexpr SettingRow kTable[] = {
      "Full width of a bundle of rays in elevation"},
     {"theta-limit", kOcclusion, &Settings::theta_limit, 0, 180, " degrees", kForMap,
      "Full width of a bundle of rays in azimuth"},
-    {"tile", kOcclusion, &Settings::tile, 0, 0, "", kForMap, "The texture repeats; switches the next two"},
-    {"h-tile", kOcclusion, &Settings::h_tile, 0, 0, "", kForMap, "It repeats sideways"},
-    {"v-tile", kOcclusion, &Settings::v_tile, 0, 0, "", kForMap, "It repeats up and down"},
+    {"tile", kBorders, &Settings::tile, 0, 0, "", kForMap | kForNormal,
+     "The texture repeats, for normals and occlusion; switches the next two"},
+    {"h-tile", kBorders, &Settings::h_tile, 0, 0, "", kForMap | kForNormal, "It repeats sideways"},
+    {"v-tile", kBorders, &Settings::v_tile, 0, 0, "", kForMap | kForNormal, "It repeats up and down"},
 
     {"b-radius", kHeights, &Settings::b_radius, 0, 100, " texels, below 1 is off", kForMap,
      "Radius of the bilateral filter"},
@@ -89,6 +102,7 @@ constexpr char const* kKindNames[] = {"auto", "height", "normal"};
 constexpr char const* kDirectionNames[] = {"up", "down"};
 constexpr char const* kDepthChoices[] = {"auto", kDepthNames[0], kDepthNames[1], kDepthNames[2],
                                          kDepthNames[3]};
+constexpr char const* kChannelNames[] = {"mean", "r", "g", "b", "a", "luma"};
 
 } // namespace
 
@@ -112,25 +126,53 @@ std::span<char const* const> choices(SettingRow const& row)
                           [](std::optional<Kind> Settings::*) { return Names(kKindNames); },
                           [](NormalY Settings::*) { return Names(kDirectionNames); },
                           [](std::optional<SampleType> Settings::*) { return Names(kDepthChoices); },
+                          [](HeightChannel Settings::*) { return Names(kChannelNames); },
                       },
                       row.field);
 }
 
+char const* form_of(SettingRow const& row)
+{
+    return std::visit(
+        Overloaded{
+            [](auto) { return ""; },
+            [](HeightRange Settings::*) { return "auto, none or two numbers, the lower one first: 0,4"; },
+            [](InvalidTexels Settings::*) { return "none or a number"; },
+        },
+        row.field);
+}
+
+bool take_text(SettingRow const& row, Settings& settings, std::string const& text)
+{
+    auto const take = [&]<typename Value>(Value Settings::*field, std::optional<Value> const& value) {
+        settings.*field = value.value_or(settings.*field);
+        return value.has_value();
+    };
+    return std::visit(
+        Overloaded{
+            [](auto) { return false; },
+            [&](HeightRange Settings::*field) { return take(field, height_range_called(text)); },
+            [&](InvalidTexels Settings::*field) { return take(field, invalid_texels_called(text)); },
+        },
+        row.field);
+}
+
 void choose(SettingRow const& row, Settings& settings, int choice)
 {
-    std::visit(Overloaded{
-                   [](auto) {},
-                   [&](Modes Settings::*field) { settings.*field = static_cast<Modes>(choice); },
-                   [&](std::optional<Kind> Settings::*field) {
-                       settings.*field =
-                           choice == 0 ? std::nullopt : std::optional(static_cast<Kind>(choice - 1));
-                   },
-                   [&](NormalY Settings::*field) { settings.*field = static_cast<NormalY>(choice); },
-                   [&](std::optional<SampleType> Settings::*field) {
-                       settings.*field = depth_called(kDepthChoices[choice]);
-                   },
-               },
-               row.field);
+    std::visit(
+        Overloaded{
+            [](auto) {},
+            [&](Modes Settings::*field) { settings.*field = static_cast<Modes>(choice); },
+            [&](std::optional<Kind> Settings::*field) {
+                settings.*field = choice == 0 ? std::nullopt : std::optional(static_cast<Kind>(choice - 1));
+            },
+            [&](NormalY Settings::*field) { settings.*field = static_cast<NormalY>(choice); },
+            [&](std::optional<SampleType> Settings::*field) {
+                settings.*field = depth_called(kDepthChoices[choice]);
+            },
+            [&](HeightChannel Settings::*field) { settings.*field = static_cast<HeightChannel>(choice); },
+        },
+        row.field);
 }
 
 std::string value_text(SettingRow const& row, Settings const& settings)
@@ -153,6 +195,11 @@ std::string value_text(SettingRow const& row, Settings const& settings)
                               auto const depth = settings.*field;
                               return std::string(depth ? name_of(*depth) : kDepthChoices[0]);
                           },
+                          [&](HeightChannel Settings::*field) {
+                              return std::string(kChannelNames[static_cast<int>(settings.*field)]);
+                          },
+                          [&](HeightRange Settings::*field) { return text_of(settings.*field); },
+                          [&](InvalidTexels Settings::*field) { return text_of(settings.*field); },
                       },
                       row.field);
 }

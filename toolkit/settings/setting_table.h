@@ -13,11 +13,20 @@ namespace umbrixlib::toolkit {
 using SettingsField =
     std::variant<bool Settings::*, int Settings::*, float Settings::*, std::optional<float> Settings::*,
                  Modes Settings::*, std::optional<Kind> Settings::*, NormalY Settings::*,
-                 std::optional<SampleType> Settings::*>;
+                 std::optional<SampleType> Settings::*, HeightChannel Settings::*, HeightRange Settings::*,
+                 InvalidTexels Settings::*>;
 
 /// The tasks that a setting counts in. Those of kForPresets alone are keys of a preset that each front end
 /// asks for in its own words: what the input is, where green points in it, and how the result is saved.
-enum SettingUser : unsigned { kForPresets = 0, kForMap = 1, kForNormal = 2, kForRelight = 4, kForFit = 8 };
+/// kForHeights: all that read heights, but for the jobs of a work list, whose fields are the library's.
+enum SettingUser : unsigned {
+    kForPresets = 0,
+    kForMap = 1,
+    kForNormal = 2,
+    kForRelight = 4,
+    kForFit = 8,
+    kForHeights = 16
+};
 
 /// One setting of a run. The table of them yields the options and the help of a command line, the keys of
 /// presets, and the job that a worker is sent.
@@ -40,6 +49,13 @@ std::string name_of_mode(Modes mode);
 
 /// The words for the values of a row that is neither a number nor a flag; empty for the others.
 std::span<char const* const> choices(SettingRow const& row);
+
+/// How the value of a row that is a text is written, for messages: "auto, none or two numbers: 0,4". Empty
+/// for the others.
+char const* form_of(SettingRow const& row);
+
+/// Takes the value of such a row in; false if @p text has not its form.
+bool take_text(SettingRow const& row, Settings& settings, std::string const& text);
 
 /// Takes the choice of that number in.
 void choose(SettingRow const& row, Settings& settings, int choice);

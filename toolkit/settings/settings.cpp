@@ -32,6 +32,16 @@ float n_scale_of(Settings const& settings, int width)
     return settings.n_scale.value_or(h_scale_of(settings) * static_cast<float>(width) / 2.0f);
 }
 
+HeightReading height_reading_of(Settings const& settings)
+{
+    return {settings.height_from, settings.replace_invalid, settings.height_range, settings.invert};
+}
+
+Borders borders_of(Settings const& settings)
+{
+    return {settings.tile && settings.h_tile, settings.tile && settings.v_tile};
+}
+
 umbrix_options options_for(Settings const& settings, Kind kind, int width)
 {
     bool const heights = kind == Kind::kHeightMap;

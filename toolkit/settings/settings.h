@@ -2,6 +2,7 @@
 #pragma once
 
 #include "toolkit/base/kind.h"
+#include "toolkit/pictures/heights/height_reading.h"
 
 #include <optional>
 #include <umbrixlib.h>
@@ -18,6 +19,11 @@ namespace umbrixlib::toolkit {
 struct Settings {
     std::optional<Kind> kind;
     NormalY normal_y;
+
+    HeightChannel height_from;
+    InvalidTexels replace_invalid;
+    HeightRange height_range;
+    bool invert;
 
     bool light;
     bool occlusion;
@@ -63,6 +69,12 @@ float h_scale_of(Settings const& settings);
 /// Strength of the normals: `n_scale`, or the one that fits the height scale. A height of 1 reaches h_scale
 /// image widths, and the normal's difference spans two texels: h_scale * width / 2.
 float n_scale_of(Settings const& settings, int width);
+
+/// How heights are read.
+HeightReading height_reading_of(Settings const& settings);
+
+/// How heights go on beyond the borders where normals are made of them.
+Borders borders_of(Settings const& settings);
 
 /// The library's record for a run on a picture of that kind and width, every field set.
 umbrix_options options_for(Settings const& settings, Kind kind, int width);

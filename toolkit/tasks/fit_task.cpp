@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/base/failure.h"
-#include "toolkit/tasks/library_run.h"
 #include "toolkit/tasks/methods/relief_fit.h"
 #include "toolkit/tasks/prepared_input.h"
+#include "toolkit/tasks/runs/library_run.h"
 #include "toolkit/tasks/tasks.h"
 
 #include <cmath>
@@ -39,8 +39,7 @@ std::vector<float> heights_of(Picture const& picture)
     std::vector<float> heights(picture.texels());
     double const full = 3.0 * full_scale(picture.type);
     for_each_colour(picture, [&](std::size_t i, double red, double green, double blue) {
-        auto const height = static_cast<float>((red + green + blue) / full);
-        heights[i] = std::isfinite(height) ? height : 0.0f;
+        heights[i] = static_cast<float>((red + green + blue) / full);
     });
     return heights;
 }
@@ -80,11 +79,12 @@ Pair read_pair(FitJob const& job, Observer& observer)
 {
     Pair pair{};
     {
-        PreparedInput const input = prepare_input({job.heights, job.heights, job.max_texels}, observer);
+        PreparedInput input = prepare_input({job.heights, job.heights, job.max_texels}, observer);
         if (input.guess.kind == Kind::kNormalMap) {
             observer.note(job.heights, {"this looks like a normal map (" + input.guess.reason +
                                         "); its brightness is taken for heights"});
         }
+        take_for_heights(input, height_reading_of(job.settings), job.heights, observer);
         pair.width = input.width;
         pair.height = input.height;
         pair.heights = heights_of(input.picture);
@@ -98,7 +98,7 @@ Pair read_pair(FitJob const& job, Observer& observer)
     if (input.guess.kind == Kind::kHeightMap) {
         observer.note(job.normals, {"this does not look like a normal map: " + input.guess.reason});
     }
-    take_for_normals(input, job.normals, observer);
+    take_for_normals(input, {}, job.normals, observer);
     pair.picture = std::move(input.picture);
     return pair;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/settings/settings.h"
-#include "toolkit/tasks/graphics_run.h"
-#include "toolkit/tasks/library_run.h"
+#include "toolkit/tasks/runs/graphics_run.h"
+#include "toolkit/tasks/runs/library_run.h"
 #include "toolkit/tasks/tasks.h"
 
 #include <umbrixlib.h>

@@ -79,12 +79,24 @@ struct RelightJob {
     bool operator==(RelightJob const&) const = default;
 };
 
+/// A picture in another format or at another depth, and otherwise as it is.
+struct ConvertJob {
+    using Report = ConvertReport;
+
+    JobFiles files;
+    std::optional<HeightChannel> channel; ///< The only one that is wanted; empty: all.
+    HeightReading reading;                ///< Of the colours, each by itself; its channel is not looked at.
+
+    bool operator==(ConvertJob const&) const = default;
+};
+
 /// What is in a picture.
 struct InfoJob {
     using Report = InfoReport;
 
     std::string input;
     double max_texels = 0;
+    bool range = false; ///< Look into pictures of any size.
 
     bool operator==(InfoJob const&) const = default;
 };
@@ -134,6 +146,7 @@ struct ListJob {
     umbrix_data data;
     std::vector<n_layer> layers;
     Graphics graphics;
+    HeightReading reading{}; ///< Of the source's heights and the layers'.
 };
 
 /// The library's own walk of a folder. It ends early if the Observer is stopping.
@@ -151,8 +164,8 @@ struct FolderJob {
 };
 
 /// A job of any task.
-using Job =
-    std::variant<MapJob, NormalJob, RelightJob, InfoJob, StackJob, FitJob, DevicesJob, ListJob, FolderJob>;
+using Job = std::variant<MapJob, NormalJob, RelightJob, ConvertJob, InfoJob, StackJob, FitJob, DevicesJob,
+                         ListJob, FolderJob>;
 
 /// A job that makes one picture of another.
 using PictureJob = std::variant<MapJob, NormalJob, RelightJob, ListJob>;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/lists/list_settings.h"
 #include "toolkit/pictures/encode.h"
-#include "toolkit/tasks/graphics_run.h"
-#include "toolkit/tasks/map_picture.h"
 #include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/prepared_input.h"
+#include "toolkit/tasks/runs/graphics_run.h"
+#include "toolkit/tasks/runs/map_picture.h"
 #include "toolkit/tasks/tasks.h"
 
 namespace umbrixlib::toolkit {
@@ -26,8 +26,9 @@ umbrix_options options_of_job(umbrix_data const& record, int width)
 void read_layers(ListJob const& job, LinkedList<n_layer>& layers, NLayers& stack, Observer& observer)
 {
     for (n_layer const& layer : job.layers) {
-        PreparedInput const picture =
+        PreparedInput picture =
             prepare_input({layer.filename, layer.filename, job.files.max_texels}, observer);
+        take_for_heights(picture, job.reading, layer.filename, observer);
         layers.Add(layer);
         stack.AddLayer(picture.picture.view());
     }
@@ -41,7 +42,9 @@ ListReport run(ListJob const& job, Observer& observer)
     Settings const settings = settings_of(job.data);
     PreparedInput input = prepare_input({files.input, files.input, files.max_texels}, observer);
     if (kind_of(job.data) == Kind::kNormalMap) {
-        take_for_normals(input, files.input, observer);
+        take_for_normals(input, job.reading, files.input, observer);
+    } else {
+        take_for_heights(input, job.reading, files.input, observer);
     }
     check_relief_size(settings, files.input, input.width, input.height);
     OutputFormat const& format = *output_format(files.output.file);
@@ -55,9 +58,15 @@ ListReport run(ListJob const& job, Observer& observer)
     }
     observer.begin(Phase::kMaking, files.input);
     bool const has_layers = layers.count > 0;
-    Picture map =
-        make_umbrix_map(input.picture, files.input, options_of_job(job.data, input.width), as, observer,
-                        has_layers ? &layers : nullptr, has_layers ? &stack : nullptr, job.graphics);
+    Picture map = make_umbrix_map({input.picture,
+                                   files.input,
+                                   options_of_job(job.data, input.width),
+                                   as,
+                                   {},
+                                   has_layers ? &layers : nullptr,
+                                   has_layers ? &stack : nullptr,
+                                   job.graphics},
+                                  observer);
     map.attributes = attributes_of_map("list", settings);
     write_picture(files.output.file, format, files.output.name, map, observer);
     return {map.width, map.height, kind_of(job.data)};

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "toolkit/pictures/analysis/picture_difference.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/pictures/naming.h"
-#include "toolkit/pictures/picture_difference.h"
-#include "toolkit/tasks/graphics_run.h"
-#include "toolkit/tasks/lost_light.h"
-#include "toolkit/tasks/map_picture.h"
 #include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/prepared_input.h"
+#include "toolkit/tasks/runs/graphics_run.h"
+#include "toolkit/tasks/runs/lost_light.h"
+#include "toolkit/tasks/runs/map_picture.h"
 #include "toolkit/tasks/tasks.h"
 
 #include <algorithm>
@@ -91,10 +91,12 @@ void turn_green(Picture& normals)
 Picture make_map(MapJob const& job, Picture const& source, umbrix_options const& options, SavedAs const& as,
                  MapReport& report, Observer& observer)
 {
-    std::string const& name = job.files.input;
-    Picture map = make_umbrix_map(source, name, options, as, observer, nullptr, nullptr, job.graphics);
+    MapOrder order{source, job.files.input, options, as, borders_of(job.settings)};
+    order.graphics = job.graphics;
+    Picture map = make_umbrix_map(order, observer);
     if (job.compare_cpu) {
-        report.difference = largest_difference(map, make_umbrix_map(source, name, options, as, observer));
+        order.graphics = {};
+        report.difference = largest_difference(map, make_umbrix_map(order, observer));
     }
     return map;
 }
@@ -113,10 +115,13 @@ MapReport run(MapJob const& job, Observer& observer)
     if (!job.kind) {
         note_unlike_its_name(files.input, input.guess, ending, observer);
     }
-    MapReport report;
     Kind const kind = job.kind.value_or(input.guess.kind);
-    if (kind == Kind::kNormalMap) {
-        take_for_normals(input, files.input, observer);
+    HeightReading const reading = height_reading_of(job.settings);
+    MapReport report;
+    if (kind == Kind::kHeightMap) {
+        report.heights = take_for_heights(input, reading, files.input, observer);
+    } else {
+        report.heights = take_for_normals(input, reading, files.input, observer);
         note_normal_map(job, input, observer);
         settle_green(job, ending, report);
         if (report.green == NormalY::kDown) {
@@ -135,7 +140,7 @@ MapReport run(MapJob const& job, Observer& observer)
         report.device = open_device(job.graphics, files.input, observer);
     }
     if (job.settings.height_in_alpha) {
-        note_narrowed_heights(input.picture.type, as, files.input, observer);
+        note_narrowed_heights(input.type, as, files.input, observer);
     }
     observer.begin(Phase::kMaking, files.input);
     Picture map = make_map(job, input.picture, options, as, report, observer);

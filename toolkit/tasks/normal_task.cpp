@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/encode.h"
-#include "toolkit/tasks/library_run.h"
 #include "toolkit/tasks/methods/saved_picture.h"
 #include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/prepared_input.h"
+#include "toolkit/tasks/runs/library_run.h"
 #include "toolkit/tasks/tasks.h"
 
 #include <algorithm>
@@ -44,6 +44,7 @@ NormalsResult make_normals(NormalJob const& job, Picture const& heights, float n
     request.heights = heights.view();
     request.n_scale = n_scale;
     request.gaussian = job.settings.gaussian;
+    request.borders = borders_of(job.settings);
     NormalsResult result;
     run_in_memory(job.files.input, observer, [&](RunControl& control) {
         request.control = &control;
@@ -58,7 +59,7 @@ NormalsResult make_normals(NormalJob const& job, Picture const& heights, float n
 NormalReport run(NormalJob const& job, Observer& observer)
 {
     JobFiles const& files = job.files;
-    PreparedInput const input = prepare_input({files.input, files.input, files.max_texels}, observer);
+    PreparedInput input = prepare_input({files.input, files.input, files.max_texels}, observer);
     OutputFormat const& format = *output_format(files.output.file);
     check_size(format, files.output.name, input.width, input.height);
     SavedAs const as = saved_as(files.output.saving, format, PictureKind::kNormals, files.output.name);
@@ -66,6 +67,8 @@ NormalReport run(NormalJob const& job, Observer& observer)
         observer.note(files.input, {"this looks like a normal map already (" + input.guess.reason +
                                     "); its brightness is taken for heights"});
     }
+    std::optional<HeightRange> const range =
+        take_for_heights(input, height_reading_of(job.settings), files.input, observer);
 
     observer.begin(Phase::kMaking, files.input);
     float const n_scale = n_scale_of(job.settings, input.width);
@@ -73,7 +76,7 @@ NormalReport run(NormalJob const& job, Observer& observer)
     Picture normals = save(made, job.normal_y, as);
     normals.attributes = attributes_of_normals("normal", job.normal_y, as.depth);
     write_picture(files.output.file, format, files.output.name, normals, observer);
-    return {input.width, input.height, n_scale};
+    return {input.width, input.height, n_scale, range};
 }
 
 } // namespace umbrixlib::toolkit

@@ -2,6 +2,7 @@
 #include "toolkit/tasks/prepared_input.h"
 
 #include "toolkit/pictures/address_space.h"
+#include "toolkit/pictures/heights/take_heights.h"
 
 #include <fmt/format.h>
 
@@ -25,19 +26,32 @@ void note_conversion(DecodedImage const& image, Source const& source, Observer& 
 
 } // namespace
 
-void take_for_normals(PreparedInput& input, std::string const& name, Observer& observer)
+std::optional<HeightRange> take_for_heights(PreparedInput& input, HeightReading const& reading,
+                                            std::string const& name, Observer& observer)
 {
-    SampleType const type = input.picture.type;
-    if (type != SampleType::kHalf && type != SampleType::kFloat) {
-        return;
+    return take_heights(input.picture, reading, name, observer);
+}
+
+std::optional<HeightRange> take_for_normals(PreparedInput& input, HeightReading const& reading,
+                                            std::string const& name, Observer& observer)
+{
+    if (reading.channel != HeightChannel::kMean) {
+        observer.note(name,
+                      {"the heights of a normal map are those in its alpha, whatever channel is asked for"});
     }
+    SampleType const type = input.picture.type;
+    bool const is_float = type == SampleType::kHalf || type == SampleType::kFloat;
     std::string const coding = value_of(input.picture.attributes, "coding");
     bool const told = coding == "-1..1" || coding == "0..1";
-    if (told ? coding == "-1..1" : has_vectors(input.picture)) {
+    if (is_float && (told ? coding == "-1..1" : has_vectors(input.picture))) {
         input.picture = encoded_vectors(input.picture);
         observer.note(name, {told ? "its normals are -1 to 1, as it tells itself"
                                   : "its normals go below 0 and are taken for -1 to 1"});
     }
+    if (flatten_invalid_normals(input.picture, reading.invalid.replacement.has_value(), name) > 0) {
+        observer.note(name, {"what is NaN or infinite in its normals is taken for flat ground"});
+    }
+    return take_heights_in_alpha(input.picture, reading, name, observer);
 }
 
 DecodedImage decode_input(Source const& source, Observer& observer)
@@ -56,8 +70,8 @@ PreparedInput prepare_input(Source const& source, Observer& observer)
     }
     Picture picture = image.to_picture(image.has_alpha());
     KindGuess guess = guess_kind(picture, source.file);
-    return {image.width(),       image.height(),   image.has_alpha(),
-            image.description(), std::move(guess), std::move(picture)};
+    return {image.width(), image.height(),   image.has_alpha(), image.description(),
+            picture.type,  std::move(guess), std::move(picture)};
 }
 
 } // namespace umbrixlib::toolkit

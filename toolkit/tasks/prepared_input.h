@@ -2,9 +2,11 @@
 #pragma once
 
 #include "toolkit/base/observer.h"
+#include "toolkit/pictures/analysis/kind_guess.h"
 #include "toolkit/pictures/decoded_image.h"
-#include "toolkit/pictures/kind_guess.h"
+#include "toolkit/pictures/heights/height_reading.h"
 
+#include <optional>
 #include <string>
 
 namespace umbrixlib::toolkit {
@@ -25,15 +27,22 @@ struct PreparedInput {
     int height;
     bool has_alpha;
     std::string description; ///< As DecodedImage has it.
+    SampleType type;         ///< Of the file's samples, whatever the picture has later.
     KindGuess guess;
     Picture picture; ///< Of three channels or, if the file has an alpha, four; in the file's sample type.
 };
 
 PreparedInput prepare_input(Source const& source, Observer& observer);
 
+/// For a picture that is taken for heights: they are 0 to 1 from now on. Returns what became 0 and 1, if that
+/// is not 0 and 1. A Failure if the picture has no such heights.
+std::optional<HeightRange> take_for_heights(PreparedInput& input, HeightReading const& reading,
+                                            std::string const& name, Observer& observer);
+
 /// For a picture that is taken for normals: floats are vectors if the picture tells so or, where it tells
 /// nothing, if any colour lies below 0. They are encoded as colours are, with a note. Colours of all else are
-/// 0 to 1 already.
-void take_for_normals(PreparedInput& input, std::string const& name, Observer& observer);
+/// 0 to 1 already. Its heights are in its alpha; they are read, and the range is returned, as above.
+std::optional<HeightRange> take_for_normals(PreparedInput& input, HeightReading const& reading,
+                                            std::string const& name, Observer& observer);
 
 } // namespace umbrixlib::toolkit

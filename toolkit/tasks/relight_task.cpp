@@ -45,9 +45,11 @@ RelightReport run(RelightJob const& job, Observer& observer)
     OutputFormat const& format = *output_format(files.output.file);
     check_kind(job, input.picture.attributes);
     Relighting const look = look_of(job, input.picture.attributes, observer);
+    SavedAs const as = saved_as(files.output.saving, format, PictureKind::kLight, files.output.name);
     observer.begin(Phase::kMaking, files.input);
-    Picture lit = job.directions == 0 ? relit(input.picture, job.light, look)
-                                      : turntable(input.picture, job.light, look, job.directions, job.cell);
+    Picture lit = job.directions == 0
+                      ? relit(input.picture, job.light, look, as)
+                      : turntable(input.picture, job.light, look, job.directions, job.cell, as);
     lit.attributes = attributes_of_light("relight");
     write_picture(files.output.file, format, files.output.name, lit, observer);
     return {lit.width, lit.height};

@@ -2,7 +2,8 @@
 #pragma once
 
 #include "toolkit/base/kind.h"
-#include "toolkit/pictures/decoded_image.h"
+#include "toolkit/pictures/analysis/channel_ranges.h"
+#include "toolkit/pictures/heights/height_reading.h"
 
 #include <cstddef>
 #include <optional>
@@ -26,12 +27,13 @@ struct DeviceReport {
 struct MapReport {
     int width = 0;
     int height = 0;
-    Kind kind = Kind::kHeightMap; ///< What the input was taken for.
-    bool guessed = false;         ///< The kind was not given.
-    std::string reason;           ///< What speaks for the kind that would be guessed.
-    NormalY green = NormalY::kUp; ///< Of a normal map.
-    bool green_by_name = false;   ///< The ending of its name settled it.
-    float n_scale = 0;            ///< Strength of the normals.
+    Kind kind = Kind::kHeightMap;       ///< What the input was taken for.
+    bool guessed = false;               ///< The kind was not given.
+    std::string reason;                 ///< What speaks for the kind that would be guessed.
+    NormalY green = NormalY::kUp;       ///< Of a normal map.
+    bool green_by_name = false;         ///< The ending of its name settled it.
+    float n_scale = 0;                  ///< Strength of the normals.
+    std::optional<HeightRange> heights; ///< What became 0 and 1, if other heights did.
     std::optional<DeviceReport> device;
     /// Largest of each channel from the CPU's map, of 255; empty: not asked for.
     std::vector<int> difference;
@@ -42,7 +44,8 @@ struct MapReport {
 struct NormalReport {
     int width = 0;
     int height = 0;
-    float n_scale = 0; ///< Strength of the normals.
+    float n_scale = 0;                  ///< Strength of the normals.
+    std::optional<HeightRange> heights; ///< As in MapReport.
 
     bool operator==(NormalReport const&) const = default;
 };
@@ -54,13 +57,25 @@ struct RelightReport {
     bool operator==(RelightReport const&) const = default;
 };
 
+struct ConvertReport {
+    int width = 0;
+    int height = 0;
+    std::string from;                   ///< "16-bit grey PNG"
+    std::string to;                     ///< "half-float grey"
+    std::optional<HeightRange> heights; ///< What became 0 and 1, if other colours did.
+
+    bool operator==(ConvertReport const&) const = default;
+};
+
 struct InfoReport {
     int width = 0;
     int height = 0;
     std::string format; ///< "PNG", "TIFF": whatever the name says.
     int bits_per_channel = 0;
-    std::string pixel; ///< "8-bit grey with alpha" and the like.
+    std::string pixel;        ///< "8-bit grey with alpha" and the like.
+    bool only_header = false; ///< It was too large to look into: nothing below is known, nor the samples.
     std::vector<ChannelRange> channels;
+    bool has_8_bit_steps = false;      ///< Of 16 bits or floats, and with no more levels than 8 bits have.
     Kind taken_for = Kind::kHeightMap; ///< What a map would be made from.
     std::string because;               ///< What speaks for that.
     std::vector<std::string> notes;    ///< How the file was taken, where a user has to know it.
@@ -124,7 +139,7 @@ struct FolderReport {
 };
 
 /// The report of a job of any task. In the order of Job.
-using Report = std::variant<MapReport, NormalReport, RelightReport, InfoReport, StackReport, FitReport,
-                            DevicesReport, ListReport, FolderReport>;
+using Report = std::variant<MapReport, NormalReport, RelightReport, ConvertReport, InfoReport, StackReport,
+                            FitReport, DevicesReport, ListReport, FolderReport>;
 
 } // namespace umbrixlib::toolkit

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/encode.h"
 #include "toolkit/settings/stack_record.h"
-#include "toolkit/tasks/graphics_run.h"
-#include "toolkit/tasks/library_run.h"
-#include "toolkit/tasks/lost_light.h"
-#include "toolkit/tasks/map_picture.h"
 #include "toolkit/tasks/methods/saved_picture.h"
 #include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/prepared_input.h"
+#include "toolkit/tasks/runs/graphics_run.h"
+#include "toolkit/tasks/runs/library_run.h"
+#include "toolkit/tasks/runs/lost_light.h"
+#include "toolkit/tasks/runs/map_picture.h"
 #include "toolkit/tasks/tasks.h"
 
 #include <algorithm>
@@ -25,6 +25,7 @@ namespace {
 struct ReadyLayer {
     StackLayer const* description;
     Picture picture;
+    SampleType type; ///< Of its file's samples.
 };
 
 struct ReadyStack {
@@ -87,6 +88,20 @@ void check_outputs(StackJob const& job, ReadyStack const& stack)
     }
 }
 
+void take_layer(StackLayer const& layer, PreparedInput& picture, HeightReading const& reading,
+                Observer& observer)
+{
+    std::string const name = layer.file_label();
+    if (layer.is_normal_map) {
+        take_for_normals(picture, {}, name, observer); // a layer of normals has no heights
+        return;
+    }
+    if (auto const range = take_for_heights(picture, reading, name, observer)) {
+        observer.note(name, {fmt::format("its heights from {:.6g} to {:.6g} are taken for 0 to 1", range->low,
+                                         range->high)});
+    }
+}
+
 /// Decodes the layers one by one. All checks that need the size of the pictures are made as soon as it is
 /// known.
 ReadyStack read_layers(StackJob const& job, Observer& observer)
@@ -105,10 +120,8 @@ ReadyStack read_layers(StackJob const& job, Observer& observer)
         } else if (!fits(layer, picture, stack, observer)) {
             continue;
         }
-        if (layer.is_normal_map) {
-            take_for_normals(picture, layer.file_label(), observer);
-        }
-        stack.layers.push_back({&layer, std::move(picture.picture)});
+        take_layer(layer, picture, height_reading_of(job.settings), observer);
+        stack.layers.push_back({&layer, std::move(picture.picture), picture.type});
     }
     return stack;
 }
@@ -162,7 +175,7 @@ Blended blend(StackJob const& job, ReadyStack const& stack, Observer& observer)
     run_in_memory(job.file, observer, [&](RunControl& control) {
         control.enter(kBlendingLayers);
         LinkedList<n_layer> records = records_of(stack, job);
-        NLayers library_stack(&records, InMemory{});
+        NLayers library_stack(&records, InMemory{borders_of(job.settings)});
         fill(library_stack, stack);
         library_stack.BlendLayers();
         auto const texels = static_cast<std::size_t>(library_stack.GetResultSize());
@@ -182,7 +195,7 @@ bool is_narrowed_between(ReadyStack const& stack, SavedAs const& map)
 {
     return map.depth == SampleType::kUint8 &&
            std::all_of(stack.layers.begin(), stack.layers.end(),
-                       [](ReadyLayer const& layer) { return layer.picture.type == SampleType::kUint8; });
+                       [](ReadyLayer const& layer) { return layer.type == SampleType::kUint8; });
 }
 
 /// The blended normals with the blended heights, stretched to their full range, in the alpha.
@@ -232,13 +245,14 @@ Picture make_map_from_layers(StackJob const& job, ReadyStack const& stack, Saved
 {
     note_layers_without_normals(stack, observer);
     LinkedList<n_layer> records = records_of(stack, job);
-    NLayers library_stack(&records, InMemory{});
+    NLayers library_stack(&records, InMemory{borders_of(job.settings)});
     fill(library_stack, stack);
     umbrix_options options = options_for(job.settings, Kind::kHeightMap, stack.width);
     options.blend_height = true;
     Picture const no_samples{stack.width, stack.height, 3, {}};
-    Picture map =
-        make_umbrix_map(no_samples, job.file, options, as, observer, &records, &library_stack, job.graphics);
+    Picture map = make_umbrix_map(
+        {no_samples, job.file, options, as, borders_of(job.settings), &records, &library_stack, job.graphics},
+        observer);
     note_lost_light(map, job.file, {no_samples, job.settings, Kind::kHeightMap, false, job.graphics},
                     observer);
     return map;
@@ -261,7 +275,9 @@ Picture make_map(StackJob const& job, ReadyStack const& stack, Blended const& bl
     umbrix_options const options = options_for(job.settings, Kind::kNormalMap, stack.width);
     Picture const source =
         is_narrowed_between(stack, as) ? source_in_bytes(stack, blended) : source_in_floats(stack, blended);
-    Picture map = make_umbrix_map(source, job.file, options, as, observer, nullptr, nullptr, job.graphics);
+    MapOrder order{source, job.file, options, as, borders_of(job.settings)};
+    order.graphics = job.graphics;
+    Picture map = make_umbrix_map(order, observer);
     note_lost_light(map, job.file,
                     {source, job.settings, Kind::kNormalMap, normals_follow_relief(stack), job.graphics},
                     observer);
@@ -274,7 +290,7 @@ SampleType deepest_heights(ReadyStack const& stack)
     SampleType deepest = SampleType::kUint8;
     for (ReadyLayer const& layer : stack.layers) {
         if (!layer.description->is_normal_map) {
-            deepest = std::max(deepest, layer.picture.type);
+            deepest = std::max(deepest, layer.type);
         }
     }
     return deepest;

@@ -16,6 +16,7 @@ namespace umbrixlib::toolkit {
 MapReport run(MapJob const& job, Observer& observer);
 NormalReport run(NormalJob const& job, Observer& observer);
 RelightReport run(RelightJob const& job, Observer& observer);
+ConvertReport run(ConvertJob const& job, Observer& observer);
 InfoReport run(InfoJob const& job, Observer& observer);
 StackReport run(StackJob const& job, Observer& observer);
 FitReport run(FitJob const& job, Observer& observer);

@@ -39,12 +39,18 @@ UMBRIX_FIELDS(StackLayer, UMBRIX_FIELD(label), UMBRIX_FIELD(file), UMBRIX_FIELD(
               UMBRIX_FIELD(gaussian), UMBRIX_FIELD(depth), UMBRIX_FIELD(edge_a), UMBRIX_FIELD(edge_b))
 UMBRIX_FIELDS(StackDescription, UMBRIX_FIELD(normal_scale), UMBRIX_FIELD(layers), UMBRIX_FIELD(save_depth))
 
+UMBRIX_FIELDS(HeightRange, UMBRIX_FIELD(how), UMBRIX_FIELD(low), UMBRIX_FIELD(high))
+UMBRIX_FIELDS(InvalidTexels, UMBRIX_FIELD(replacement))
+UMBRIX_FIELDS(HeightReading, UMBRIX_FIELD(channel), UMBRIX_FIELD(invalid), UMBRIX_FIELD(range),
+              UMBRIX_FIELD(invert))
+
 UMBRIX_FIELDS(MapJob, UMBRIX_FIELD(files), UMBRIX_FIELD(settings), UMBRIX_FIELD(kind), UMBRIX_FIELD(normal_y),
               UMBRIX_FIELD(graphics), UMBRIX_FIELD(compare_cpu))
 UMBRIX_FIELDS(NormalJob, UMBRIX_FIELD(files), UMBRIX_FIELD(settings), UMBRIX_FIELD(normal_y))
 UMBRIX_FIELDS(RelightJob, UMBRIX_FIELD(files), UMBRIX_FIELD(light), UMBRIX_FIELD(look),
               UMBRIX_FIELD(mode_is_given), UMBRIX_FIELD(force), UMBRIX_FIELD(directions), UMBRIX_FIELD(cell))
-UMBRIX_FIELDS(InfoJob, UMBRIX_FIELD(input), UMBRIX_FIELD(max_texels))
+UMBRIX_FIELDS(ConvertJob, UMBRIX_FIELD(files), UMBRIX_FIELD(channel), UMBRIX_FIELD(reading))
+UMBRIX_FIELDS(InfoJob, UMBRIX_FIELD(input), UMBRIX_FIELD(max_texels), UMBRIX_FIELD(range))
 UMBRIX_FIELDS(StackJob, UMBRIX_FIELD(file), UMBRIX_FIELD(description), UMBRIX_FIELD(normals),
               UMBRIX_FIELD(heights), UMBRIX_FIELD(map), UMBRIX_FIELD(map_from_layers),
               UMBRIX_FIELD(max_texels), UMBRIX_FIELD(settings), UMBRIX_FIELD(graphics))
@@ -57,15 +63,19 @@ UMBRIX_FIELDS(FolderJob, UMBRIX_FIELD(folder), UMBRIX_FIELD(search), UMBRIX_FIEL
 UMBRIX_FIELDS(DeviceReport, UMBRIX_FIELD(name), UMBRIX_FIELD(backend))
 UMBRIX_FIELDS(MapReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(kind), UMBRIX_FIELD(guessed),
               UMBRIX_FIELD(reason), UMBRIX_FIELD(green), UMBRIX_FIELD(green_by_name), UMBRIX_FIELD(n_scale),
-              UMBRIX_FIELD(device), UMBRIX_FIELD(difference))
-UMBRIX_FIELDS(NormalReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(n_scale))
+              UMBRIX_FIELD(heights), UMBRIX_FIELD(device), UMBRIX_FIELD(difference))
+UMBRIX_FIELDS(NormalReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(n_scale),
+              UMBRIX_FIELD(heights))
 UMBRIX_FIELDS(RelightReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height))
+UMBRIX_FIELDS(ConvertReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(from), UMBRIX_FIELD(to),
+              UMBRIX_FIELD(heights))
 UMBRIX_FIELDS(ChannelRange, UMBRIX_FIELD(name), UMBRIX_FIELD(minimum), UMBRIX_FIELD(maximum),
-              UMBRIX_FIELD(mean))
+              UMBRIX_FIELD(mean), UMBRIX_FIELD(levels), UMBRIX_FIELD(invalid))
 UMBRIX_FIELDS(Attribute, UMBRIX_FIELD(key), UMBRIX_FIELD(value))
 UMBRIX_FIELDS(InfoReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(format),
-              UMBRIX_FIELD(bits_per_channel), UMBRIX_FIELD(pixel), UMBRIX_FIELD(channels),
-              UMBRIX_FIELD(taken_for), UMBRIX_FIELD(because), UMBRIX_FIELD(notes), UMBRIX_FIELD(attributes))
+              UMBRIX_FIELD(bits_per_channel), UMBRIX_FIELD(pixel), UMBRIX_FIELD(only_header),
+              UMBRIX_FIELD(channels), UMBRIX_FIELD(has_8_bit_steps), UMBRIX_FIELD(taken_for),
+              UMBRIX_FIELD(because), UMBRIX_FIELD(notes), UMBRIX_FIELD(attributes))
 UMBRIX_FIELDS(StackReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(layers))
 UMBRIX_FIELDS(FitReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(relief),
               UMBRIX_FIELD(n_scale), UMBRIX_FIELD(gaussian), UMBRIX_FIELD(inverted), UMBRIX_FIELD(green),
@@ -211,13 +221,14 @@ struct Crossing<ListJob> {
     {
         return {{"files", Crossing<JobFiles>::out(job.files)},
                 {"job", json::binary(pack_list_job(node_of(job.data, job.layers)))},
-                {"graphics", Crossing<Graphics>::out(job.graphics)}};
+                {"graphics", Crossing<Graphics>::out(job.graphics)},
+                {"reading", Crossing<HeightReading>::out(job.reading)}};
     }
     static ListJob in(json const& from)
     {
         umbrix_node const node = unpack_list_job(from.at("job").get_binary());
         return {Crossing<JobFiles>::in(from.at("files")), node, layers_of(node),
-                Crossing<Graphics>::in(from.at("graphics"))};
+                Crossing<Graphics>::in(from.at("graphics")), Crossing<HeightReading>::in(from.at("reading"))};
     }
 };
 

@@ -52,7 +52,7 @@ CLI::App* BatchCommand::declare(CLI::App& app)
             "Have the library walk one folder itself: it replaces outputs, takes those of earlier runs as "
             "inputs and tells of no failure; the kind and --n-scale have to be given")
         ->group(kRunGroup);
-    declare_options(*command_, settings_, kForMap);
+    declare_options(*command_, settings_, kForMap | kForHeights);
     return command_;
 }
 

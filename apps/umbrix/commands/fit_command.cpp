@@ -60,12 +60,13 @@ CLI::App* FitCommand::declare(CLI::App& app)
     command->add_flag("--json", json_, "Write one JSON object instead of text");
     command
         ->add_option("--save-preset", preset_output_,
-                     "Write the relief and the direction of green that were found into a preset, with the "
+                     "Write the relief and the directions of heights and green that were found into a "
+                     "preset, with the "
                      "other options of --preset")
         ->type_name("FILE")
         ->group(kFilesGroup);
     command->add_flag("--overwrite", common_.overwrite, "Replace that file if it exists")->group(kFilesGroup);
-    declare_options(*command, settings_, kForFit);
+    declare_options(*command, settings_, kForFit | kForHeights);
     command->add_flag("--fit-gaussian", fit_gaussian_, "Find the sigma of the blur, too [0 to 10 texels]")
         ->excludes(command->get_option("--gaussian"))
         ->group("Relief");
@@ -80,6 +81,7 @@ void FitCommand::save(FitReport const& report) const
     settings.n_scale = std::nullopt;
     settings.gaussian = static_cast<float>(report.gaussian);
     settings.normal_y = report.green;
+    settings.invert = settings_.invert != report.inverted;
     std::string const description = fmt::format("Fitted to {}: {:.2f} degrees remain, {:.2f} of flat ground",
                                                 std::filesystem::path(normals_).filename().string(),
                                                 report.mean_angle_degrees, report.flat_mean_angle_degrees);
@@ -114,9 +116,6 @@ void FitCommand::run(Interrupts const& interrupts)
     }
     if (!preset_output_.empty()) {
         save(report);
-        if (report.inverted) {
-            say_note(kFitCommand, preset_output_ + ": it does not say that the heights are inverted");
-        }
         if (!json_) {
             say("wrote {}: preset, relief {}, {:.2f} degrees remain", preset_output_, report.relief,
                 report.mean_angle_degrees);

@@ -19,12 +19,31 @@ std::string shown(double number)
     return std::isfinite(number) ? fmt::format("{:.6g}", number) : "none";
 }
 
+void print_channel(ChannelRange const& channel)
+{
+    bool const many = channel.levels >= kMostLevels;
+    fmt::print("  {:5} {} to {}, mean {}, {}{} level{}", channel.name, shown(channel.minimum),
+               shown(channel.maximum), shown(channel.mean), channel.levels, many ? " or more" : "",
+               channel.levels == 1 ? "" : "s");
+    if (channel.invalid > 0) {
+        fmt::print(", {} NaN or infinite", channel.invalid);
+    }
+    fmt::print("\n");
+}
+
 void print_text(std::string const& file, InfoReport const& report)
 {
+    if (report.only_header) {
+        say("{}: {} x {}, {}; --range looks into so large a picture", file, report.width, report.height,
+            report.format);
+        return;
+    }
     say("{}: {} x {}, {}, {}", file, report.width, report.height, report.format, report.pixel);
     for (ChannelRange const& channel : report.channels) {
-        fmt::print("  {:5} {} to {}, mean {}\n", channel.name, shown(channel.minimum), shown(channel.maximum),
-                   shown(channel.mean));
+        print_channel(channel);
+    }
+    if (report.has_8_bit_steps) {
+        fmt::print("  8-bit steps in a {} file\n", report.bits_per_channel == 16 ? "16-bit" : "float");
     }
     for (std::string const& note : report.notes) {
         say("  {}", note);
@@ -43,14 +62,16 @@ CLI::App* InfoCommand::declare(CLI::App& app)
         app.add_subcommand("info", "Tell what is in a picture, and what map would take it for");
     common_.declare_input(*command, "Picture");
     command->add_flag("--json", json_, "Write one JSON object instead of text");
+    command->add_flag("--range", range_,
+                      "Look into pictures of more than 16 million texels, too, which takes time and memory");
     return command;
 }
 
 void InfoCommand::run(Interrupts const& interrupts)
 {
     check_input(common_.input);
-    InfoReport const report =
-        supervise(InfoJob{common_.input, common_.max_texels}, common_.supervision("umbrix info", interrupts));
+    InfoReport const report = supervise(InfoJob{common_.input, common_.max_texels, range_},
+                                        common_.supervision("umbrix info", interrupts));
     if (json_) {
         fmt::print("{}", json_text(report, common_.input));
     } else {

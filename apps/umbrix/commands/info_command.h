@@ -15,6 +15,7 @@ public:
 private:
     CommonOptions common_;
     bool json_ = false;
+    bool range_ = false;
 };
 
 } // namespace umbrix_cli

@@ -7,9 +7,10 @@
 #include "options/saving_options.h"
 #include "options/setting_options.h"
 #include "terminal/complaint.h"
+#include "terminal/height_words.h"
 #include "terminal/kind_name.h"
 #include "toolkit/base/utf8.h"
-#include "toolkit/pictures/picture_difference.h"
+#include "toolkit/pictures/analysis/picture_difference.h"
 
 #include <fmt/format.h>
 
@@ -36,7 +37,7 @@ CLI::App* MapCommand::declare(CLI::App& app)
                    "channel")
         ->group(gpu->get_group())
         ->needs(gpu);
-    declare_options(*command, settings_, kForMap);
+    declare_options(*command, settings_, kForMap | kForHeights);
     return command;
 }
 
@@ -84,6 +85,7 @@ void MapCommand::run(Interrupts const& interrupts)
     if (report.kind == Kind::kNormalMap) {
         fmt::print(", green {}{}", name_of(report.green), report.green_by_name ? " (its name says so)" : "");
     }
+    fmt::print("{}", told(report.heights));
     print_relief(report);
     fmt::print(", {:.1f} s\n", made.seconds);
     if (compare_cpu_) {

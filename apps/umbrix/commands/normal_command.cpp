@@ -4,6 +4,7 @@
 #include "options/normal_y_option.h"
 #include "options/saving_options.h"
 #include "options/setting_options.h"
+#include "terminal/height_words.h"
 #include "terminal/kind_name.h"
 #include "terminal/say.h"
 
@@ -17,7 +18,7 @@ CLI::App* NormalCommand::declare(CLI::App& app)
     common_.declare_input(*command, "Height map; of a coloured picture the mean of the colours counts");
     declare_normal_y(*command, normal_y_, "Where green points in the normal map that is written")
         ->group("Relief");
-    declare_options(*command, settings_, kForNormal);
+    declare_options(*command, settings_, kForNormal | kForHeights);
     command->get_option("--detail")->group(""); // taken, as it always was, and without an effect
     return command;
 }
@@ -29,9 +30,9 @@ void NormalCommand::run(Interrupts const& interrupts)
     job.settings = settings_;
     job.normal_y = normal_y_.value_or(settings_.normal_y);
     Made<NormalJob> const made = make_picture_file("umbrix normal", common_, job, "_Normal", interrupts);
-    say("wrote {}: normal map, {} x {}, green {}, n-scale {:.4g}, {:.1f} s", made.output.string(),
+    say("wrote {}: normal map, {} x {}, green {}, n-scale {:.4g}{}, {:.1f} s", made.output.string(),
         made.report.width, made.report.height, name_of(job.normal_y),
-        static_cast<double>(made.report.n_scale), made.seconds);
+        static_cast<double>(made.report.n_scale), told(made.report.heights), made.seconds);
 }
 
 } // namespace umbrix_cli

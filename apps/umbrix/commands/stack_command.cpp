@@ -81,7 +81,7 @@ CLI::App* StackCommand::declare(CLI::App& app)
             "that join by `blend`")
         ->group(kStack);
     declare_graphics(*command, graphics_);
-    declare_options(*command, settings_, kForMap);
+    declare_options(*command, settings_, kForMap | kForHeights);
     return command;
 }
 

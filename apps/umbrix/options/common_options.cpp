@@ -60,11 +60,13 @@ void CommonOptions::declare_limits(CLI::App& command)
 
 void CommonOptions::declare_output(CLI::App& command, std::string const& default_name)
 {
+    std::string const otherwise = default_name.empty() ? "" : fmt::format(" [default {}]", default_name);
     command
         .add_option("-o,--output", output,
-                    fmt::format("File to write; its extension names the format [default {}]", default_name))
+                    fmt::format("File to write; its extension names the format{}", otherwise))
         ->type_name("FILE")
-        ->group(kFilesGroup);
+        ->group(kFilesGroup)
+        ->required(default_name.empty());
     command.add_flag("--overwrite", overwrite, "Replace the output if it exists")->group(kFilesGroup);
     declare_saving(command, saving);
     declare_progress(command);

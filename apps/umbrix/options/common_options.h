@@ -31,6 +31,7 @@ struct CommonOptions {
     /// Returns the option of the input, which is required.
     CLI::Option* declare_input(CLI::App& command, std::string const& description,
                                std::string const& name = "INPUT");
+    /// @param default_name Of an output that is not named; "": it has to be.
     void declare_output(CLI::App& command, std::string const& default_name);
 
     // Parts of the two above, for commands with inputs and outputs of another kind.

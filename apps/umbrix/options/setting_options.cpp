@@ -44,6 +44,9 @@ public:
     void operator()(std::optional<Kind> Settings::*) const { parse_choice(); }
     void operator()(NormalY Settings::*) const { parse_choice(); }
     void operator()(std::optional<umbrixlib::SampleType> Settings::*) const { parse_choice(); }
+    void operator()(HeightChannel Settings::*) const { parse_choice(); }
+    void operator()(HeightRange Settings::*) const { parse_text(); }
+    void operator()(InvalidTexels Settings::*) const { parse_text(); }
 
 private:
     std::string option() const { return fmt::format("--{}", row_.name); }
@@ -57,6 +60,13 @@ private:
                 option(), fmt::format("'{}' is not a {}; give {}", text_, row_.name, fmt::join(names, ", ")));
         }
         choose(row_, settings_, static_cast<int>(found - names.begin()));
+    }
+
+    void parse_text() const
+    {
+        if (!take_text(row_, settings_, text_)) {
+            throw CLI::ValidationError(option(), fmt::format("'{}' is not {}", text_, form_of(row_)));
+        }
     }
 
     double number() const { return parse_number(option(), text_, row_.minimum, row_.maximum); }
@@ -77,7 +87,10 @@ std::string default_text(SettingRow const& row)
 char const* value_name(SettingRow const& row)
 {
     if (!choices(row).empty()) {
-        return "MODE";
+        return row.users == kForHeights ? "CHANNEL" : "MODE";
+    }
+    if (std::holds_alternative<HeightRange Settings::*>(row.field)) {
+        return "LO,HI";
     }
     return std::holds_alternative<int Settings::*>(row.field) ? "N" : "X";
 }
@@ -107,15 +120,23 @@ std::string describe(SettingRow const& row)
     if (auto const names = choices(row); !names.empty()) {
         return fmt::format("{} [{}; default {}]", row.help, fmt::join(names, ", "), default_text(row));
     }
+    if (char const* const form = form_of(row); *form != '\0') {
+        return fmt::format("{} [{}; default {}]", row.help, form, default_text(row));
+    }
     return fmt::format("{} [{} to {}{}; default {}]", row.help, row.minimum, row.maximum, row.unit,
                        default_text(row));
 }
 
-void declare_options(CLI::App& command, Settings& settings, SettingUser user)
+void declare_options(CLI::App& command, Settings& settings, unsigned users)
 {
     declare_preset(command, settings);
+    declare_rows(command, settings, users);
+}
+
+void declare_rows(CLI::App& command, Settings& settings, unsigned users)
+{
     for (SettingRow const& row : setting_table()) {
-        if ((row.users & user) != 0) {
+        if ((row.users & users) != 0) {
             declare(command, settings, row);
         }
     }

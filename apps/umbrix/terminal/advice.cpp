@@ -38,6 +38,9 @@ constexpr Advice kAdvice[] = {
     {Fault::kDepthNotInFormat, "give --depth {}, or a name of another format"},
     {Fault::kSizeOutsideFormat, "give a name ending in .png"},
     {Fault::kHeightsOnly, "give a name ending in .png"},
+    {Fault::kInvalidTexels, "give what they stand for with --replace-invalid"},
+    {Fault::kHeightsOutsideRange, "give --height-range {}, or --height-range auto for the same"},
+    {Fault::kNoSuchChannel, "name another channel"},
     {Fault::kNotReadBack, "check the disk and the limits on memory, or choose another folder or format"},
 
     {Fault::kWrongValue, "{}"},

@@ -25,13 +25,23 @@ std::string json_text(InfoReport const& report, std::string const& file)
         channels.push_back({{"name", channel.name},
                             {"minimum", channel.minimum},
                             {"maximum", channel.maximum},
-                            {"mean", channel.mean}});
+                            {"mean", channel.mean},
+                            {"levels", channel.levels},
+                            {"invalid", channel.invalid}});
+    }
+    if (report.only_header) {
+        return text_of({{"file", file},
+                        {"width", report.width},
+                        {"height", report.height},
+                        {"format", report.format},
+                        {"only_header", true}});
     }
     json attributes = json::object();
     for (Attribute const& each : report.attributes) {
         attributes[each.key] = each.value;
     }
     return text_of({{"file", file},
+                    {"only_header", false},
                     {"width", report.width},
                     {"height", report.height},
                     {"attributes", attributes},
@@ -39,6 +49,8 @@ std::string json_text(InfoReport const& report, std::string const& file)
                     {"bits_per_channel", report.bits_per_channel},
                     {"pixel", report.pixel},
                     {"channels", channels},
+                    {"has_8_bit_steps", report.has_8_bit_steps},
+                    {"notes", report.notes},
                     {"taken_for", name_of(report.taken_for)},
                     {"because", report.because}});
 }

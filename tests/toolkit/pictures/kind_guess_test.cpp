@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// What a picture is taken for.
-#include "toolkit/pictures/kind_guess.h"
+#include "toolkit/pictures/analysis/kind_guess.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

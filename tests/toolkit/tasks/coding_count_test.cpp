@@ -79,7 +79,7 @@ TEST_F(CodingOnce, HoldsForANormalMapAndALitPicture)
 
 TEST_F(CodingOnce, HoldsForWhatIsOnlyLookedAt)
 {
-    EXPECT_EQ(count_of(InfoJob{path("a.png"), kMostTexels}), (CodingCount{1, 0}));
+    EXPECT_EQ(count_of(InfoJob{path("a.png"), kMostTexels, false}), (CodingCount{1, 0}));
     FitJob fit;
     fit.heights = path("a.png");
     fit.normals = path("b.png");

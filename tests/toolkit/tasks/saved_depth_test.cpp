@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 /// What is saved in more than 8 bits is as near to the truth as its samples allow.
 #include "task_test.h"
+#include "toolkit/pictures/analysis/channel_ranges.h"
 
 #include <cmath>
 #include <numbers>
@@ -173,8 +174,8 @@ TEST_F(SavedDepth, HeightsOfAStackStayGreyAndStretched)
     run(job, nobody_);
     DecodedImage const heights(path("h.png"), "h.png", kMostTexels);
     EXPECT_EQ(heights.description(), "16-bit grey");
-    EXPECT_EQ(heights.ranges().front().minimum, 0.0);
-    EXPECT_EQ(heights.ranges().front().maximum, 65535.0);
+    EXPECT_EQ(toolkit::channel_ranges(heights.picture()).front().minimum, 0.0);
+    EXPECT_EQ(toolkit::channel_ranges(heights.picture()).front().maximum, 65535.0);
 }
 
 std::string const kNarrowed = "its heights are read in 16 bits and written in 8 bits";

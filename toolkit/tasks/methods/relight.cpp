@@ -85,14 +85,32 @@ Picture reduced(Picture const& source, int factor)
     return result;
 }
 
+/// Calls @p body with the number of each texel and its light, in which @p one stands for 1.
+template <typename Body>
+void for_each_lit(Picture const& map, std::array<double, 3> const& weights, double one, Body&& body)
+{
+    double const scale = one / full_scale(map.type);
+    with_samples(map, [&](auto samples) {
+        auto const channels = static_cast<std::size_t>(map.channels);
+        for (std::size_t i = 0; i < map.texels(); ++i) {
+            auto const* const from = &samples[i * channels];
+            double const lit = weights[0] * to_number(from[0]) + weights[1] * to_number(from[1]) +
+                               weights[2] * to_number(from[2]);
+            body(i, lit * scale);
+        }
+    });
+}
+
 /// Copies @p piece into @p sheet with its bottom left corner there.
 void place(Picture const& piece, Picture& sheet, int left, int bottom)
 {
+    std::size_t const texel = sample_size(piece.type) * static_cast<std::size_t>(piece.channels);
     for (int y = 0; y < piece.height; ++y) {
         auto const from = static_cast<std::size_t>(y) * static_cast<std::size_t>(piece.width);
         auto const to = static_cast<std::size_t>(bottom + y) * static_cast<std::size_t>(sheet.width) +
                         static_cast<std::size_t>(left);
-        std::copy_n(piece.texel(from), piece.width * piece.channels, sheet.texel(to));
+        std::copy_n(&piece.bytes[from * texel], static_cast<std::size_t>(piece.width) * texel,
+                    &sheet.bytes[to * texel]);
     }
 }
 
@@ -128,37 +146,39 @@ std::array<double, 3> channel_weights(Light light, Relighting const& look)
     return weights;
 }
 
-Picture relit(Picture const& map, Light light, Relighting const& look)
+Picture relit(Picture const& map, Light light, Relighting const& look, SavedAs const& as)
 {
     std::array<double, 3> const weights = channel_weights(light, look);
-    Picture result = make_picture(map.width, map.height, 3);
-    double const scale = 255.0 / full_scale(map.type);
-    with_samples(map, [&](auto samples) {
-        auto const channels = static_cast<std::size_t>(map.channels);
-        for (std::size_t i = 0; i < map.texels(); ++i) {
-            auto const* const from = &samples[i * channels];
-            double const lit = weights[0] * to_number(from[0]) + weights[1] * to_number(from[1]) +
-                               weights[2] * to_number(from[2]);
-            double const grey = lit * scale;
+    if (as.depth == SampleType::kUint8 && !as.dither) {
+        Picture result = make_picture(map.width, map.height, 3);
+        for_each_lit(map, weights, 255.0, [&](std::size_t i, double grey) {
             // Not a number gives 0, too.
             std::fill_n(result.texel(i), 3,
                         static_cast<std::uint8_t>(grey > 0.0 ? std::min(grey + 0.5, 255.0) : 0.0));
-        }
-    });
-    return result;
+        });
+        return result;
+    }
+    Picture greys = make_picture(map.width, map.height, 1, SampleType::kFloat);
+    greys.kind = PictureKind::kLight;
+    auto const to = greys.samples<float>();
+    for_each_lit(map, weights, 1.0, [&](std::size_t i, double grey) { to[i] = static_cast<float>(grey); });
+    Picture result = in_samples(greys, as);
+    return as.depth == SampleType::kUint8 ? in_colour(result, false) : result;
 }
 
-Picture turntable(Picture const& map, Light light, Relighting const& look, int directions, int cell)
+Picture turntable(Picture const& map, Light light, Relighting const& look, int directions, int cell,
+                  SavedAs const& as)
 {
     int const longest = std::max(map.width, map.height);
     int const factor = std::min((longest + cell - 1) / cell, std::min(map.width, map.height));
     Picture const small = reduced(map, factor);
     int const columns = columns_of(directions);
     int const rows = (directions + columns - 1) / columns;
-    Picture sheet = make_picture(columns * small.width, rows * small.height, 3);
+    int const channels = as.depth == SampleType::kUint8 ? 3 : 1;
+    Picture sheet = make_picture(columns * small.width, rows * small.height, channels, as.depth);
     for (int i = 0; i < directions; ++i) {
         Light const turned{light.azimuth_degrees + 360.0 * i / directions, light.elevation_degrees};
-        place(relit(small, turned, look), sheet, i % columns * small.width,
+        place(relit(small, turned, look, as), sheet, i % columns * small.width,
               (rows - 1 - i / columns) * small.height);
     }
     return sheet;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "toolkit/pictures/picture.h"
+#include "toolkit/pictures/saving.h"
 
 #include <array>
 #include <umbrixlib.h>
@@ -29,11 +29,13 @@ struct Relighting {
 /// the three directions, at azimuth 0, 240 and 120, scaled so that flat ground gives the exposure.
 std::array<double, 3> channel_weights(Light light, Relighting const& look);
 
-/// @p map, of any sample type, as it looks in that light: a grey picture of 8 bits.
-Picture relit(Picture const& map, Light light, Relighting const& look);
+/// @p map, of any sample type, as it looks in that light: grey, in three equal channels of bytes, rounded to
+/// the nearest, or in one channel of other samples. Floats may lie above 1.
+Picture relit(Picture const& map, Light light, Relighting const& look, SavedAs const& as = {});
 
 /// A contact sheet of @p directions pictures, the azimuth going round once from that of @p light. They run
 /// row by row from the top left, each reduced by a whole number to at most @p cell texels a side.
-Picture turntable(Picture const& map, Light light, Relighting const& look, int directions, int cell);
+Picture turntable(Picture const& map, Light light, Relighting const& look, int directions, int cell,
+                  SavedAs const& as = {});
 
 } // namespace umbrixlib::toolkit

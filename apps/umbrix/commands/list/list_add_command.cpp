@@ -77,6 +77,7 @@ void ListAddCommand::run(Interrupts const& interrupts)
 {
     check_map_usage(options_.settings, "");
     options_.say_what_is_left_out(kListAddCommand);
+    check_list_settings(options_.settings);
     ListLock const lock = lock_list(file_, kListAddCommand, interrupts);
     umbrix_list list;
     std::error_code error;

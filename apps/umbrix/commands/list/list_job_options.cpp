@@ -25,7 +25,7 @@ InfoReport info_of(fs::path const& picture, Caller const& caller)
 {
     CommonOptions const limits;
     return supervise(
-        InfoJob{picture.string(), limits.max_texels},
+        InfoJob{picture.string(), limits.max_texels, true},
         {caller.command, limits.timeout_seconds, false, ProgressDisplay::Style::kNone, caller.interrupts});
 }
 
@@ -135,6 +135,14 @@ std::set<std::string> JobOptions::given() const
 std::optional<Kind> JobOptions::kind() const
 {
     return kind_ ? kind_ : settings.kind;
+}
+
+void check_list_settings(Settings const& settings)
+{
+    if (height_reading_of(settings) != HeightReading{}) {
+        throw UsageError("--preset", "a job of a list does not hold how heights are read",
+                         "give that to umbrix list run, and leave it out of the preset");
+    }
 }
 
 SourceLook look_at_source(fs::path const& source, Settings const& settings, std::optional<Kind> kind,

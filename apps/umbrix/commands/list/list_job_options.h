@@ -35,6 +35,9 @@ private:
     std::optional<Kind> kind_;
 };
 
+/// Throws a UsageError if a preset has settings that a list cannot hold.
+void check_list_settings(Settings const& settings);
+
 /// The command at work, for which pictures are looked at.
 struct Caller {
     std::string const& command; ///< Begins every message: "umbrix list add".

@@ -66,6 +66,7 @@ CLI::App* ListRunCommand::declare(CLI::App& app)
     declare_saving(*command, common_.saving);
     common_.declare_progress(*command, "not");
     declare_graphics(*command, graphics_);
+    declare_rows(*command, settings_, kForHeights);
     return command;
 }
 
@@ -74,9 +75,9 @@ void ListRunCommand::run(Interrupts const& interrupts)
     umbrix_list list;
     read_list(file_, list);
     ListLog log(file_, shard_);
-    ListChoice const choice{shard_, recurse_,
-                            common_.overwrite ? OutputPolicy::kReplace : OutputPolicy::kKeep, graphics_,
-                            common_.saving};
+    ListChoice const choice{
+        shard_,    recurse_,       common_.overwrite ? OutputPolicy::kReplace : OutputPolicy::kKeep,
+        graphics_, common_.saving, height_reading_of(settings_)};
     ListPlan const plan = plan_list(list, choice, log);
 
     if (!dry_run_) {

@@ -6,6 +6,7 @@
 #include "options/graphics_option.h"
 #include "options/workers_option.h"
 #include "toolkit/lists/list_log.h"
+#include "toolkit/settings/defaults.h"
 #include "toolkit_names.h"
 
 #include <string>
@@ -24,6 +25,7 @@ private:
     Shard shard_;
     WorkersOption workers_;
     Graphics graphics_;
+    Settings settings_ = kDefaults; ///< How heights are read; the jobs have the others.
     bool recurse_ = false;
     bool dry_run_ = false;
     bool json_ = false;

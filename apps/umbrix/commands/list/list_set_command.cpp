@@ -54,6 +54,7 @@ void ListSetCommand::change_numbers(umbrix_node& job, Interrupts const& interrup
     if (given.empty()) {
         return;
     }
+    check_list_settings(options_.settings);
     Settings const settings = merged(job, options_.settings, given);
     check_map_usage(settings, "");
     Kind const kind = options_.kind().value_or(kind_of(job));

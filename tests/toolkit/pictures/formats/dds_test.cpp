@@ -122,7 +122,7 @@ TEST_F(Dds, OfHalvesAndFloatsKeepsThem)
     Picture const old =
         image(1, 1, {.code = {116, 0, 0, 0}}, FileBuilder().f32({1, 2, 3, 4})).to_picture(true);
     EXPECT_EQ(old.samples<float>()[3], 4.0f);
-    EXPECT_EQ(image(1, 1, {.dxgi = 54}, {0, 0x3c}).description(), "16-bit grey");
+    EXPECT_EQ(image(1, 1, {.dxgi = 54}, {0, 0x3c}).description(), "half-float grey");
 }
 
 TEST_F(Dds, OfTwoChannelsIsANormalMapWithoutItsBlue)

@@ -23,7 +23,7 @@ TEST_F(Pfm, HasTheBottomRowFirstAndItsOrderOfBytesInItsScale)
     EXPECT_EQ(floats(FileBuilder(ByteOrder::kBig).text("PF\n1 2\n1.0\n").f32(wanted)), wanted);
     EXPECT_EQ(floats(FileBuilder().text("Pf\n1 2\n-1.0\n").f32({7, 8})),
               (std::vector<float>{7, 7, 7, 8, 8, 8}));
-    EXPECT_EQ(decoded(FileBuilder().text("Pf 1 1 -1 ").f32({7}), "x.pfm").description(), "32-bit grey");
+    EXPECT_EQ(decoded(FileBuilder().text("Pf 1 1 -1 ").f32({7}), "x.pfm").description(), "float grey");
 }
 
 TEST_F(Pfm, ThatIsCutShortOrMakesNoSenseIsRefused)

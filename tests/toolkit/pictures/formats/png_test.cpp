@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 /// PNG files of each kind.
 #include "decoding.h"
+#include "toolkit/pictures/analysis/channel_ranges.h"
 #include "toolkit/pictures/encoder.h"
 
 namespace umbrixlib::test {
@@ -57,7 +58,7 @@ TEST_F(Png, OfGreyWithAlphaKeepsBoth)
     DecodedImage const grey = image(png_bytes(2, PngColour::kGreyAlpha, 8, {{9, 200, 7, 100}}));
     EXPECT_EQ(grey.description(), "8-bit grey with alpha");
     EXPECT_EQ(bytes_of(grey.to_picture(true)), (Numbers{9, 9, 9, 200, 7, 7, 7, 100}));
-    auto const ranges = grey.ranges();
+    auto const ranges = toolkit::channel_ranges(grey.picture());
     ASSERT_EQ(ranges.size(), 2U);
     EXPECT_EQ(ranges[1].name, "alpha");
     EXPECT_EQ(ranges[1].minimum, 100.0);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/tasks/graphics_run.h"
+#include "toolkit/tasks/runs/graphics_run.h"
 
 #include "toolkit/base/failure.h"
 

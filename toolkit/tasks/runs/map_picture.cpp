@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/tasks/map_picture.h"
+#include "toolkit/tasks/runs/map_picture.h"
 
 #include "toolkit/base/failure.h"
-#include "toolkit/tasks/graphics_run.h"
-#include "toolkit/tasks/library_run.h"
 #include "toolkit/tasks/methods/saved_picture.h"
+#include "toolkit/tasks/runs/graphics_run.h"
+#include "toolkit/tasks/runs/library_run.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -13,23 +13,24 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-MapRequest request_for(Picture const& source, umbrix_options const& options, SavedAs const& as,
-                       LinkedList<n_layer>* layers, NLayers* stack, std::optional<int> device)
+MapRequest request_for(MapOrder const& order)
 {
+    Picture const& source = order.source;
     MapRequest request;
     request.source = source.view();
     bool const are_vectors = source.kind == PictureKind::kNormals && source.type == SampleType::kFloat;
     request.coding = are_vectors ? NormalCoding::kVectors : NormalCoding::kColours;
-    request.options = options;
-    request.layers = layers;
-    request.stack = stack;
-    if (device) {
-        request.gpu = gpu_options(*device);
+    request.options = order.options;
+    request.layers = order.layers;
+    request.stack = order.stack;
+    request.borders = order.borders;
+    if (order.graphics.device) {
+        request.gpu = gpu_options(*order.graphics.device);
     }
-    if (as.as_the_library_does()) {
+    if (order.as.as_the_library_does()) {
         request.form = source.has_alpha() ? MapForm::kBytes : MapForm::kColourBytes;
     }
-    request.wants_source_heights = options.keep_buffers;
+    request.wants_source_heights = order.options.keep_buffers;
     return request;
 }
 
@@ -82,29 +83,27 @@ void note_narrowed_heights(SampleType read, SavedAs const& as, std::string const
     }
 }
 
-Picture make_umbrix_map(Picture const& source, std::string const& name, umbrix_options options,
-                        SavedAs const& as, Observer& observer, LinkedList<n_layer>* layers, NLayers* stack,
-                        Graphics const& graphics)
+Picture make_umbrix_map(MapOrder order, Observer& observer)
 {
-    int const channels = source.has_alpha() ? 4 : 3;
-    if (graphics.match_cpu) {
-        match_processor(options, channels);
+    int const channels = order.source.has_alpha() ? 4 : 3;
+    if (order.graphics.match_cpu) {
+        match_processor(order.options, channels);
     }
-    MapRequest request = request_for(source, options, as, layers, stack, graphics.device);
+    MapRequest request = request_for(order);
     MapResult result;
-    run_in_memory(name, observer, [&](RunControl& control) {
+    run_in_memory(order.name, observer, [&](RunControl& control) {
         request.control = &control;
         result = make_map(request);
         return result.outcome;
     });
-    if (graphics.device) {
-        note_fallback(name, observer);
+    if (order.graphics.device) {
+        note_fallback(order.name, observer);
     }
-    Picture map = picture_of(result, channels, as);
-    if (!options.keep_buffers) {
+    Picture map = picture_of(result, channels, order.as);
+    if (!order.options.keep_buffers) {
         return map;
     }
-    bool const inverted = graphics.device && heights_are_inverted(options, channels);
+    bool const inverted = order.graphics.device && heights_are_inverted(order.options, channels);
     return with_heights_in_alpha(map, result.source_heights.get(), inverted);
 }
 

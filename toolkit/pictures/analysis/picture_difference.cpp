@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/pictures/picture_difference.h"
+#include "toolkit/pictures/analysis/picture_difference.h"
 
 #include <algorithm>
 #include <cmath>

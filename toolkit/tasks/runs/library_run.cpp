@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/tasks/library_run.h"
+#include "toolkit/tasks/runs/library_run.h"
 
 #include "toolkit/base/failure.h"
 #include "toolkit/base/stop.h"

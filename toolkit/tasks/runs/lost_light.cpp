@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/tasks/lost_light.h"
+#include "toolkit/tasks/runs/lost_light.h"
 
-#include "toolkit/tasks/map_picture.h"
+#include "toolkit/tasks/runs/map_picture.h"
 
 #include <algorithm>
 #include <array>
@@ -182,8 +182,10 @@ private:
         }
         umbrix_options const options = options_for(settings, origin_.kind, piece.width);
         bool const scaled = origin_.normals_follow_relief && part < 1.0;
-        return make_umbrix_map(scaled ? with_scaled_slopes(piece, static_cast<float>(part)) : piece, "",
-                               options, {SampleType::kFloat, Rounding::kCut, false}, silence_);
+        Picture const flatter = scaled ? with_scaled_slopes(piece, static_cast<float>(part)) : Picture{};
+        SavedAs const floats{SampleType::kFloat, Rounding::kCut, false};
+        return make_umbrix_map({scaled ? flatter : piece, "", options, floats, borders_of(settings)},
+                               silence_);
     }
 
     MapOrigin const& origin_;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/pictures/kind_guess.h"
+#include "toolkit/pictures/analysis/kind_guess.h"
 
 #include <algorithm>
 #include <array>

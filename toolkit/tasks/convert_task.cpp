@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/pictures/analysis/kind_guess.h"
+#include "toolkit/pictures/encode.h"
+#include "toolkit/pictures/heights/take_heights.h"
+#include "toolkit/tasks/prepared_input.h"
+#include "toolkit/tasks/tasks.h"
+
+#include <fmt/format.h>
+#include <utility>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+constexpr char const* kCoding = "coding";
+
+bool is_whole(SampleType type)
+{
+    return type == SampleType::kUint8 || type == SampleType::kUint16;
+}
+
+SavedAs saved_as_the_source(Output const& output, OutputFormat const& format, SampleType source)
+{
+    Saving saving = output.saving;
+    saving.depth = saving.depth.value_or(nearest_depth(format, source));
+    return saved_as(saving, format, PictureKind::kUnknown, output.name);
+}
+
+/// Whether the colours are vectors: as the picture tells, or else by what they look like.
+bool are_vectors(Picture const& picture, std::string const& name)
+{
+    if (is_whole(picture.type) || picture.channels < 3) {
+        return false;
+    }
+    std::string const coding = value_of(picture.attributes, kCoding);
+    return coding.empty() ? has_vectors(picture) && guess_kind(picture, name).kind == Kind::kNormalMap
+                          : coding == "-1..1";
+}
+
+/// Whole numbers hold no vectors that go below 0.
+void encode_vectors(Picture& picture, std::string const& name, Observer& observer)
+{
+    if (are_vectors(picture, name)) {
+        Attributes attributes = std::move(picture.attributes);
+        set_value(attributes, kCoding, "0..1");
+        picture = encoded_vectors(picture);
+        picture.attributes = std::move(attributes);
+        observer.note(name, {"its normals are -1 to 1 and are encoded as 0 to 1"});
+    }
+}
+
+} // namespace
+
+ConvertReport run(ConvertJob const& job, Observer& observer)
+{
+    JobFiles const& files = job.files;
+    std::string const& name = files.input;
+    DecodedImage image = decode_input({name, name, files.max_texels}, observer);
+    for (std::string const& note : image.notes()) {
+        observer.note(name, {note});
+    }
+    ConvertReport report;
+    report.width = image.width();
+    report.height = image.height();
+    report.from = fmt::format("{} {}", image.description(), image.format());
+    OutputFormat const& format = *output_format(files.output.file);
+    check_size(format, files.output.name, image.width(), image.height());
+    Picture picture = image.release_picture();
+    SavedAs const as = saved_as_the_source(files.output, format, picture.type);
+
+    observer.begin(Phase::kMaking, name);
+    if (job.channel) {
+        picture = channel_of(picture, *job.channel, name);
+    } else if (is_whole(as.depth)) {
+        encode_vectors(picture, name, observer);
+    }
+    Attributes attributes = std::move(picture.attributes);
+    report.heights = take_colours(picture, job.reading, is_whole(as.depth), name, observer);
+    picture = converted(picture, as);
+    if (job.reading == HeightReading{} && !job.channel) {
+        picture.attributes = std::move(attributes); // it is still what it tells
+    }
+    if (picture.has_alpha() && !format.alpha) {
+        observer.note(name, {fmt::format("its alpha is left out, as {} files have none", format.extension)});
+    }
+    report.to = description_of(picture);
+    write_picture(files.output.file, format, files.output.name, picture, observer);
+    return report;
+}
+
+} // namespace umbrixlib::toolkit
