@@ -142,6 +142,11 @@ TEST_F(FitCommand, FindsWhetherTheHeightsAreInverted)
     }
     std::string const text = run({"fit", "depth.tga", "n.tga"}).out;
     EXPECT_NE(text.find("\n  heights    inverted (as they are "), std::string::npos) << text;
+    ASSERT_EQ(run({"fit", "depth.tga", "n.tga", "--save-preset", "p.toml"}).code, 0);
+    std::string const preset = run({"preset", "show", "p.toml"}).out;
+    EXPECT_NE(preset.find("* invert            true"), std::string::npos) << preset;
+    auto const inverted = nlohmann::json::parse(run({"fit", "depth.tga", "n.tga", "--invert", "--json"}).out);
+    EXPECT_FALSE(inverted.at("inverted").get<bool>()) << "they are the right way up then";
 }
 
 /// Leans by atan(3 / 4) to the right in the first rows, and up in the others.
