@@ -33,7 +33,7 @@ struct Borders {
     bool h_tile = true; ///< It repeats sideways.
     bool v_tile = true; ///< It repeats up and down.
 
-    bool all_repeat() const { return h_tile && v_tile; }
+    bool all_repeat() const { return h_tile && v_tile; } ///< As in the file functions.
 };
 
 /// Marks a constructor of what works with pictures in memory alone, and says what holds there.

@@ -175,7 +175,7 @@ TEST_F(FullDisk, LeavesTheOldMapInEachFormat)
 TEST_F(FullDisk, LeavesTheOldPicturesOfTheOtherCommands)
 {
     expect_to_survive({"normal", "hill.tga", "-o", "out.png", "--overwrite"}, "out.png");
-    expect_to_survive({"relight", "normal.png", "-o", "out.png", "--overwrite"}, "out.png");
+    expect_to_survive({"relight", "normal.png", "-o", "out.png", "--overwrite", "--force"}, "out.png");
     put("height.png", kOld);
     put("map.png", kOld);
     expect_to_survive(with({"stack", "stack.toml", "-o", "out.png", "--height", "height.png"}, kSmallMap),

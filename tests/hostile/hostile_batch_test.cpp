@@ -3,7 +3,10 @@
 /// itself.
 #include "hostile_corpus.h"
 
+#include <algorithm>
 #include <mutex>
+#include <span>
+#include <string_view>
 #include <thread>
 
 namespace umbrixlib::test {
@@ -19,6 +22,26 @@ Arguments operator+(Arguments left, Arguments const& right)
 {
     left.insert(left.end(), right.begin(), right.end());
     return left;
+}
+
+/// A PNG file without what it tells of its maker, which is another one here and there.
+Bytes without_texts(Bytes const& png)
+{
+    constexpr std::size_t kSignature = 8;
+    constexpr std::size_t kAround = 12; // length, name and check sum of a chunk
+    Bytes rest(png.begin(), png.begin() + kSignature);
+    for (std::size_t at = kSignature; at + kAround <= png.size();) {
+        std::size_t length = 0;
+        for (std::size_t i = 0; i < 4; ++i) {
+            length = length << 8U | png[at + i];
+        }
+        auto const chunk = std::span(png).subspan(at, std::min(length + kAround, png.size() - at));
+        if (!std::ranges::equal(chunk.subspan(4, 4), std::string_view("iTXt"))) {
+            rest.insert(rest.end(), chunk.begin(), chunk.end());
+        }
+        at += chunk.size();
+    }
+    return rest;
 }
 
 class HostileBatch : public HostileCorpus {
@@ -113,7 +136,8 @@ protected:
             done += fate.done ? 1 : 0;
             bool const is_png = !fate.map.empty() && fate.map[0] == 0x89;
             if (fate.done && other.done && is_png) {
-                EXPECT_TRUE(fate.map == other.map) << file << ": another picture";
+                EXPECT_TRUE(without_texts(fate.map) == without_texts(other.map))
+                    << file << ": another picture";
                 ++compared;
             }
         }
