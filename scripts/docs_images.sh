@@ -2,6 +2,8 @@
 # SPDX-License-Identifier: MIT
 # Makes the pictures of the documents' pages from the example textures. Usage: scripts/docs_images.sh BUILD
 # BUILD is a folder where the tool and the generator of the examples are built, build/release for instance.
+# TERRAIN names an elevation model of 16 bits, of which the page about formats shows a piece; without it that piece stays.
+# ImageMagick cuts the pieces out.
 set -euo pipefail
 build=$(cd "$1" && pwd)
 cd "$(dirname "$0")/../docs/images"
@@ -33,3 +35,20 @@ umbrix normal tutorial_photo.png --relief 0.04 --gaussian 1 -o tutorial_normal.p
 umbrix map tutorial_photo.png --relief 0.04 --gaussian 1 --b-radius 3 -o tutorial_map.png
 umbrix relight tutorial_map.png --light 200,35 -o tutorial_left.png
 umbrix relight tutorial_map.png --light 20,35 -o tutorial_right.png
+
+# formats.md: the same heights in 8 bits and at full depth, lit
+lit_piece() { # HEIGHTS RELIEF PLACE PICTURE
+    umbrix map "$1" --relief "$2" --rays 64 -o "$work/lit.exr"
+    umbrix relight "$work/lit.exr" --light 135,35 -o "$work/lit.png"
+    convert "$work/lit.png" -crop "200x200$3" +repage -colorspace Gray -strip "$4"
+}
+if [ -n "${TERRAIN-}" ]; then
+    umbrix convert "$TERRAIN" --depth 8 -o "$work/terrain.png"
+    lit_piece "$work/terrain.png" 0.06 +400+400 formats_terrain_8.png
+    lit_piece "$TERRAIN" 0.06 +400+400 formats_terrain_16.png
+fi
+printf '[[layer]]\nfile = "%s"\ngaussian = 6\nn_scale = 10\n' "$PWD/../../examples/textures/dunes_height.png" > "$work/soft.toml"
+umbrix stack "$work/soft.toml" -o "$work/normals.exr" --height "$work/soft.exr" --depth float
+umbrix convert "$work/soft.exr" --depth 8 -o "$work/soft.png"
+lit_piece "$work/soft.png" 0.12 +150+150 formats_soft_8.png
+lit_piece "$work/soft.exr" 0.12 +150+150 formats_soft_float.png
