@@ -120,10 +120,11 @@ HeightRange limits_of(NumberSpan const& span, HeightRange const& range, bool bou
         return range;
     default:
         if (bounded && (span.low < 0.0 || span.high > 1.0)) {
-            std::string const own = fmt::format("{:.6g},{:.6g}", span.low, span.high);
+            auto const low = static_cast<float>(span.low); // which they were, so all digits are told
+            auto const high = static_cast<float>(span.high);
             throw Failure(Fault::kHeightsOutsideRange, name,
-                          fmt::format("its heights are {:.6g} to {:.6g}, not 0 to 1", span.low, span.high),
-                          own);
+                          fmt::format("its heights are {} to {}, not 0 to 1", low, high),
+                          fmt::format("{},{}", low, high));
         }
         return range;
     }
