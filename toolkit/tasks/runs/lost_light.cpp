@@ -23,6 +23,8 @@ constexpr int kWhole = 192 * 192;
 constexpr int kPiece = 64;  // side of a piece
 constexpr int kMargin = 16; // around it, as the edges of a piece do not fit together
 
+constexpr int kMostRays = 64; // more make a finer map, and the same shares
+
 constexpr double kLeastPart = 1.0 / 64.0; // of the relief
 constexpr int kHalvings = 6;
 
@@ -176,6 +178,7 @@ private:
         settings.n_scale = n_scale_of(settings, width) * static_cast<float>(part);
         settings.h_scale = h_scale_of(settings) * widths * static_cast<float>(part);
         settings.radius *= widths;
+        settings.rays = std::min(settings.rays, kMostRays);
         settings.height_in_alpha = false;
         if (piece.width != width || piece.height != origin_.source.height) {
             settings.tile = settings.h_tile = settings.v_tile = true;
