@@ -51,7 +51,11 @@ public:
         }
         check(read_rows(rows.data()));
         picture.attributes = parse_attributes({text_, text_size_});
-        return {std::move(picture), palette, "PNG"};
+        DecodedFile file{std::move(picture), palette, "PNG"};
+        if (has_profile_) {
+            file.notes.emplace_back("its colour profile is left alone: values count as they are");
+        }
+        return file;
     }
 
 private:
@@ -74,9 +78,9 @@ private:
         png_set_user_limits(png_, kMostSide, kMostSide); // the size is looked at by those who know the limit
         // Only what makes the picture, and our own text: no other text, profile or time can be at fault.
         png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
-        constexpr png_byte kTexts[] = "iTXt";
-        png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_ALWAYS, kTexts, 1);
-        png_set_read_user_chunk_fn(png_, this, take_text);
+        constexpr png_byte kLookedAt[] = "iTXt\0iCCP";
+        png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_ALWAYS, kLookedAt, 2);
+        png_set_read_user_chunk_fn(png_, this, take_chunk);
         png_read_info(png_, info_);
         return true;
     }
@@ -117,13 +121,16 @@ private:
         }
     }
 
-    /// Keeps our text, if the chunk holds it; it is never written back, so that all of them are done with.
-    static int take_text(png_structp png, png_unknown_chunkp chunk)
+    /// Keeps our text, if the chunk holds it, and that there is a colour profile. No chunk is written back,
+    /// so that all of them are done with.
+    static int take_chunk(png_structp png, png_unknown_chunkp chunk)
     {
         constexpr char kBefore[] = "Umbrix\0\0\0\0"; // not packed, in no language, and the zero behind it
         auto* const self = static_cast<PngReader*>(png_get_user_chunk_ptr(png));
-        if (chunk->size >= sizeof kBefore && chunk->size <= sizeof kBefore + kMostAttributeText &&
-            std::memcmp(chunk->data, kBefore, sizeof kBefore) == 0) {
+        if (std::memcmp(chunk->name, "iCCP", 4) == 0) {
+            self->has_profile_ = true;
+        } else if (chunk->size >= sizeof kBefore && chunk->size <= sizeof kBefore + kMostAttributeText &&
+                   std::memcmp(chunk->data, kBefore, sizeof kBefore) == 0) {
             self->text_size_ = chunk->size - sizeof kBefore;
             std::memcpy(self->text_, chunk->data + sizeof kBefore, self->text_size_);
         }
@@ -147,6 +154,7 @@ private:
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
     bool out_of_memory_ = false;
+    bool has_profile_ = false;
     char text_[kMostAttributeText] = {};
     std::size_t text_size_ = 0;
 };

@@ -172,5 +172,19 @@ TEST_F(Png, GivesBackWhatWasWritten)
     EXPECT_FALSE(toolkit::png_encoder().encode("/dev/full", toolkit::make_picture(99, 99, 3)));
 }
 
+TEST_F(Png, SaysThatItsColourProfileIsLeftAlone)
+{
+    Bytes const plain = png_bytes(2, PngColour::kGrey, 8, {{1, 2}});
+    EXPECT_TRUE(image(plain).notes().empty());
+    constexpr std::ptrdiff_t kBehindHeader = 8 + 25;
+    Bytes with_profile(plain.begin(), plain.begin() + kBehindHeader);
+    png_detail::append_chunk(with_profile, "iCCP", {'x', 0, 0, 1, 2});
+    with_profile.insert(with_profile.end(), plain.begin() + kBehindHeader, plain.end());
+    DecodedImage const told = image(with_profile);
+    EXPECT_EQ(told.notes(),
+              std::vector<std::string>{"its colour profile is left alone: values count as they are"});
+    EXPECT_EQ(bytes_of(told.to_picture(false)), bytes_of(image(plain).to_picture(false)));
+}
+
 } // namespace
 } // namespace umbrixlib::test
