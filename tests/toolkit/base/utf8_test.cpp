@@ -8,7 +8,9 @@
 namespace umbrixlib::test {
 namespace {
 
+using toolkit::code_point;
 using toolkit::has_control_characters;
+using toolkit::is_unseen;
 using toolkit::is_utf8;
 using toolkit::lower_case;
 using toolkit::printable;
@@ -62,11 +64,37 @@ TEST(Utf8, ShowsWhatControlsATerminalAsNumbers)
     EXPECT_EQ(printable("a\x1B[2J\n"), "a\\x1B[2J\\x0A");
     EXPECT_EQ(printable("\xC2\x9B"
                         "1m"),
-              "\\xC2\\x9B1m");
+              "\\u009B1m");
     EXPECT_EQ(printable("\xFF\xC3"), "\\xFF\\xC3");
     EXPECT_EQ(printable("\xC3\x84"), "\xC3\x84");
+    EXPECT_EQ(printable("a\x7F"), "a\\x7F");
     EXPECT_EQ(printable_lines("a\tb\nc\r\n"), "a\\x09b\nc\\x0D\n");
     EXPECT_EQ(printable_lines("a\nb"), "a\nb");
+}
+
+TEST(Utf8, ShowsWhatIsNotSeenAsNumbers)
+{
+    EXPECT_EQ(printable("rock\u202Egnp.exe"), "rock\\u202Egnp.exe");
+    EXPECT_EQ(printable("a\u200Bb\U000E0041"), "a\\u200Bb\\U000E0041");
+    EXPECT_EQ(printable_lines("a\u2028b\n"), "a\\u2028b\n");
+    for (char32_t const code :
+         {U'\u00AD', U'\u061C', U'\u200B', U'\u200C', U'\u200D', U'\u200E', U'\u200F', U'\u202A', U'\u202E',
+          U'\u2060', U'\u2066', U'\u2069', U'\u2029', U'\uFEFF', U'\uFE0F', U'\uFFF9', U'\U0001D173'}) {
+        EXPECT_TRUE(is_unseen(code)) << std::hex << static_cast<unsigned>(code);
+    }
+    for (char32_t const code : {U'a', U'\u00A0', U'\u00E4', U'\u0301', U'\u05D0', U'\u0627', U'\u2027',
+                                U'\u202F', U'\u3042', U'\uFFFD', U'\U0001F642'}) {
+        EXPECT_FALSE(is_unseen(code)) << std::hex << static_cast<unsigned>(code);
+    }
+}
+
+TEST(Utf8, TellsTheNumberOfACharacter)
+{
+    EXPECT_EQ(code_point("a\u00E4"), U'a');
+    EXPECT_EQ(code_point("\u00E4a"), U'\u00E4');
+    EXPECT_EQ(code_point("\u20AC"), U'\u20AC');
+    EXPECT_EQ(code_point("\U0001F642"), U'\U0001F642');
+    EXPECT_EQ(code_point("\U0010FFFF"), U'\U0010FFFF');
 }
 
 } // namespace
