@@ -2,10 +2,11 @@
 #include "toolkit/lists/list_log.h"
 
 #include "toolkit/base/failure.h"
-#include "toolkit/base/utf8.h"
+#include "toolkit/base/json_text.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -49,11 +50,23 @@ std::vector<fs::path> logs_of(fs::path const& list)
     return logs;
 }
 
-/// The name by which a target is found again: JSON is text, and a file name need not be.
+/// The name by which a target is found again.
 std::string key_of(fs::path const& target)
 {
     std::error_code error;
-    return printable(fs::weakly_canonical(fs::absolute(target), error).string());
+    return fs::weakly_canonical(fs::absolute(target), error).string();
+}
+
+/// A digest as logs have it, or 0. Those of earlier versions are numbers.
+std::uint64_t digest_in(nlohmann::json const& value)
+{
+    if (!value.is_string()) {
+        return value.is_number_unsigned() ? value.get<std::uint64_t>() : 0;
+    }
+    auto const& text = value.get_ref<std::string const&>();
+    std::uint64_t digest = 0;
+    auto const [stop, error] = std::from_chars(text.data(), text.data() + text.size(), digest);
+    return error == std::errc() && stop == text.data() + text.size() ? digest : 0;
 }
 
 void read_log(fs::path const& file, std::map<std::string, std::uint64_t>& makers)
@@ -61,14 +74,23 @@ void read_log(fs::path const& file, std::map<std::string, std::uint64_t>& makers
     std::ifstream in(file);
     for (std::string line; std::getline(in, line);) {
         // A line that a killed run did not finish says nothing.
-        nlohmann::json const entry = nlohmann::json::parse(line, nullptr, false);
+        nlohmann::json const entry = from_json_text(line);
         bool const whole = entry.is_object() && entry.contains("target") && entry.contains("digest") &&
-                           entry.contains("state") && entry["target"].is_string() &&
-                           entry["digest"].is_number_unsigned() && entry["state"] == kDone;
-        if (whole) {
-            makers[entry["target"].get<std::string>()] = entry["digest"].get<std::uint64_t>();
+                           entry.contains("state") && entry["target"].is_string() && entry["state"] == kDone;
+        std::uint64_t const digest = whole ? digest_in(entry["digest"]) : 0;
+        if (digest != 0) {
+            makers[entry["target"].get<std::string>()] = digest;
         }
     }
+}
+
+/// Whether a killed run left a part of a line at the end.
+bool ends_within_line(int descriptor)
+{
+    struct stat status {};
+    char last = '\n';
+    return fstat(descriptor, &status) == 0 && status.st_size > 0 &&
+           pread(descriptor, &last, 1, status.st_size - 1) == 1 && last != '\n';
 }
 
 } // namespace
@@ -82,7 +104,7 @@ ListLog::ListLog(fs::path const& list, Shard const& shard) : file_(log_of(list, 
 
 void ListLog::open_for_adding()
 {
-    descriptor_ = open(file_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    descriptor_ = open(file_.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     if (descriptor_ < 0) {
         throw Failure(Fault::kLogNotWritable, file_.string(),
                       fmt::format("the log cannot be written: {}", std::strerror(errno)));
@@ -105,12 +127,13 @@ std::uint64_t ListLog::maker_of(fs::path const& target) const
 void ListLog::add(fs::path const& target, std::uint64_t digest, std::string const& state,
                   std::string const& reason)
 {
-    nlohmann::ordered_json entry{{"target", key_of(target)}, {"digest", digest}, {"state", state}};
+    nlohmann::ordered_json entry{
+        {"target", key_of(target)}, {"digest", fmt::format("{}", digest)}, {"state", state}};
     if (!reason.empty()) {
-        entry["reason"] = printable(reason);
+        entry["reason"] = reason;
     }
-    // A line break in front: what a killed run left of its last line must not swallow this one.
-    std::string const line = fmt::format("\n{}\n", entry.dump());
+    std::string const line =
+        fmt::format("{}{}\n", ends_within_line(descriptor_) ? "\n" : "", to_json_text(entry));
     if (write(descriptor_, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
         throw Failure(Fault::kLogIncomplete, file_.string(), "the log did not take all of it");
     }

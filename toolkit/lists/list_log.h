@@ -41,7 +41,7 @@ public:
 private:
     std::filesystem::path file_;
     int descriptor_ = -1;
-    std::map<std::string, std::uint64_t> makers_; ///< By the target's name, encoded.
+    std::map<std::string, std::uint64_t> makers_; ///< By the target's name.
 };
 
 /// Tells whether the outcome of a job may differ from that of an earlier run: of the job itself and of the

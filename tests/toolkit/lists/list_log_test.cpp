@@ -32,6 +32,17 @@ protected:
     }
 
     std::uint64_t maker() const { return ListLog(list(), {1, 1}).maker_of(target_); }
+    /// Of the log, empty ones included.
+    std::vector<std::string> lines() const
+    {
+        std::vector<std::string> all;
+        std::ifstream in(folder_ / "jobs.ulist.log");
+        for (std::string line; std::getline(in, line);) {
+            all.push_back(line);
+        }
+        return all;
+    }
+
     fs::path list() const { return folder_ / "jobs.ulist"; }
 
     TemporaryFolder folder_;
@@ -97,12 +108,46 @@ TEST_F(ListLogs, GoOnBehindALineThatIsCutOff)
     EXPECT_EQ(maker(), 5U);
     add({1, 1}, 6);
     EXPECT_EQ(maker(), 6U);
+    EXPECT_EQ(lines().size(), 3U);
+}
+
+TEST_F(ListLogs, HaveALineForEachRecordAndNoOther)
+{
+    add({1, 1}, 5);
+    add({1, 1}, 18446744073709551615U, "failed");
+    std::string const target = R"({"target":")" + target_.string();
+    EXPECT_EQ(lines(),
+              (std::vector<std::string>{target + R"(","digest":"5","state":"done"})",
+                                        target + R"(","digest":"18446744073709551615","state":"failed"})"}));
+}
+
+TEST_F(ListLogs, TellTheNamesOfTargetsThatAreNoUtf8)
+{
+    target_ = folder_ / "a\x80\x1B\u202E_Umbrix.png";
+    add({1, 1}, 7);
+    EXPECT_EQ(maker(), 7U);
+    EXPECT_NE(lines().at(0).find("/a\\udc80\\u001b\u202E_Umbrix.png\""), std::string::npos) << lines().at(0);
+    target_ = folder_ / "a\x81\x1B\u202E_Umbrix.png";
+    EXPECT_EQ(maker(), 0U);
+}
+
+TEST_F(ListLogs, ThatHaveDigestsAsNumbersAreReadAsWell)
+{
+    std::ofstream(folder_ / "jobs.ulist.log") << "\n"
+                                                 R"({"target":")"
+                                              << target_.string()
+                                              << R"(","digest":18446744073709551615,"state":"done"})"
+                                                 "\n";
+    EXPECT_EQ(maker(), 18446744073709551615U);
 }
 
 TEST_F(ListLogs, SkipLinesOfOtherShapes)
 {
     std::ofstream(folder_ / "jobs.ulist.log")
-        << "[]\n{\"target\":1,\"digest\":2,\"state\":\"done\"}\n{\"state\":\"done\"}\nnull\n";
+        << "[]\n{\"target\":1,\"digest\":2,\"state\":\"done\"}\n{\"state\":\"done\"}\nnull\n"
+        << R"({"target":")" << target_.string()
+        << R"(","digest":"7x","state":"done"})"
+           "\n";
     EXPECT_EQ(maker(), 0U);
 }
 
