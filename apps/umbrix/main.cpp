@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "commands/command_line.h"
 #include "terminal/advice.h"
-#include "terminal/put_text.h"
+#include "terminal/say.h"
 #include "terminal/standard_output.h"
 #include "toolkit/base/stop.h"
 #include "toolkit_names.h"
@@ -12,28 +12,14 @@
 #include <fmt/format.h>
 #include <new>
 #include <string_view>
-#include <system_error>
 
 namespace umbrix_cli {
 
 namespace {
 
-/// fmt::print throws where the standard output takes no more, other ways of printing note it in the stream.
-void run_and_print(Command& command, Interrupts const& interrupts)
-{
-    try {
-        command.run(interrupts);
-    } catch (std::system_error const&) {
-        if (std::ferror(stdout) == 0) {
-            throw;
-        }
-    }
-    finish_standard_output();
-}
-
 int complain(std::string const& who, Complaint const& complaint)
 {
-    put_text(stderr, error_line(complaint, who));
+    put_line(stderr, error_line(complaint, who));
     return complaint.code;
 }
 
@@ -41,7 +27,8 @@ int run_command(Command& command, std::string const& name)
 {
     Interrupts const interrupts;
     try {
-        run_and_print(command, interrupts);
+        command.run(interrupts);
+        finish_standard_output();
         return kDone;
     } catch (Complaint const& complaint) {
         return complain(name, complaint);
@@ -53,7 +40,7 @@ int run_command(Command& command, std::string const& name)
     } catch (std::bad_alloc const&) {
         return complain(name, {"umbrix", "there is not enough memory", "raise the limit (ulimit -v)"});
     } catch (Stopped const& interrupted) {
-        put_text(stderr, fmt::format("{}: interrupted; {}\n", name, interrupted.state));
+        put_line(stderr, fmt::format("{}: interrupted; {}", name, interrupted.state));
         static_cast<void>(interrupts.take()); // a wish that was only looked at
         return kStoppedBySignal + interrupts.signal();
     }
@@ -71,7 +58,9 @@ int run_tool(int count, char** words)
         return run_command(*parsed.command, parsed.name);
     }
     put_text(stdout, parsed.out);
-    put_text(stderr, parsed.complaint);
+    if (!parsed.complaint.empty()) {
+        put_line(stderr, parsed.complaint);
+    }
     return parsed.code;
 }
 
@@ -85,9 +74,8 @@ int main(int count, char** words)
     try {
         return umbrix_cli::run_tool(count, words);
     } catch (std::exception const& error) {
-        umbrix_cli::put_text(
-            stderr,
-            fmt::format("umbrix: error: {}; this should not happen, please report it\n", error.what()));
+        umbrix_cli::put_line(
+            stderr, fmt::format("umbrix: error: {}; this should not happen, please report it", error.what()));
         return umbrix_cli::kInputFailed;
     }
 }

@@ -89,6 +89,7 @@ TEST_F(BatchCommand, TellsItsResultsAsJson)
     EXPECT_EQ(all.at("in/made.tga").at("reason"), "its output is already there");
     EXPECT_EQ(all.at("in/letter.png").at("state"), "failed");
     EXPECT_EQ(all.at("in/letter.png").at("reason"), "it is damaged, or not an image of a known format");
+    EXPECT_EQ(all.at("in/not \xff utf-8.tga").at("target"), "in/not \xff utf-8_Umbrix.tga");
     EXPECT_EQ(all.at("nowhere").at("state"), "failed");
     EXPECT_EQ(all.at("nowhere").at("reason"), "there is no such file or folder");
     EXPECT_EQ(all.at("in/no_alpha_normal.png").at("notes").size(), 1U);

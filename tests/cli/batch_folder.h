@@ -5,6 +5,7 @@
 /// A tree of pictures for batches.
 
 #include "tool.h"
+#include "toolkit/base/json_text.h"
 
 #include <cerrno>
 #include <map>
@@ -65,7 +66,7 @@ protected:
         std::map<std::string, nlohmann::json> all;
         std::istringstream lines(outcome.out);
         for (std::string line; std::getline(lines, line);) {
-            nlohmann::json const object = nlohmann::json::parse(line);
+            nlohmann::json const object = toolkit::from_json_text(line);
             EXPECT_TRUE(all.emplace(object.value("source", ""), object).second) << line;
         }
         return all;

@@ -191,15 +191,13 @@ TEST_F(ToolInputHdr, RefusesRowsThatAreDamaged)
 
 TEST_F(ToolInput, TakesNamesWithSpacesAndForeignLetters)
 {
-    for (auto const& [name, shown] :
-         {std::pair("two words", "two words"), std::pair("Höhe über Grund", "Höhe über Grund"),
-          std::pair("高さ", "高さ"), std::pair("not \xff utf-8", "not \\xFF utf-8")}) {
+    for (char const* name : {"two words", "Höhe über Grund", "高さ", "not \xff utf-8"}) {
         std::string const source = std::string(name) + ".tga";
         write(source, hill(16));
         Outcome const outcome = run({"map", source});
         EXPECT_EQ(outcome.code, 0) << name << outcome.err;
         EXPECT_TRUE(files().contains(std::string(name) + "_Umbrix.tga")) << name;
-        EXPECT_EQ(outcome.out.find("wrote " + std::string(shown) + "_Umbrix.tga: "), 0U) << outcome.out;
+        EXPECT_EQ(outcome.out.find("wrote " + std::string(name) + "_Umbrix.tga: "), 0U) << outcome.out;
         EXPECT_EQ(run({"info", source, "--json"}).code, 0);
     }
 }

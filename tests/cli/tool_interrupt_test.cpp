@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 /// Runs that are stopped in the middle.
-#include "tool.h"
+#include "terminal/terminal.h"
 
 #include <fstream>
-#include <sys/ioctl.h>
 #include <thread>
 
 namespace umbrixlib::test {
@@ -101,24 +100,11 @@ TEST_F(ToolInterrupt, IsOneSentenceIfTheWorkerIsKilled)
 TEST_F(ToolInterrupt, ShowsABarThatFitsTheTerminal)
 {
     for (unsigned short const columns : std::initializer_list<unsigned short>{200, 80, 40, 20, 8, 1}) {
-        int const terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-        ASSERT_GE(terminal, 0);
-        ASSERT_EQ(grantpt(terminal), 0);
-        ASSERT_EQ(unlockpt(terminal), 0);
-        int const inner = open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
-        winsize const size{24, columns, 0, 0};
-        ASSERT_EQ(ioctl(inner, TIOCSWINSZ, &size), 0);
-        Outcome const outcome = run({"map", "hill.tga", "-o", "a.tga", "--overwrite", "--rays", "200"}, {},
-                                    [inner] { dup2(inner, STDERR_FILENO); });
-        EXPECT_EQ(outcome.code, 0);
-        fcntl(terminal, F_SETFL, O_NONBLOCK);
-        std::string shown;
-        char piece[4096];
-        for (ssize_t got = 0; (got = ::read(terminal, piece, sizeof piece)) > 0;) {
-            shown.append(piece, static_cast<std::size_t>(got));
-        }
-        close(inner);
-        close(terminal);
+        Shown const on_terminal =
+            run_on_terminal(folder(), {"map", "hill.tga", "-o", "a.tga", "--overwrite", "--rays", "200"},
+                            with_scratch(), {STDERR_FILENO}, columns);
+        EXPECT_EQ(on_terminal.outcome.code, 0);
+        std::string const& shown = on_terminal.text;
         std::string const clear = "\r\033[K";
         EXPECT_EQ(shown.find('\n'), std::string::npos) << shown;
         EXPECT_EQ(shown.rfind(clear), shown.size() - clear.size());

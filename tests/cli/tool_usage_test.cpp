@@ -127,64 +127,6 @@ TEST_F(ToolUsage, RefusesWhatMakesNoSense)
     EXPECT_EQ(files(), (std::set<std::string>{"hill.tga"}));
 }
 
-TEST_F(ToolUsage, QuotesControlCharactersAsNumbers)
-{
-    auto const complaint = [&](Arguments const& arguments) { return run(arguments).err; };
-    auto const bytes = [](std::string const& text) { return Bytes(text.begin(), text.end()); };
-    write("s.toml", bytes("[[layer]]\nfile = 'hill.tga'\nkind = \"\\u001b[2J\\u0085\"\n"));
-    EXPECT_EQ(complaint({"stack", "s.toml"})
-                  .find("umbrix stack: error: s.toml: layer 1: kind (line 3): "
-                        "'\\x1B[2J\\xC2\\x85' is no kind of layer; "),
-              0U);
-    EXPECT_NE(complaint({"map", "hill.tga", "--\x1b[2J\n\xff"}).find(" --\\x1B[2J\\x0A\\xFF; see "),
-              std::string::npos);
-    EXPECT_EQ(complaint({"map", "a\nb.tga"}).find("umbrix map: error: a\\x0Ab.tga: "), 0U);
-    write("p.toml", bytes("light = fal\n"));
-    std::string const cut_off = complaint({"map", "hill.tga", "--preset", "p.toml"});
-    EXPECT_NE(cut_off.find("'fal\\x0A'; "), std::string::npos) << cut_off;
-    EXPECT_EQ(cut_off.find('\n'), cut_off.size() - 1) << cut_off;
-}
-
-TEST_F(ToolUsage, PrintsNamesThatControlNoTerminal)
-{
-    std::string const name = "a\x1b[2J\n";
-    std::string const shown = "a\\x1B[2J\\x0A";
-    write(name + ".tga", hill(8));
-    std::string const source = name + ".tga";
-    std::string const stack = "[[layer]]\nfile = 'hill.tga'\n";
-    write(name + ".toml", Bytes(stack.begin(), stack.end()));
-    std::filesystem::create_directory(folder() / name);
-    write(name + "/b.tga", hill(8));
-    for (Arguments const& arguments : {
-             Arguments{"map", source, "--rays", "1"},
-             Arguments{"normal", source},
-             Arguments{"relight", source},
-             Arguments{"info", source},
-             Arguments{"fit", source, name + "_Normal.tga", "--save-preset", name + "_fit.toml"},
-             Arguments{"stack", name + ".toml", "-o", name + "_stack.dds"},
-             Arguments{"stack", "--new", name + "_new.toml"},
-             Arguments{"preset", "save", name + "_preset.toml"},
-             Arguments{"preset", "show", name + "_preset.toml"},
-             Arguments{"batch", name, "--rays", "1", "--dry-run"},
-             Arguments{"batch", name, "--rays", "1"},
-             Arguments{"batch", source, "--rays", "1", "--overwrite", "--progress", "lines"},
-             Arguments{"list", "add", name + ".ulist", source},
-             Arguments{"list", "set", name + ".ulist", "1", "--rays", "1"},
-             Arguments{"list", "show", name + ".ulist"},
-             Arguments{"list", "run", name + ".ulist", "--overwrite"},
-             Arguments{"list", "export", name + ".ulist", "-o", name + "_list.toml"},
-             Arguments{"list", "import", name + "_list.toml"},
-             Arguments{"list", "remove", name + ".ulist", "1"},
-         }) {
-        Outcome const outcome = run(arguments);
-        std::string const said = outcome.out + outcome.err;
-        EXPECT_EQ(outcome.code, 0) << testing::PrintToString(arguments) << said;
-        EXPECT_NE(said.find(shown), std::string::npos) << said;
-        EXPECT_EQ(said.find("a\x1b"), std::string::npos) << said;
-        EXPECT_EQ(said.find("[2J\n"), std::string::npos) << said;
-    }
-}
-
 TEST_F(ToolUsage, ShowsProgressAsAsked)
 {
     auto const progress = [&](char const* style) {

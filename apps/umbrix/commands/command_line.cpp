@@ -18,7 +18,6 @@
 #include "options/graphics_option.h"
 #include "terminal/advice.h"
 #include "toolkit/base/suggestion.h"
-#include "toolkit/base/utf8.h"
 
 #include <algorithm>
 #include <cctype>
@@ -186,9 +185,8 @@ ParsedLine CommandLine::parse(std::vector<std::string> const& typed)
     Named const named = command_named_in(words);
     parsed.name = named.name;
     if (words != typed && unknown_command(words, named)) { // --help would answer for the tool
-        parsed.complaint = printable(fmt::format("umbrix help: error: {}; see umbrix --help",
-                                                 what_is_wrong(words, named, ""))) +
-                           "\n";
+        parsed.complaint =
+            fmt::format("umbrix help: error: {}; see umbrix --help", what_is_wrong(words, named, ""));
         parsed.code = kWrongUsage;
         return parsed;
     }
@@ -206,9 +204,8 @@ ParsedLine CommandLine::parse(std::vector<std::string> const& typed)
         parsed.out = out.str();
         return parsed;
     } catch (CLI::ParseError const& error) {
-        parsed.complaint = printable(fmt::format("{0}: error: {1}; see {0} --help", parsed.name,
-                                                 what_is_wrong(words, named, error.what()))) +
-                           "\n";
+        parsed.complaint = fmt::format("{0}: error: {1}; see {0} --help", parsed.name,
+                                       what_is_wrong(words, named, error.what()));
         parsed.code = kWrongUsage;
         return parsed;
     } catch (Failure const& failure) { // a preset is read while the command line is
@@ -222,7 +219,7 @@ ParsedLine CommandLine::parse(std::vector<std::string> const& typed)
             return parsed;
         }
     }
-    parsed.complaint = "umbrix: error: no command is given; see umbrix --help\n";
+    parsed.complaint = "umbrix: error: no command is given; see umbrix --help";
     parsed.code = kWrongUsage;
     return parsed;
 }

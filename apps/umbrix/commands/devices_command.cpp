@@ -2,9 +2,10 @@
 #include "commands/devices_command.h"
 
 #include "terminal/report_json.h"
+#include "terminal/say.h"
 #include "terminal/supervise.h"
 
-#include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace umbrix_cli {
 
@@ -13,14 +14,14 @@ namespace {
 void print_text(DevicesReport const& report)
 {
     if (report.devices.empty()) {
-        fmt::print("the graphics library of this build has no device\n");
+        say("the graphics library of this build has no device");
     }
     for (DevicesReport::Device const& device : report.devices) {
-        fmt::print("{:3}  {} ({}){}\n", device.number, device.name, device.backend,
-                   device.is_default ? ", taken by --gpu without a number" : "");
+        say("{:3}  {} ({}){}", device.number, device.name, device.backend,
+            device.is_default ? ", taken by --gpu without a number" : "");
     }
     if (!report.last_error.empty()) {
-        fmt::print("last reason for not using one: {}\n", report.last_error);
+        say("last reason for not using one: {}", report.last_error);
     }
 }
 
@@ -41,7 +42,7 @@ void DevicesCommand::run(Interrupts const& interrupts)
     DevicesReport const report = supervise(
         DevicesJob{}, {"umbrix devices", kNoDecoding, verbose_, ProgressDisplay::Style::kNone, interrupts});
     if (json_) {
-        fmt::print("{}", json_text(report));
+        say_json(json_of(report), 2);
     } else {
         print_text(report);
     }

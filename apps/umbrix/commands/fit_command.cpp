@@ -12,6 +12,7 @@
 #include "toolkit/settings/preset.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace umbrix_cli {
 
@@ -28,14 +29,14 @@ void print_text(std::string const& heights, std::string const& normals, FitRepor
 {
     NormalY const other = report.green == NormalY::kUp ? NormalY::kDown : NormalY::kUp;
     say("{} to {}, {} x {}", heights, normals, report.width, report.height);
-    fmt::print("  relief     {} image widths, n-scale {}, gaussian {}\n", report.relief, report.n_scale,
-               report.gaussian);
-    fmt::print("  heights    {} ({} {:.2f} degrees would remain)\n", name_of_heights(report.inverted),
-               name_of_heights(!report.inverted), report.other_heights_mean_angle_degrees);
-    fmt::print("  green      {} (with {} {:.2f} degrees would remain)\n", name_of(report.green),
-               name_of(other), report.other_green_mean_angle_degrees);
-    fmt::print("  mean angle {:.2f} degrees, {:.2f} of flat ground\n", report.mean_angle_degrees,
-               report.flat_mean_angle_degrees);
+    say("  relief     {} image widths, n-scale {}, gaussian {}", report.relief, report.n_scale,
+        report.gaussian);
+    say("  heights    {} ({} {:.2f} degrees would remain)", name_of_heights(report.inverted),
+        name_of_heights(!report.inverted), report.other_heights_mean_angle_degrees);
+    say("  green      {} (with {} {:.2f} degrees would remain)", name_of(report.green), name_of(other),
+        report.other_green_mean_angle_degrees);
+    say("  mean angle {:.2f} degrees, {:.2f} of flat ground", report.mean_angle_degrees,
+        report.flat_mean_angle_degrees);
 }
 
 Complaint no_fit(std::string const& normals, FitReport const& report)
@@ -106,7 +107,7 @@ void FitCommand::run(Interrupts const& interrupts)
     FitReport const report = supervise(job, common_.supervision(kFitCommand, interrupts));
     interrupts.check();
     if (json_) {
-        fmt::print("{}", json_text(report, common_.input, normals_));
+        say_json(json_of(report, common_.input, normals_), 2);
     } else if (report.beats_flat) {
         print_text(common_.input, normals_, report);
     }

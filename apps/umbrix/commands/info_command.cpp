@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace umbrix_cli {
 
@@ -22,13 +23,10 @@ std::string shown(double number)
 void print_channel(ChannelRange const& channel)
 {
     bool const many = channel.levels >= kMostLevels;
-    fmt::print("  {:5} {} to {}, mean {}, {}{} level{}", channel.name, shown(channel.minimum),
-               shown(channel.maximum), shown(channel.mean), channel.levels, many ? " or more" : "",
-               channel.levels == 1 ? "" : "s");
-    if (channel.invalid > 0) {
-        fmt::print(", {} NaN or infinite", channel.invalid);
-    }
-    fmt::print("\n");
+    say("  {:5} {} to {}, mean {}, {}{} level{}{}", channel.name, shown(channel.minimum),
+        shown(channel.maximum), shown(channel.mean), channel.levels, many ? " or more" : "",
+        channel.levels == 1 ? "" : "s",
+        channel.invalid > 0 ? fmt::format(", {} NaN or infinite", channel.invalid) : "");
 }
 
 void print_text(std::string const& file, InfoReport const& report)
@@ -43,7 +41,7 @@ void print_text(std::string const& file, InfoReport const& report)
         print_channel(channel);
     }
     if (report.has_8_bit_steps) {
-        fmt::print("  8-bit steps in a {} file\n", report.bits_per_channel == 16 ? "16-bit" : "float");
+        say("  8-bit steps in a {} file", report.bits_per_channel == 16 ? "16-bit" : "float");
     }
     for (std::string const& note : report.notes) {
         say("  {}", note);
@@ -51,7 +49,7 @@ void print_text(std::string const& file, InfoReport const& report)
     for (Attribute const& each : report.attributes) {
         say("  {}: {}", each.key, each.value);
     }
-    fmt::print("  `umbrix map` takes it for a {}: {}\n", name_of(report.taken_for), report.because);
+    say("  `umbrix map` takes it for a {}: {}", name_of(report.taken_for), report.because);
 }
 
 } // namespace
@@ -73,7 +71,7 @@ void InfoCommand::run(Interrupts const& interrupts)
     InfoReport const report = supervise(InfoJob{common_.input, common_.max_texels, range_},
                                         common_.supervision("umbrix info", interrupts));
     if (json_) {
-        fmt::print("{}", json_text(report, common_.input));
+        say_json(json_of(report, common_.input), 2);
     } else {
         print_text(common_.input, report);
     }

@@ -9,7 +9,7 @@
 #include "terminal/complaint.h"
 #include "terminal/height_words.h"
 #include "terminal/kind_name.h"
-#include "toolkit/base/utf8.h"
+#include "terminal/say.h"
 #include "toolkit/pictures/analysis/picture_difference.h"
 
 #include <fmt/format.h>
@@ -50,19 +50,13 @@ void MapCommand::validate() const
     }
 }
 
-void MapCommand::print_relief(MapReport const& report) const
+std::string MapCommand::relief_in_words() const
 {
     if (graphics_.device && !graphics_.match_cpu) {
-        fmt::print(", heights inverted and at full scale");
-    } else {
-        fmt::print(", {} {}", settings_.h_scale ? "h-scale" : "relief", h_scale_of(settings_));
-        if (settings_.n_scale) {
-            fmt::print(", n-scale {}", *settings_.n_scale);
-        }
+        return ", heights inverted and at full scale";
     }
-    if (report.device) {
-        fmt::print(", on {} ({})", report.device->name, report.device->backend);
-    }
+    return fmt::format(", {} {}{}", settings_.h_scale ? "h-scale" : "relief", h_scale_of(settings_),
+                       settings_.n_scale ? fmt::format(", n-scale {}", *settings_.n_scale) : "");
 }
 
 void MapCommand::run(Interrupts const& interrupts)
@@ -77,20 +71,22 @@ void MapCommand::run(Interrupts const& interrupts)
     job.kind = kind_ ? kind_ : settings_.kind;
     Made<MapJob> const made = make_picture_file(kMapCommand, common_, job, "_Umbrix", interrupts);
     MapReport const& report = made.report;
-    fmt::print("wrote {}: Umbrix map, {} x {}, from a {}", printable(made.output.string()), report.width,
-               report.height, name_of(report.kind));
+    std::string line = fmt::format("wrote {}: Umbrix map, {} x {}, from a {}", made.output.string(),
+                                   report.width, report.height, name_of(report.kind));
     if (report.guessed) {
-        fmt::print(" (guessed: {})", report.reason);
+        line += fmt::format(" (guessed: {})", report.reason);
     }
     if (report.kind == Kind::kNormalMap) {
-        fmt::print(", green {}{}", name_of(report.green), report.green_by_name ? " (its name says so)" : "");
+        line += fmt::format(", green {}{}", name_of(report.green),
+                            report.green_by_name ? " (its name says so)" : "");
     }
-    fmt::print("{}", told(report.heights));
-    print_relief(report);
-    fmt::print(", {:.1f} s\n", made.seconds);
+    line += told(report.heights) + relief_in_words();
+    if (report.device) {
+        line += fmt::format(", on {} ({})", report.device->name, report.device->backend);
+    }
+    say("{}, {:.1f} s", line, made.seconds);
     if (compare_cpu_) {
-        fmt::print("largest difference from the map made without --gpu, of 255: {}\n",
-                   in_words(report.difference));
+        say("largest difference from the map made without --gpu, of 255: {}", in_words(report.difference));
     }
 }
 

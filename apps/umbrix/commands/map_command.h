@@ -20,7 +20,7 @@ public:
 
 private:
     void validate() const;
-    void print_relief(MapReport const& report) const;
+    std::string relief_in_words() const;
 
     CommonOptions common_;
     Settings settings_ = kDefaults;

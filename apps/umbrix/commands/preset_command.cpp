@@ -34,11 +34,6 @@ int count_of_differences(Settings const& settings)
     return count;
 }
 
-void print(nlohmann::ordered_json const& object)
-{
-    fmt::print("{}\n", object.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
-}
-
 void print_table(std::string const& name, Preset const& preset)
 {
     say("{}{}{}", name, preset.description.empty() ? "" : ": ", preset.description);
@@ -46,17 +41,17 @@ void print_table(std::string const& name, Preset const& preset)
     for (SettingRow const& row : setting_table()) {
         if (group != row.group) {
             group = row.group;
-            fmt::print("{}:\n", group);
+            say("{}:", group);
         }
         std::string const value = value_text(row, preset.settings);
         if (differs(row, preset.settings)) {
-            fmt::print("* {:17} {:12} default {}\n", preset_key(row), value, value_text(row, kDefaults));
+            say("* {:17} {:12} default {}", preset_key(row), value, value_text(row, kDefaults));
         } else {
-            fmt::print("  {:17} {}\n", preset_key(row), value);
+            say("  {:17} {}", preset_key(row), value);
         }
     }
-    fmt::print("* differs from the default: {} of {}\n", count_of_differences(preset.settings),
-               setting_table().size());
+    say("* differs from the default: {} of {}", count_of_differences(preset.settings),
+        setting_table().size());
 }
 
 void print_json(std::string const& name, Preset const& preset)
@@ -69,10 +64,11 @@ void print_json(std::string const& name, Preset const& preset)
             different.push_back(preset_key(row));
         }
     }
-    print({{"preset", name},
-           {"description", preset.description},
-           {"options", options},
-           {"different_from_default", different}});
+    say_json({{"preset", name},
+              {"description", preset.description},
+              {"options", options},
+              {"different_from_default", different}},
+             2);
 }
 
 } // namespace
@@ -151,11 +147,11 @@ void PresetCommand::list() const
         if (json_) {
             all.push_back({{"name", name}, {"description", description}});
         } else {
-            fmt::print("{:10} {}\n", name, description);
+            say("{:10} {}", name, description);
         }
     }
     if (json_) {
-        print({{"presets", all}});
+        say_json({{"presets", all}}, 2);
     }
 }
 

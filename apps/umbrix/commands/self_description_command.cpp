@@ -5,6 +5,7 @@
 #include "options/describe/manual_page.h"
 #include "options/describe/option_words.h"
 #include "terminal/complaint.h"
+#include "terminal/put_text.h"
 
 #include <filesystem>
 #include <fmt/format.h>
@@ -44,7 +45,7 @@ void CompletionCommand::run(Interrupts const&)
     if (shell_ != "bash" && shell_ != "zsh") {
         throw UsageError(shell_, "there is no completion for this shell", "give bash or zsh");
     }
-    fmt::print("{}", shell_ == "bash" ? bash_completion(*tool_) : zsh_completion(*tool_));
+    put_text(stdout, shell_ == "bash" ? bash_completion(*tool_) : zsh_completion(*tool_));
 }
 
 CLI::App* ManualCommand::declare(CLI::App& app)
@@ -75,7 +76,7 @@ void ManualCommand::run(Interrupts const&)
     if (asked == pages.end()) {
         throw UsageError(command_, "there is no such command", "umbrix --help lists them");
     }
-    fmt::print("{}", asked->second);
+    put_text(stdout, asked->second);
 }
 
 } // namespace umbrix_cli

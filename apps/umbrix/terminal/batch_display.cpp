@@ -5,7 +5,6 @@
 #include "terminal/put_text.h"
 #include "terminal/say.h"
 #include "terminal/standard_output.h"
-#include "toolkit/base/utf8.h"
 
 #include <cstdio>
 #include <fmt/format.h>
@@ -20,7 +19,7 @@ namespace {
 std::string short_name(std::filesystem::path const& file)
 {
     constexpr std::size_t kLongest = 40;
-    std::string const name = printable(file.filename().string());
+    std::string const name = shown_on(stderr, file.filename().string());
     if (name.size() <= kLongest) {
         return name;
     }
@@ -83,8 +82,8 @@ void BatchDisplay::end(BatchResult const& result)
 {
     progress_.clear();
     if (view_.verbose && !result.printed.empty()) {
-        put_text(stderr, fmt::format("{}: {}:\n{}\n", view_.command, printable(result.file.source.string()),
-                                     result.printed));
+        put_line(stderr, fmt::format("{}: {}:", view_.command, result.file.source.string()));
+        put_text(stderr, result.printed + "\n");
     }
     if (view_.ended) {
         view_.ended(result);

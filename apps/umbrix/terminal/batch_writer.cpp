@@ -82,7 +82,8 @@ public:
 
     void planned(BatchFile const& file) override
     {
-        print({{"source", file.source.string()}, {"target", file.target.string()}, {"state", "planned"}});
+        say_json(nlohmann::json{
+            {"source", file.source.string()}, {"target", file.target.string()}, {"state", "planned"}});
     }
 
     void add(BatchResult const& result) override
@@ -109,27 +110,21 @@ public:
                 object["notes"].push_back(text_of(note));
             }
         }
-        print(object);
+        say_json(object);
     }
 
     void finish(BatchSummary const& summary) override
     {
-        print({{"planned", summary.planned},
-               {"done", summary.done},
-               {"skipped", summary.skipped},
-               {"failed", summary.failed},
-               {"left", summary.left},
-               {"left_alone", summary.left_alone},
-               {"seconds", summary.seconds}});
+        say_json(nlohmann::json{{"planned", summary.planned},
+                                {"done", summary.done},
+                                {"skipped", summary.skipped},
+                                {"failed", summary.failed},
+                                {"left", summary.left},
+                                {"left_alone", summary.left_alone},
+                                {"seconds", summary.seconds}});
     }
 
 private:
-    static void print(nlohmann::json const& object)
-    {
-        // A file name need not be UTF-8.
-        put_text(stdout, object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");
-    }
-
     bool details_;
 };
 

@@ -30,7 +30,7 @@ struct UsageError : Complaint {
     }
 };
 
-/// One line: `umbrix map: error: <subject>: <what>; <advice>`. It controls no terminal.
+/// One line without its end: `umbrix map: error: <subject>: <what>; <advice>`.
 std::string error_line(Complaint const& complaint, std::string const& command);
 
 } // namespace umbrix_cli

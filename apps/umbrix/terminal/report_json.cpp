@@ -7,18 +7,9 @@
 
 namespace umbrix_cli {
 
-namespace {
-
 using nlohmann::json;
 
-std::string text_of(json const& object)
-{
-    return object.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
-}
-
-} // namespace
-
-std::string json_text(InfoReport const& report, std::string const& file)
+json json_of(InfoReport const& report, std::string const& file)
 {
     json channels = json::array();
     for (ChannelRange const& channel : report.channels) {
@@ -30,50 +21,50 @@ std::string json_text(InfoReport const& report, std::string const& file)
                             {"invalid", channel.invalid}});
     }
     if (report.only_header) {
-        return text_of({{"file", file},
-                        {"width", report.width},
-                        {"height", report.height},
-                        {"format", report.format},
-                        {"only_header", true}});
+        return {{"file", file},
+                {"width", report.width},
+                {"height", report.height},
+                {"format", report.format},
+                {"only_header", true}};
     }
     json attributes = json::object();
     for (Attribute const& each : report.attributes) {
         attributes[each.key] = each.value;
     }
-    return text_of({{"file", file},
-                    {"only_header", false},
-                    {"width", report.width},
-                    {"height", report.height},
-                    {"attributes", attributes},
-                    {"format", report.format},
-                    {"bits_per_channel", report.bits_per_channel},
-                    {"pixel", report.pixel},
-                    {"channels", channels},
-                    {"has_8_bit_steps", report.has_8_bit_steps},
-                    {"notes", report.notes},
-                    {"taken_for", name_of(report.taken_for)},
-                    {"because", report.because}});
+    return {{"file", file},
+            {"only_header", false},
+            {"width", report.width},
+            {"height", report.height},
+            {"attributes", attributes},
+            {"format", report.format},
+            {"bits_per_channel", report.bits_per_channel},
+            {"pixel", report.pixel},
+            {"channels", channels},
+            {"has_8_bit_steps", report.has_8_bit_steps},
+            {"notes", report.notes},
+            {"taken_for", name_of(report.taken_for)},
+            {"because", report.because}};
 }
 
-std::string json_text(FitReport const& report, std::string const& heights, std::string const& normals)
+json json_of(FitReport const& report, std::string const& heights, std::string const& normals)
 {
-    return text_of({{"height_map", heights},
-                    {"normal_map", normals},
-                    {"width", report.width},
-                    {"height", report.height},
-                    {"relief", report.relief},
-                    {"n_scale", report.n_scale},
-                    {"gaussian", report.gaussian},
-                    {"inverted", report.inverted},
-                    {"green", name_of(report.green)},
-                    {"mean_angle_degrees", report.mean_angle_degrees},
-                    {"other_heights_mean_angle_degrees", report.other_heights_mean_angle_degrees},
-                    {"other_green_mean_angle_degrees", report.other_green_mean_angle_degrees},
-                    {"flat_mean_angle_degrees", report.flat_mean_angle_degrees},
-                    {"beats_flat", report.beats_flat}});
+    return {{"height_map", heights},
+            {"normal_map", normals},
+            {"width", report.width},
+            {"height", report.height},
+            {"relief", report.relief},
+            {"n_scale", report.n_scale},
+            {"gaussian", report.gaussian},
+            {"inverted", report.inverted},
+            {"green", name_of(report.green)},
+            {"mean_angle_degrees", report.mean_angle_degrees},
+            {"other_heights_mean_angle_degrees", report.other_heights_mean_angle_degrees},
+            {"other_green_mean_angle_degrees", report.other_green_mean_angle_degrees},
+            {"flat_mean_angle_degrees", report.flat_mean_angle_degrees},
+            {"beats_flat", report.beats_flat}};
 }
 
-std::string json_text(DevicesReport const& report)
+json json_of(DevicesReport const& report)
 {
     json devices = json::array();
     for (DevicesReport::Device const& device : report.devices) {
@@ -82,7 +73,7 @@ std::string json_text(DevicesReport const& report)
                            {"backend", device.backend},
                            {"default", device.is_default}});
     }
-    return text_of({{"devices", devices}, {"last_error", report.last_error}});
+    return {{"devices", devices}, {"last_error", report.last_error}};
 }
 
 } // namespace umbrix_cli

@@ -29,7 +29,7 @@ void ListExportCommand::run(Interrupts const& /*interrupts*/)
     read_list(file_, list);
     std::string const text = to_toml(list);
     if (output_.empty()) {
-        fmt::print("{}", text);
+        put_text(stdout, is_terminal(stdout) ? printable_lines(text) : text);
         return;
     }
     std::error_code error;

@@ -66,7 +66,7 @@ void print_json(std::string const& file, umbrix_list const& list)
         jobs.push_back(fields_of(each->data, ++number));
     }
     nlohmann::ordered_json const all{{"file", file}, {"jobs", jobs}};
-    fmt::print("{}\n", all.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+    say_json(all, 2);
 }
 
 /// What goes into the map.
