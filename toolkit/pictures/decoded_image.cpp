@@ -3,27 +3,11 @@
 
 #include "toolkit/base/failure.h"
 
-#include <algorithm>
-#include <array>
 #include <fmt/format.h>
-#include <sys/stat.h>
 
 namespace umbrixlib::toolkit {
 
 namespace {
-
-/// Device, number, size and time of a file: it is the same, unchanged, as long as these are.
-using FileStamp = std::array<std::int64_t, 5>;
-
-FileStamp stamp_of(std::filesystem::path const& file)
-{
-    struct stat status = {};
-    if (stat(file.c_str(), &status) != 0) {
-        return {};
-    }
-    return {static_cast<std::int64_t>(status.st_dev), static_cast<std::int64_t>(status.st_ino),
-            status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
-}
 
 struct Format {
     char const* name;
@@ -61,14 +45,13 @@ DecodedFile decoded(SourceFile& source)
 
 DecodedFile decode_unchanged(std::filesystem::path const& file, std::string const& subject, double max_texels)
 {
-    FileStamp const before = stamp_of(file);
-    auto const check = [&] { // what was read may be a part of each
-        if (stamp_of(file) != before) {
+    SourceFile source(file, subject, max_texels);
+    auto const check = [&] {
+        if (source.has_changed()) {
             throw Failure(Fault::kChangedWhileRead, subject, "it changed while it was read");
         }
     };
     try {
-        SourceFile source(file, subject, max_texels);
         DecodedFile result = decoded(source);
         check();
         return result;

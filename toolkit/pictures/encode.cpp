@@ -3,12 +3,14 @@
 
 #include "toolkit/base/failure.h"
 #include "toolkit/files/flush_to_disk.h"
+#include "toolkit/files/opened_files.h"
 #include "toolkit/pictures/decoded_image.h"
 #include "toolkit/pictures/encoder.h"
 
 #include <algorithm>
 #include <fmt/format.h>
 #include <sys/statvfs.h>
+#include <unistd.h>
 
 namespace umbrixlib::toolkit {
 
@@ -38,8 +40,11 @@ bool reads_back(std::filesystem::path const& file, OutputFormat const& format, P
 
 bool disk_is_full(std::filesystem::path const& file)
 {
+    int const descriptor = open_file(file, OpenFor::kReading);
     struct statvfs status = {};
-    return statvfs(file.c_str(), &status) == 0 && status.f_bavail == 0;
+    bool const full = fstatvfs(descriptor, &status) == 0 && status.f_bavail == 0;
+    close(descriptor);
+    return full;
 }
 
 } // namespace

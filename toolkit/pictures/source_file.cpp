@@ -2,6 +2,7 @@
 #include "toolkit/pictures/source_file.h"
 
 #include "toolkit/base/failure.h"
+#include "toolkit/files/opened_files.h"
 
 #include <algorithm>
 #include <cstring>
@@ -22,13 +23,33 @@ constexpr double kMostBesideTexels = 64 * 1024 * 1024; ///< Tags, tables, profil
 
 SourceFile::SourceFile(std::filesystem::path path, std::string subject, double max_texels)
     : path_(std::move(path)), subject_(std::move(subject)), max_texels_(max_texels),
-      stream_(std::fopen(path_.c_str(), "rbe"))
+      stream_(fdopen(open_file(path_, OpenFor::kReading), "rb"))
 {
     if (!stream_) {
         refuse_as_damaged();
     }
+    stamp_ = stamp();
     std::setvbuf(stream_.get(), nullptr, _IOFBF, kBuffer);
     head_size_ = std::fread(head_.data(), 1, head_.size(), stream_.get());
+}
+
+SourceFile::Stamp SourceFile::stamp() const
+{
+    struct stat status = {};
+    if (!status_of(fileno(stream_.get()), status)) {
+        return {};
+    }
+    return {static_cast<std::int64_t>(status.st_dev),
+            static_cast<std::int64_t>(status.st_ino),
+            static_cast<std::int64_t>(status.st_nlink),
+            status.st_size,
+            status.st_mtim.tv_sec,
+            status.st_mtim.tv_nsec};
+}
+
+bool SourceFile::has_changed() const
+{
+    return stamp() != stamp_;
 }
 
 std::size_t SourceFile::read_some(void* to, std::size_t bytes)
@@ -69,7 +90,7 @@ std::span<std::uint8_t const> SourceFile::content()
     if (content_.empty()) {
         struct stat status = {};
         double const most = kBytesPerTexel * max_texels_ + kMostBesideTexels;
-        if (fstat(fileno(stream_.get()), &status) != 0 || static_cast<double>(status.st_size) > most) {
+        if (!status_of(fileno(stream_.get()), status) || static_cast<double>(status.st_size) > most) {
             throw Failure(Fault::kTooManyTexels, subject_,
                           fmt::format("its {:.0f} MiB are more than a picture of {:.0f} texels takes",
                                       static_cast<double>(status.st_size) / (1024 * 1024), max_texels_));
@@ -101,7 +122,7 @@ void SourceFile::check_size(double width, double height) const
 void SourceFile::check_length(double bytes) const
 {
     struct stat status = {};
-    if (fstat(fileno(stream_.get()), &status) == 0 && S_ISREG(status.st_mode) &&
+    if (status_of(fileno(stream_.get()), status) && S_ISREG(status.st_mode) &&
         static_cast<double>(status.st_size) < bytes) {
         refuse_as_damaged();
     }

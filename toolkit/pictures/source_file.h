@@ -54,6 +54,10 @@ public:
     /// it has more bytes than a picture of the largest size takes.
     std::span<std::uint8_t const> content();
 
+    /// Whether it was written to, replaced or removed since it was opened here. What was read may be a part
+    /// of each.
+    bool has_changed() const;
+
     /// A Failure if the picture is too large, or has no texel.
     void check_size(double width, double height) const;
 
@@ -71,10 +75,16 @@ private:
         void operator()(std::FILE* stream) const { std::fclose(stream); }
     };
 
+    /// Device, number, names, size and time of a file: it is the same, unchanged, as long as these are.
+    using Stamp = std::array<std::int64_t, 6>;
+
+    Stamp stamp() const;
+
     std::filesystem::path path_;
     std::string subject_;
     double max_texels_;
     std::unique_ptr<std::FILE, Close> stream_;
+    Stamp stamp_{};
     std::array<std::uint8_t, 32> head_{};
     std::size_t head_size_ = 0;
     std::size_t head_read_ = 0; ///< How much of the head was handed out.

@@ -3,7 +3,48 @@
 
 #include "toolkit/base/overloaded.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace umbrixlib::toolkit {
+
+NamedFiles files_of(Job const& job)
+{
+    NamedFiles files;
+    auto const add_output = [&](Output const& output) {
+        if (!output.file.empty()) {
+            files.outputs.push_back(output.file);
+        }
+    };
+    auto const add_layers = [&](auto const& layers, auto name) {
+        std::ranges::transform(layers, std::back_inserter(files.inputs), name);
+    };
+    auto const add = [&](JobFiles const& one) {
+        files.inputs.push_back(one.input);
+        add_output(one.output);
+    };
+    std::visit(Overloaded{
+                   [&](auto const& each) { add(each.files); },
+                   [&](ListJob const& list) {
+                       add(list.files);
+                       add_layers(list.layers, &n_layer::filename);
+                   },
+                   [&](InfoJob const& info) { files.inputs = {info.input}; },
+                   [&](StackJob const& stack) {
+                       add_layers(stack.description.layers, &StackLayer::file);
+                       for (Output const* const each : {&stack.normals, &stack.heights, &stack.map}) {
+                           add_output(*each);
+                       }
+                   },
+                   [&](FitJob const& fit) {
+                       files.inputs = {fit.heights, fit.normals};
+                   },
+                   [](DevicesJob const&) {},
+                   [](FolderJob const&) {},
+               },
+               job);
+    return files;
+}
 
 std::string name_of_input(Job const& job)
 {

@@ -170,6 +170,13 @@ using Job = std::variant<MapJob, NormalJob, RelightJob, ConvertJob, InfoJob, Sta
 /// A job that makes one picture of another.
 using PictureJob = std::variant<MapJob, NormalJob, RelightJob, ListJob>;
 
+/// The files that a job opens by name. Those below the folder of a FolderJob are not among them.
+struct NamedFiles {
+    std::vector<std::string> inputs;
+    std::vector<std::string> outputs; ///< Temporary names.
+};
+NamedFiles files_of(Job const& job);
+
 /// What messages call that which a job works on first.
 std::string name_of_input(Job const& job);
 

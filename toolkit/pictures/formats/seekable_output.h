@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/files/opened_files.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -10,7 +12,8 @@ namespace umbrixlib::toolkit {
 /// A file that an encoder writes in any order. What goes wrong is kept until close().
 class SeekableOutput {
 public:
-    explicit SeekableOutput(std::filesystem::path const& file) : stream_(std::fopen(file.c_str(), "w+be"))
+    explicit SeekableOutput(std::filesystem::path const& file)
+        : stream_(fdopen(open_file(file, OpenFor::kWriting), "w+b"))
     {
         good_ = stream_ != nullptr;
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/files/opened_files.h"
+
 #include <cstdio>
 #include <filesystem>
 #include <span>
@@ -11,7 +13,10 @@ namespace umbrixlib::toolkit {
 /// A file that an encoder writes from its start to its end. What goes wrong is kept until close().
 class OutputStream {
 public:
-    explicit OutputStream(std::filesystem::path const& file) : stream_(std::fopen(file.c_str(), "wbe")) {}
+    explicit OutputStream(std::filesystem::path const& file)
+        : stream_(fdopen(open_file(file, OpenFor::kWriting), "wb"))
+    {
+    }
     ~OutputStream() { close(); }
     OutputStream(OutputStream const&) = delete;
     OutputStream& operator=(OutputStream const&) = delete;

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/files/opened_files.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <map>
+#include <string>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+struct OpenedFile {
+    int descriptor = -1;
+    int error = 0; ///< Why there is none.
+};
+
+/// Of this process, until it ends.
+std::map<std::string, OpenedFile>& opened_files()
+{
+    static std::map<std::string, OpenedFile> files;
+    return files;
+}
+
+int open_now(std::string const& file, OpenFor purpose)
+{
+    constexpr mode_t kForAll = 0666; // less the mask
+    return purpose == OpenFor::kReading
+               ? open(file.c_str(), O_RDONLY | O_CLOEXEC)
+               : open(file.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kForAll);
+}
+
+/// Another descriptor of an open file, which goes to its first byte.
+int from_the_start(int descriptor, OpenFor purpose)
+{
+    if (purpose == OpenFor::kWriting && ftruncate(descriptor, 0) != 0) {
+        return -1;
+    }
+    return lseek(descriptor, 0, SEEK_SET) == 0 ? fcntl(descriptor, F_DUPFD_CLOEXEC, 0) : -1;
+}
+
+} // namespace
+
+bool open_ahead(std::filesystem::path const& file, OpenFor purpose)
+{
+    auto const [place, is_new] = opened_files().try_emplace(file.string());
+    OpenedFile& opened = place->second;
+    if (is_new) {
+        opened.descriptor = open_now(file.string(), purpose);
+        opened.error = opened.descriptor < 0 ? errno : 0;
+    }
+    return opened.error != EMFILE && opened.error != ENFILE;
+}
+
+int open_file(std::filesystem::path const& file, OpenFor purpose)
+{
+    auto const place = opened_files().find(file.string());
+    if (place == opened_files().end()) {
+        return open_now(file.string(), purpose);
+    }
+    if (place->second.descriptor < 0) {
+        errno = place->second.error;
+        return -1;
+    }
+    return from_the_start(place->second.descriptor, purpose);
+}
+
+bool status_of(int descriptor, struct stat& status)
+{
+#if defined(__LP64__) && defined(SYS_fstat)
+    // Some C libraries use the call with a name instead, which a worker may not make.
+    return syscall(SYS_fstat, descriptor, &status) == 0;
+#else
+    return fstat(descriptor, &status) == 0;
+#endif
+}
+
+} // namespace umbrixlib::toolkit

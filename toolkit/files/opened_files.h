@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <sys/stat.h>
+
+namespace umbrixlib::toolkit {
+
+enum class OpenFor { kReading, kWriting };
+
+/// Opens @p file now, for the calls of open_file() that ask for its name later: a process that has given up
+/// the right to open files works on these. If that fails, open_file() fails with the same errno. A file to be
+/// written may be read back. Not for several threads at a time.
+/// @return False if the system has no room for another open file.
+bool open_ahead(std::filesystem::path const& file, OpenFor purpose);
+
+/// A descriptor of @p file at its first byte, which the caller closes, or -1 and errno. All descriptors of a
+/// file that was opened ahead share their place in it: one is used at a time. Else the file is opened here.
+/// For writing it is made or emptied, and no link is followed.
+int open_file(std::filesystem::path const& file, OpenFor purpose);
+
+/// What the system tells of an open file, asked without a name. False if it does not.
+bool status_of(int descriptor, struct stat& status);
+
+} // namespace umbrixlib::toolkit
