@@ -6,7 +6,8 @@
 set -euo pipefail
 
 build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libpng-dev libtiff-dev libopenexr-dev libjpeg-dev
-    libwebp-dev libgif-dev libdeflate-dev libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev opencl-c-headers"
+    libwebp-dev libgif-dev libdeflate-dev libseccomp-dev libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev
+    opencl-c-headers"
 docs_packages="doxygen"
 test_packages="libgtest-dev libgmock-dev python3 pocl-opencl-icd ocl-icd-libopencl1 oclgrind dpkg-dev file binutils
     g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel clang-format-14 $docs_packages"

@@ -83,6 +83,8 @@ enum class Fault {
     kWritingBrokeDown, ///< The worker ended while it wrote the result.
     kWorkerUnheard,    ///< A worker cannot be listened to.
     kNoWorker,         ///< No worker can be started.
+    kNoSandbox,        ///< A worker cannot give up its rights.
+    kTooManyFiles,     ///< A job names more files than a process may have open.
     kMissingWorker,    ///< The worker's program is not where it belongs.
 
     // Batches.

@@ -5,6 +5,7 @@
 #include "toolkit/base/stop.h"
 #include "toolkit/tasks/tasks.h"
 #include "toolkit/workers/crossing_internal.h"
+#include "toolkit/workers/sandbox/sandbox.h"
 #include "toolkit/workers/worker_channel.h"
 
 #include <csignal>
@@ -53,7 +54,9 @@ int do_job()
     set_last_words(tell);
     WorkerChannel channel;
     try {
-        channel.send(run(channel.read_job(), channel));
+        Job const job = channel.read_job();
+        enter_sandbox(job);
+        channel.send(run(job, channel));
         return EXIT_SUCCESS;
     } catch (Failure const& failure) {
         channel.send(failure);

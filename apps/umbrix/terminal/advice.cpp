@@ -80,6 +80,8 @@ constexpr Advice kAdvice[] = {
     {Fault::kWritingBrokeDown, "choose another format"},
     {Fault::kWorkerUnheard, "try again"},
     {Fault::kNoWorker, "check the limits on processes and memory"},
+    {Fault::kNoSandbox, "check that the system allows filters of system calls (seccomp)"},
+    {Fault::kTooManyFiles, "raise the limit on open files (ulimit -n)"},
     {Fault::kMissingWorker, "install UmbrixLib again; in a build folder build the target umbrix_worker"},
 
     {Fault::kSameTarget, "take one of them, for instance with --include '*_H.*'", kWrongUsage},

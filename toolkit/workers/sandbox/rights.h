@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "toolkit/tasks/jobs.h"
+
+namespace umbrixlib::toolkit {
+
+/// What a worker may ask of the system while it does its job. The fewer the better: a picture may be made to
+/// take its decoder over.
+enum class Rights {
+    /// Memory, threads of its own, and the descriptors that it has. No file is opened by name.
+    kDecoding,
+    /// The same, and files below one folder, which the library's walk opens by name.
+    kFolder,
+    /// Nearly all, as drivers of graphics devices read files all over the system, talk to their devices, map
+    /// code into memory and run compilers. No other process is touched, there is no network, and files
+    /// are written in a few folders only.
+    kGraphics
+};
+
+/// The least that does for @p job.
+Rights rights_of(Job const& job);
+
+/// Whether this system's kernel can take rights away from a process.
+bool can_take_rights();
+
+} // namespace umbrixlib::toolkit

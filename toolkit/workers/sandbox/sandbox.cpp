@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/workers/sandbox/sandbox.h"
+
+#include "toolkit/base/failure.h"
+#include "toolkit/files/opened_files.h"
+#include "toolkit/workers/sandbox/filter.h"
+#include "toolkit/workers/sandbox/landlock.h"
+
+#include <cstdlib>
+#include <omp.h>
+#include <sys/resource.h>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+void open_files(NamedFiles const& files)
+{
+    rlimit limit{}; // a stack may have more layers than a process usually has files
+    getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit);
+    auto const open = [](std::vector<std::string> const& names, OpenFor purpose) {
+        for (std::string const& name : names) {
+            if (!open_ahead(name, purpose)) {
+                throw Failure(Fault::kTooManyFiles, name,
+                              "it is one file more than the system lets a process open");
+            }
+        }
+    };
+    open(files.inputs, OpenFor::kReading);
+    open(files.outputs, OpenFor::kWriting);
+}
+
+std::string variable(char const* name)
+{
+    char const* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+/// Where drivers write: to their devices, to what the system tells of the process itself, to temporary files
+/// and to what they keep from run to run.
+std::vector<std::string> folders_of_drivers()
+{
+    std::vector<std::string> folders{"/dev", "/proc", "/tmp"};
+    for (char const* const name : {"TMPDIR", "XDG_CACHE_HOME", "POCL_CACHE_DIR", "CUDA_CACHE_PATH"}) {
+        folders.push_back(variable(name));
+    }
+    if (std::string const home = variable("HOME"); !home.empty()) {
+        folders.push_back(home + "/.cache");
+        folders.push_back(home + "/.nv");
+    }
+    return folders;
+}
+
+OpenFolders open_folders(Job const& job, Rights rights)
+{
+    OpenFolders folders;
+    if (rights == Rights::kGraphics) {
+        folders.all_read = true;
+        folders.written = folders_of_drivers();
+    }
+    if (auto const* const walk = std::get_if<FolderJob>(&job)) {
+        folders.written.push_back(walk->folder);
+    }
+    return folders;
+}
+
+} // namespace
+
+void enter_sandbox(Job const& job)
+{
+    open_files(files_of(job));
+    omp_get_num_procs(); // some runtimes of OpenMP read files when they are first asked
+#if defined(UMBRIX_INSTRUMENTED)
+    // Sanitizers read files, start processes and trace their own to look for leaks; coverage is written to
+    // files at the end. What the filters do is tested in builds without them.
+#else
+    if (can_take_rights()) {
+        Rights const rights = rights_of(job);
+        close_folders(open_folders(job, rights));
+        filter_system_calls(rights);
+    }
+#endif
+}
+
+} // namespace umbrixlib::toolkit
