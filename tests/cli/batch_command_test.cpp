@@ -51,17 +51,15 @@ TEST_F(BatchCommand, LosesNothingButTheFilesThatFail)
     Outcome const outcome = run({"batch", "in", "--jobs", "2"});
     EXPECT_EQ(outcome.code, 1);
     EXPECT_EQ(tree(), with(before, {"in/1 good_Umbrix.tga", "in/6 good_Umbrix.tga"}));
-    std::string const table = outcome.out;
-    EXPECT_EQ(table.rfind("done     in/1 good.tga -> in/1 good_Umbrix.tga, from a height map, ", 0), 0U)
-        << table;
-    EXPECT_NE(
-        table.find("\nfailed   in/2 high.psd: its size of 7 x 2147483653 is more than 268435456 texels\n"
-                   "failed   in/3 letter.png: it is damaged, or not an image of a known format\n"
-                   "failed   in/4 empty.tga: it is empty\n"
-                   "failed   in/5 wide.psd: it is damaged, or not an image of a known format\n"
-                   "2 done, 0 skipped, 4 failed; "),
-        std::string::npos)
-        << table;
+    for (char const* row :
+         {"done     in/1 good.tga -> in/1 good_Umbrix.tga, from a height map, ",
+          "failed   in/2 high.psd: its size of 7 x 2147483653 is more than 268435456 texels\n",
+          "failed   in/3 letter.png: it is damaged, or not an image of a known format\n",
+          "failed   in/4 empty.tga: it is empty\n",
+          "failed   in/5 wide.psd: it is damaged, or not an image of a known format\n",
+          "\n2 done, 0 skipped, 4 failed; "}) {
+        EXPECT_NE(outcome.out.find(row), std::string::npos) << row << outcome.out;
+    }
     EXPECT_EQ(outcome.err, "umbrix batch: error: 4 of 6 files: they failed; the results tell why\n");
 }
 
@@ -123,9 +121,9 @@ TEST_F(BatchCommand, OnlySaysWhatItWouldDoIfAsked)
     std::set<std::string> const before = tree();
     Outcome const outcome = run({"batch", "in", "-r", "--dry-run"});
     EXPECT_EQ(outcome.code, 0);
-    EXPECT_EQ(outcome.out.rfind("in/a_h.tga -> in/a_Umbrix.tga\n"
+    EXPECT_EQ(outcome.out.rfind("skipped  in/done.tga: its output is already there\n"
+                                "in/a_h.tga -> in/a_Umbrix.tga\n"
                                 "in/deep/b.jpg -> in/deep/b_Umbrix.png\n"
-                                "skipped  in/done.tga: its output is already there\n"
                                 "0 done, 1 skipped, 0 failed, 2 to do; ",
                                 0),
               0U)
@@ -206,7 +204,8 @@ TEST_F(BatchCommand, ShowsProgressAsAsked)
     EXPECT_EQ(progress("auto"), ""); // no terminal here
     EXPECT_EQ(progress("lines"), "1 of 2 a.tga\n2 of 2 ..." + std::string(34, 'x') + "\u00e9.tga 50%\n");
     std::string const bar = progress("bar");
-    EXPECT_NE(bar.find("[###############...............]  50% 2 of 2 ..."), std::string::npos) << bar;
+    EXPECT_NE(bar.find("[###############...............]  50% 2 of 2, "), std::string::npos) << bar;
+    EXPECT_NE(bar.find(" left: ...xxx"), std::string::npos) << bar;
     EXPECT_EQ(bar.rfind("\r\033[K"), bar.size() - 4); // taken off in the end
 }
 
@@ -221,9 +220,9 @@ TEST_F(BatchCommand, ReportsAFileThatVanishesBeforeItsTurn)
     std::filesystem::remove(folder() / "in/2.tga");
     Outcome const outcome = tool.finish();
     EXPECT_EQ(outcome.code, 1);
-    EXPECT_NE(outcome.out.find("failed   in/2.tga: there is no such file\n2 done, 0 skipped, 1 failed"),
-              std::string::npos)
+    EXPECT_NE(outcome.out.find("failed   in/2.tga: there is no such file\n"), std::string::npos)
         << outcome.out;
+    EXPECT_NE(outcome.out.find("\n2 done, 0 skipped, 1 failed"), std::string::npos) << outcome.out;
     EXPECT_EQ(tree(), (std::set<std::string>{"in/1.tga", "in/3.tga", "in/1_Umbrix.tga", "in/3_Umbrix.tga"}));
 }
 

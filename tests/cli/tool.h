@@ -66,15 +66,10 @@ public:
     void send(int signal) const { kill(process_, signal); }
 
     /// Reads until standard error holds @p text. False if the tool ends before.
-    bool wait_for_text(std::string const& text)
-    {
-        while (outcome_.err.find(text) == std::string::npos) {
-            if (!read_more()) {
-                return false;
-            }
-        }
-        return true;
-    }
+    bool wait_for_text(std::string const& text) { return wait_for(outcome_.err, text); }
+
+    /// The same for standard output.
+    bool wait_for_result(std::string const& text) { return wait_for(outcome_.out, text); }
 
     Outcome finish()
     {
@@ -112,6 +107,16 @@ private:
         }
         execv(UMBRIX_TOOL, words.data());
         _exit(127);
+    }
+
+    bool wait_for(std::string const& stream, std::string const& text)
+    {
+        while (stream.find(text) == std::string::npos) {
+            if (!read_more()) {
+                return false;
+            }
+        }
+        return true;
     }
 
     bool read_more()

@@ -38,9 +38,7 @@ CLI::App* BatchCommand::declare(CLI::App& app)
     command_ = app.add_subcommand("batch", "Make the maps of all pictures in folders, several at a time");
     declare_files(*command_);
     declare_input(*command_);
-    command_
-        ->add_flag("--json", json_, "Write a JSON object a line for each file as it ends, and one in the end")
-        ->group(kRunGroup);
+    declare_results_form(*command_, form_);
     declare_workers(*command_, workers_)->group(kRunGroup);
     common_.declare_limits(*command_);
     declare_saving(*command_, common_.saving);
@@ -200,8 +198,8 @@ FolderJob BatchCommand::plain_walk() const
         }
     };
     for (char const* option :
-         {"--normal", "--suffix", "--keep-tree", "--overwrite", "--update", "--dry-run", "--json", "--jobs",
-          "--include-outputs", "--exclude", "--normal-y", "--match-cpu", "--height-in-alpha"}) {
+         {"--normal", "--suffix", "--keep-tree", "--overwrite", "--update", "--dry-run", "--json", "--print0",
+          "--jobs", "--include-outputs", "--exclude", "--normal-y", "--match-cpu", "--height-in-alpha"}) {
         forbid(option);
     }
     std::error_code error;
@@ -239,7 +237,7 @@ void BatchCommand::run(Interrupts const& interrupts)
     if (common_.verbose) {
         say_what_is_left_out(plan);
     }
-    show_batch(plan, orders(), {kBatchCommand, common_.verbose, json_, common_.progress, {}}, interrupts);
+    show_batch(plan, orders(), {kBatchCommand, common_.verbose, form_, common_.progress, {}}, interrupts);
 }
 
 } // namespace umbrix_cli

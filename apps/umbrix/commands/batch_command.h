@@ -4,6 +4,7 @@
 #include "commands/command.h"
 #include "options/common_options.h"
 #include "options/graphics_option.h"
+#include "options/results_option.h"
 #include "options/workers_option.h"
 #include "terminal/batch_display.h"
 #include "terminal/plain_walk.h"
@@ -41,7 +42,7 @@ private:
     bool update_ = false;
     bool include_outputs_ = false;
     bool dry_run_ = false;
-    bool json_ = false;
+    ResultsForm form_ = ResultsForm::kRows;
     bool plain_ = false;
     Graphics graphics_;
     bool map_ = false;

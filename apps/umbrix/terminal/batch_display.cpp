@@ -6,6 +6,8 @@
 #include "terminal/say.h"
 #include "terminal/standard_output.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <fmt/format.h>
 #include <unistd.h>
@@ -59,20 +61,32 @@ void show_batch(BatchPlan const& plan, BatchOrders const& orders, BatchView cons
 }
 
 BatchDisplay::BatchDisplay(BatchView const& view)
-    : view_(view), writer_(view.json ? write_json_lines(view.verbose) : write_table()),
-      progress_(style_of_many(view.progress))
+    : view_(view), writer_(write_results(view.form, view.verbose)), progress_(style_of_many(view.progress))
 {
 }
 
 void BatchDisplay::begin(BatchFile const& file, BatchProgress const& progress)
 {
-    progress_.show(fmt::format("{} of {} {}", progress.number, progress.count, short_name(file.source)),
-                   static_cast<int>(progress.ended * 1000 / progress.count));
+    at_ = progress;
+    file_ = file.source;
+    show_progress();
+}
+
+void BatchDisplay::show_progress()
+{
+    std::string left;
+    if (progress_.is_bar() && at_.ended > 0) {
+        std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start_;
+        double const share = static_cast<double>(at_.count - at_.ended) / static_cast<double>(at_.ended);
+        left = fmt::format(", {} left:", time_in_words(taken.count() * share));
+    }
+    progress_.show(fmt::format("{} of {}{} {}", at_.number, at_.count, left, short_name(file_)),
+                   static_cast<int>(at_.ended * 1000 / at_.count));
 }
 
 void BatchDisplay::note(BatchFile const& /*file*/, std::string const& name, Note const& note)
 {
-    if (!view_.json && (view_.verbose || !note.detail)) {
+    if (view_.form != ResultsForm::kJson && (view_.verbose || !note.detail)) {
         progress_.clear();
         say_note(view_.command, name + ": " + text_of(note));
     }
@@ -89,6 +103,10 @@ void BatchDisplay::end(BatchResult const& result)
         view_.ended(result);
     }
     writer_->add(result);
+    at_.ended = std::min(at_.ended + 1, at_.number);
+    if (progress_.is_bar() && at_.ended < at_.number) {
+        show_progress();
+    }
 }
 
 void BatchDisplay::stopping(std::size_t running)
@@ -100,6 +118,16 @@ void BatchDisplay::stopping(std::size_t running)
                              view_.command, running == 1 ? "the file" : fmt::format("the {} files", running),
                              running == 1 ? "is" : "are"));
     }
+}
+
+std::string time_in_words(double seconds)
+{
+    constexpr long kLongest = 1000L * 3600; // beyond it an estimate is none
+    long const whole = std::clamp(static_cast<long>(std::ceil(std::min(seconds, 1e9))), 1L, kLongest);
+    long const minutes = (whole + 59) / 60;
+    return whole < 60     ? fmt::format("{} s", whole)
+           : minutes < 60 ? fmt::format("{} min", minutes)
+                          : fmt::format("{} h {} min", minutes / 60, minutes % 60);
 }
 
 } // namespace umbrix_cli

@@ -6,6 +6,7 @@
 #include "terminal/progress_display.h"
 #include "toolkit_names.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -16,7 +17,7 @@ namespace umbrix_cli {
 struct BatchView {
     std::string command; ///< Begins every message: "umbrix batch".
     bool verbose = false;
-    bool json = false; ///< Notes go to the results instead of standard error.
+    ResultsForm form = ResultsForm::kRows; ///< With JSON, notes go to the results instead of standard error.
     ProgressDisplay::Style progress = ProgressDisplay::Style::kNone;
     /// Called as each file ends; may be empty.
     std::function<void(BatchResult const& result)> ended;
@@ -40,9 +41,17 @@ public:
     void finish(BatchSummary const& summary) { writer_->finish(summary); }
 
 private:
+    void show_progress();
+
     BatchView const& view_;
     std::unique_ptr<BatchWriter> writer_;
     ProgressDisplay progress_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    BatchProgress at_;
+    std::filesystem::path file_; ///< That began last.
 };
+
+/// "5 s", "12 min", "3 h 5 min": rounded up, as estimates are that nobody waits for in vain.
+std::string time_in_words(double seconds);
 
 } // namespace umbrix_cli

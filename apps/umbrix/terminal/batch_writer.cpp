@@ -6,10 +6,8 @@
 #include "terminal/put_text.h"
 #include "terminal/say.h"
 
-#include <algorithm>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -37,7 +35,8 @@ std::string row_of(BatchResult const& result)
     return fmt::format("{:8} {}: {}", word_for(result.state), source, reason_of(result));
 }
 
-class Table : public BatchWriter {
+/// A line for each file as it ends, and one with the counts.
+class Rows : public BatchWriter {
 public:
     void planned(BatchFile const& file) override
     {
@@ -46,16 +45,20 @@ public:
 
     void add(BatchResult const& result) override
     {
-        rows_.push_back({result.state, result.file.source, row_of(result)});
+        std::string const row = row_of(result);
+        say("{}", row);
+        if (result.state == BatchState::kFailed) {
+            failed_.push_back(row);
+        } else {
+            failed_above_ = failed_.size();
+        }
     }
 
     void finish(BatchSummary const& summary) override
     {
-        std::sort(rows_.begin(), rows_.end(), [](Row const& a, Row const& b) {
-            return std::tie(a.state, a.source) < std::tie(b.state, b.source);
-        });
-        for (Row const& row : rows_) {
-            say("{}", row.text);
+        // On a terminal they may have scrolled away.
+        for (std::size_t i = 0; is_terminal(stdout) && failed_above_ > 0 && i < failed_.size(); ++i) {
+            say("{}", failed_[i]);
         }
         std::string text =
             fmt::format("{} done, {} skipped, {} failed", summary.done, summary.skipped, summary.failed);
@@ -64,16 +67,36 @@ public:
                                            {summary.left_alone, "left alone"}}) {
             text += number > 0 ? fmt::format(", {} {}", number, word) : "";
         }
-        put_text(stdout, fmt::format("{}; {:.1f} s\n", text, summary.seconds));
+        say("{}; {:.1f} s", text, summary.seconds);
     }
 
 private:
-    struct Row {
-        BatchState state;
-        std::filesystem::path source;
-        std::string text;
-    };
-    std::vector<Row> rows_;
+    std::vector<std::string> failed_;
+    std::size_t failed_above_ = 0; ///< Of those, how many have other rows below them.
+};
+
+/// Names of inputs and outputs, each with a zero byte behind it, which no name has in it.
+class Names : public BatchWriter {
+public:
+    void planned(BatchFile const& file) override { put(file); }
+
+    void add(BatchResult const& result) override
+    {
+        if (result.state == BatchState::kDone) {
+            put(result.file);
+        } else if (result.state == BatchState::kFailed) {
+            put_line(stderr, row_of(result));
+        }
+    }
+
+    void finish(BatchSummary const&) override {}
+
+private:
+    static void put(BatchFile const& file)
+    {
+        put_name(file.source.string());
+        put_name(file.target.string());
+    }
 };
 
 class JsonLines : public BatchWriter {
@@ -130,14 +153,17 @@ private:
 
 } // namespace
 
-std::unique_ptr<BatchWriter> write_table()
+std::unique_ptr<BatchWriter> write_results(ResultsForm form, bool details)
 {
-    return std::make_unique<Table>();
-}
-
-std::unique_ptr<BatchWriter> write_json_lines(bool details)
-{
-    return std::make_unique<JsonLines>(details);
+    switch (form) {
+    case ResultsForm::kJson:
+        return std::make_unique<JsonLines>(details);
+    case ResultsForm::kNames:
+        return std::make_unique<Names>();
+    case ResultsForm::kRows:
+        break;
+    }
+    return std::make_unique<Rows>();
 }
 
 std::string reason_of(BatchResult const& result)
@@ -145,7 +171,7 @@ std::string reason_of(BatchResult const& result)
     if (!result.failure) {
         return result.reason;
     }
-    // In a table of files, a failure that is about its row's file need not name it again.
+    // A failure that is about its row's file need not name it again.
     Failure const& failure = *result.failure;
     bool const named =
         failure.subject == result.file.source.string() || failure.subject == result.file.target.string();

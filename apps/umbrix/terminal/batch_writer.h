@@ -23,12 +23,15 @@ public:
     virtual void finish(BatchSummary const& summary) = 0;
 };
 
-/// A table in the end, sorted by what became of the files.
-std::unique_ptr<BatchWriter> write_table();
+/// How results are written. In each form a file stands there as soon as it is done.
+enum class ResultsForm {
+    kRows,  ///< A line each.
+    kJson,  ///< An object a line.
+    kNames, ///< What was made of what, or would be: two names, each with a zero byte behind it.
+};
 
-/// Lines of JSON while results come.
-/// @param details Whether notes that are details are among them.
-std::unique_ptr<BatchWriter> write_json_lines(bool details);
+/// @param details Whether JSON has notes that are details.
+std::unique_ptr<BatchWriter> write_results(ResultsForm form, bool details);
 
 /// Why a file was not made, in the words of the command line.
 std::string reason_of(BatchResult const& result);

@@ -20,6 +20,8 @@ public:
     ProgressDisplay(ProgressDisplay const&) = delete;
     ProgressDisplay& operator=(ProgressDisplay const&) = delete;
 
+    bool is_bar() const { return style_ == Style::kBar; }
+
     void show(std::string const& stage, int permille);
 
     /// Takes the bar off the terminal, so that something else can be written there.

@@ -44,6 +44,12 @@ inline void say_note(std::string const& command, std::string const& text)
     put_line(stderr, fmt::format("{}: note: {}", command, text));
 }
 
+/// A name of a file on standard output, as it is, with a zero byte behind it.
+inline void put_name(std::string const& name)
+{
+    put_text(stdout, name + '\0');
+}
+
 /// JSON on standard output, for a terminal with numbers for what would not be seen there.
 inline void say_json(nlohmann::ordered_json const& value, int indent = -1)
 {

@@ -58,9 +58,7 @@ CLI::App* ListRunCommand::declare(CLI::App& app)
             "--shard", parse, "Only every N-th job, from the I-th on, so that many machines share a list")
         ->type_name("I/N")
         ->group(kRunGroup);
-    command
-        ->add_flag("--json", json_, "Write a JSON object a line for each file as it ends, and one in the end")
-        ->group(kRunGroup);
+    declare_results_form(*command, form_);
     declare_workers(*command, workers_)->group(kRunGroup);
     common_.declare_limits(*command);
     declare_saving(*command, common_.saving);
@@ -106,7 +104,7 @@ void ListRunCommand::run(Interrupts const& interrupts)
                     reason_of(result));
         }
     };
-    show_batch(plan.batch, orders, {"umbrix list run", common_.verbose, json_, common_.progress, ended},
+    show_batch(plan.batch, orders, {"umbrix list run", common_.verbose, form_, common_.progress, ended},
                interrupts);
 }
 

@@ -4,6 +4,7 @@
 #include "commands/command.h"
 #include "options/common_options.h"
 #include "options/graphics_option.h"
+#include "options/results_option.h"
 #include "options/workers_option.h"
 #include "toolkit/lists/list_log.h"
 #include "toolkit/settings/defaults.h"
@@ -28,7 +29,7 @@ private:
     Settings settings_ = kDefaults; ///< How heights are read; the jobs have the others.
     bool recurse_ = false;
     bool dry_run_ = false;
-    bool json_ = false;
+    ResultsForm form_ = ResultsForm::kRows;
 };
 
 } // namespace umbrix_cli

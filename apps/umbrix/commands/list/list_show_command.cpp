@@ -110,7 +110,10 @@ CLI::App* ListShowCommand::declare(CLI::App& app)
     CLI::App* const command = app.add_subcommand(
         "show", "Show the jobs: what each makes of which source, and the options that matter most");
     declare_list(*command, file_);
-    command->add_flag("--json", json_, "Write one JSON object with every field of every job instead");
+    auto* const json =
+        command->add_flag("--json", json_, "Write one JSON object with every field of every job instead");
+    command->add_flag("--print0", print0_, "Write the sources' names alone, each with a zero byte behind it")
+        ->excludes(json);
     return command;
 }
 
@@ -118,7 +121,11 @@ void ListShowCommand::run(Interrupts const& /*interrupts*/)
 {
     umbrix_list list;
     read_list(file_, list);
-    if (json_) {
+    if (print0_) {
+        for (auto const* each = list.items.head; each != nullptr; each = each->next) {
+            put_name(each->data.filename);
+        }
+    } else if (json_) {
         print_json(file_, list);
     } else {
         print_table(file_, list);

@@ -16,6 +16,7 @@ public:
 private:
     std::string file_;
     bool json_ = false;
+    bool print0_ = false;
 };
 
 } // namespace umbrix_cli
