@@ -75,7 +75,7 @@ protected:
         std::string const options = sanitizer == nullptr ? "" : std::string(sanitizer) + ":";
         environment.emplace_back("ASAN_OPTIONS", options + "verify_asan_link_order=0");
         environment.emplace_back("LD_PRELOAD", UMBRIX_GRAPHICS_STAND_IN);
-        environment.emplace_back("STAND_IN_DEVICES", devices);
+        environment.emplace_back("OCL_STAND_IN_DEVICES", devices);
         return run(arguments, environment);
     }
 
@@ -101,7 +101,8 @@ TEST_F(Graphics, DevicesAreListedWithNumberNameAndBackend)
 
 TEST_F(Graphics, DevicesAreListedAsJson)
 {
-    Outcome const outcome = run_with(kCards, {"devices", "--json"}, {{"STAND_IN_SKIPPED", "out of luck"}});
+    Outcome const outcome =
+        run_with(kCards, {"devices", "--json"}, {{"OCL_STAND_IN_SKIPPED", "out of luck"}});
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     nlohmann::json const report = nlohmann::json::parse(outcome.out);
     ASSERT_EQ(report.at("devices").size(), 3U);
@@ -262,7 +263,7 @@ TEST_F(Graphics, TheProcessorAsADeviceIsNotedOnce)
 TEST_F(Graphics, AFallbackIsNotedWithItsReason)
 {
     Outcome const outcome =
-        run_with(kCards, {"map", "hill.tga", "--gpu"}, {{"STAND_IN_ERROR", "the card was pulled out"}});
+        run_with(kCards, {"map", "hill.tga", "--gpu"}, {{"OCL_STAND_IN_ERROR", "the card was pulled out"}});
     EXPECT_EQ(outcome.code, 0);
     EXPECT_NE(
         outcome.err.find("the processor took over from the graphics processor: the card was pulled out"),
@@ -273,7 +274,7 @@ TEST_F(Graphics, AFallbackIsNotedWithItsReason)
 TEST_F(Graphics, WhatIsReportedOfOtherDevicesIsNoFallback)
 {
     Outcome const outcome =
-        run_with(kCards, {"map", "hill.tga", "--gpu"}, {{"STAND_IN_SKIPPED", "another card is too old"}});
+        run_with(kCards, {"map", "hill.tga", "--gpu"}, {{"OCL_STAND_IN_SKIPPED", "another card is too old"}});
     EXPECT_EQ(outcome.code, 0);
     EXPECT_EQ(outcome.err.find("took over"), std::string::npos) << outcome.err;
 }
@@ -281,7 +282,7 @@ TEST_F(Graphics, WhatIsReportedOfOtherDevicesIsNoFallback)
 TEST_F(Graphics, ADriverThatBreaksDownEndsInOneSentence)
 {
     for (Arguments const& arguments : {Arguments{"devices"}, Arguments{"map", "hill.tga", "--gpu"}}) {
-        Outcome const outcome = run_with(kCards, arguments, {{"STAND_IN_CRASH", "1"}});
+        Outcome const outcome = run_with(kCards, arguments, {{"OCL_STAND_IN_CRASH", "1"}});
         EXPECT_EQ(outcome.code, 1);
         EXPECT_TRUE(complains_about(outcome, "umbrix " + arguments[0], "graphics driver"));
     }

@@ -237,13 +237,17 @@ TEST_F(MapCommand, KeepsTheHeightsInAlpha)
     }
 }
 
-TEST_F(MapCommand, IgnoresTheUsersOpenMpSettings)
+TEST_F(MapCommand, MakesTheSameFileWhateverTheUsersOpenMpSettings)
 {
     write("hill.tga", hill(67));
     ASSERT_EQ(run({"map", "hill.tga", "-o", "plain.tga"}).code, 0);
-    for (char const* variable : {"OMP_NUM_THREADS", "OMP_THREAD_LIMIT", "OMP_DYNAMIC"}) {
-        std::string const name = std::string(variable) + ".tga";
-        ASSERT_EQ(run({"map", "hill.tga", "-o", name}, {{variable, "1"}}).code, 0);
+    for (auto const& [variable, value] :
+         {std::pair("OMP_NUM_THREADS", "1"), std::pair("OMP_NUM_THREADS", "2"),
+          std::pair("OMP_NUM_THREADS", "1000"), std::pair("OMP_NUM_THREADS", "x"),
+          std::pair("OMP_THREAD_LIMIT", "1"), std::pair("OMP_DYNAMIC", "1"),
+          std::pair("OMP_WAIT_POLICY", "active"), std::pair("OMP_SCHEDULE", "dynamic")}) {
+        std::string const name = std::string(variable) + value + ".tga";
+        ASSERT_EQ(run({"map", "hill.tga", "-o", name}, {{variable, value}}).code, 0);
         EXPECT_EQ(read(name), read("plain.tga")) << variable;
     }
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The query interface of a graphics library that is preloaded into a program under test. The environment says
 // what it has:
-//   STAND_IN_DEVICES  "name=backend;name=backend;..."; without it there are none
-//   STAND_IN_SKIPPED  what is reported before any stage runs
-//   STAND_IN_ERROR    reason for a fallback, reported by the first stage
-//   STAND_IN_CRASH    ends the program as a broken driver does
+//   OCL_STAND_IN_DEVICES  "name=backend;name=backend;..."; without it there are none
+//   OCL_STAND_IN_SKIPPED  what is reported before any stage runs
+//   OCL_STAND_IN_ERROR    reason for a fallback, reported by the first stage
+//   OCL_STAND_IN_CRASH    ends the program as a broken driver does
 #include "call_log.h"
 #include "graphics_fake.h"
 
@@ -31,11 +31,11 @@ std::string variable(char const* name)
 std::vector<Device> const& devices()
 {
     static std::vector<Device> const all = [] {
-        if (!variable("STAND_IN_CRASH").empty()) {
+        if (!variable("OCL_STAND_IN_CRASH").empty()) {
             std::raise(SIGKILL);
         }
         std::vector<Device> found;
-        std::istringstream list(variable("STAND_IN_DEVICES"));
+        std::istringstream list(variable("OCL_STAND_IN_DEVICES"));
         for (std::string entry; std::getline(list, entry, ';');) {
             std::size_t const at = entry.find('=');
             found.push_back({entry.substr(0, at), entry.substr(at + 1)});
@@ -72,8 +72,8 @@ char const* ActiveBackend()
 
 char const* LastError()
 {
-    static std::string const skipped = variable("STAND_IN_SKIPPED");
-    static std::string const error = variable("STAND_IN_ERROR");
+    static std::string const skipped = variable("OCL_STAND_IN_SKIPPED");
+    static std::string const error = variable("OCL_STAND_IN_ERROR");
     auto const calls = CallLog::instance().calls();
     bool const began = std::any_of(calls.begin(), calls.end(), [](std::string const& call) {
         return call.rfind("PreProcess_GPU", 0) == 0;

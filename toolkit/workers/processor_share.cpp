@@ -2,6 +2,7 @@
 #include "toolkit/workers/processor_share.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <unistd.h>
 
 namespace umbrixlib::toolkit {
@@ -46,6 +47,22 @@ std::vector<ProcessorSet> share_processors(std::size_t parts)
         }
     }
     return shares;
+}
+
+std::optional<ProcessorSet> processors_for_threads(char const* threads)
+{
+    std::vector<int> const numbers = usable_processors();
+    unsigned long const wished = threads == nullptr ? 0 : std::strtoul(threads, nullptr, 10);
+    if (wished == 0 || wished >= numbers.size()) {
+        return std::nullopt;
+    }
+    ProcessorSet few;
+    CPU_ZERO(&few);
+    std::size_t const first = static_cast<std::size_t>(getpid()) * wished;
+    for (std::size_t i = 0; i < wished; ++i) {
+        CPU_SET(numbers[(first + i) % numbers.size()], &few);
+    }
+    return few;
 }
 
 std::size_t processor_count()

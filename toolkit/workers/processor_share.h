@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <sched.h>
 #include <vector>
 
@@ -14,7 +15,12 @@ using ProcessorSet = cpu_set_t;
 /// system does not tell them.
 std::vector<ProcessorSet> share_processors(std::size_t parts);
 
-/// How many processors this process may use, at least 1.
+/// As many of the processors that the calling thread may use as @p threads says, which is the text of a
+/// variable of OpenMP or null. Nothing if it says no number, or no smaller one than there are. Which they are
+/// depends on the process: those that run beside each other should not all take the same.
+std::optional<ProcessorSet> processors_for_threads(char const* threads);
+
+/// How many processors the calling thread may use, at least 1.
 std::size_t processor_count();
 
 /// Workers at a time, if the user does not say: as many as there are processors, but no more than have 2 GiB

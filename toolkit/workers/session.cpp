@@ -48,7 +48,7 @@ std::string describe_end(int status)
 
 Session::Session(Job const& job, double timeout_seconds, Observer& observer, ProcessorSet const* processors)
     : job_(pack(job)), task_(job.index()), timeout_seconds_(timeout_seconds), observer_(observer),
-      worker_(processors), input_(name_of_input(job)), file_at_work_(input_)
+      worker_(rights_of(job), processors), input_(name_of_input(job)), file_at_work_(input_)
 {
 }
 

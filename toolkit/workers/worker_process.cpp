@@ -2,16 +2,18 @@
 #include "toolkit/workers/worker_process.h"
 
 #include "toolkit/base/failure.h"
+#include "toolkit/workers/sandbox/environment.h"
 #include "toolkit/workers/worker_channel.h"
 #include "toolkit/workers/worker_program.h"
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <optional>
 #include <spawn.h>
 #include <string>
-#include <string_view>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -83,27 +85,6 @@ void open_socket(Ends& ends)
     keep(ends, both[0], both[1]);
 }
 
-/// The environment without anything that steers OpenMP, but for two settings of ours: a team has all its
-/// threads, and those that wait sleep. By default they would spin, which takes longer than a small job and
-/// takes the processors from the workers beside.
-std::vector<char*> worker_environment()
-{
-    static char no_dynamic[] = "OMP_DYNAMIC=false";
-    static char sleeping[] = "OMP_WAIT_POLICY=passive";
-    std::vector<char*> kept;
-    for (char** each = environ; *each != nullptr; ++each) {
-        std::string_view const variable = *each;
-        if (!variable.starts_with("OMP_") && !variable.starts_with("GOMP_") &&
-            !variable.starts_with("KMP_")) {
-            kept.push_back(*each);
-        }
-    }
-    kept.push_back(no_dynamic);
-    kept.push_back(sleeping);
-    kept.push_back(nullptr);
-    return kept;
-}
-
 /// Ctrl-C and its kin go to all processes of a terminal. What becomes of a worker then, its parent decides.
 void deafen(posix_spawnattr_t& attributes)
 {
@@ -118,7 +99,7 @@ void deafen(posix_spawnattr_t& attributes)
 
 } // namespace
 
-WorkerProcess::WorkerProcess(ProcessorSet const* processors)
+WorkerProcess::WorkerProcess(Rights rights, ProcessorSet const* processors)
 {
     std::string const program = worker_program().string();
     Ends input;
@@ -142,8 +123,15 @@ WorkerProcess::WorkerProcess(ProcessorSet const* processors)
     posix_spawn_file_actions_adddup2(&files, events.theirs, kEventDescriptor);
     int const error = [&] {
         ProcessorScope const scope(processors);
-        return posix_spawn(&process_, program.c_str(), &files, &attributes, words,
-                           worker_environment().data());
+        std::optional<ProcessorSet> const few = processors_for_threads(std::getenv("OMP_NUM_THREADS"));
+        ProcessorScope const fewer(few ? &*few : nullptr);
+        std::vector<std::string> variables = worker_environment(environ, rights, processor_count());
+        std::vector<char*> environment;
+        for (std::string& variable : variables) {
+            environment.push_back(variable.data());
+        }
+        environment.push_back(nullptr);
+        return posix_spawn(&process_, program.c_str(), &files, &attributes, words, environment.data());
     }();
     posix_spawn_file_actions_destroy(&files);
     posix_spawnattr_destroy(&attributes);

@@ -2,22 +2,23 @@
 #pragma once
 
 #include "toolkit/workers/processor_share.h"
+#include "toolkit/workers/sandbox/rights.h"
 
 #include <sys/types.h>
 
 namespace umbrixlib::toolkit {
 
 /// A process of the program umbrix-worker, which does one job. It reads the job from its standard input, a
-/// socket, tells its events to a pipe, and has another pipe for what libraries print. It starts with a clean
-/// OpenMP environment: the library shares its texels out by the number of processors, so a team made smaller
-/// by the user's variables would leave texels out, and OpenMP reads them only when a program starts. Wishes
-/// of the system or a terminal that it end do not reach it: it ends when its job is done, or when this
-/// process ends it or is gone.
+/// socket, tells its events to a pipe, and has another pipe for what libraries print. Of the user's
+/// environment it has what worker_environment() leaves. Wishes of the system or a terminal that it end do not
+/// reach it: it ends when its job is done, or when this process ends it or is gone.
 class WorkerProcess {
 public:
     /// A Failure if it cannot be started.
-    /// @param processors That it may use; null for those of this process.
-    explicit WorkerProcess(ProcessorSet const* processors = nullptr);
+    /// @param rights     That its job needs.
+    /// @param processors That it may use; null for those of this process. It uses no more than the user's
+    ///                   OMP_NUM_THREADS.
+    explicit WorkerProcess(Rights rights, ProcessorSet const* processors = nullptr);
     ~WorkerProcess(); ///< Ends it at once if it still runs.
     WorkerProcess(WorkerProcess const&) = delete;
     WorkerProcess& operator=(WorkerProcess const&) = delete;
