@@ -30,7 +30,7 @@ std::vector<pid_t> workers_of(pid_t process)
     std::erase_if(workers, [](pid_t child) {
         std::string name;
         std::ifstream("/proc/" + std::to_string(child) + "/comm") >> name;
-        return name != "umbrix-worker";
+        return !name.starts_with("umbrix-");
     });
     return workers;
 }

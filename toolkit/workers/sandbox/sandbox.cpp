@@ -5,10 +5,13 @@
 #include "toolkit/files/opened_files.h"
 #include "toolkit/workers/sandbox/filter.h"
 #include "toolkit/workers/sandbox/landlock.h"
+#include "toolkit/workers/sandbox/limits.h"
 
 #include <cstdlib>
 #include <omp.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/sysinfo.h>
 
 namespace umbrixlib::toolkit {
 
@@ -66,18 +69,44 @@ OpenFolders open_folders(Job const& job, Rights rights)
     return folders;
 }
 
+/// Of the machine, swap included.
+double bytes_of_memory()
+{
+    struct sysinfo machine {};
+    sysinfo(&machine);
+    return (static_cast<double>(machine.totalram) + static_cast<double>(machine.totalswap)) *
+           static_cast<double>(machine.mem_unit);
+}
+
+/// That the worker goes by for `ps`, which tells its rights so. The system keeps 15 letters.
+constexpr char const* name_of(Rights rights)
+{
+    switch (rights) {
+    case Rights::kDecoding:
+        return "umbrix-decoding";
+    case Rights::kFolder:
+        return "umbrix-folder";
+    case Rights::kGraphics:
+        return "umbrix-graphics";
+    }
+    return "umbrix-worker";
+}
+
 } // namespace
 
 void enter_sandbox(Job const& job)
 {
     open_files(files_of(job));
-    omp_get_num_procs(); // some runtimes of OpenMP read files when they are first asked
+    // Some runtimes of OpenMP read files when they are first asked.
+    [[maybe_unused]] auto const processors = static_cast<std::size_t>(omp_get_num_procs());
 #if defined(UMBRIX_INSTRUMENTED)
     // Sanitizers read files, start processes and trace their own to look for leaks; coverage is written to
-    // files at the end. What the filters do is tested in builds without them.
+    // files at the end. All of it takes memory. Sandboxes are tested in builds without them.
 #else
+    Rights const rights = rights_of(job);
+    set_limits(limits_of(job, processors, bytes_of_memory()));
     if (can_take_rights()) {
-        Rights const rights = rights_of(job);
+        prctl(PR_SET_NAME, name_of(rights));
         close_folders(open_folders(job, rights));
         filter_system_calls(rights);
     }
