@@ -8,8 +8,10 @@
 #include "toolkit/workers/sandbox/sandbox.h"
 #include "toolkit/workers/worker_channel.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <iterator>
 #include <new>
 #include <string>
 #include <string_view>
@@ -45,7 +47,7 @@ void tell(Failure const& failure)
     WorkerChannel().send(failure);
 }
 
-int do_job()
+int do_job(Rights rights)
 {
     std::signal(SIGXFSZ, SIG_IGN); // a limit on file sizes then reads as a full disk
     std::signal(SIGPIPE, SIG_IGN); // the parent may have gone
@@ -55,7 +57,7 @@ int do_job()
     WorkerChannel channel;
     try {
         Job const job = channel.read_job();
-        enter_sandbox(job);
+        enter_sandbox(job, rights);
         channel.send(run(job, channel));
         return EXIT_SUCCESS;
     } catch (Failure const& failure) {
@@ -76,15 +78,18 @@ int do_job()
 
 } // namespace umbrixlib::toolkit
 
-/// One word: the process that the worker belongs to.
+/// Two words: the process that the worker belongs to, and the name of its Rights.
 int main(int count, char** words)
 {
-    if (count != 2) {
+    using umbrixlib::toolkit::kRightsNames;
+    auto const* const rights =
+        count == 3 ? std::ranges::find(kRightsNames, std::string_view(words[2])) : std::end(kRightsNames);
+    if (rights == std::end(kRightsNames)) {
         constexpr std::string_view kWhatItIs =
             "umbrix-worker: UmbrixLib starts it by itself to work on pictures\n";
         static_cast<void>(!write(STDERR_FILENO, kWhatItIs.data(), kWhatItIs.size()));
         return 2;
     }
     umbrixlib::toolkit::end_with_parent(words[1]);
-    return umbrixlib::toolkit::do_job();
+    return umbrixlib::toolkit::do_job(static_cast<umbrixlib::toolkit::Rights>(rights - kRightsNames));
 }

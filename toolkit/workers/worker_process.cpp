@@ -99,8 +99,9 @@ void deafen(posix_spawnattr_t& attributes)
 
 } // namespace
 
-WorkerProcess::WorkerProcess(Rights rights, ProcessorSet const* processors)
+WorkerProcess::WorkerProcess(Rights of_job, ProcessorSet const* processors)
 {
+    Rights const rights = all_rights_are_kept() ? Rights::kAll : of_job;
     std::string const program = worker_program().string();
     Ends input;
     Ends events;
@@ -111,7 +112,8 @@ WorkerProcess::WorkerProcess(Rights rights, ProcessorSet const* processors)
 
     char name[] = "umbrix-worker";
     std::string parent = std::to_string(getpid());
-    char* const words[] = {name, parent.data(), nullptr};
+    std::string rights_name = name_of(rights);
+    char* const words[] = {name, parent.data(), rights_name.data(), nullptr};
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     deafen(attributes);

@@ -15,10 +15,10 @@ namespace umbrixlib::toolkit {
 class WorkerProcess {
 public:
     /// A Failure if it cannot be started.
-    /// @param rights     That its job needs.
+    /// @param of_job     What its job needs; it has no other rights unless all_rights_are_kept().
     /// @param processors That it may use; null for those of this process. It uses no more than the user's
     ///                   OMP_NUM_THREADS.
-    explicit WorkerProcess(Rights rights, ProcessorSet const* processors = nullptr);
+    explicit WorkerProcess(Rights of_job, ProcessorSet const* processors = nullptr);
     ~WorkerProcess(); ///< Ends it at once if it still runs.
     WorkerProcess(WorkerProcess const&) = delete;
     WorkerProcess& operator=(WorkerProcess const&) = delete;

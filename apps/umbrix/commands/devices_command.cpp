@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "commands/devices_command.h"
 
+#include "options/common_options.h"
 #include "terminal/report_json.h"
 #include "terminal/say.h"
 #include "terminal/supervise.h"
@@ -33,6 +34,7 @@ CLI::App* DevicesCommand::declare(CLI::App& app)
         app.add_subcommand("devices", "List the graphics processors that --gpu can take");
     command->add_flag("--json", json_, "Write one JSON object instead of text");
     command->add_flag("-v,--verbose", verbose_, "Show what the drivers say");
+    declare_no_sandbox(*command);
     return command;
 }
 

@@ -8,6 +8,7 @@
 #include "toolkit/files/stale_temporaries.h"
 #include "toolkit/pictures/naming.h"
 #include "toolkit/pictures/output_format.h"
+#include "toolkit/workers/sandbox/rights.h"
 
 #include <CLI/Error.hpp>
 #include <fmt/format.h>
@@ -41,6 +42,14 @@ void add_number(CLI::App& command, char const* option, double& value, double min
 
 } // namespace
 
+void declare_no_sandbox(CLI::App& command)
+{
+    command
+        .add_flag_callback("--no-sandbox", keep_all_rights,
+                           "For debuggers: let the process that reads pictures keep all rights of yours")
+        ->group(kRunGroup);
+}
+
 CLI::Option* CommonOptions::declare_input(CLI::App& command, std::string const& description,
                                           std::string const& name)
 {
@@ -56,6 +65,7 @@ void CommonOptions::declare_limits(CLI::App& command)
                "Longest time that decoding a file may take [seconds; default 60]");
     add_number(command, "--max-texels", max_texels, 1, 4294836225.0,
                "Largest picture that is worked on [texels; default 268435456]");
+    declare_no_sandbox(command);
 }
 
 void CommonOptions::declare_output(CLI::App& command, std::string const& default_name)

@@ -17,6 +17,9 @@ namespace umbrix_cli {
 inline constexpr char const* kFilesGroup = "Files";
 inline constexpr char const* kRunGroup = "Run";
 
+/// Lets workers keep all rights of the user.
+void declare_no_sandbox(CLI::App& command);
+
 /// The options that are about files and the run itself, not about the picture.
 struct CommonOptions {
     std::string input;

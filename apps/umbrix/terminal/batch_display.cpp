@@ -5,6 +5,7 @@
 #include "terminal/put_text.h"
 #include "terminal/say.h"
 #include "terminal/standard_output.h"
+#include "terminal/supervise.h"
 
 #include <algorithm>
 #include <cmath>
@@ -44,6 +45,9 @@ ProgressDisplay::Style style_of_many(ProgressDisplay::Style asked)
 void show_batch(BatchPlan const& plan, BatchOrders const& orders, BatchView const& view,
                 Interrupts const& interrupts)
 {
+    if (!orders.dry_run) {
+        note_missing_sandbox(view.command);
+    }
     BatchDisplay display(view);
     BatchSummary const summary = run_batch(plan, orders, display, interrupts);
     display.finish(summary);

@@ -4,6 +4,7 @@
 #include "terminal/advice.h"
 #include "terminal/put_text.h"
 #include "terminal/say.h"
+#include "terminal/supervise.h"
 #include "toolkit/workers/run_one.h"
 
 #include <fmt/format.h>
@@ -32,6 +33,7 @@ void say_that_it_is_stopping()
 
 void run_plain_walk(FolderJob const& job, Interrupts const& interrupts)
 {
+    note_missing_sandbox(kCaller);
     WalkDisplay display;
     if (!run_walk(job, display, interrupts, say_that_it_is_stopping)) {
         throw Stopped{"the walk was stopped; the same command begins it anew"};

@@ -4,6 +4,7 @@
 #include "terminal/advice.h"
 #include "terminal/put_text.h"
 #include "terminal/say.h"
+#include "toolkit/workers/sandbox/rights.h"
 
 namespace umbrix_cli {
 
@@ -32,6 +33,17 @@ void JobDisplay::printed(std::string const& lines)
     if (supervision_.verbose) {
         progress_.clear();
         put_text(stderr, lines);
+    }
+}
+
+void note_missing_sandbox(std::string const& command)
+{
+    if (all_rights_are_kept()) {
+        say_note(command, "--no-sandbox: the process that reads pictures keeps all rights of yours");
+    } else if (!can_take_rights()) {
+        say_note(command,
+                 "this system has no filter of system calls (seccomp): the process that reads pictures "
+                 "keeps all rights of yours");
     }
 }
 

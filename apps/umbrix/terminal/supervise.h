@@ -37,10 +37,16 @@ private:
     ProgressDisplay progress_;
 };
 
+/// Before the first worker of a command: tells if workers keep the user's rights, by --no-sandbox or because
+/// the system cannot take them.
+/// @param command Begins the note: "umbrix map".
+void note_missing_sandbox(std::string const& command);
+
 /// Has a worker do @p job, shows its progress and notes, and returns its report; as run_one().
 template <typename OneJob>
 typename OneJob::Report supervise(OneJob const& job, Supervision const& supervision)
 {
+    note_missing_sandbox(supervision.command);
     JobDisplay display(supervision);
     return run_one(job, display, supervision.interrupts, supervision.timeout_seconds);
 }

@@ -21,6 +21,18 @@ struct SeenWorker {
     std::map<std::string, std::string> limits; ///< "Max core file size": "0 0 bytes", soft and hard.
 };
 
+/// What /proc tells of a process by its folder there, the first word of each line.
+inline std::map<std::string, std::string> status_of(std::filesystem::path const& folder)
+{
+    std::map<std::string, std::string> status;
+    std::string line;
+    for (std::ifstream file(folder / "status"); std::getline(file, line);) {
+        std::size_t const colon = line.find(':');
+        std::istringstream(line.substr(colon + 1)) >> status[line.substr(0, colon)];
+    }
+    return status;
+}
+
 struct TracedRun {
     int code; ///< Exit code, or minus the signal.
     std::vector<SeenWorker> workers;
@@ -99,11 +111,8 @@ private:
         std::error_code error;
         std::string const program = std::filesystem::read_symlink(folder / "exe", error).filename();
         SeenWorker seen;
+        seen.status = status_of(folder);
         std::string line;
-        for (std::ifstream file(folder / "status"); std::getline(file, line);) {
-            std::size_t const colon = line.find(':');
-            std::istringstream(line.substr(colon + 1)) >> seen.status[line.substr(0, colon)];
-        }
         if (program != "umbrix-worker" || seen.status["Tgid"] != std::to_string(process)) {
             return;
         }

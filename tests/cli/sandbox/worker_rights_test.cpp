@@ -3,6 +3,14 @@
 #include "cli/sandbox/traced_tool.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <iterator>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <regex>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 
 namespace umbrixlib::test {
 namespace {
@@ -37,6 +45,9 @@ protected:
         return all;
     }
 
+    /// The test may run in a container that has filters of its own.
+    std::map<std::string, std::string> const own_ = status_of("/proc/self");
+
     Arguments const map_{"map", "hill.tga", "-o", "o.tga", "--overwrite", "--rays", "4"};
     Arguments const map_on_device_{"map", "hill.tga", "-o", "o.tga", "--overwrite", "--gpu"};
 };
@@ -68,18 +79,98 @@ std::vector<Command> const& commands()
     return all;
 }
 
-TEST_F(WorkerRights, AreTakenInEachCommand)
+/// Name of the rights of each command, in the table of the page.
+std::map<std::string, std::string> rights_on_page()
 {
+    std::map<std::string, std::string> rights;
+    std::regex const row(R"(\| `([a-z -]+)` \| (decoding|folder|graphics) \|)");
+    std::ifstream page(UMBRIX_SECURITY_PAGE);
+    for (std::string line; std::getline(page, line);) {
+        if (std::smatch parts; std::regex_match(line, parts, row)) {
+            rights[parts[1]] = parts[2];
+        }
+    }
+    return rights;
+}
+
+TEST_F(WorkerRights, AreThoseThatThePageTells)
+{
+    auto const page = rights_on_page();
+    EXPECT_EQ(page.size(), commands().size());
     for (Command const& command : commands()) {
         SCOPED_TRACE(command.name);
         TracedRun const run = traced(command.arguments);
+        EXPECT_EQ(names(run), std::set<std::string>{"umbrix-" + page.at(command.name)});
         EXPECT_EQ(run.code, 0);
         EXPECT_FALSE(run.workers.empty());
         for (SeenWorker const& worker : run.workers) {
             EXPECT_EQ(worker.status.at("Seccomp"), "2");
+            EXPECT_EQ(std::stoi(worker.status.at("Seccomp_filters")),
+                      std::stoi(own_.at("Seccomp_filters")) + 1);
             EXPECT_EQ(worker.status.at("NoNewPrivs"), "1");
         }
     }
+}
+
+TEST_F(WorkerRights, AreKeptForDebuggers)
+{
+    for (Command const& command : commands()) {
+        SCOPED_TRACE(command.name);
+        Arguments arguments = command.arguments;
+        arguments.emplace_back("--no-sandbox");
+        TracedRun const run = traced(arguments, {"SECRET=token"});
+        EXPECT_EQ(run.code, 0);
+        EXPECT_EQ(names(run), std::set<std::string>{"umbrix-worker"});
+        for (SeenWorker const& worker : run.workers) {
+            EXPECT_EQ(worker.status.at("Seccomp_filters"), own_.at("Seccomp_filters"));
+            EXPECT_EQ(worker.status.at("NoNewPrivs"), own_.at("NoNewPrivs"));
+            EXPECT_TRUE(worker.environment.contains("SECRET=token"));
+            EXPECT_EQ(worker.limits.at("Max address space"), "unlimited unlimited");
+        }
+    }
+}
+
+std::size_t count_of(std::string const& word, std::string const& text)
+{
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = text.find(word, at)) != std::string::npos; at += word.size()) {
+        ++count;
+    }
+    return count;
+}
+
+TEST_F(WorkerRights, ThatAreKeptAreToldOnce)
+{
+    EXPECT_EQ(run(map_).err.find("rights"), std::string::npos);
+    Arguments batch{"batch", "in", "--no-sandbox", "--keep-tree", "out"};
+    Outcome const outcome = run(batch);
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(count_of("umbrix batch: note: --no-sandbox: ", outcome.err), 1U) << outcome.err;
+    batch.emplace_back("--dry-run");
+    EXPECT_EQ(run(batch).err, "") << "no worker, no note";
+}
+
+/// A system that does not know of seccomp's filters.
+void forget_filters()
+{
+    sock_filter program[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_seccomp, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    sock_fprog const filter{std::size(program), program};
+    prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+    prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter);
+}
+
+TEST_F(WorkerRights, ThatCannotBeTakenAreToldOnceAndTheWorkIsDone)
+{
+    Outcome const outcome = run({"batch", "in", "--keep-tree", "out"}, {}, forget_filters);
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(count_of("umbrix batch: note: this system has no filter of system calls", outcome.err), 1U)
+        << outcome.err;
+    EXPECT_TRUE(std::filesystem::exists(folder() / "out/a_Umbrix.tga"));
 }
 
 TEST_F(WorkerRights, LeaveLimitsOnWhatAWorkerUses)

@@ -43,7 +43,10 @@ bool is_wanted(std::string_view name, std::string_view value, Rights rights, std
         unsigned long const threads = std::strtoul(value.data(), &end, 10);
         return threads == processors && *end == '\0';
     }
-    return (is_among(kOfAllWorkers, name) && !is_among(kTooFewThreads, name)) ||
+    if (is_among(kTooFewThreads, name)) {
+        return false;
+    }
+    return rights == Rights::kAll || is_among(kOfAllWorkers, name) ||
            (rights == Rights::kGraphics && is_among(kOfDrivers, name));
 }
 

@@ -3,12 +3,19 @@
 
 #include "toolkit/base/overloaded.h"
 
+#include <atomic>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 namespace umbrixlib::toolkit {
+
+namespace {
+
+std::atomic<bool> kept = false;
+
+} // namespace
 
 Rights rights_of(Job const& job)
 {
@@ -25,6 +32,16 @@ Rights rights_of(Job const& job)
             [&](FolderJob const& folder) { return by_device(folder.graphics, Rights::kFolder); },
         },
         job);
+}
+
+void keep_all_rights()
+{
+    kept = true;
+}
+
+bool all_rights_are_kept()
+{
+    return kept;
 }
 
 bool can_take_rights()

@@ -15,11 +15,25 @@ enum class Rights {
     /// Nearly all, as drivers of graphics devices read files all over the system, talk to their devices, map
     /// code into memory and run compilers. No other process is touched, there is no network, and files
     /// are written in a few folders only.
-    kGraphics
+    kGraphics,
+    /// Those of the user, and no limits: for debuggers.
+    kAll
 };
+
+/// As messages and the system call them, in their order.
+inline constexpr char const* kRightsNames[] = {"decoding", "folder", "graphics", "all"};
+
+constexpr char const* name_of(Rights rights)
+{
+    return kRightsNames[static_cast<int>(rights)];
+}
 
 /// The least that does for @p job.
 Rights rights_of(Job const& job);
+
+/// From now on all workers of this process keep kAll. For debuggers; any thread may call it.
+void keep_all_rights();
+bool all_rights_are_kept();
 
 /// Whether this system's kernel can take rights away from a process.
 bool can_take_rights();

@@ -78,24 +78,13 @@ double bytes_of_memory()
            static_cast<double>(machine.mem_unit);
 }
 
-/// That the worker goes by for `ps`, which tells its rights so. The system keeps 15 letters.
-constexpr char const* name_of(Rights rights)
-{
-    switch (rights) {
-    case Rights::kDecoding:
-        return "umbrix-decoding";
-    case Rights::kFolder:
-        return "umbrix-folder";
-    case Rights::kGraphics:
-        return "umbrix-graphics";
-    }
-    return "umbrix-worker";
-}
-
 } // namespace
 
-void enter_sandbox(Job const& job)
+void enter_sandbox(Job const& job, Rights rights)
 {
+    if (rights == Rights::kAll) {
+        return;
+    }
     open_files(files_of(job));
     // Some runtimes of OpenMP read files when they are first asked.
     [[maybe_unused]] auto const processors = static_cast<std::size_t>(omp_get_num_procs());
@@ -103,10 +92,10 @@ void enter_sandbox(Job const& job)
     // Sanitizers read files, start processes and trace their own to look for leaks; coverage is written to
     // files at the end. All of it takes memory. Sandboxes are tested in builds without them.
 #else
-    Rights const rights = rights_of(job);
     set_limits(limits_of(job, processors, bytes_of_memory()));
     if (can_take_rights()) {
-        prctl(PR_SET_NAME, name_of(rights));
+        // `ps` tells the rights of a worker so.
+        prctl(PR_SET_NAME, (std::string("umbrix-") + name_of(rights)).c_str());
         close_folders(open_folders(job, rights));
         filter_system_calls(rights);
     }

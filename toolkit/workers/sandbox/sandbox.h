@@ -5,9 +5,8 @@
 
 namespace umbrixlib::toolkit {
 
-/// Opens the files that @p job names, then gives up every right that rights_of() does not leave: before a
-/// byte of them is read. A Failure if a file or the kernel does not let it; on a kernel that takes no rights,
-/// nothing is given up.
-void enter_sandbox(Job const& job);
+/// Opens the files that @p job names, then gives up all but @p rights, before a byte of them is read. A
+/// Failure if that cannot be done; a kernel that can take no rights leaves all, and limits alone hold.
+void enter_sandbox(Job const& job, Rights rights);
 
 } // namespace umbrixlib::toolkit

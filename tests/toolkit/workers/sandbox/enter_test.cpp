@@ -66,7 +66,7 @@ TEST_F(Sandbox, LeavesTheFilesOfTheJobAndNoOther)
 {
     put("other", "secret");
     EXPECT_EQ(in_child([&] {
-                  enter_sandbox(map_job());
+                  enter_sandbox(map_job(), Rights::kDecoding);
                   bool const reads = read_all(path("in")) == "input" && read_all(path("in")) == "input";
                   int const out = open_file(path("out"), OpenFor::kWriting);
                   bool const writes = write(out, "output", 6) == 6 && close(out) == 0;
@@ -86,7 +86,7 @@ TEST_F(Sandbox, TellsOfAFileThatCouldNotBeOpenedWhenItsTurnComes)
                   toolkit::FitJob job;
                   job.heights = path("gone");
                   job.normals = path("in");
-                  enter_sandbox(job);
+                  enter_sandbox(job, Rights::kDecoding);
                   return read_all(path("gone")) == std::to_string(ENOENT) && read_all(path("in")) == "input"
                              ? 0
                              : 1;
@@ -99,7 +99,7 @@ TEST_F(Sandbox, FollowsNoLinkToAnOutput)
     put("precious", "kept");
     std::filesystem::create_symlink(path("precious"), path("out"));
     EXPECT_EQ(in_child([&] {
-                  enter_sandbox(map_job());
+                  enter_sandbox(map_job(), Rights::kDecoding);
                   return open_file(path("out"), OpenFor::kWriting) < 0 && errno == ELOOP ? 0 : 1;
               }),
               0);
@@ -119,7 +119,7 @@ TEST_F(Sandbox, TellsOfMoreFilesThanAProcessMayHave)
             rlimit const limit{soft, hard};
             setrlimit(RLIMIT_NOFILE, &limit);
             try {
-                enter_sandbox(job);
+                enter_sandbox(job, Rights::kDecoding);
             } catch (toolkit::Failure const& failure) {
                 return failure.fault == toolkit::Fault::kTooManyFiles ? 1 : 2;
             }
@@ -135,11 +135,20 @@ TEST_F(Sandbox, LeavesTheWalkItsFolder)
     EXPECT_EQ(in_child([&] {
                   toolkit::FolderJob job;
                   job.folder = path("");
-                  enter_sandbox(job);
+                  enter_sandbox(job, Rights::kFolder);
                   bool const inside = read_all(path("in")) == "input" &&
                                       open_file(path("out"), OpenFor::kWriting) >= 0 &&
                                       unlink(path("out").c_str()) == 0;
                   return inside && error_of(SYS_socket, AF_UNIX, SOCK_STREAM, 0) == EPERM ? 0 : 1;
+              }),
+              0);
+}
+
+TEST_F(Sandbox, OfAllRightsTakesNone)
+{
+    EXPECT_EQ(in_child([&] {
+                  enter_sandbox(map_job(), Rights::kAll);
+                  return error_of(SYS_socket, AF_UNIX, SOCK_STREAM, 0);
               }),
               0);
 }
