@@ -5,7 +5,7 @@
 #include "toolkit/base/stop.h"
 #include "toolkit/tasks/tasks.h"
 #include "toolkit/workers/crossing_internal.h"
-#include "toolkit/workers/sandbox/sandbox.h"
+#include "toolkit/workers/sandbox/sandbox_internal.h"
 #include "toolkit/workers/worker_channel.h"
 
 #include <algorithm>

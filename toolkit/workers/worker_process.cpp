@@ -2,7 +2,7 @@
 #include "toolkit/workers/worker_process.h"
 
 #include "toolkit/base/failure.h"
-#include "toolkit/workers/sandbox/environment.h"
+#include "toolkit/workers/sandbox/environment_internal.h"
 #include "toolkit/workers/worker_channel.h"
 #include "toolkit/workers/worker_program.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/workers/sandbox/environment.h"
+#include "toolkit/workers/sandbox/environment_internal.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/workers/sandbox/filter.h"
+#include "toolkit/workers/sandbox/filter_internal.h"
 
 #include "toolkit/base/failure.h"
-#include "toolkit/workers/sandbox/system_calls.h"
+#include "toolkit/workers/sandbox/system_calls_internal.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/workers/sandbox/landlock.h"
+#include "toolkit/workers/sandbox/landlock_internal.h"
 
 #include <cstddef>
 #include <cstdint>

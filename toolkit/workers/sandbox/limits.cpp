@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/workers/sandbox/limits.h"
+#include "toolkit/workers/sandbox/limits_internal.h"
 
 #include "toolkit/base/overloaded.h"
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/workers/sandbox/sandbox.h"
+#include "toolkit/workers/sandbox/sandbox_internal.h"
 
 #include "toolkit/base/failure.h"
 #include "toolkit/files/opened_files.h"
-#include "toolkit/workers/sandbox/filter.h"
-#include "toolkit/workers/sandbox/landlock.h"
-#include "toolkit/workers/sandbox/limits.h"
+#include "toolkit/workers/sandbox/filter_internal.h"
+#include "toolkit/workers/sandbox/landlock_internal.h"
+#include "toolkit/workers/sandbox/limits_internal.h"
 
 #include <cstdlib>
 #include <omp.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/workers/sandbox/system_calls.h"
+#include "toolkit/workers/sandbox/system_calls_internal.h"
 
 namespace umbrixlib::toolkit {
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// A worker's way into its sandbox: what a job names is open, and nothing else is.
-#include "toolkit/workers/sandbox/sandbox.h"
+#include "toolkit/workers/sandbox/sandbox_internal.h"
 
 #include "child.h"
 #include "temporary_folder.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 /// What each filter lets a process call, and that it refuses everything else.
-#include "toolkit/workers/sandbox/filter.h"
+#include "toolkit/workers/sandbox/filter_internal.h"
 
 #include "child.h"
-#include "toolkit/workers/sandbox/system_calls.h"
+#include "toolkit/workers/sandbox/system_calls_internal.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// What Landlock leaves of the files by name. On a kernel without it nothing is tested.
-#include "toolkit/workers/sandbox/landlock.h"
+#include "toolkit/workers/sandbox/landlock_internal.h"
 
 #include "child.h"
 #include "temporary_folder.h"

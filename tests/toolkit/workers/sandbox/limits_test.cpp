@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// What a worker may use.
-#include "toolkit/workers/sandbox/limits.h"
+#include "toolkit/workers/sandbox/limits_internal.h"
 
 #include "child.h"
 
