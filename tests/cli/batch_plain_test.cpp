@@ -15,10 +15,10 @@ protected:
         write("rocks/no.tga", {'n', 'o'});
     }
 
-    Arguments plain(Arguments const& more = {}) const
+    Arguments plain(Arguments const& more = {}, char const* pattern = "*.tga") const
     {
         Arguments arguments{"batch", "--plain", "rocks", "--height-map", "--n-scale",
-                            "2",     "--rays",  "8",     "--pattern",    "*.tga"};
+                            "2",     "--rays",  "8",     "--pattern",    pattern};
         arguments.insert(arguments.end(), more.begin(), more.end());
         return arguments;
     }
@@ -41,6 +41,39 @@ TEST_F(BatchPlain, IsTheLibrarysOwnWalk)
         << "made of the image bound before";
     run(plain());
     EXPECT_TRUE(std::filesystem::exists(folder() / "rocks/x_Umbrix_Umbrix.tga")) << "results are inputs, too";
+}
+
+/// Of these the library makes maps of one value, or of bytes that are no texels.
+TEST_F(BatchPlain, RefusesWhatIsNot8BitColourBeforeAnythingIsWritten)
+{
+    std::string const rocks = (std::filesystem::canonical(folder()) / "rocks").string();
+    std::filesystem::remove(folder() / "rocks/no.tga");
+    auto const refusal = [&](std::string const& name, std::string const& what) {
+        return "umbrix batch: error: " + rocks + "/" + name + ": it is " + what +
+               ", and the library's own walk makes maps of 8-bit colour only; leave --plain out, or the file "
+               "with --include\n";
+    };
+    auto const png = [&](std::string const& name, PngColour colour, int depth, std::size_t row) {
+        write("rocks/" + name, png_bytes(2, colour, depth, {Bytes(row, 90), Bytes(row, 91)}));
+    };
+    png("deep/grey.png", PngColour::kGrey, 8, 2);
+    png("other.png", PngColour::kRgb, 16, 12);
+    png("grey.txt", PngColour::kGrey, 8, 2);
+    for (auto const& [pattern, error] : {std::pair("*.PNG", refusal("deep/grey.png", "8-bit grey")),
+                                         {"o*.png", refusal("other.png", "16-bit colour")},
+                                         {"?rey.*", refusal("deep/grey.png", "8-bit grey")},
+                                         {"*.*", refusal("deep/grey.png", "8-bit grey")}}) {
+        Outcome const outcome = run(plain({"--recurse"}, pattern));
+        EXPECT_EQ(outcome.code, 1) << pattern;
+        EXPECT_EQ(outcome.err, error) << pattern;
+    }
+    EXPECT_EQ(run(plain({}, "[o]*.png")).code, 0) << "no wildcard of the walk's";
+    Outcome const on_device = run(plain({"--gpu", "--recurse"}, "*"), {{"CORALITH_BACKEND", "host"}});
+    EXPECT_EQ(on_device.code, 1);
+    EXPECT_NE(on_device.err.find(refusal("deep/grey.png", "8-bit grey")), std::string::npos) << on_device.err;
+    for (auto const& entry : std::filesystem::recursive_directory_iterator(folder())) {
+        EXPECT_EQ(entry.path().string().find("_Umbrix"), std::string::npos) << entry.path();
+    }
 }
 
 TEST_F(BatchPlain, GuessesNothingAndTakesNoOtherRules)

@@ -72,6 +72,7 @@ enum class Fault {
     kTooFewThreads,     ///< OpenMP gives fewer threads than it should.
     kNotWorkedOn,       ///< The library could not work on a picture.
     kNoFolderWalk,      ///< This build has not got the library's own walk of folders.
+    kNotForFolderWalk,  ///< The library's own walk makes no sound map of such a picture.
 
     // Worker processes.
     kNoMemory,         ///< There is not enough memory to work on a picture.

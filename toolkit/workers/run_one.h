@@ -22,10 +22,11 @@ typename OneJob::Report run_one(OneJob const& job, Observer& observer, Stop cons
     return std::get<typename OneJob::Report>(run_job(job, observer, stop, timeout_seconds));
 }
 
-/// Has a worker walk a folder. After the first wish to stop the file at work is finished, after the second it
-/// is left as it is, which may be half written. Nothing if there was such a wish, else as run_one().
+/// Has a worker of a pool walk a folder, which tells of notes and of what was printed. After the first wish
+/// to stop the file at work is finished, after the second it is left as it is, which may be half written.
+/// Nothing if there was such a wish, else as run_one().
 /// @param stopping Called at the first wish if the worker is still at work.
 std::optional<FolderReport> run_walk(FolderJob const& job, Observer& observer, Stop const& stop,
-                                     std::function<void()> const& stopping);
+                                     std::function<void()> const& stopping, double timeout_seconds = 60);
 
 } // namespace umbrixlib::toolkit

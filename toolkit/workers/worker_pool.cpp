@@ -53,6 +53,14 @@ public:
         end();
     }
 
+    /// The user wishes to stop.
+    void ask_to_stop()
+    {
+        if (task_->may_end_early()) {
+            session_->ask_to_stop();
+        }
+    }
+
     /// The user would not wait for it.
     void stop()
     {
@@ -136,13 +144,13 @@ private:
     {
         if (stop_.take()) {
             bool const second = std::exchange(stopping_, true);
+            for (auto const& slot : slots_) {
+                if (slot->busy()) {
+                    second ? slot->stop() : slot->ask_to_stop();
+                }
+            }
             if (!second) {
                 client_.stopping(running());
-            }
-            for (auto const& slot : slots_) {
-                if (second && slot->busy()) {
-                    slot->stop();
-                }
             }
         }
         return stopping_;

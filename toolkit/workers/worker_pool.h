@@ -25,6 +25,9 @@ public:
     /// Longest time for decoding a file.
     virtual double timeout_seconds() const = 0;
 
+    /// Whether its worker is told of the first wish to stop, as Observer::stopping(), and may end early.
+    virtual bool may_end_early() const { return false; }
+
     /// The worker has done its part: what is left to do. A Failure if that cannot be done.
     virtual void complete(Report const& report) = 0;
 };
@@ -64,8 +67,8 @@ public:
 
 /// Does @p count pieces of work in their order, @p workers of them at a time, each in a worker process with
 /// its share of the processors: whatever happens in a worker is the end of that piece only. After the first
-/// interrupt no piece is begun any more, after the second those at work are stopped. False if the user
-/// stopped it.
+/// interrupt no piece is begun any more, and those that may end early are asked to; after the second those at
+/// work are stopped. False if the user stopped it.
 ///
 /// It has no threads and no state besides its arguments; several may run at a time on threads of their own.
 /// Workers die with the thread that began them.

@@ -8,6 +8,7 @@
 #include "options/setting_options.h"
 #include "terminal/complaint.h"
 #include "terminal/say.h"
+#include "terminal/supervise.h"
 
 #include <cstdio>
 #include <fmt/format.h>
@@ -226,11 +227,29 @@ FolderJob BatchCommand::plain_walk() const
             graphics_};
 }
 
+void BatchCommand::run_plain_walk(Interrupts const& interrupts) const
+{
+    FolderJob const job = plain_walk();
+    Supervision supervision = common_.supervision(kBatchCommand, interrupts);
+    supervision.progress = ProgressDisplay::Style::kNone; // the library names no file
+    note_missing_sandbox(kBatchCommand);
+    JobDisplay display(supervision);
+    auto const say_that_it_is_stopping = [] {
+        put_line(stderr, fmt::format("{}: stopping when the file at work is finished; press Ctrl-C again to "
+                                     "stop at once, which may leave half of it",
+                                     kBatchCommand));
+    };
+    if (!run_walk(job, display, interrupts, say_that_it_is_stopping, common_.timeout_seconds)) {
+        throw Stopped{"the walk was stopped; the same command begins it anew"};
+    }
+    say("{}: the walk ran to its end; the library does not tell what became of each file", job.folder);
+}
+
 void BatchCommand::run(Interrupts const& interrupts)
 {
     validate();
     if (plain_) {
-        run_plain_walk(plain_walk(), interrupts);
+        run_plain_walk(interrupts);
         return;
     }
     BatchPlan const plan = plan_batch(choice());

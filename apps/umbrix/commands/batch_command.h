@@ -7,7 +7,6 @@
 #include "options/results_option.h"
 #include "options/workers_option.h"
 #include "terminal/batch_display.h"
-#include "terminal/plain_walk.h"
 #include "toolkit/settings/defaults.h"
 #include "toolkit_names.h"
 
@@ -31,6 +30,7 @@ private:
     BatchChoice choice() const;
     BatchOrders orders() const;
     FolderJob plain_walk() const;
+    void run_plain_walk(Interrupts const& interrupts) const;
 
     CLI::App* command_ = nullptr;
     CommonOptions common_;

@@ -70,6 +70,7 @@ constexpr Advice kAdvice[] = {
     {Fault::kTooFewThreads, "raise the limit on processes (ulimit -u)"},
     {Fault::kNotWorkedOn, "try another picture"},
     {Fault::kNoFolderWalk, "leave it out", kWrongUsage, "--plain"},
+    {Fault::kNotForFolderWalk, "leave --plain out, or the file with --include"},
 
     {Fault::kNoMemory, "make the picture smaller"},
     {Fault::kNoThread, "raise the limits on memory and processes (ulimit -v, ulimit -u)"},

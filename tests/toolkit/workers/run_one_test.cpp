@@ -8,6 +8,7 @@
 #include <chrono>
 #include <gtest/gtest.h>
 #include <thread>
+#include <utility>
 
 namespace umbrixlib::toolkit {
 namespace {
@@ -16,19 +17,31 @@ using namespace std::chrono_literals;
 
 class Listener : public Observer {
 public:
-    void note(std::string const&, Note const& note) override { notes.push_back(note.text); }
+    void note(std::string const&, Note const& note) override
+    {
+        notes.push_back(note.text);
+        wish_to_stop();
+    }
     void stage(std::string_view name, int permille) override
     {
         stages.emplace_back(name);
         EXPECT_EQ(permille, 500);
-        if (stop != nullptr) {
-            stop->request();
-        }
+        wish_to_stop();
     }
+    void printed(std::string const& lines) override { last_printed += lines; }
 
     std::vector<std::string> notes;
     std::vector<std::string> stages;
-    StopSource* stop = nullptr; ///< Asked to stop at each stage.
+    std::string last_printed;
+    StopSource* stop = nullptr; ///< Asked to stop at the first stage or note.
+
+private:
+    void wish_to_stop()
+    {
+        if (stop != nullptr) {
+            std::exchange(stop, nullptr)->request();
+        }
+    }
 };
 
 TEST(RunOne, TellsWhatHappensAndReports)
@@ -86,10 +99,22 @@ TEST(RunOne, EndsAtAWishToStopWhileALargeJobIsStillOnItsWay)
 TEST(RunWalk, RunsThroughIfNobodyStopsIt)
 {
     Listener listener;
-    auto const report = run_walk(walk_to_act("note a"), listener, NeverStop(), [] { FAIL(); });
+    auto const report = run_walk(walk_to_act("note a say b"), listener, NeverStop(), [] { FAIL(); });
     ASSERT_TRUE(report.has_value());
     EXPECT_TRUE(report->ran_through);
     EXPECT_EQ(listener.notes, std::vector<std::string>{"a"});
+    EXPECT_EQ(listener.last_printed, "b");
+}
+
+TEST(RunWalk, ThrowsWhatTheWorkerTells)
+{
+    Listener listener;
+    try {
+        run_walk(walk_to_act("fail badly"), listener, NeverStop(), [] { FAIL(); });
+        FAIL();
+    } catch (Failure const& failure) {
+        EXPECT_STREQ(failure.what(), "badly");
+    }
 }
 
 TEST(RunWalk, IsAskedToEndAtTheFirstWishToStop)
@@ -99,10 +124,10 @@ TEST(RunWalk, IsAskedToEndAtTheFirstWishToStop)
     listener.stop = &stop;
     int times = 0;
     auto const report =
-        run_walk(walk_to_act("phase 1 stage a listen 1 note b"), listener, stop, [&] { ++times; });
+        run_walk(walk_to_act("phase 1 note a listen 1 note b"), listener, stop, [&] { ++times; });
     EXPECT_FALSE(report.has_value());
     EXPECT_EQ(times, 1);
-    EXPECT_EQ(listener.notes, std::vector<std::string>{"b"});
+    EXPECT_EQ(listener.notes, (std::vector<std::string>{"a", "b"}));
 }
 
 TEST(RunWalk, IsStoppedAtTheSecond)
@@ -112,9 +137,9 @@ TEST(RunWalk, IsStoppedAtTheSecond)
     listener.stop = &stop;
     auto const start = std::chrono::steady_clock::now();
     auto const report =
-        run_walk(walk_to_act("phase 1 stage a wait 30000 note b"), listener, stop, [&] { stop.request(); });
+        run_walk(walk_to_act("phase 1 note a wait 30000 note b"), listener, stop, [&] { stop.request(); });
     EXPECT_FALSE(report.has_value());
-    EXPECT_TRUE(listener.notes.empty());
+    EXPECT_EQ(listener.notes, std::vector<std::string>{"a"});
     EXPECT_LT(std::chrono::steady_clock::now() - start, 20s);
 }
 
