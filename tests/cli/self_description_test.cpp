@@ -35,6 +35,21 @@ protected:
                  ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_umbrix\necho -n \"${COMPREPLY[*]}\"\n");
         return shell("bash offers.bash");
     }
+
+    /// What the tab key makes of a command line in zsh, which needs a terminal for that. It takes the
+    /// completion from the file _umbrix.
+    std::string zsh_completes(std::string const& line) const
+    {
+        save("offers.zsh", R"(zmodload zsh/zpty
+zpty inner zsh -f -i
+zpty -w inner "PS1=; fpath=($PWD \$fpath); autoload -Uz compinit; compinit -u -D"
+zpty -w inner 'tell() { print -rn -- "$BUFFER" > told; exit }; zle -N tell; bindkey "^G" tell'
+zpty -w -n inner "$1"$'\t\a'
+while zpty -r inner shown; do :; done
+cat told
+)");
+        return shell("rm -f told; zsh -f offers.zsh '" + line + "'");
+    }
 };
 
 TEST_F(SelfDescription, ManualPagesAreCleanAndHoldEveryOption)
@@ -73,6 +88,11 @@ TEST_F(SelfDescription, BashCompletesCommandsOptionsWordsAndFiles)
     EXPECT_EQ(bash_offers("umbrix map --preset br"), "brick");
     EXPECT_EQ(bash_offers("umbrix map --preset hi"), "hill.tga");
     EXPECT_EQ(bash_offers("umbrix completion z"), "zsh");
+    EXPECT_EQ(bash_offers("umbrix completion zsh --h"), "--help");
+    EXPECT_EQ(bash_offers("umbrix preset sh"), "show");
+    EXPECT_EQ(bash_offers("umbrix preset show br"), "brick");
+    EXPECT_EQ(bash_offers("umbrix preset show hi"), "hill.tga");
+    EXPECT_EQ(bash_offers("umbrix preset show brick --j"), "--json");
 }
 
 TEST_F(SelfDescription, ZshTakesItsCompletion)
@@ -82,6 +102,21 @@ TEST_F(SelfDescription, ZshTakesItsCompletion)
     EXPECT_EQ(shell("zsh -f -c 'fpath=($PWD $fpath); autoload -Uz compinit; compinit -u -D; "
                     "print -n $_comps[umbrix]'"),
               "_umbrix");
+}
+
+TEST_F(SelfDescription, ZshCompletesCommandsOptionsWordsAndFiles)
+{
+    write("hill.tga", hill(8));
+    save("_umbrix", run({"completion", "zsh"}).out);
+    EXPECT_EQ(zsh_completes("umbrix rel"), "umbrix relight ");
+    EXPECT_EQ(zsh_completes("umbrix map --reli"), "umbrix map --relief ");
+    EXPECT_EQ(zsh_completes("umbrix map --mode fl"), "umbrix map --mode flat ");
+    EXPECT_EQ(zsh_completes("umbrix map hi"), "umbrix map hill.tga ");
+    EXPECT_EQ(zsh_completes("umbrix map --preset br"), "umbrix map --preset brick ");
+    EXPECT_EQ(zsh_completes("umbrix map --preset hi"), "umbrix map --preset hill.tga ");
+    EXPECT_EQ(zsh_completes("umbrix preset show br"), "umbrix preset show brick ");
+    EXPECT_EQ(zsh_completes("umbrix preset show hi"), "umbrix preset show hill.tga ");
+    EXPECT_EQ(zsh_completes("umbrix completion z"), "umbrix completion zsh ");
 }
 
 } // namespace

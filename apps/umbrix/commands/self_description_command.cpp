@@ -36,7 +36,9 @@ CLI::App* CompletionCommand::declare(CLI::App& app)
     tool_ = &app;
     CLI::App* const command =
         app.add_subcommand("completion", "Print a script that completes this command line");
-    command->add_option("SHELL", shell_, "Shell that takes the script [bash, zsh]")->required();
+    command->add_option("SHELL", shell_, "Shell that takes the script [bash, zsh]")
+        ->required()
+        ->type_name("");
     return command;
 }
 
@@ -53,7 +55,8 @@ CLI::App* ManualCommand::declare(CLI::App& app)
     tool_ = &app;
     CLI::App* const command = app.add_subcommand("manual", "Print a manual page, in the language of man");
     auto* const page =
-        command->add_option("COMMAND", command_, "Command that it is about [default: the tool as a whole]");
+        command->add_option("COMMAND", command_, "Command that it is about [default: the tool as a whole]")
+            ->type_name("");
     command->add_option("--all", folder_, "Write all pages into a folder instead")
         ->type_name("FOLDER")
         ->excludes(page);

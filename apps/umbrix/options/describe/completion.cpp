@@ -32,25 +32,38 @@ std::vector<std::string> names_of(std::vector<CLI::App const*> const& commands)
     return names;
 }
 
-/// What may stand where a command stands: the commands below it, or the words of its argument.
-std::vector<std::string> words_behind(CLI::App const& command)
+/// "NAME|FILE": a preset, of those that are shipped or of a file.
+bool takes_preset(CLI::Option const& option)
 {
-    std::vector<std::string> words = names_of(subcommands_of(command));
-    for (CLI::Option const* argument : positionals_of(command)) {
-        std::vector<std::string> const more = value_words(*argument);
-        words.insert(words.end(), more.begin(), more.end());
-    }
-    return words;
+    constexpr char const* kPreset = "NAME|FILE";
+    return option.get_type_name() == kPreset || option.get_single_name() == kPreset;
 }
 
-/// The words of an option's value.
+/// The words of the value of an option or an argument.
 std::vector<std::string> words_for(CLI::Option const& option)
 {
-    if (!option.check_lname("preset")) {
+    if (!takes_preset(option)) {
         return value_words(option);
     }
     auto const presets = umbrixlib::toolkit::shipped_presets();
     return {presets.begin(), presets.end()};
+}
+
+/// What may stand behind a command that has none below it.
+struct Arguments {
+    std::vector<std::string> words; ///< None: files.
+    bool files = false;             ///< Besides the words.
+};
+
+Arguments arguments_of(CLI::App const& command)
+{
+    Arguments arguments;
+    for (CLI::Option const* argument : positionals_of(command)) {
+        std::vector<std::string> const more = words_for(*argument);
+        arguments.words.insert(arguments.words.end(), more.begin(), more.end());
+        arguments.files = arguments.files || takes_preset(*argument);
+    }
+    return arguments;
 }
 
 /// Whether the value may be a file, too.
@@ -98,17 +111,21 @@ std::string first_sentence(std::string const& description)
     return description.substr(0, description.rfind(" ["));
 }
 
+/// What completes a value: the words, or a file, or either.
+std::string zsh_action(std::vector<std::string> const& words, bool or_file)
+{
+    std::string const all = fmt::format("{}", fmt::join(words, " "));
+    return words.empty() ? "_files" : or_file ? " _umbrix_words_or_files " + all : "(" + all + ")";
+}
+
 std::string zsh_option(CLI::Option const& option, std::string const& spelling)
 {
     std::string const help = escaped(first_sentence(option.get_description()));
     if (!takes_value(option)) {
         return fmt::format("        '{}[{}]' \\\n", spelling, help);
     }
-    std::vector<std::string> const words = words_for(option);
-    std::string const action =
-        words.empty() || takes_file(option) ? "_files" : fmt::format("({})", fmt::join(words, " "));
     return fmt::format("        '{}[{}]:{}:{}' \\\n", spelling, help, escaped(option.get_type_name()),
-                       action);
+                       zsh_action(words_for(option), takes_file(option)));
 }
 
 std::string zsh_function_name(std::string path)
@@ -127,7 +144,10 @@ std::string bash_completion(CLI::App const& tool)
     std::string options;
     std::string values;
     for_each_command(tool, "umbrix", [&](CLI::App const& command, std::string const& path) {
-        names += fmt::format("        '{}') commands='{}' ;;\n", path, fmt::join(words_behind(command), " "));
+        Arguments const arguments = arguments_of(command);
+        names += fmt::format("        '{}') commands='{}' arguments='{}' files={} ;;\n", path,
+                             fmt::join(names_of(subcommands_of(command)), " "),
+                             fmt::join(arguments.words, " "), arguments.files ? "-f" : "");
         options +=
             fmt::format("        '{}') options='{}' ;;\n", path, fmt::join(all_spellings(command), " "));
         for (CLI::Option const* option : options_of(command)) {
@@ -146,7 +166,7 @@ _umbrix_commands() {{
 
 _umbrix() {{
     local current=${{COMP_WORDS[COMP_CWORD]}} previous=${{COMP_WORDS[COMP_CWORD-1]}}
-    local path=umbrix commands= options= words= files= i
+    local path=umbrix commands= arguments= options= words= files= i
     _umbrix_commands umbrix
     for ((i = 1; i < COMP_CWORD; ++i)); do
         if [[ " $commands " == *" ${{COMP_WORDS[i]}} "* ]]; then
@@ -162,8 +182,8 @@ _umbrix() {{
         COMPREPLY=($(compgen -W "$words" $files -- "$current"))
     elif [[ $current == -* ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$current"))
-    elif [[ -n $commands ]]; then
-        COMPREPLY=($(compgen -W "$commands" -- "$current"))
+    elif [[ -n $commands$arguments ]]; then
+        COMPREPLY=($(compgen -W "$commands $arguments" $files -- "$current"))
     else
         compopt -o filenames 2> /dev/null
         local IFS=$'\n'
@@ -188,10 +208,10 @@ std::string zsh_completion(CLI::App const& tool)
         }
         std::vector<CLI::App const*> const inside = subcommands_of(command);
         if (inside.empty()) {
-            std::vector<std::string> const words = words_behind(command);
-            functions += fmt::format(
-                "{}() {{\n    _arguments \\\n{}        '*:{}'\n}}\n\n", zsh_function_name(path), body,
-                words.empty() ? "file:_files" : fmt::format("word:({})", fmt::join(words, " ")));
+            Arguments const arguments = arguments_of(command);
+            functions += fmt::format("{}() {{\n    _arguments \\\n{}        '*:{}:{}'\n}}\n\n",
+                                     zsh_function_name(path), body, arguments.words.empty() ? "file" : "word",
+                                     zsh_action(arguments.words, arguments.files));
             return;
         }
         std::string descriptions;
@@ -220,7 +240,9 @@ std::string zsh_completion(CLI::App const& tool)
 )",
                                  zsh_function_name(path), descriptions, body, cases);
     });
-    return "#compdef umbrix\n# Completion of umbrix for zsh.\n\n" + functions +
+    return "#compdef umbrix\n# Completion of umbrix for zsh.\n\n"
+           "_umbrix_words_or_files() {\n    compadd -- \"$@\"\n    _files\n}\n\n" +
+           functions +
            "if [ \"$funcstack[1]\" = _umbrix ]; then\n    _umbrix \"$@\"\nelse\n    compdef _umbrix "
            "umbrix\nfi\n";
 }

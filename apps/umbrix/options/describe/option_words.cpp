@@ -30,7 +30,7 @@ std::vector<std::string> spellings(CLI::Option const& option)
 
 bool takes_value(CLI::Option const& option)
 {
-    return option.get_expected_max() > 0 && !option.get_type_name().empty();
+    return option.get_expected_max() > 0 && (option.get_positional() || !option.get_type_name().empty());
 }
 
 std::vector<std::string> value_words(CLI::Option const& option)
