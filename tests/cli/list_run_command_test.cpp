@@ -6,6 +6,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <random>
+#include <regex>
 #include <sstream>
 
 namespace umbrixlib::test {
@@ -58,6 +59,21 @@ TEST_F(ListRun, MakesWhatMapMakesWithTheSameOptions)
         run({"map", "a.tga", "-o", "expected.tga", "--rays", "20", "--relief", "0.2", "--smooth", "1"}).code,
         0);
     EXPECT_EQ(read("a_Umbrix.tga"), read("expected.tga"));
+}
+
+TEST_F(ListRun, NotesWhichReliefWouldHalveTheBlack)
+{
+    write("steep.tga", height_map(64, 64, [](int x, int y) { return (x * 37 + y * 101) % 256; }));
+    add({"steep.tga", "--relief", "1"});
+    Outcome const outcome = run({"list", "run", "jobs.ulist"});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_TRUE(
+        std::regex_search(outcome.err, std::regex("^umbrix list run: note: .*/steep\\.tga: [0-9]+ % of the "
+                                                  "map's samples are black; an h-scale of 0\\.[0-9]+ "
+                                                  "with an n-scale of [0-9.]+ would halve that\n$")))
+        << outcome.err;
+    ASSERT_EQ(run({"list", "set", "jobs.ulist", "1", "--relief", "0.01", "--n-scale", "auto"}).code, 0);
+    EXPECT_EQ(run({"list", "run", "jobs.ulist"}).err, "");
 }
 
 TEST_F(ListRun, LeavesOutWhatAnEarlierRunHasMade)

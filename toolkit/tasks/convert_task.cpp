@@ -14,11 +14,6 @@ namespace {
 
 constexpr char const* kCoding = "coding";
 
-bool is_whole(SampleType type)
-{
-    return type == SampleType::kUint8 || type == SampleType::kUint16;
-}
-
 SavedAs saved_as_the_source(Output const& output, OutputFormat const& format, SampleType source)
 {
     Saving saving = output.saving;

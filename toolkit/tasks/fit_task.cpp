@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/base/failure.h"
+#include "toolkit/pictures/heights/take_heights.h"
 #include "toolkit/tasks/methods/relief_fit.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/runs/library_run.h"
@@ -32,16 +33,6 @@ void for_each_colour(Picture const& picture, Body&& body)
             body(i, to_number(texel[0]), to_number(texel[1]), to_number(texel[2]));
         }
     });
-}
-
-std::vector<float> heights_of(Picture const& picture)
-{
-    std::vector<float> heights(picture.texels());
-    double const full = 3.0 * full_scale(picture.type);
-    for_each_colour(picture, [&](std::size_t i, double red, double green, double blue) {
-        heights[i] = static_cast<float>((red + green + blue) / full);
-    });
-    return heights;
 }
 
 /// Where flat ground lies, beside the middle of the samples, for makers that cut off, that divide by 127.5
@@ -87,7 +78,9 @@ Pair read_pair(FitJob const& job, Observer& observer)
         take_for_heights(input, height_reading_of(job.settings), job.heights, observer);
         pair.width = input.width;
         pair.height = input.height;
-        pair.heights = heights_of(input.picture);
+        Picture const heights = channel_of(input.picture, HeightChannel::kMean, job.heights);
+        auto const samples = heights.samples<float>();
+        pair.heights.assign(samples.begin(), samples.end());
     }
     PreparedInput input = prepare_input({job.normals, job.normals, job.max_texels}, observer);
     if (input.width != pair.width || input.height != pair.height) {

@@ -4,6 +4,7 @@
 #include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/runs/graphics_run.h"
+#include "toolkit/tasks/runs/lost_light.h"
 #include "toolkit/tasks/runs/map_picture.h"
 #include "toolkit/tasks/tasks.h"
 
@@ -67,6 +68,11 @@ ListReport run(ListJob const& job, Observer& observer)
                                    has_layers ? &stack : nullptr,
                                    job.graphics},
                                   observer);
+    Picture const no_samples{input.width, input.height, 3, {}};
+    note_lost_light(
+        map, files.input,
+        {has_layers ? no_samples : input.picture, settings, kind_of(job.data), false, job.graphics},
+        observer);
     map.attributes = attributes_of_map("list", settings);
     write_picture(files.output.file, format, files.output.name, map, observer);
     return {map.width, map.height, kind_of(job.data)};

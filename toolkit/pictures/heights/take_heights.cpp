@@ -23,11 +23,6 @@ struct NumberSpan {
     std::size_t invalid = 0;
 };
 
-bool is_whole(Picture const& picture)
-{
-    return picture.type == SampleType::kUint8 || picture.type == SampleType::kUint16;
-}
-
 /// Place of a channel in a texel; that of red for the mean of greys.
 std::size_t place_of(Picture const& picture, HeightChannel channel)
 {
@@ -240,7 +235,8 @@ void check_channel(Picture const& picture, HeightChannel channel, std::string co
 /// What needs no floats: whole numbers are finite, and 0 to 1.
 bool stays_whole(Picture const& picture, HeightReading const& reading)
 {
-    return is_whole(picture) && reading.range.how == How::kAsIs && reading.channel != HeightChannel::kLuma;
+    return is_whole(picture.type) && reading.range.how == How::kAsIs &&
+           reading.channel != HeightChannel::kLuma;
 }
 
 std::optional<HeightRange> if_changed(HeightRange const& limits)
@@ -252,7 +248,7 @@ std::optional<HeightRange> if_changed(HeightRange const& limits)
 
 std::size_t flatten_invalid_normals(Picture& normal_map, bool allowed, std::string const& name)
 {
-    if (is_whole(normal_map)) {
+    if (is_whole(normal_map.type)) {
         return 0;
     }
     std::vector<std::size_t> invalid;
