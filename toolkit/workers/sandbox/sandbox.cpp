@@ -17,6 +17,14 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
+// Sanitizers read files, start processes and trace their own to look for leaks; coverage is written to files
+// at the end. All of it takes memory. Sandboxes are tested in builds without them.
+#if defined(UMBRIX_INSTRUMENTED)
+constexpr bool kIsInstrumented = true;
+#else
+constexpr bool kIsInstrumented = false;
+#endif
+
 void open_files(NamedFiles const& files)
 {
     rlimit limit{}; // a stack may have more layers than a process usually has files
@@ -87,11 +95,10 @@ void enter_sandbox(Job const& job, Rights rights)
     }
     open_files(files_of(job));
     // Some runtimes of OpenMP read files when they are first asked.
-    [[maybe_unused]] auto const processors = static_cast<std::size_t>(omp_get_num_procs());
-#if defined(UMBRIX_INSTRUMENTED)
-    // Sanitizers read files, start processes and trace their own to look for leaks; coverage is written to
-    // files at the end. All of it takes memory. Sandboxes are tested in builds without them.
-#else
+    auto const processors = static_cast<std::size_t>(omp_get_num_procs());
+    if (kIsInstrumented) {
+        return;
+    }
     set_limits(limits_of(job, processors, bytes_of_memory()));
     if (can_take_rights()) {
         // `ps` tells the rights of a worker so.
@@ -99,7 +106,6 @@ void enter_sandbox(Job const& job, Rights rights)
         close_folders(open_folders(job, rights));
         filter_system_calls(rights);
     }
-#endif
 }
 
 } // namespace umbrixlib::toolkit
