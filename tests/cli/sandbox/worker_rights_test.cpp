@@ -108,6 +108,9 @@ TEST_F(WorkerRights, AreThoseThatThePageTells)
             EXPECT_EQ(std::stoi(worker.status.at("Seccomp_filters")),
                       std::stoi(own_.at("Seccomp_filters")) + 1);
             EXPECT_EQ(worker.status.at("NoNewPrivs"), "1");
+            if (worker.name == "umbrix-decoding") {
+                EXPECT_EQ(worker.status.at("CapEff"), "0000000000000000");
+            }
         }
     }
 }

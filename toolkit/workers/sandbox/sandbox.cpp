@@ -6,12 +6,16 @@
 #include "toolkit/workers/sandbox/filter_internal.h"
 #include "toolkit/workers/sandbox/landlock_internal.h"
 #include "toolkit/workers/sandbox/limits_internal.h"
+#include "toolkit/workers/worker_channel.h"
 
 #include <cstdlib>
+#include <linux/capability.h>
 #include <omp.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/sysinfo.h>
+#include <unistd.h>
 
 namespace umbrixlib::toolkit {
 
@@ -24,6 +28,22 @@ constexpr bool kIsInstrumented = true;
 #else
 constexpr bool kIsInstrumented = false;
 #endif
+
+/// What the first process was handed by others and did not know of. Kernels before 5.9 leave it open.
+void close_strange_descriptors()
+{
+#if defined(SYS_close_range)
+    syscall(SYS_close_range, kEventDescriptor + 1, ~0U, 0);
+#endif
+}
+
+/// What root may do and others may not, such as raising limits again.
+void give_up_capabilities()
+{
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct const none[_LINUX_CAPABILITY_U32S_3]{};
+    syscall(SYS_capset, &header, none);
+}
 
 void open_files(NamedFiles const& files)
 {
@@ -93,6 +113,9 @@ void enter_sandbox(Job const& job, Rights rights)
     if (rights == Rights::kAll) {
         return;
     }
+    if (!kIsInstrumented) {
+        close_strange_descriptors();
+    }
     open_files(files_of(job));
     // Some runtimes of OpenMP read files when they are first asked.
     auto const processors = static_cast<std::size_t>(omp_get_num_procs());
@@ -100,6 +123,9 @@ void enter_sandbox(Job const& job, Rights rights)
         return;
     }
     set_limits(limits_of(job, processors, bytes_of_memory()));
+    if (rights == Rights::kDecoding) { // others open files of the user's by name
+        give_up_capabilities();
+    }
     if (can_take_rights()) {
         // `ps` tells the rights of a worker so.
         prctl(PR_SET_NAME, (std::string("umbrix-") + name_of(rights)).c_str());

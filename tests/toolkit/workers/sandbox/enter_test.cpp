@@ -94,6 +94,28 @@ TEST_F(Sandbox, TellsOfAFileThatCouldNotBeOpenedWhenItsTurnComes)
               0);
 }
 
+TEST_F(Sandbox, HasNoDescriptorOfOthers)
+{
+    EXPECT_EQ(in_child([&] {
+                  int const strange = open(path("in").c_str(), O_RDONLY);
+                  int const there = fcntl(strange, F_DUPFD, 50);
+                  enter_sandbox(map_job(), Rights::kDecoding);
+                  char byte = 0;
+                  return error_of(SYS_read, there, &byte, 1);
+              }),
+              EBADF);
+}
+
+TEST_F(Sandbox, LeavesRootNoWayToRaiseLimits)
+{
+    EXPECT_EQ(in_child([&] {
+                  enter_sandbox(map_job(), Rights::kDecoding);
+                  rlimit const core{1, 1};
+                  return setrlimit(RLIMIT_CORE, &core) == 0 ? 0 : errno;
+              }),
+              EPERM);
+}
+
 TEST_F(Sandbox, FollowsNoLinkToAnOutput)
 {
     put("precious", "kept");
