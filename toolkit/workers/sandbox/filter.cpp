@@ -88,7 +88,7 @@ void allow_memory(Filter& filter, bool of_files)
 }
 
 /// Threads of this process, which the C library asks for by clone() where there is no clone3(), whose
-/// arguments a filter cannot see. Signals to none but these, for abort().
+/// arguments a filter cannot see. Signals, limits and processors of none but these.
 void allow_threads(Filter& filter)
 {
     filter.set(SCMP_ACT_ALLOW, SCMP_SYS(clone),
@@ -96,6 +96,7 @@ void allow_threads(Filter& filter)
     filter.set(SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), {});
     filter.set(SCMP_ACT_ALLOW, SCMP_SYS(tgkill), {is(0, static_cast<scmp_datum_t>(getpid()))});
     filter.set(SCMP_ACT_ALLOW, SCMP_SYS(prlimit64), {is(0, 0)});
+    filter.set(SCMP_ACT_ALLOW, SCMP_SYS(sched_setaffinity), {is(0, 0)});
 }
 
 void allow_descriptors(Filter& filter)

@@ -9,8 +9,10 @@
 #include "toolkit/workers/worker_channel.h"
 
 #include <cstdlib>
+#include <fmt/format.h>
 #include <linux/capability.h>
 #include <omp.h>
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -43,6 +45,17 @@ void give_up_capabilities()
     __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
     __user_cap_data_struct const none[_LINUX_CAPABILITY_U32S_3]{};
     syscall(SYS_capset, &header, none);
+}
+
+/// How many processors OpenMP counts. It reads files and makes some when it is first asked, and LLVM's
+/// removes at the end of the process what it has in /dev/shm, which the worker then may not: it is done now.
+std::size_t processors_of_openmp()
+{
+    auto const processors = static_cast<std::size_t>(omp_get_num_procs());
+#if defined(__clang__)
+    shm_unlink(fmt::format("/__KMP_REGISTERED_LIB_{}_{}", getpid(), getuid()).c_str());
+#endif
+    return processors;
 }
 
 void open_files(NamedFiles const& files)
@@ -117,8 +130,7 @@ void enter_sandbox(Job const& job, Rights rights)
         close_strange_descriptors();
     }
     open_files(files_of(job));
-    // Some runtimes of OpenMP read files when they are first asked.
-    auto const processors = static_cast<std::size_t>(omp_get_num_procs());
+    std::size_t const processors = processors_of_openmp();
     if (kIsInstrumented) {
         return;
     }

@@ -44,6 +44,7 @@ std::span<SystemCall const> calls_of_computing()
         UMBRIX_CALL(set_tid_address),
         UMBRIX_CALL(gettid),
         UMBRIX_CALL(getpid),
+        UMBRIX_CALL(getuid),
         UMBRIX_CALL(rt_sigaction),
         UMBRIX_CALL(rt_sigprocmask),
         UMBRIX_CALL(rt_sigreturn),
@@ -70,8 +71,13 @@ std::span<SystemCall const> calls_of_computing()
 std::span<SystemCall const> calls_by_argument()
 {
     static constexpr SystemCall kCalls[] = {
-        UMBRIX_CALL(mmap),  UMBRIX_CALL(mprotect), UMBRIX_CALL(fcntl),
-        UMBRIX_CALL(clone), UMBRIX_CALL(tgkill),   UMBRIX_CALL(prlimit64),
+        UMBRIX_CALL(mmap),
+        UMBRIX_CALL(mprotect),
+        UMBRIX_CALL(fcntl),
+        UMBRIX_CALL(clone),
+        UMBRIX_CALL(tgkill),
+        UMBRIX_CALL(prlimit64),
+        UMBRIX_CALL(sched_setaffinity),
     };
     return kCalls;
 }
