@@ -129,6 +129,7 @@ WorkerProcess::WorkerProcess(Rights of_job, ProcessorSet const* processors)
         ProcessorScope const fewer(few ? &*few : nullptr);
         std::vector<std::string> variables = worker_environment(environ, rights, processor_count());
         std::vector<char*> environment;
+        environment.reserve(variables.size() + 1);
         for (std::string& variable : variables) {
             environment.push_back(variable.data());
         }
