@@ -11,8 +11,8 @@
 #include "toolkit/pictures/decoded_image.h"
 #include "toolkit/pictures/encoder.h"
 #include "toolkit/settings/defaults.h"
-#include "toolkit/tasks/map_picture.h"
 #include "toolkit/tasks/methods/saved_picture.h"
+#include "toolkit/tasks/runs/map_picture.h"
 
 #include <OpenEXR/openexr.h>
 #include <cstdio>
@@ -171,9 +171,12 @@ toolkit::Picture normals_of(toolkit::Picture const& heights)
 toolkit::Picture map_of(toolkit::Picture const& heights)
 {
     toolkit::Observer nobody;
+    toolkit::Picture const colour = toolkit::in_colour(heights, false);
     return toolkit::make_umbrix_map(
-        toolkit::in_colour(heights, false), "heights",
-        toolkit::options_for(toolkit::kDefaults, toolkit::Kind::kHeightMap, kSide), {SampleType::kUint16},
+        {colour,
+         "heights",
+         toolkit::options_for(toolkit::kDefaults, toolkit::Kind::kHeightMap, kSide),
+         {SampleType::kUint16}},
         nobody);
 }
 
