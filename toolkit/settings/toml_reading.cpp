@@ -2,6 +2,7 @@
 #include "toolkit/settings/toml_reading_internal.h"
 
 #include "toolkit/files/preflight.h"
+#include "toolkit/settings/toml_depth.h"
 
 #include <cmath>
 #include <fmt/format.h>
@@ -16,6 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::uintmax_t kLargestFile = 1024 * 1024;
+constexpr std::size_t kDeepest = 16; ///< Four levels are in use.
 
 std::string content_of(fs::path const& file, std::string const& what, Fault fault)
 {
@@ -73,6 +75,10 @@ double TomlEntry::number(double minimum, double maximum) const
 
 toml::table parse_toml(std::string_view text, std::string const& subject, Fault fault)
 {
+    if (auto const line = line_nested_deeper(text, kDeepest)) {
+        throw Failure(fault, fmt::format("{}: line {}", subject, *line),
+                      fmt::format("it nests more than {} levels deep", kDeepest));
+    }
     try {
         return toml::parse(text);
     } catch (toml::parse_error const& error) {
