@@ -22,6 +22,18 @@ void check_is_plain(fs::path const& file, fs::file_status const& status, std::st
     }
 }
 
+/// The file system says how long; some do not.
+void check_name_length(fs::path const& folder, fs::path const& output)
+{
+    long const longest = pathconf(folder.c_str(), _PC_NAME_MAX);
+    std::size_t const size = output.filename().native().size();
+    if (longest > 0 && size > static_cast<std::size_t>(longest)) {
+        throw Failure(Fault::kNameNotTaken, output.string(),
+                      fmt::format("its name has {} bytes, and its folder takes {}", size, longest),
+                      "give a shorter one");
+    }
+}
+
 } // namespace
 
 void check_plain_file(fs::path const& input, std::string const& what)
@@ -55,10 +67,16 @@ fs::path check_output_file(fs::path const& output, bool overwrite, std::string c
     if (!fs::is_directory(folder, error)) {
         throw Failure(Fault::kMissingFolder, output.string(), "its folder does not exist");
     }
+    check_name_length(folder, output);
     if (!fs::exists(fs::symlink_status(output, error))) {
         return folder / output.filename();
     }
-    check_is_plain(output, fs::status(output, error), remedy); // a link that leads nowhere is none
+    fs::file_status const status = fs::status(output, error);
+    if (status.type() == fs::file_type::not_found) {
+        throw Failure(Fault::kNotPlainFile, output.string(), "it is a link to a file that is not there",
+                      "remove the link, or name the file itself");
+    }
+    check_is_plain(output, status, remedy);
     if (!overwrite) {
         throw Failure(Fault::kOutputExists, output.string(), "it exists");
     }

@@ -2,6 +2,7 @@
 #include "toolkit/files/temporary.h"
 
 #include "toolkit/base/failure.h"
+#include "toolkit/files/file_rights.h"
 
 #include <cerrno>
 #include <cstdint>
@@ -40,8 +41,8 @@ struct Made {
     std::unique_ptr<TemporaryLock> lock; ///< Null if nothing could be made; errno tells why.
 };
 
-/// Makes an empty file with these rights and a name between @p prefix and @p extension, and locks it.
-Made make_locked(std::string const& prefix, std::string const& extension, mode_t rights)
+/// Makes an empty file with a name between @p prefix and @p extension, and locks it.
+Made make_locked(std::string const& prefix, std::string const& extension)
 {
     for (;;) {
         std::string name = fmt::format("{}{}{}", prefix, kRandom, extension);
@@ -49,24 +50,11 @@ Made make_locked(std::string const& prefix, std::string const& extension, mode_t
         if (descriptor < 0) {
             return {};
         }
-        fchmod(descriptor, rights);
         auto lock = std::make_unique<TemporaryLock>(descriptor);
         if (lock->hold(name)) {
             return {name, std::move(lock)};
         }
     }
-}
-
-/// The access rights that the output will have: those of the file it replaces, or of any new file.
-mode_t rights_for(fs::path const& target)
-{
-    struct stat status = {};
-    if (stat(target.c_str(), &status) == 0) {
-        return status.st_mode & 07777U;
-    }
-    mode_t const mask = umask(0);
-    umask(mask);
-    return 0666U & ~mask;
 }
 
 /// Renames unless @p to exists. File systems that cannot do that in one step get a hard link instead.
@@ -103,14 +91,14 @@ fs::path output_folder(fs::path const& target)
 
 OutputFile::OutputFile(fs::path target, std::string const& extension) : target_(std::move(target))
 {
-    Made made =
-        make_locked((target_.parent_path() / output_prefix()).string(), extension, rights_for(target_));
+    Made made = make_locked((target_.parent_path() / output_prefix()).string(), extension);
     if (!made.lock) {
         throw Failure(Fault::kFolderTakesNoFile, target_.string(),
                       std::string("its folder takes no new file: ") + std::strerror(errno));
     }
     temporary_ = std::move(made.path);
     lock_ = std::move(made.lock);
+    take_rights(lock_->descriptor(), target_);
 }
 
 OutputFile::~OutputFile()
@@ -122,6 +110,11 @@ OutputFile::~OutputFile()
 
 void OutputFile::move_into_place(bool overwrite)
 {
+    if (!lock_->is_on(temporary_)) {
+        placed_ = true; // what has the name now is not ours to remove
+        throw Failure(Fault::kNameNotTaken, target_.string(),
+                      "another program has replaced or removed the file that it was written to");
+    }
     bool const done = overwrite ? std::rename(temporary_.c_str(), target_.c_str()) == 0
                                 : rename_to_new_name(temporary_, target_);
     if (!done) {

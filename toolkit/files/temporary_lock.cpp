@@ -18,15 +18,15 @@ bool TemporaryLock::hold(std::filesystem::path const& name) const
     int result = 0;
     while ((result = flock(descriptor_, LOCK_EX)) != 0 && errno == EINTR) {
     }
-    return result != 0 || is_still(name);
+    return result != 0 || is_on(name);
 }
 
 bool TemporaryLock::hold_if_free(std::filesystem::path const& name) const
 {
-    return flock(descriptor_, LOCK_EX | LOCK_NB) == 0 && is_still(name);
+    return flock(descriptor_, LOCK_EX | LOCK_NB) == 0 && is_on(name);
 }
 
-bool TemporaryLock::is_still(std::filesystem::path const& name) const
+bool TemporaryLock::is_on(std::filesystem::path const& name) const
 {
     struct stat open = {};
     struct stat named = {};

@@ -23,9 +23,12 @@ public:
     /// on a file system without locks.
     bool hold_if_free(std::filesystem::path const& name) const;
 
-private:
-    bool is_still(std::filesystem::path const& name) const;
+    /// Whether @p name still is the locked file, and not one that somebody put in its place.
+    bool is_on(std::filesystem::path const& name) const;
 
+    int descriptor() const { return descriptor_; }
+
+private:
     int descriptor_;
 };
 

@@ -4,6 +4,7 @@
 #include "temporary_folder.h"
 #include "toolkit/base/failure.h"
 
+#include <fmt/format.h>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -91,7 +92,23 @@ TEST_F(Preflight, OutputsReplacePlainFilesAndOnlyIfToldTo)
     EXPECT_EQ(output(Fault::kOutputExists, "a.png", false), "it exists");
     EXPECT_EQ(output(Fault::kUnexpected, "a.png", true), "fine");
     EXPECT_EQ(output(Fault::kNotPlainFile, "below", true), "it is a folder; give a file name");
-    EXPECT_EQ(output(Fault::kNotPlainFile, "dangling.png", true), "it is not a plain file; give a file name");
+    for (bool const overwrite : {false, true}) {
+        EXPECT_EQ(output(Fault::kNotPlainFile, "dangling.png", overwrite),
+                  "it is a link to a file that is not there; remove the link, or name the file itself");
+    }
+}
+
+TEST_F(Preflight, OutputsHaveNamesThatTheFolderTakes)
+{
+    auto const longest = static_cast<std::size_t>(pathconf(folder_.path().c_str(), _PC_NAME_MAX));
+    std::string const fits(longest, 'n');
+    EXPECT_EQ(output(Fault::kUnexpected, fits.c_str(), false), "fine");
+    std::string const too_long = fits + "n";
+    for (bool const overwrite : {false, true}) {
+        EXPECT_EQ(output(Fault::kNameNotTaken, too_long.c_str(), overwrite),
+                  fmt::format("its name has {} bytes, and its folder takes {}; give a shorter one",
+                              longest + 1, longest));
+    }
 }
 
 TEST_F(Preflight, OutputsAreTheFilesBehindLinks)

@@ -101,6 +101,25 @@ TEST_F(Temporary, OutputHasTheAccessRightsOfTheFileItReplaces)
     EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
+TEST_F(Temporary, OutputIsNotWhatSomebodyPutsInItsPlace)
+{
+    fs::path const target = folder_ / "a.png";
+    std::ofstream(target) << "old";
+    std::ofstream(folder_ / "private") << "private";
+    {
+        OutputFile output(target, ".png");
+        fs::remove(output.temporary());
+        fs::create_symlink("private", output.temporary());
+        EXPECT_EQ(fault_of([&] { output.move_into_place(true); }), Fault::kNameNotTaken);
+    }
+    EXPECT_EQ(content_of(target), "old");
+    EXPECT_EQ(content_of(folder_ / "private"), "private");
+    EXPECT_EQ(entries(), 3U) << "the link is not ours";
+    OutputFile output(target, ".png");
+    fs::remove(output.temporary());
+    EXPECT_EQ(fault_of([&] { output.move_into_place(true); }), Fault::kNameNotTaken);
+}
+
 TEST_F(Temporary, OutputWantsAFolder)
 {
     EXPECT_EQ(fault_of([&] { OutputFile(folder_ / "nowhere" / "a.png", ".png"); }),
