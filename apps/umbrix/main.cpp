@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "commands/command_line.h"
 #include "terminal/advice.h"
+#include "terminal/interruptible_output.h"
 #include "terminal/say.h"
 #include "terminal/standard_output.h"
 #include "toolkit/base/stop.h"
@@ -26,9 +27,13 @@ int complain(std::string const& who, Complaint const& complaint)
 int run_command(Command& command, std::string const& name)
 {
     Interrupts const interrupts;
+    InterruptibleOutput const output(interrupts);
     try {
         command.run(interrupts);
         finish_standard_output();
+        if (output.dropped()) {
+            throw Stopped{"not all that it tells was read"};
+        }
         return kDone;
     } catch (Complaint const& complaint) {
         return complain(name, complaint);

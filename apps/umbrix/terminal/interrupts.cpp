@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "terminal/interrupts.h"
 
+#include <poll.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
@@ -34,7 +35,14 @@ bool Interrupts::take() const
         arrived = true;
         signal_ = static_cast<int>(told.ssi_signo);
     }
+    taken_ = taken_ || arrived;
     return arrived;
+}
+
+bool Interrupts::asked() const
+{
+    pollfd waiting{descriptor_, POLLIN, 0};
+    return taken_ || poll(&waiting, 1, 0) > 0;
 }
 
 } // namespace umbrix_cli

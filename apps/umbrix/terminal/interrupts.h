@@ -20,12 +20,16 @@ public:
     int descriptor() const override { return descriptor_; }
     bool take() const override;
 
+    /// Whether there is a signal, or was one that has been taken.
+    bool asked() const;
+
     /// The last signal that was taken; SIGINT if there was none.
     int signal() const { return signal_; }
 
 private:
     int descriptor_;
     mutable int signal_ = SIGINT;
+    mutable bool taken_ = false;
 };
 
 } // namespace umbrix_cli

@@ -14,9 +14,10 @@
 
 namespace umbrix_cli {
 
+/// Of stdout or stderr: InterruptibleOutput makes them streams that tell no descriptor.
 inline bool is_terminal(std::FILE* stream)
 {
-    return isatty(fileno(stream)) != 0;
+    return isatty(stream == stdout ? STDOUT_FILENO : STDERR_FILENO) != 0;
 }
 
 /// @p text as @p stream takes it. On a terminal nothing in it, a name of a file above all, controls the
