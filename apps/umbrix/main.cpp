@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "commands/command_line.h"
+#include "interrupts/interruptible_output.h"
 #include "terminal/advice.h"
-#include "terminal/interruptible_output.h"
 #include "terminal/say.h"
 #include "terminal/standard_output.h"
 #include "toolkit/base/stop.h"

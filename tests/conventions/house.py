@@ -66,7 +66,7 @@ PARTS = [
     ),
     Part(
         "apps/umbrix",
-        [["terminal"], ["options"], ["options/describe"], ["commands"], ["commands/list"]],
+        [["interrupts"], ["terminal"], ["options"], ["options/describe"], ["commands"], ["commands/list"]],
         ["toolkit/*"],
         ["apps/umbrix"],
         [

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "terminal/interrupts.h"
+#include "interrupts/interrupts.h"
 
 #include <CLI/App.hpp>
 

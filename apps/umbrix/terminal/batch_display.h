@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "interrupts/interrupts.h"
 #include "terminal/batch_writer.h"
-#include "terminal/interrupts.h"
 #include "terminal/progress_display.h"
 #include "toolkit_names.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "terminal/interrupts.h"
+#include "interrupts/interrupts.h"
 #include "terminal/progress_display.h"
 #include "toolkit/workers/run_one.h"
 #include "toolkit_names.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "terminal/interrupts.h"
+#include "interrupts/interrupts.h"
 #include "terminal/say.h"
 #include "toolkit/lists/list_lock.h"
 #include "toolkit_names.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "terminal/interruptible_output.h"
+#include "interrupts/interruptible_output.h"
 
 #include <algorithm>
 #include <cerrno>

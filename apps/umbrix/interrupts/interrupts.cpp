@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "terminal/interrupts.h"
+#include "interrupts/interrupts.h"
 
 #include <poll.h>
 #include <sys/signalfd.h>
