@@ -78,6 +78,7 @@ enum class Fault {
     kNoMemory,         ///< There is not enough memory to work on a picture.
     kNoThread,         ///< A thread could not be started.
     kDecodedTooLong,   ///< Decoding took longer than it may.
+    kWorkerSilent,     ///< The worker was stopped, or told nothing for longer than its work takes.
     kDeviceBrokeDown,  ///< The worker ended while it opened a graphics device.
     kDecoderBrokeDown, ///< The worker ended while it decoded.
     kRunBrokeDown,     ///< The worker ended while it made the result.

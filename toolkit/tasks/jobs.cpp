@@ -59,4 +59,18 @@ std::string name_of_input(Job const& job)
                       job);
 }
 
+double most_texels(Job const& job)
+{
+    constexpr double kOfAnyPicture = 4294836225.0; // 65535 x 65535
+    return std::visit(Overloaded{
+                          [](auto const& each) { return each.files.max_texels; },
+                          [](InfoJob const& info) { return info.max_texels; },
+                          [](StackJob const& stack) { return stack.max_texels; },
+                          [](FitJob const& fit) { return fit.max_texels; },
+                          [](DevicesJob const&) { return 0.0; },
+                          [=](FolderJob const&) { return kOfAnyPicture; },
+                      },
+                      job);
+}
+
 } // namespace umbrixlib::toolkit

@@ -18,9 +18,12 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-using Milliseconds = std::chrono::duration<double, std::milli>;
-
 constexpr std::size_t kOutputKept = 4096;
+constexpr double kTick = 1.0; ///< Seconds between two looks at the time.
+
+/// A worker tells something several times a second but while it turns a result into a file. That takes less
+/// than this for each texel, also on a slow and busy machine.
+constexpr double kSecondsPerTexel = 1e-6;
 
 /// Appends what is there to read. False at the end of the pipe.
 bool read_some(int descriptor, std::string& text)
@@ -47,7 +50,8 @@ std::string describe_end(int status)
 } // namespace
 
 Session::Session(Job const& job, double timeout_seconds, Observer& observer, ProcessorSet const* processors)
-    : job_(pack(job)), task_(job.index()), timeout_seconds_(timeout_seconds), observer_(observer),
+    : job_(pack(job)), task_(job.index()), timeout_seconds_(timeout_seconds),
+      longest_silence_(timeout_seconds + kSecondsPerTexel * most_texels(job)), observer_(observer),
       worker_(rights_of(job), processors), input_(name_of_input(job)), file_at_work_(input_)
 {
 }
@@ -61,11 +65,8 @@ void Session::fill(pollfd* records) const
 
 int Session::poll_timeout() const
 {
-    if (!is_decoding(phase_)) {
-        return -1;
-    }
-    double const left = 1000.0 * timeout_seconds_ - Milliseconds(Clock::now() - phase_start_).count();
-    return static_cast<int>(std::min(std::max(left, 0.0) + 1.0, 1e9));
+    double const left = is_decoding(phase_) ? timeout_seconds_ - in_phase_ : kTick;
+    return static_cast<int>(1000.0 * std::clamp(left, 0.0, kTick)) + 1;
 }
 
 bool Session::advance(pollfd const* records)
@@ -82,13 +83,23 @@ bool Session::advance(pollfd const* records)
     if (records[0].revents != 0 && !read_events()) {
         return false;
     }
-    std::chrono::duration<double> const in_phase = Clock::now() - phase_start_;
-    if (is_decoding(phase_) && in_phase.count() > timeout_seconds_) {
-        failure_.emplace(took_too_long());
+    count_time();
+    if (auto const failure = took_too_long()) {
+        failure_.emplace(*failure);
         worker_.kill();
         return false;
     }
     return true;
+}
+
+/// A long step means that this process was stopped or the machine asleep, and the worker with it.
+void Session::count_time()
+{
+    Clock::time_point const now = Clock::now();
+    double const step = std::min(std::chrono::duration<double>(now - looked_).count(), 2 * kTick);
+    looked_ = now;
+    in_phase_ += step;
+    silent_ += step;
 }
 
 /// As much as the worker takes at once. What a worker that has ended does not take is of no use to anybody.
@@ -121,7 +132,7 @@ bool Session::read_events()
     auto const take = Overloaded{
         [&](PhaseEvent const& event) {
             phase_ = event.phase;
-            phase_start_ = Clock::now();
+            in_phase_ = 0;
             file_at_work_ = event.file;
             if (phase_ == Phase::kReading || phase_ == Phase::kMaking) {
                 input_ = event.file;
@@ -138,6 +149,7 @@ bool Session::read_events()
         },
         [&](Report const& report) { report_ = report; },
     };
+    silent_ = 0;
     try {
         while (auto const message = take_message(bytes_, kLongestEvent)) {
             std::visit(take, unpack_event(*message));
@@ -169,10 +181,17 @@ Report Session::finish()
     return *report_;
 }
 
-Failure Session::took_too_long() const
+std::optional<Failure> Session::took_too_long() const
 {
-    return {Fault::kDecodedTooLong, file_at_work_,
-            fmt::format("it was still being read after {} s", timeout_seconds_)};
+    if (is_decoding(phase_) && in_phase_ > timeout_seconds_) {
+        return Failure(Fault::kDecodedTooLong, file_at_work_,
+                       fmt::format("it was still being read after {} s", timeout_seconds_));
+    }
+    if (silent_ > longest_silence_ || (silent_ > timeout_seconds_ && worker_.is_stopped())) {
+        return Failure(Fault::kWorkerSilent, file_at_work_,
+                       fmt::format("its worker told nothing for {:.0f} s", silent_));
+    }
+    return std::nullopt;
 }
 
 Failure Session::broke_down(std::string const& how) const

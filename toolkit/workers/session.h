@@ -22,7 +22,9 @@ public:
     static constexpr std::size_t kDescriptors = 3;
 
     /// Starts the worker, which takes its job while it is waited for.
-    /// @param timeout_seconds Longest time for decoding a file.
+    /// @param timeout_seconds Longest time for decoding a file. After it a worker that is stopped (SIGSTOP)
+    ///                 is ended, too, and one that has told nothing for as long and the time that its work
+    ///                 allows for. Time in which this process does not run does not count.
     /// @param observer   Called while the session is waited for; outlives it.
     /// @param processors The worker's share, or null for all that this process may use.
     Session(Job const& job, double timeout_seconds, Observer& observer,
@@ -31,12 +33,11 @@ public:
     /// Writes what poll is to wait for to kDescriptors records from @p records on.
     void fill(pollfd* records) const;
 
-    /// Milliseconds until the worker has been decoding for too long, as poll takes them; -1 if it is not
-    /// decoding.
+    /// Milliseconds until advance() has to look at the time, as poll takes them.
     int poll_timeout() const;
 
-    /// Takes in what poll found. False when the worker has ended, or was ended because it decoded for too
-    /// long or did not keep to the rules: then finish() is next.
+    /// Takes in what poll found. False when the worker has ended, or was ended because it decoded or was
+    /// silent for too long, or did not keep to the rules: then finish() is next.
     bool advance(pollfd const* records);
 
     /// Tells the worker that it may end early, as Observer::stopping().
@@ -55,18 +56,22 @@ private:
     void write_job();
     bool job_is_sent() const { return sent_ == job_.size(); }
     bool read_events();
-    Failure took_too_long() const;
+    void count_time();
+    std::optional<Failure> took_too_long() const;
     Failure broke_down(std::string const& how) const;
 
     std::string job_;
     std::size_t sent_ = 0; ///< Bytes of the job.
     std::size_t task_;     ///< The place of the job's type, and so of its report's.
     double timeout_seconds_;
+    double longest_silence_; ///< Seconds; while it makes and writes the result.
     Observer& observer_;
     WorkerProcess worker_;
     bool asked_to_stop_ = false;
     Phase phase_ = Phase::kReading;
-    Clock::time_point phase_start_ = Clock::now();
+    Clock::time_point looked_ = Clock::now();
+    double in_phase_ = 0;      ///< Seconds.
+    double silent_ = 0;        ///< Seconds since the worker told anything.
     std::string input_;        ///< The last that was read or worked on.
     std::string file_at_work_; ///< The input or the output.
     bool output_open_ = true;

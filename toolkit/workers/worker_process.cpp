@@ -163,6 +163,13 @@ void WorkerProcess::end_input()
     shutdown(input_, SHUT_WR);
 }
 
+bool WorkerProcess::is_stopped() const
+{
+    siginfo_t found = {};
+    return waitid(P_PID, static_cast<id_t>(process_), &found, WSTOPPED | WNOHANG | WNOWAIT) == 0 &&
+           found.si_pid == process_;
+}
+
 void WorkerProcess::kill()
 {
     ::kill(process_, SIGKILL);

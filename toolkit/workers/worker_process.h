@@ -30,6 +30,8 @@ public:
     /// The worker finds the end of its input behind what was written.
     void end_input();
 
+    bool is_stopped() const; ///< By a signal, and not going on.
+
     void kill();
     int wait(); ///< Its status, as waitpid has it.
 

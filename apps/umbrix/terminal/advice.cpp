@@ -75,6 +75,7 @@ constexpr Advice kAdvice[] = {
     {Fault::kNoMemory, "make the picture smaller"},
     {Fault::kNoThread, "raise the limits on memory and processes (ulimit -v, ulimit -u)"},
     {Fault::kDecodedTooLong, "it is probably damaged; --timeout allows more"},
+    {Fault::kWorkerSilent, "try it by itself; --timeout allows more"},
     {Fault::kDeviceBrokeDown, "update it, or leave --gpu out; -v shows more"},
     {Fault::kDecoderBrokeDown, "the file is damaged; save it again in a program that opens it"},
     {Fault::kRunBrokeDown, "a picture that is too large for the memory can be the reason; -v shows more"},

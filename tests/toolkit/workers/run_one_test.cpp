@@ -6,8 +6,11 @@
 #include "toolkit/base/failure.h"
 
 #include <chrono>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 #include <utility>
 
 namespace umbrixlib::toolkit {
@@ -115,6 +118,54 @@ TEST(RunWalk, ThrowsWhatTheWorkerTells)
     } catch (Failure const& failure) {
         EXPECT_STREQ(failure.what(), "badly");
     }
+}
+
+/// How a stand-in ends that does @p acts and may be silent for @p timeout_seconds.
+Fault fault_of(std::string const& acts, double timeout_seconds)
+{
+    Listener listener;
+    try {
+        run_one(job_to_act(acts), listener, NeverStop(), timeout_seconds);
+    } catch (Failure const& failure) {
+        return failure.fault;
+    }
+    return Fault::kUnexpected;
+}
+
+TEST(RunOne, EndsAWorkerThatIsSilentForTooLong)
+{
+    EXPECT_EQ(fault_of("wait 30000", 0.5), Fault::kDecodedTooLong);
+    EXPECT_EQ(fault_of("phase 1 wait 30000", 0.5), Fault::kWorkerSilent);
+    EXPECT_EQ(fault_of("phase 2 wait 30000", 0.5), Fault::kWorkerSilent);
+    EXPECT_EQ(fault_of("phase 1 wait 2000 note a wait 2000 note a wait 2000", 5), Fault::kUnexpected);
+}
+
+TEST(RunOne, EndsAWorkerThatIsStopped)
+{
+    MapJob job = job_to_act("phase 1 raise 19 wait 1");
+    job.files.max_texels = 1e12; // so that its work allows for any silence
+    Listener listener;
+    try {
+        run_one(job, listener, NeverStop(), 0.5);
+        FAIL();
+    } catch (Failure const& failure) {
+        EXPECT_EQ(failure.fault, Fault::kWorkerSilent);
+    }
+}
+
+TEST(RunOne, DoesNotCountTheTimeInWhichItIsStoppedItself)
+{
+    pid_t const runner = fork();
+    if (runner == 0) {
+        _exit(fault_of("phase 1 wait 6500", 4) == Fault::kUnexpected ? 0 : 1);
+    }
+    std::this_thread::sleep_for(500ms);
+    kill(runner, SIGSTOP);
+    std::this_thread::sleep_for(6s);
+    kill(runner, SIGCONT);
+    int end = 1;
+    ASSERT_EQ(waitpid(runner, &end, 0), runner);
+    EXPECT_EQ(end, 0);
 }
 
 TEST(RunWalk, IsAskedToEndAtTheFirstWishToStop)
