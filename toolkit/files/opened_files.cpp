@@ -7,6 +7,7 @@
 #include <string>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
 namespace umbrixlib::toolkit {
 
@@ -29,7 +30,16 @@ int open_now(std::string const& file, OpenFor purpose)
     constexpr mode_t kForAll = 0666; // less the mask
     return purpose == OpenFor::kReading
                ? open(file.c_str(), O_RDONLY | O_CLOEXEC)
-               : open(file.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kForAll);
+               : open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kForAll);
+}
+
+/// Whether an open file is an empty one of one name, as a temporary file is. Somebody else may have put
+/// another name of a file of the user in its place.
+bool is_fresh(int descriptor)
+{
+    struct stat status = {};
+    return status_of(descriptor, status) && S_ISREG(status.st_mode) && status.st_nlink == 1 &&
+           status.st_size == 0;
 }
 
 /// Another descriptor of an open file, which goes to its first byte.
@@ -50,6 +60,10 @@ bool open_ahead(std::filesystem::path const& file, OpenFor purpose)
     if (is_new) {
         opened.descriptor = open_now(file.string(), purpose);
         opened.error = opened.descriptor < 0 ? errno : 0;
+        if (opened.descriptor >= 0 && purpose == OpenFor::kWriting && !is_fresh(opened.descriptor)) {
+            close(std::exchange(opened.descriptor, -1));
+            opened.error = EEXIST;
+        }
     }
     return opened.error != EMFILE && opened.error != ENFILE;
 }
@@ -58,7 +72,12 @@ int open_file(std::filesystem::path const& file, OpenFor purpose)
 {
     auto const place = opened_files().find(file.string());
     if (place == opened_files().end()) {
-        return open_now(file.string(), purpose);
+        int const descriptor = open_now(file.string(), purpose);
+        if (descriptor >= 0 && purpose == OpenFor::kWriting && ftruncate(descriptor, 0) != 0) {
+            close(descriptor);
+            return -1;
+        }
+        return descriptor;
     }
     if (place->second.descriptor < 0) {
         errno = place->second.error;

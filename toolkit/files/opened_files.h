@@ -10,7 +10,8 @@ enum class OpenFor { kReading, kWriting };
 
 /// Opens @p file now, for the calls of open_file() that ask for its name later: a process that has given up
 /// the right to open files works on these. If that fails, open_file() fails with the same errno. A file to be
-/// written may be read back. Not for several threads at a time.
+/// written has to be empty and to have no other name, may be read back, and is made if it is not there. Not
+/// for several threads at a time.
 /// @return False if the system has no room for another open file.
 bool open_ahead(std::filesystem::path const& file, OpenFor purpose);
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 
 namespace umbrixlib::toolkit {
 
@@ -59,18 +60,34 @@ std::string name_of_input(Job const& job)
                       job);
 }
 
-double most_texels(Job const& job)
+Pictures pictures_of(Job const& job)
 {
-    constexpr double kOfAnyPicture = 4294836225.0; // 65535 x 65535
-    return std::visit(Overloaded{
-                          [](auto const& each) { return each.files.max_texels; },
-                          [](InfoJob const& info) { return info.max_texels; },
-                          [](StackJob const& stack) { return stack.max_texels; },
-                          [](FitJob const& fit) { return fit.max_texels; },
-                          [](DevicesJob const&) { return 0.0; },
-                          [=](FolderJob const&) { return kOfAnyPicture; },
-                      },
-                      job);
+    constexpr double kNoBound = std::numeric_limits<double>::infinity();
+    return std::visit(
+        Overloaded{
+            [](auto const& each) {
+                return Pictures{1, each.files.max_texels};
+            },
+            [](ListJob const& list) {
+                return Pictures{1 + static_cast<double>(list.layers.size()), list.files.max_texels};
+            },
+            [](InfoJob const& info) {
+                return Pictures{1, info.max_texels};
+            },
+            [](FitJob const& fit) {
+                return Pictures{2, fit.max_texels};
+            },
+            [](StackJob const& stack) {
+                return Pictures{static_cast<double>(stack.description.layers.size()), stack.max_texels};
+            },
+            [](DevicesJob const&) {
+                return Pictures{0, 0};
+            },
+            [](FolderJob const&) {
+                return Pictures{kNoBound, kNoBound};
+            },
+        },
+        job);
 }
 
 } // namespace umbrixlib::toolkit

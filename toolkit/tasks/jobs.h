@@ -180,7 +180,11 @@ NamedFiles files_of(Job const& job);
 /// What messages call that which a job works on first.
 std::string name_of_input(Job const& job);
 
-/// The largest picture that a job works on; 0 if it works on none.
-double most_texels(Job const& job);
+/// How many pictures a job reads, and how large each may be; infinity if nothing bounds them.
+struct Pictures {
+    double count;
+    double texels;
+};
+Pictures pictures_of(Job const& job);
 
 } // namespace umbrixlib::toolkit

@@ -51,7 +51,7 @@ std::string describe_end(int status)
 
 Session::Session(Job const& job, double timeout_seconds, Observer& observer, ProcessorSet const* processors)
     : job_(pack(job)), task_(job.index()), timeout_seconds_(timeout_seconds),
-      longest_silence_(timeout_seconds + kSecondsPerTexel * most_texels(job)), observer_(observer),
+      longest_silence_(timeout_seconds + kSecondsPerTexel * pictures_of(job).texels), observer_(observer),
       worker_(rights_of(job), processors), input_(name_of_input(job)), file_at_work_(input_)
 {
 }

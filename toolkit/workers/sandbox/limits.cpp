@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/workers/sandbox/limits_internal.h"
 
-#include "toolkit/base/overloaded.h"
-
 #include <algorithm>
 #include <limits>
 #include <sys/resource.h>
@@ -22,41 +20,6 @@ constexpr double kFileOfWalk = 64 * kGibibyte; ///< Its pictures may be of any s
 constexpr double kFileOfDriver = kGibibyte;    ///< Of what it compiles.
 constexpr double kSecondsPerProcessor = 86400;
 constexpr double kNone = std::numeric_limits<double>::infinity();
-
-/// How many pictures a job reads, and how large each may be.
-struct Pictures {
-    double count;
-    double texels;
-};
-
-Pictures pictures_of(Job const& job)
-{
-    return std::visit(
-        Overloaded{
-            [](auto const& each) {
-                return Pictures{1, each.files.max_texels};
-            },
-            [](ListJob const& list) {
-                return Pictures{1 + static_cast<double>(list.layers.size()), list.files.max_texels};
-            },
-            [](InfoJob const& info) {
-                return Pictures{1, info.max_texels};
-            },
-            [](FitJob const& fit) {
-                return Pictures{2, fit.max_texels};
-            },
-            [](StackJob const& stack) {
-                return Pictures{static_cast<double>(stack.description.layers.size()), stack.max_texels};
-            },
-            [](DevicesJob const&) {
-                return Pictures{0, 0};
-            },
-            [](FolderJob const&) {
-                return Pictures{kNone, kNone};
-            },
-        },
-        job);
-}
 
 void lower(rlim_t& limit, double most)
 {
