@@ -21,6 +21,7 @@ enum class Fault {
     kFolderTakesNoFile, ///< The folder of an output takes no new file.
     kOutputExists,      ///< An output exists, and is not to be replaced.
     kOutputAppeared,    ///< The same, but it has come to be since the work began.
+    kNameTooLong,       ///< The folder of an output takes no name so long.
     kNameNotTaken,      ///< A finished file cannot take its name.
     kNotWritten,        ///< Not all of a file could be written.
 

@@ -28,9 +28,8 @@ void check_name_length(fs::path const& folder, fs::path const& output)
     long const longest = pathconf(folder.c_str(), _PC_NAME_MAX);
     std::size_t const size = output.filename().native().size();
     if (longest > 0 && size > static_cast<std::size_t>(longest)) {
-        throw Failure(Fault::kNameNotTaken, output.string(),
-                      fmt::format("its name has {} bytes, and its folder takes {}", size, longest),
-                      "give a shorter one");
+        throw Failure(Fault::kNameTooLong, output.string(),
+                      fmt::format("its name has {} bytes, and its folder takes {}", size, longest));
     }
 }
 

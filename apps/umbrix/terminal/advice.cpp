@@ -24,6 +24,7 @@ constexpr Advice kAdvice[] = {
     {Fault::kFolderTakesNoFile, "choose another folder"},
     {Fault::kOutputExists, "add --overwrite to replace it, or give another name"},
     {Fault::kOutputAppeared, "add --overwrite to replace it"},
+    {Fault::kNameTooLong, "give a shorter one"},
     {Fault::kNameNotTaken, "check the folder"},
     {Fault::kNotWritten, kMoreSpace},
 

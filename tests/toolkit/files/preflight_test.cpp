@@ -105,9 +105,8 @@ TEST_F(Preflight, OutputsHaveNamesThatTheFolderTakes)
     EXPECT_EQ(output(Fault::kUnexpected, fits.c_str(), false), "fine");
     std::string const too_long = fits + "n";
     for (bool const overwrite : {false, true}) {
-        EXPECT_EQ(output(Fault::kNameNotTaken, too_long.c_str(), overwrite),
-                  fmt::format("its name has {} bytes, and its folder takes {}; give a shorter one",
-                              longest + 1, longest));
+        EXPECT_EQ(output(Fault::kNameTooLong, too_long.c_str(), overwrite),
+                  fmt::format("its name has {} bytes, and its folder takes {}", longest + 1, longest));
     }
 }
 
