@@ -123,9 +123,11 @@ TEST(RunWalk, ThrowsWhatTheWorkerTells)
 /// How a stand-in ends that does @p acts and may be silent for @p timeout_seconds.
 Fault fault_of(std::string const& acts, double timeout_seconds)
 {
+    MapJob job = job_to_act(acts);
+    job.files.max_texels = 0;
     Listener listener;
     try {
-        run_one(job_to_act(acts), listener, NeverStop(), timeout_seconds);
+        run_one(job, listener, NeverStop(), timeout_seconds);
     } catch (Failure const& failure) {
         return failure.fault;
     }
@@ -142,11 +144,9 @@ TEST(RunOne, EndsAWorkerThatIsSilentForTooLong)
 
 TEST(RunOne, EndsAWorkerThatIsStopped)
 {
-    MapJob job = job_to_act("phase 1 raise 19 wait 1");
-    job.files.max_texels = 1e12; // so that its work allows for any silence
     Listener listener;
     try {
-        run_one(job, listener, NeverStop(), 0.5);
+        run_one(job_to_act("phase 1 raise 19 wait 1"), listener, NeverStop(), 0.5);
         FAIL();
     } catch (Failure const& failure) {
         EXPECT_EQ(failure.fault, Fault::kWorkerSilent);
