@@ -36,7 +36,7 @@ void check(StackFile const& file)
         demand(!layer.file.empty(), "a layer has a file");
     }
     for (std::string const& note : file.notes) {
-        demand_one_line(note + "\n");
+        demand_one_line(note);
     }
     // What a worker is told is all of it.
     StackJob job;
