@@ -11,7 +11,7 @@
 namespace umbrixlib::toolkit {
 
 /// Has a worker do a job, and returns its report. A Failure if the worker told one, crashed, ended without a
-/// word, or took more than @p timeout_seconds to decode a file; Stopped as soon as there is a wish to stop.
+/// word, or took longer than @p timeout_seconds lets a Session; Stopped as soon as there is a wish to stop.
 Report run_job(Job const& job, Observer& observer, Stop const& stop, double timeout_seconds = 60);
 
 /// The same with the report of the job's own type.

@@ -13,8 +13,7 @@ void declare_results_form(CLI::App& command, ResultsForm& form)
     auto* const names = command.add_flag_callback(
         "--print0", [&form] { form = ResultsForm::kNames; },
         "Write the names of each input and its output alone, each with a zero byte behind it, as the output "
-        "is "
-        "there; with --dry-run what would be made");
+        "is there; with --dry-run what would be made");
     json->excludes(names)->group(kRunGroup);
     names->group(kRunGroup);
 }
