@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs the Debian packages that are missing. Usage: scripts/install_packages.sh [tests|fuzz|tidy|bench|docs|arm]...
-# Without an argument: what the libraries and the command line need. With "tests", "fuzz", "tidy", "bench" and "arm": what
-# these need besides. With "docs" alone: what the site of the documents needs, and nothing else.
+# Installs the Debian packages that are missing. Usage: scripts/install_packages.sh [GROUP]...
+# Without an argument: what the libraries and the command line need. With "docs" alone: what the site of the documents
+# needs, and nothing else. With tests, coverage, mutate, fuzz, tidy, bench or arm: what these need besides.
 set -euo pipefail
 
 build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libpng-dev libtiff-dev libopenexr-dev libjpeg-dev
@@ -11,6 +11,8 @@ build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libpng-dev lib
 docs_packages="doxygen"
 test_packages="libgtest-dev libgmock-dev python3 pocl-opencl-icd ocl-icd-libopencl1 oclgrind dpkg-dev file binutils
     g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel clang-format-14 $docs_packages"
+coverage_packages="gcovr"
+mutate_packages="ninja-build"
 fuzz_packages="clang libclang-rt-14-dev libomp-14-dev"
 tidy_packages="clang clang-tidy-14 libomp-14-dev python3"
 arm_packages="g++-aarch64-linux-gnu qemu-user debootstrap"
@@ -21,6 +23,8 @@ packages=$build_packages
 for group in "$@"; do
     case $group in
         tests) packages="$packages $test_packages" ;;
+        coverage) packages="$packages $coverage_packages" ;;
+        mutate) packages="$packages $mutate_packages" ;;
         fuzz) packages="$packages $fuzz_packages" ;;
         tidy) packages="$packages $tidy_packages" ;;
         arm) packages="$packages $arm_packages" ;;
