@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/settings/toml_depth.h"
 
+#include "toolkit/base/failure.h"
 #include "toolkit/settings/preset.h"
 
 #include <fstream>
