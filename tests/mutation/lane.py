@@ -17,8 +17,15 @@ TEST_LIMIT = 150
 
 # What reads sources or documents instead of running code, or builds everything anew.
 NEVER = r"^(Conventions|Package|Cluster|Docs\.(Links|Site|Checks))\b"
-# Slow tests that show more of behaviour than of machines.
-SLOW = r"^(BatchStop|FitCommand|DamagedPictures|Docs\.Commands.*|.*GoldenPictures|HostileFiles|MakeMapParity|.*MakeMapControl|OpenedFiles|VanishingFiles|TwoAtOnce|FullDisk)$"
+# Whose tests see a change: the folders of tests that use the part of the tree, and slow tests of results besides.
+SEEN_BY = {
+    "toolkit": (("toolkit", "pictures", "cli"), r"^(DamagedPictures|HostileFiles|BatchStop|OpenedFiles|VanishingFiles)$"),
+    "src": (("boundary", "engine", "filters", "foundation", "layers", "normals", "umbrix", "worklist", "velloric", "toolkit/tasks"),
+            r"^(MakeMapParity|.*MakeMapControl)$"),
+}  # fmt: skip
+SEEN_BY["velloric"] = SEEN_BY["src"]
+# Tests of whole results that take seconds.
+RESULTS = r"^.*GoldenPictures$"
 
 
 class Lane:
@@ -58,17 +65,21 @@ class Lane:
                 self.tests.append((test["name"], folder, "fast" in labels))
 
     def rounds(self, file: str) -> list[list[str]]:
-        """The tests to try in turn: those of the file's folder, the other fast ones, the slow ones."""
-        folder = Path("tests") / Path(file).parent.relative_to("src" if file.startswith("src/") else ".")
-        if file.startswith("velloric/src/"):
+        """The tests to try in turn: those of the file's folder, whole results, the other fast ones, the slow ones."""
+        part = file.split("/")[0]
+        folder = Path("tests") / Path(file).parent.relative_to("src" if part == "src" else ".")
+        if part == "velloric":
             folder = Path("tests/velloric")
         near: list[str] = []
         while not near and folder != Path("tests"):
             near = [name for name, at, fast in self.tests if fast and Path(at).is_relative_to(folder)]
             folder = folder.parent
-        others = [name for name, _, fast in self.tests if fast and name not in near]
-        slow = [name for name, _, fast in self.tests if not fast and re.match(SLOW, name)]
-        return [names for names in (near, others, slow) if names]
+        folders, slow = SEEN_BY[part]
+        others = [name for name, at, fast in self.tests
+                  if fast and name not in near and any(Path(at).is_relative_to(f"tests/{each}") for each in folders)]  # fmt: skip
+        results = [name for name, _, _ in self.tests if re.match(RESULTS, name)]
+        last = [name for name, _, fast in self.tests if not fast and re.match(slow, name)]
+        return [names for names in (near, results, others, last) if names]
 
     def attempt(self, file: str, change: Change) -> str:
         """Makes the change and undoes it. Returns "killed by TEST", "survived" or "no program: WHY"."""
@@ -87,17 +98,18 @@ class Lane:
         finally:
             path.write_text(text)
 
-    def failing(self, names: list[str]) -> str:
+    def failing(self, names: list[str], jobs: int = 1) -> str:
         """The first of these tests that fails twice, or that runs out of time; empty if none does."""
-        failed = self._run(names)
+        failed = self._run(names, jobs)
         if failed and not failed.endswith(" (endless)") and not self._run([failed]):
-            return self.failing([name for name in names if name != failed])  # a busy machine, not the change
+            return self.failing([name for name in names if name != failed], jobs)  # a busy machine, not the change
         return failed
 
-    def _run(self, names: list[str]) -> str:
+    def _run(self, names: list[str], jobs: int = 1) -> str:
         chosen = "^(" + "|".join(_escaped(name) for name in names) + ")$"
-        command = ["ctest", "--test-dir", self.build, "-R", chosen, "--stop-on-failure", "--timeout", str(TEST_LIMIT)]
-        environment = os.environ | {"TMPDIR": str(self.temporary), "UMBRIX_TEST_SHARE": "8"}
+        command = ["ctest", "--test-dir", self.build, "-R", chosen, "--stop-on-failure",
+                   "--timeout", str(TEST_LIMIT), "--parallel", str(jobs)]  # fmt: skip
+        environment = os.environ | {"TMPDIR": str(self.temporary), "UMBRIX_TEST_SHARE": "4"}
         with subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, env=environment,
                               start_new_session=True) as run:  # fmt: skip
             output = run.communicate()[0]

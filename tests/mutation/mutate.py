@@ -5,6 +5,7 @@ import random
 import subprocess
 import sys
 import threading
+import time
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -96,15 +97,18 @@ def main(wanted: int, lanes: int) -> int:
                 return 2
             lane.learn()
         order = list(drawn(all_mutants(made[0].source), revision))
-        for names in made[0].rounds("toolkit/CMakeLists.txt") if not trials.results else []:
-            if failed := made[0].failing(names):
+        parts = [f"{name}/CMakeLists.txt" for name in FOLDERS] if not trials.results else []
+        for names in [names for part in parts for names in made[0].rounds(part)]:
+            if failed := made[0].failing(names, lanes):
                 print(f"{failed} fails before anything is changed.", file=sys.stderr)
                 return 2
 
         def work(lane: Lane) -> None:
             while (number := trials.next()) is not None:
                 mutant = order[number]
+                start = time.monotonic()
                 trials.note(number, mutant, lane.attempt(mutant.file, mutant.change))
+                print(f"    {time.monotonic() - start:.0f} s", flush=True)
 
         threads = [threading.Thread(target=work, args=(lane,)) for lane in made]
         for thread in threads:
