@@ -33,7 +33,7 @@ TEST(PictureSamples, TheMeanOfAnyThreeBytesIsTheRoundedQuotient)
 {
     double of_byte[256];
     for (int byte = 0; byte < 256; ++byte) {
-        of_byte[byte] = quotient(static_cast<unsigned char>(byte));
+        of_byte[byte] = static_cast<double>(quotient(static_cast<unsigned char>(byte)));
     }
     int different = 0;
     for (int bytes = 0; bytes < 1 << 24; ++bytes) {
@@ -121,8 +121,8 @@ TEST(PictureSamples, AreReadByTypeAndChannel)
     expect_texels<std::uint16_t>(
         SampleType::kHalf, {0x0000, 0x3c00, 0x3800, 0xbc00, 0x3555, 0x0001, 0x7bff, 0x4000},
         {0, 1, 0.5, -1, half_by_definition(0x3555), half_by_definition(1), 65504, 2});
-    expect_texels<float>(SampleType::kFloat, {0.1f, -2.0f, 0.3f, 1e-30f, 7.0f, 0.5f, 1e20f, 0.25f},
-                         {0.1f, -2.0, 0.3f, 1e-30f, 7.0, 0.5, 1e20f, 0.25});
+    std::vector<float> const floats{0.1f, -2.0f, 0.3f, 1e-30f, 7.0f, 0.5f, 1e20f, 0.25f};
+    expect_texels<float>(SampleType::kFloat, floats, std::vector<double>(floats.begin(), floats.end()));
 }
 
 } // namespace

@@ -99,6 +99,16 @@ inline void turn_chunks(Bytes& file)
     file = turned;
 }
 
+inline exr_attr_box2i_t box(int left, int top, int right, int bottom)
+{
+    exr_attr_box2i_t corners{};
+    corners.min.x = left;
+    corners.min.y = top;
+    corners.max.x = right;
+    corners.max.y = bottom;
+    return corners;
+}
+
 } // namespace exr_detail
 
 inline Bytes exr_file(ExrKind const& kind, ExrNumbers const& numbers)
@@ -114,10 +124,9 @@ inline Bytes exr_file(ExrKind const& kind, ExrNumbers const& numbers)
     check(exr_start_write(&file, "made", EXR_WRITE_FILE_DIRECTLY, &start));
     int part = 0;
     check(exr_add_part(file, "made", kind.tile > 0 ? EXR_STORAGE_TILED : EXR_STORAGE_SCANLINE, &part));
-    exr_attr_box2i_t const data{{{kind.left, kind.top}},
-                                {{kind.left + kind.width - 1, kind.top + kind.height - 1}}};
-    exr_attr_box2i_t const shown =
-        kind.shown == 0 ? data : exr_attr_box2i_t{{{0, 0}}, {{kind.shown, kind.shown}}};
+    exr_attr_box2i_t const data =
+        box(kind.left, kind.top, kind.left + kind.width - 1, kind.top + kind.height - 1);
+    exr_attr_box2i_t const shown = kind.shown == 0 ? data : box(0, 0, kind.shown, kind.shown);
     exr_attr_v2f_t const centre{};
     check(exr_initialize_required_attr(
         file, part, &shown, &data, 1.0f, &centre, 1.0f,

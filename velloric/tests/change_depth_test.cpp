@@ -32,8 +32,8 @@ TEST(ChangeDepth, OneStepSquaresAndOneStepBackTakesTheRoot)
 /// The formula in more bits than double has, rounded once.
 float expected(float height, float depth, float n_scale)
 {
-    long double const scale = n_scale;
-    long double const u = height / scale;
+    auto const scale = static_cast<long double>(n_scale);
+    long double const u = static_cast<long double>(height) / scale;
     long double const power = std::pow(std::fabs(u), std::exp2(static_cast<long double>(depth)));
     return static_cast<float>(scale * std::copysign(power, u));
 }

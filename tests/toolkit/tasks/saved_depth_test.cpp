@@ -43,8 +43,9 @@ protected:
                 auto const height = [&](int dx, int dy) {
                     return height_at((x + dx + kSide) % kSide, (y + dy + kSide) % kSide);
                 };
-                double const expected[] = {(height(-1, 0) - height(1, 0)) * double{kStrength},
-                                           (height(0, 1) - height(0, -1)) * double{kStrength}, 1.0};
+                double const expected[] = {(height(-1, 0) - height(1, 0)) * static_cast<double>(kStrength),
+                                           (height(0, 1) - height(0, -1)) * static_cast<double>(kStrength),
+                                           1.0};
                 double const length = std::hypot(expected[0], expected[1], expected[2]);
                 // The first row in memory is the bottom one, and y of a file counts from the top.
                 auto const at = static_cast<std::size_t>((kSide - 1 - y) * kSide + x) * 3;

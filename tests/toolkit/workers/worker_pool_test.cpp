@@ -170,7 +170,7 @@ TEST_F(WorkerPool, KeepsWhatATerminalSendsFromWorkers)
 TEST_F(WorkerPool, GoesOnAfterPiecesThatDoNotBegin)
 {
     Director director({"note a", "", "note b", "note c", "note d"});
-    director.on_open = [this](std::size_t index) {
+    director.on_open = [](std::size_t index) {
         if (index == 2) {
             throw Failure(Fault::kMissingFile, "b", "it is not there");
         }
