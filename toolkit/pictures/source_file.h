@@ -10,6 +10,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace umbrixlib::toolkit {
@@ -39,6 +40,13 @@ public:
 
     /// What the file begins with, at most 32 bytes; reading still begins at the first of them.
     std::span<std::uint8_t const> head() const { return {head_.data(), head_size_}; }
+
+    /// Whether these bytes are in the file behind the first @p at, all among the first 32.
+    bool begins_with(std::string_view bytes, std::size_t at = 0) const
+    {
+        std::string_view const known(reinterpret_cast<char const*>(head_.data()), head_size_);
+        return known.size() >= at && known.substr(at).starts_with(bytes);
+    }
 
     /// Fills @p bytes. A Failure if the file ends before.
     void read(std::span<std::uint8_t> bytes);

@@ -4,13 +4,13 @@
 #include "toolkit/base/failure.h"
 #include "toolkit/base/suggestion.h"
 #include "toolkit/base/utf8.h"
+#include "toolkit/base/whole.h"
 #include "toolkit/files/preflight.h"
 #include "toolkit/settings/preset_texts.h"
 #include "toolkit/settings/setting_table.h"
 #include "toolkit/settings/toml_reading_internal.h"
 
 #include <algorithm>
-#include <cmath>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 #include <type_traits>
@@ -42,7 +42,7 @@ public:
     void operator()(int Settings::*field) const
     {
         double const value = number();
-        if (value != std::floor(value)) {
+        if (!is_whole(value)) {
             entry_.refuse(fmt::format("{} is not a whole number", value),
                           fmt::format("give {} to {}", row_.minimum, row_.maximum));
         }

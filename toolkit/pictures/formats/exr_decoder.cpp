@@ -257,11 +257,7 @@ private:
 
 class ExrDecoder : public Decoder {
 public:
-    bool takes(SourceFile const& source) const override
-    {
-        auto const head = source.head();
-        return head.size() >= 8 && head[0] == 0x76 && head[1] == 0x2f && head[2] == 0x31 && head[3] == 0x01;
-    }
+    bool takes(SourceFile const& source) const override { return source.begins_with("\x76\x2f\x31\x01"); }
 
     DecodedFile decode(SourceFile& source) const override { return ExrReader(source).decode(); }
 };

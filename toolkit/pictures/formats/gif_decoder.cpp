@@ -2,7 +2,6 @@
 #include "toolkit/pictures/decoder.h"
 
 #include <algorithm>
-#include <cstring>
 #include <gif_lib.h>
 
 namespace umbrixlib::toolkit {
@@ -140,9 +139,7 @@ class GifDecoder : public Decoder {
 public:
     bool takes(SourceFile const& source) const override
     {
-        auto const head = source.head();
-        return head.size() >= 6 &&
-               (std::memcmp(head.data(), "GIF87a", 6) == 0 || std::memcmp(head.data(), "GIF89a", 6) == 0);
+        return source.begins_with("GIF87a") || source.begins_with("GIF89a");
     }
 
     DecodedFile decode(SourceFile& source) const override { return GifReader(source).decode(); }

@@ -229,11 +229,7 @@ private:
 
 class JpegDecoder : public Decoder {
 public:
-    bool takes(SourceFile const& source) const override
-    {
-        auto const head = source.head();
-        return head.size() >= 4 && head[0] == 0xff && head[1] == 0xd8 && head[2] == 0xff;
-    }
+    bool takes(SourceFile const& source) const override { return source.begins_with("\xff\xd8\xff"); }
 
     DecodedFile decode(SourceFile& source) const override { return JpegReader(source).decode(); }
 };

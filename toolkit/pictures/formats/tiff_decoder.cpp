@@ -5,7 +5,6 @@
 #include "toolkit/pictures/formats/tiff_form.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <string_view>
 
@@ -75,11 +74,11 @@ private:
             block_height = std::min(block_height, form_.height);
         }
         unsigned const in_block = form_.planar ? 1 : form_.samples_per_texel;
-        double const row_bits = static_cast<double>(block_width) * in_block * form_.samples.bits;
-        double const block_bytes = std::ceil(row_bits / 8) * block_height;
+        auto const row_bytes =
+            static_cast<std::size_t>(bytes_of_row(block_width, in_block, form_.samples.bits));
+        double const block_bytes = static_cast<double>(row_bytes) * block_height;
         file_.check(block_width > 0 && block_height > 0 &&
                     block_bytes <= static_cast<double>(picture.bytes.size()) * 16 + kMostBlock);
-        auto const row_bytes = static_cast<std::size_t>(std::ceil(row_bits / 8));
         auto const told = tiled ? TIFFTileRowSize(file_.get()) : TIFFScanlineSize(file_.get());
         file_.check(static_cast<std::size_t>(told) == row_bytes);
         std::vector<std::uint8_t> block(row_bytes * block_height);
@@ -137,12 +136,12 @@ private:
         // libtiff turns the bits of each byte over where the highest one is first.
         bool const turned = file_.defaulted(TIFFTAG_FILLORDER) == FILLORDER_MSB2LSB;
         auto const* const bits = TIFFGetBitRevTable(turned ? 1 : 0);
-        auto const byte = [&](std::size_t at) { return static_cast<double>(bits[header[at]]); };
+        auto const byte = [&](std::size_t at) { return std::uint64_t{bits[header[at]]}; };
         auto const word = [&](std::size_t at) {
-            return ((byte(at) * 256 + byte(at + 1)) * 256 + byte(at + 2)) * 256 + byte(at + 3);
+            return byte(at) << 24 | byte(at + 1) << 16 | byte(at + 2) << 8 | byte(at + 3);
         };
-        file_.check(byte(kPlanesAt) == 1 &&
-                    std::ceil(word(kWidthAt) / 8) * word(kHeightAt) <= static_cast<double>(bytes));
+        std::uint64_t const row = bytes_of_row(word(kWidthAt), 1, 1);
+        file_.check(byte(kPlanesAt) == 1 && row * word(kHeightAt) <= static_cast<std::uint64_t>(bytes));
     }
 
     /// Puts a row of a block into the picture, from texel @p at on. @p row has room for its samples.
@@ -196,12 +195,9 @@ class TiffDecoder : public Decoder {
 public:
     bool takes(SourceFile const& source) const override
     {
-        if (source.head().size() < 8) {
-            return false;
-        }
-        std::string_view const start(reinterpret_cast<char const*>(source.head().data()), 4);
         using namespace std::string_view_literals; // 42 is TIFF, 43 the one with offsets of 64 bits
-        return start == "II*\0"sv || start == "MM\0*"sv || start == "II+\0"sv || start == "MM\0+"sv;
+        return source.begins_with("II*\0"sv) || source.begins_with("MM\0*"sv) ||
+               source.begins_with("II+\0"sv) || source.begins_with("MM\0+"sv);
     }
 
     DecodedFile decode(SourceFile& source) const override { return TiffReader(source).decode(); }

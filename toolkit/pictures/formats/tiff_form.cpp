@@ -2,7 +2,6 @@
 #include "toolkit/pictures/formats/tiff_form.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <fmt/format.h>
 #include <limits>
@@ -119,9 +118,8 @@ private:
         }
         choose_numbers();
         choose_channels();
-        double const row =
-            std::ceil(static_cast<double>(form_.width) * form_.samples_per_texel * form_.samples.bits / 8);
-        source_.check_length(row * form_.height / most_packing(form_.compression));
+        std::uint64_t const row = bytes_of_row(form_.width, form_.samples_per_texel, form_.samples.bits);
+        source_.check_length(static_cast<double>(row) * form_.height / most_packing(form_.compression));
     }
 
     /// libtiff makes floats of them.

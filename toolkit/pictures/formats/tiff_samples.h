@@ -21,6 +21,12 @@ struct TiffSamples {
     SampleType type() const;
 };
 
+/// Rows begin at a byte of their own.
+constexpr std::uint64_t bytes_of_row(std::uint64_t texels, std::uint64_t samples, std::uint64_t bits)
+{
+    return (texels * samples * bits + 7) / 8;
+}
+
 /// Makes samples of type() of one row.
 ///
 /// @param row   Bits packed from the high end; numbers of 16, 24, 32 and 64 bits in the machine's order.

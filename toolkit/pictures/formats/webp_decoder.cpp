@@ -135,9 +135,7 @@ class WebpDecoder : public Decoder {
 public:
     bool takes(SourceFile const& source) const override
     {
-        auto const head = source.head();
-        return head.size() >= 12 && std::memcmp(head.data(), "RIFF", 4) == 0 &&
-               std::memcmp(head.data() + 8, "WEBP", 4) == 0;
+        return source.begins_with("RIFF") && source.begins_with("WEBP", 8);
     }
 
     DecodedFile decode(SourceFile& source) const override { return WebpReader(source).decode(); }

@@ -74,6 +74,10 @@ TEST_F(Fits, ThatIsDamagedOrNoPictureIsRefused)
               "it is a FITS file without a simple picture");
     EXPECT_EQ(complaint(start(8, {}).zeros(64), "x.fits"), "it is a FITS file without a simple picture");
     EXPECT_NE(complaint(start(9, {1, 1}).zeros(64), "x.fits").find("damaged"), std::string::npos);
+    for (char const* const side : {"NAXIS1", "NAXIS2"}) {
+        EXPECT_NE(complaint(start(8, {2, 2}, {{side, "1.5"}}).zeros(64), "x.fits").find("damaged"),
+                  std::string::npos);
+    }
     EXPECT_NE(complaint(start(8, {60000, 60000}).zeros(64), "x.fits", 1e10).find("damaged"),
               std::string::npos);
 }

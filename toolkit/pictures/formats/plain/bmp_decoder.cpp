@@ -10,7 +10,7 @@ class BmpDecoder : public Decoder {
 public:
     bool takes(SourceFile const& source) const override
     {
-        return begins_with(source, "BM") || is_array(source) || is_bare(source);
+        return source.begins_with("BM") || is_array(source) || is_bare(source);
     }
 
     DecodedFile decode(SourceFile& source) const override
@@ -32,15 +32,14 @@ private:
     /// "BA", its size, and the first picture behind 14 bytes.
     static bool is_array(SourceFile const& source)
     {
-        return begins_with(source, "BA") && begins_with(source, "BM", 14);
+        return source.begins_with("BA") && source.begins_with("BM", 14);
     }
 
     /// As it lies in memory: without the header of a file, which a name has to tell.
     static bool is_bare(SourceFile const& source)
     {
         using namespace std::string_view_literals;
-        return begins_with(source, "\x28\0\0\0"sv) &&
-               lower_case(source.path().extension().string()) == ".dib";
+        return source.begins_with("\x28\0\0\0"sv) && lower_case(source.path().extension().string()) == ".dib";
     }
 };
 

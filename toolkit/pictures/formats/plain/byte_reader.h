@@ -71,12 +71,4 @@ private:
     std::size_t at_ = 0;
 };
 
-/// Whether a file begins with @p text, behind @p at bytes.
-inline bool begins_with(SourceFile const& source, std::string_view text, std::size_t at = 0)
-{
-    auto const head = source.head();
-    return head.size() >= at + text.size() &&
-           std::string_view(reinterpret_cast<char const*>(head.data()) + at, text.size()) == text;
-}
-
 } // namespace umbrixlib::toolkit

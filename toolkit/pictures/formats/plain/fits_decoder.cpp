@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "toolkit/base/whole.h"
 #include "toolkit/pictures/decoder.h"
 #include "toolkit/pictures/formats/plain/rows.h"
 
-#include <cmath>
 #include <cstdlib>
 #include <map>
 
@@ -66,8 +66,8 @@ Header read_header(ByteReader& reader)
     if (axes < 1 || (channels != 1 && channels != 3) || axes > 3) {
         source.refuse("it is a FITS file without a simple picture", "save its picture as TIFF");
     }
-    if (!(bits == 8 || bits == 16 || bits == 32 || bits == -32 || bits == -64) ||
-        width != std::floor(width) || height != std::floor(height)) {
+    if (!(bits == 8 || bits == 16 || bits == 32 || bits == -32 || bits == -64) || !is_whole(width) ||
+        !is_whole(height)) {
         source.refuse_as_damaged();
     }
     source.check_size(width, height);
@@ -133,7 +133,7 @@ void read_texels(ByteReader& reader, Header const& header, Picture& picture)
 
 class FitsDecoder : public Decoder {
 public:
-    bool takes(SourceFile const& source) const override { return begins_with(source, "SIMPLE  ="); }
+    bool takes(SourceFile const& source) const override { return source.begins_with("SIMPLE  ="); }
 
     DecodedFile decode(SourceFile& source) const override
     {

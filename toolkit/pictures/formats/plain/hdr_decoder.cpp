@@ -199,7 +199,7 @@ class HdrDecoder : public Decoder {
 public:
     bool takes(SourceFile const& source) const override
     {
-        return begins_with(source, "#?RADIANCE") || begins_with(source, "#?RGBE");
+        return source.begins_with("#?RADIANCE") || source.begins_with("#?RGBE");
     }
 
     DecodedFile decode(SourceFile& source) const override { return HdrReader(source).decode(); }

@@ -45,9 +45,8 @@ public:
     bool takes(SourceFile const& source) const override
     {
         using namespace std::string_view_literals;
-        return begins_with(source, "\0\0\1\0"sv) ||
-               (begins_with(source, "\0\0\2\0"sv) &&
-                lower_case(source.path().extension().string()) == ".cur");
+        return source.begins_with("\0\0\1\0"sv) ||
+               (source.begins_with("\0\0\2\0"sv) && lower_case(source.path().extension().string()) == ".cur");
     }
 
     DecodedFile decode(SourceFile& source) const override

@@ -185,7 +185,7 @@ public:
     bool takes(SourceFile const& source) const override
     {
         auto const head = source.head();
-        return begins_with(source, "\xb1\x68\xde\x3a") ||
+        return source.begins_with("\xb1\x68\xde\x3a") ||
                (head.size() > 4 && head[0] == 10 && head[1] <= 5 && head[2] <= 1 && head[3] <= 8);
     }
 

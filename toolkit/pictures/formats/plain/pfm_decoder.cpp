@@ -14,7 +14,7 @@ class PfmDecoder : public Decoder {
 public:
     bool takes(SourceFile const& source) const override
     {
-        return (begins_with(source, "PF") || begins_with(source, "Pf")) && source.head().size() > 2 &&
+        return (source.begins_with("PF") || source.begins_with("Pf")) && source.head().size() > 2 &&
                HeaderWords::is_space(source.head()[2]);
     }
 

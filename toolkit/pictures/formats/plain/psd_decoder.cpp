@@ -235,7 +235,7 @@ Picture read_picture(Rows& rows, Header const& header)
 /// Photoshop's files: the picture that all layers make together.
 class PsdDecoder : public Decoder {
 public:
-    bool takes(SourceFile const& source) const override { return begins_with(source, "8BPS"); }
+    bool takes(SourceFile const& source) const override { return source.begins_with("8BPS"); }
 
     DecodedFile decode(SourceFile& source) const override
     {

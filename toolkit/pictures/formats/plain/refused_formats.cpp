@@ -75,7 +75,7 @@ Signature const* signature_of(SourceFile const& source)
 {
     auto const* const by_bytes =
         std::find_if(std::begin(kSignatures), std::end(kSignatures), [&](Signature const& signature) {
-            return begins_with(source, signature.bytes, signature.at);
+            return source.begins_with(signature.bytes, signature.at);
         });
     if (by_bytes != std::end(kSignatures)) {
         return by_bytes;

@@ -127,7 +127,7 @@ private:
 /// Softimage's pictures.
 class SoftimageDecoder : public Decoder {
 public:
-    bool takes(SourceFile const& source) const override { return begins_with(source, "\x53\x80\xf6\x34"); }
+    bool takes(SourceFile const& source) const override { return source.begins_with("\x53\x80\xf6\x34"); }
 
     DecodedFile decode(SourceFile& source) const override
     {

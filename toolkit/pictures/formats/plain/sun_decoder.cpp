@@ -126,7 +126,7 @@ Picture read_colours(Header const& header, std::span<std::uint8_t const> rows)
 
 class SunDecoder : public Decoder {
 public:
-    bool takes(SourceFile const& source) const override { return begins_with(source, "\x59\xa6\x6a\x95"); }
+    bool takes(SourceFile const& source) const override { return source.begins_with("\x59\xa6\x6a\x95"); }
 
     DecodedFile decode(SourceFile& source) const override
     {

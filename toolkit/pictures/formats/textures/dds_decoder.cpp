@@ -8,7 +8,7 @@ namespace {
 
 class DdsDecoder : public Decoder {
 public:
-    bool takes(SourceFile const& source) const override { return begins_with(source, "DDS "); }
+    bool takes(SourceFile const& source) const override { return source.begins_with("DDS "); }
 
     DecodedFile decode(SourceFile& source) const override
     {

@@ -106,7 +106,7 @@ std::size_t place_of_texels(ByteReader& reader, unsigned version, std::size_t he
 /// Valve's textures: the first picture of the largest size.
 class VtfDecoder : public Decoder {
 public:
-    bool takes(SourceFile const& source) const override { return begins_with(source, "VTF\0"sv); }
+    bool takes(SourceFile const& source) const override { return source.begins_with("VTF\0"sv); }
 
     DecodedFile decode(SourceFile& source) const override
     {
