@@ -1,13 +1,21 @@
 // SPDX-License-Identifier: MIT
 // What one processor can do at best: bytes copied, comparisons, products and sums, conversions, each a
-// second. The loops use the widest instructions that the machine has, as the kernels do.
+// second. The loops use the widest instructions that the machine has, as the kernels do. A rate that no
+// processor reaches shows that the compiler took a loop apart; the program fails then.
+#include "measure/checksum.h"
 #include "measure/clocks.h"
 #include "measure/processors.h"
 #include "measure/record.h"
 #include "measure/rounds.h"
+#include "measure/work.h"
 
+#include <cstdint>
 #include <cstring>
+#include <iostream>
 #include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <string>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "machine_limits.cpp"
@@ -22,34 +30,38 @@ namespace hn = hwy::HWY_NAMESPACE;
 constexpr std::size_t kLoops = 1 << 20;
 
 #if HWY_TARGET == HWY_SCALAR
-double compare_loop()
+Work compare_loop()
 {
-    return 0.0;
+    return {};
 }
-double multiply_add_loop()
+Work multiply_add_loop()
 {
-    return 0.0;
+    return {};
 }
-double arithmetic_loop()
+Work arithmetic_loop()
 {
-    return 0.0;
+    return {};
 }
-double double_multiply_add_loop()
+Work double_multiply_add_loop()
 {
-    return 0.0;
+    return {};
 }
-double convert_loop()
+Work convert_loop()
 {
-    return 0.0;
+    return {};
 }
 #else
 
-/// Keeps the values of the loops, and with them the loops.
 template <class D, class V>
-void keep(D d, V value)
+double sum_of_lanes(D d, V value)
 {
-    HWY_ALIGN static hn::TFromD<D> kept[HWY_MAX_BYTES / sizeof(hn::TFromD<D>)];
-    hn::Store(value, d, kept);
+    HWY_ALIGN hn::TFromD<D> lanes[HWY_MAX_BYTES / sizeof(hn::TFromD<D>)];
+    hn::Store(value, d, lanes);
+    double sum = 0.0;
+    for (std::size_t i = 0; i < hn::Lanes(d); ++i) {
+        sum += static_cast<double>(lanes[i]);
+    }
+    return sum;
 }
 
 /// A number that the compiler does not know, so that it cannot foresee what a loop comes to.
@@ -61,7 +73,7 @@ int unknown(int value)
 
 /// The inner step of the occlusion kernel on the first level of cache: a height less the climb of the ray,
 /// and the larger of it and the next height.
-double compare_loop()
+Work compare_loop()
 {
     constexpr hn::ScalableTag<std::uint16_t> d;
     constexpr std::size_t kLanes = hn::MaxLanes(d);
@@ -85,13 +97,15 @@ double compare_loop()
         m6 = hn::Max(hn::SaturatedSub(m6, climb), hn::Load(d, heights + 6 * kLanes));
         m7 = hn::Max(hn::SaturatedSub(m7, climb), hn::Load(d, heights + 7 * kLanes));
     }
-    keep(d, hn::Max(hn::Max(hn::Max(m0, m1), hn::Max(m2, m3)), hn::Max(hn::Max(m4, m5), hn::Max(m6, m7))));
-    return static_cast<double>(kLoops * 8 * hn::Lanes(d));
+    double const result = sum_of_lanes(d, m0) + sum_of_lanes(d, m1) + sum_of_lanes(d, m2) +
+                          sum_of_lanes(d, m3) + sum_of_lanes(d, m4) + sum_of_lanes(d, m5) +
+                          sum_of_lanes(d, m6) + sum_of_lanes(d, m7);
+    return {static_cast<double>(kLoops * 8 * hn::Lanes(d)), hn::Lanes(d), result};
 }
 
 /// Eight chains of @p step, enough to hide how long one takes.
 template <class D, class Step>
-double chains(D d, std::size_t operations, Step step)
+Work chains(D d, std::size_t operations, Step step)
 {
     auto const first = [=](int value)
                            HWY_ATTR { return hn::Set(d, static_cast<hn::TFromD<D>>(unknown(value))); };
@@ -102,12 +116,14 @@ double chains(D d, std::size_t operations, Step step)
         v0 = step(v0), v1 = step(v1), v2 = step(v2), v3 = step(v3);
         v4 = step(v4), v5 = step(v5), v6 = step(v6), v7 = step(v7);
     }
-    keep(d, hn::Max(hn::Max(hn::Max(v0, v1), hn::Max(v2, v3)), hn::Max(hn::Max(v4, v5), hn::Max(v6, v7))));
-    return static_cast<double>(kLoops * 8 * operations * hn::Lanes(d));
+    double const result = sum_of_lanes(d, v0) + sum_of_lanes(d, v1) + sum_of_lanes(d, v2) +
+                          sum_of_lanes(d, v3) + sum_of_lanes(d, v4) + sum_of_lanes(d, v5) +
+                          sum_of_lanes(d, v6) + sum_of_lanes(d, v7);
+    return {static_cast<double>(kLoops * 8 * operations * hn::Lanes(d)), hn::Lanes(d), result};
 }
 
 /// Fused products and sums of floats, one operation each.
-double multiply_add_loop()
+Work multiply_add_loop()
 {
     constexpr hn::ScalableTag<float> d;
     auto const half = hn::Set(d, 0.5f * static_cast<float>(unknown(1)));
@@ -115,7 +131,7 @@ double multiply_add_loop()
 }
 
 /// Products and sums of floats, each rounded, one operation each.
-double arithmetic_loop()
+Work arithmetic_loop()
 {
     constexpr hn::ScalableTag<float> d;
     auto const half = hn::Set(d, 0.5f * static_cast<float>(unknown(1)));
@@ -123,7 +139,7 @@ double arithmetic_loop()
 }
 
 /// The same fused, in double.
-double double_multiply_add_loop()
+Work double_multiply_add_loop()
 {
     constexpr hn::ScalableTag<double> d;
     auto const half = hn::Set(d, 0.5 * unknown(1));
@@ -131,7 +147,7 @@ double double_multiply_add_loop()
 }
 
 /// From double to float and back, two operations.
-double convert_loop()
+Work convert_loop()
 {
     constexpr hn::ScalableTag<double> wide;
     constexpr hn::Rebind<float, decltype(wide)> d;
@@ -160,35 +176,104 @@ HWY_EXPORT(target_name);
 
 namespace {
 
-/// Operations in a run, and runs that are timed.
+/// Vector instructions that a processor starts in a cycle at most: four, but two fused products and sums on
+/// x86.
+constexpr double kPorts = 4.0;
+#if HWY_ARCH_X86
+constexpr double kFusedPorts = 2.0;
+#else
+constexpr double kFusedPorts = 4.0;
+#endif
+
 struct Loop {
     char const* name;
-    double (*run)();
+    double instructions; ///< For one operation.
+    double ports;
+    double operations = 0.0;
+    std::size_t lanes = 1;
+    double result = 0.0;
+
+    /// Operations a second that no processor of this clock exceeds.
+    double ceiling(double clock) const { return static_cast<double>(lanes) * ports / instructions * clock; }
 };
 
+#define UMBRIX_RUN_LOOP(loop, function)                                                                      \
+    [&loop] {                                                                                                \
+        auto const work = HWY_DYNAMIC_DISPATCH(function)();                                                  \
+        loop.operations = work.operations;                                                                   \
+        loop.lanes = work.lanes;                                                                             \
+        loop.result = work.result;                                                                           \
+    }
+
 constexpr std::size_t kCopied = std::size_t{192} << 20;
+constexpr int kCycles = 1 << 24;
+
+/// As many additions, each of which needs the one before, and so takes a cycle.
+std::uint32_t add_in_turn(int additions)
+{
+    std::uint32_t sum = 0;
+    auto const add = [&sum] {
+        sum += 3;
+        asm volatile("" : "+r"(sum)); // the compiler does not know what sum is from here on
+    };
+    for (int i = 0; i < additions; i += 8) {
+        add(), add(), add(), add(), add(), add(), add(), add();
+    }
+    return sum;
+}
+
+/// @throws std::runtime_error if @p rate is above @p ceiling
+double believable(std::string const& name, double rate, double ceiling)
+{
+    if (!(rate <= ceiling)) {
+        std::ostringstream text;
+        text << name << ": " << rate << " a second; no processor does more than " << ceiling
+             << " at this clock";
+        throw std::runtime_error(text.str());
+    }
+    return rate;
+}
 
 void measure(Effort const& effort)
 {
-    auto const from = std::make_unique<char[]>(kCopied);
-    auto const to = std::make_unique<char[]>(kCopied);
-    Loop const loops[] = {
-        {"compares", [] { return HWY_DYNAMIC_DISPATCH(compare_loop)(); }},
-        {"float_multiply_adds", [] { return HWY_DYNAMIC_DISPATCH(multiply_add_loop)(); }},
-        {"float_operations", [] { return HWY_DYNAMIC_DISPATCH(arithmetic_loop)(); }},
-        {"double_multiply_adds", [] { return HWY_DYNAMIC_DISPATCH(double_multiply_add_loop)(); }},
-        {"conversions", [] { return HWY_DYNAMIC_DISPATCH(convert_loop)(); }},
-    };
-    std::vector<Contender> contenders = {
-        {"copied_bytes", [&] { std::memcpy(to.get(), from.get(), kCopied); }}};
-    std::map<std::string, double> operations = {{"copied_bytes", 2.0 * static_cast<double>(kCopied)}};
-    for (Loop const& loop : loops) {
-        contenders.push_back({loop.name, [&operations, loop] { operations[loop.name] = loop.run(); }});
+    auto const from = std::make_unique<unsigned char[]>(kCopied);
+    auto const to = std::make_unique<unsigned char[]>(kCopied);
+    for (std::size_t i = 0; i < kCopied; i += 4096) {
+        from[i] = static_cast<unsigned char>(i >> 12);
     }
-    Seconds const seconds = interleaved(contenders, effort, cpu_seconds);
-    Record record = {{"what", "limits"}, {"instructions", HWY_DYNAMIC_DISPATCH(target_name)()}};
-    for (auto const& [name, spent] : seconds) {
-        record["per_second"][name] = operations[name] / spent;
+    std::uint32_t sum = 0;
+    Loop compare = {"compares", 2, kPorts};
+    Loop multiply_add = {"float_multiply_adds", 1, kFusedPorts};
+    Loop arithmetic = {"float_operations", 1, kPorts};
+    Loop double_multiply_add = {"double_multiply_adds", 1, kFusedPorts};
+    Loop convert = {"conversions", 1, kPorts};
+    Seconds const seconds = interleaved(
+        {
+            {"clock", [&] { sum = add_in_turn(kCycles); }},
+            {"copied_bytes", [&] { std::memcpy(to.get(), from.get(), kCopied); }},
+            {compare.name, UMBRIX_RUN_LOOP(compare, compare_loop)},
+            {multiply_add.name, UMBRIX_RUN_LOOP(multiply_add, multiply_add_loop)},
+            {arithmetic.name, UMBRIX_RUN_LOOP(arithmetic, arithmetic_loop)},
+            {double_multiply_add.name, UMBRIX_RUN_LOOP(double_multiply_add, double_multiply_add_loop)},
+            {convert.name, UMBRIX_RUN_LOOP(convert, convert_loop)},
+        },
+        effort, cpu_seconds);
+    double const clock = kCycles / seconds.at("clock");
+    // A slow moment of the clock's loop is no reason to doubt the others.
+    double const most_clock = 1.25 * clock;
+    Record record = {{"what", "limits"},
+                     {"instructions", HWY_DYNAMIC_DISPATCH(target_name)()},
+                     {"clock", clock},
+                     {"clock_sum", sum}};
+    // Each byte counts twice; at best a processor stores two vectors a cycle.
+    double const copied = 2.0 * static_cast<double>(kCopied);
+    record["per_second"]["copied_bytes"] =
+        believable("copied_bytes", copied / seconds.at("copied_bytes"), 4.0 * HWY_MAX_BYTES * most_clock);
+    record["results"]["copied_bytes"] = checksum(to.get(), kCopied);
+    for (Loop const* const loop : {&compare, &multiply_add, &arithmetic, &double_multiply_add, &convert}) {
+        record["per_second"][loop->name] =
+            believable(loop->name, loop->operations / seconds.at(loop->name), loop->ceiling(most_clock));
+        record["results"][loop->name] = loop->result;
     }
     print(record);
 }
@@ -200,6 +285,11 @@ void measure(Effort const& effort)
 int main(int count, char** words)
 {
     umbrixlib::bench::keep_to_processors(1, words);
-    umbrixlib::bench::measure(umbrixlib::bench::effort_of(count, words));
+    try {
+        umbrixlib::bench::measure(umbrixlib::bench::effort_of(count, words));
+    } catch (std::runtime_error const& error) {
+        std::cerr << "machine_limits: " << error.what() << '\n';
+        return 1;
+    }
 }
 #endif

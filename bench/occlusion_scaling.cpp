@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Cost per texel of `GenerateRays` and `Height2DirectionalAO` over the number of rays, the radius and the
 // side of the map, on one processor.
+#include "measure/checksum.h"
 #include "measure/clocks.h"
 #include "measure/maps.h"
 #include "measure/occlusion_cases.h"
@@ -24,7 +25,8 @@ void measure(char const* over, OcclusionCase& relief, int rays, float radius, Ef
            {"side", relief.side},
            {"rays", rays},
            {"radius", radius},
-           {"seconds_per_texel", seconds.at("ours") / static_cast<double>(relief.heights.size())}});
+           {"seconds_per_texel", seconds.at("ours") / static_cast<double>(relief.heights.size())},
+           {"checksum", checksum(relief.occlusion)}});
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Wall time of `GenerateRays` and `Height2DirectionalAO` with one thread and with two, on two processors.
+#include "measure/checksum.h"
 #include "measure/clocks.h"
 #include "measure/idleness.h"
 #include "measure/maps.h"
@@ -35,7 +36,8 @@ int main(int count, char** words)
                    {"set", set.name},
                    {"side", 1024},
                    {"seconds", seconds},
-                   {"others", others.share()}});
+                   {"others", others.share()},
+                   {"checksum", checksum(relief.occlusion)}});
         }
     }
 }

@@ -3,6 +3,7 @@
 // one processor. The plain walk and Embree do some rows, and their time stands for all of them.
 #include "directional_ao_reference.h"
 #include "embree_relief.h"
+#include "measure/checksum.h"
 #include "measure/clocks.h"
 #include "measure/maps.h"
 #include "measure/occlusion_cases.h"
@@ -138,6 +139,7 @@ void measure(char const* map, OcclusionSet const& set, int side, int row_count, 
            {"side", side},
            {"seconds", seconds},
            {"comparisons_per_texel", comparisons_per_texel(tiled, bundles, set, rows)},
+           {"checksum", checksum(tiled.occlusion)},
            {"equals_plain", same_bits(plain, same_rows(tiled, rows))},
            {"embree_difference", mean_difference(embree, same_rows(untiled, rows))},
            {"embree_one_difference", mean_difference(embree_one, same_rows(untiled, rows))}});
