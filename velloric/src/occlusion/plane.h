@@ -15,7 +15,7 @@ using umbrixlib::detail::Relief;
 using umbrixlib::detail::wrapped;
 
 constexpr int kGroupRows = 8;         ///< Rows of texels that are handled together.
-constexpr int kMostGroupColumns = 32; ///< Columns likewise, at most.
+constexpr int kMostGroupColumns = 64; ///< Columns likewise, at most.
 constexpr int kMostRowsSpanned = 48;  ///< Rows between the first and the last step of a block, at most.
 constexpr int kMostColumnsSpanned = 15;
 
@@ -68,7 +68,7 @@ public:
 
 private:
     static constexpr int kRowMargin = 56;
-    static constexpr int kColumnMargin = 48;
+    static constexpr int kColumnMargin = 80;
     static constexpr int kCell = 8; ///< Windows are made of cells of 8 by 8 texels.
     static constexpr int kWindowHeights = 8;
     static_assert(kRowMargin >= kMostRowsSpanned + kGroupRows && kRowMargin % kCell == 0);

@@ -2,10 +2,6 @@
 
 /// @file
 /// The lattice comparisons of one bundle with one tile, compiled once for each instruction set.
-///
-/// A group of 8 rows by one vector of texels looks at a block of consecutive steps at once. The block is
-/// folded from its far end to its near end: M = max(M - rise, levels at the step) leaves the largest level
-/// less climb over the block, in two instructions a vector.
 
 // Highway includes this file once for each instruction set.
 #if defined(VELLORIC_OCCLUSION_TILES_INL_H) == defined(HWY_TARGET_TOGGLE)
@@ -15,6 +11,7 @@
 #define VELLORIC_OCCLUSION_TILES_INL_H
 #endif
 
+#include "occlusion/comparisons-inl.h"
 #include "occlusion/settle.h"
 #include "occlusion/shift.h"
 #include "occlusion/tiles.h"
@@ -34,96 +31,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 namespace {
 
-constexpr int kRows = kGroupRows;
 static_assert(kTileRows % kRows == 0);
-
-/// The smallest lane of a vector whose lanes are not negative.
-#if HWY_TARGET == HWY_SCALAR
-template <class D>
-HWY_INLINE int smallest_lane(D /*d*/, hn::Vec<D> v)
-{
-    return hn::GetLane(v);
-}
-#else
-template <class D>
-HWY_INLINE int smallest_lane(D /*d*/, hn::Vec<D> v)
-{
-    if constexpr (hn::MaxLanes(D()) * sizeof(hn::TFromD<D>) > 16) {
-        hn::Half<D> const half;
-        return smallest_lane(half, hn::Min(hn::LowerHalf(half, v), hn::UpperHalf(half, v)));
-    } else {
-        hn::Repartition<std::uint16_t, D> const du; // the form that some processors have an instruction for
-        auto const words = hn::BitCast(du, v);
-        if constexpr (sizeof(hn::TFromD<D>) == 1) {
-            return hn::GetLane(
-                hn::MinOfLanes(du, hn::Min(hn::And(words, hn::Set(du, 0xff)), hn::ShiftRight<8>(words))));
-        } else {
-            return hn::GetLane(hn::MinOfLanes(du, words));
-        }
-    }
-}
-#endif
-
-/// Comparisons in 16-bit levels. Levels are at least 0 and rises below 2^15, so nothing wraps.
-struct Words {
-    using Grid = Lattice;
-    using D = hn::CappedTag<std::int16_t, kMostGroupColumns>;
-    using V = hn::Vec<D>;
-    using Count = std::uint16_t;
-    static constexpr Lattice::Level kNoLane = 32767;
-    /// A step matters if its level is at least own level + climb + kAbove.
-    static constexpr int kAbove = 0;
-    /// A step whose level, less its climb, is this far above the own level or further surely blocks the ray.
-    static constexpr int kInDoubt = Lattice::kSurely + 1;
-
-    /// Of a texel at @p level: less 1, since a step with that level more than the climb is not surely passed.
-    static HWY_INLINE int own_level(int level) { return level - 1; }
-    static HWY_INLINE V climb(V level, V rise) { return hn::Sub(level, rise); }
-    static HWY_INLINE V climb_far(V level, int levels)
-    {
-        hn::RebindToUnsigned<D> const du;
-        return hn::BitCast(
-            D(), hn::SaturatedSub(hn::BitCast(du, level), hn::Set(du, static_cast<std::uint16_t>(levels))));
-    }
-    /// The smaller of @p lowest and the own levels of lanes that are not surely blocked.
-    static HWY_INLINE V lowest_undecided(V lowest, V own, V most)
-    {
-        D const d;
-        auto const undecided = hn::Lt(hn::Sub(most, own), hn::Set(d, kInDoubt));
-        return hn::Min(lowest, hn::IfThenElse(undecided, own, hn::Set(d, kNoLane)));
-    }
-};
-
-/// Comparisons in 8-bit levels, which leave nothing in doubt. Subtractions saturate.
-struct Bytes {
-    using Grid = ByteLattice;
-    using D = hn::CappedTag<std::uint8_t, kMostGroupColumns>;
-    using V = hn::Vec<D>;
-    using Count = std::uint8_t;
-    static constexpr ByteLattice::Level kNoLane = 255;
-    static constexpr int kAbove = 1;
-
-    static HWY_INLINE int own_level(int level) { return level; }
-    static HWY_INLINE V climb(V level, V rise) { return hn::SaturatedSub(level, rise); }
-    static HWY_INLINE V climb_far(V level, int levels)
-    {
-        return hn::SaturatedSub(level, hn::Set(D(), static_cast<std::uint8_t>(levels)));
-    }
-    static HWY_INLINE V lowest_undecided(V lowest, V own, V most)
-    {
-        return hn::Min(lowest, hn::Or(own, blocked(own, most)));
-    }
-    /// All bits of the lanes in which a step is above the own level.
-    static HWY_INLINE V blocked(V own, V most)
-    {
-        D const d;
-#if HWY_TARGET <= HWY_AVX3
-        return hn::VecFromMask(d, hn::Gt(most, own));
-#else
-        return hn::Not(hn::VecFromMask(d, hn::Eq(hn::Max(most, own), own)));
-#endif
-    }
-};
 
 /// A group of the tile that has a texel which is not open to every ray.
 struct Group {
@@ -172,9 +80,10 @@ private:
     using D = typename Form::D;
     using Vector = typename Form::V;
     using Count = typename Form::Count;
-    using Counts = hn::Rebind<Count, D>;
+    using Met = typename MetFor<Form>::Type;
 
-    static constexpr int kColumns = static_cast<int>(hn::MaxLanes(D()));
+    static constexpr int kColumns = Met::kColumns;
+    static_assert(kColumns <= kMostGroupColumns);
     static constexpr int kMostGroups = kTileRows / kRows * (kTileColumns / kColumns);
     static_assert(kTileColumns % kColumns == 0);
 
@@ -183,11 +92,12 @@ private:
         std::fill_n(own_, kTileRows * kTileColumns, static_cast<Level>(Grid::kAlwaysOpen));
         std::fill_n(counts_, kTileRows * kTileColumns, Count{0});
         float const top = relief_.top; // a store of bytes may change all but local variables
+        int const columns = tile_.columns;
         for (int row = 0; row < tile_.rows; ++row) {
-            float const* const heights = relief_.row(tile_.row + row) + tile_.column;
-            Level const* const levels = plane_.at(tile_.row + row, tile_.column);
-            Level* const own = own_ + row * kTileColumns;
-            for (int column = 0; column < tile_.columns; ++column) {
+            float const* const HWY_RESTRICT heights = relief_.row(tile_.row + row) + tile_.column;
+            Level const* const HWY_RESTRICT levels = plane_.at(tile_.row + row, tile_.column);
+            Level* const HWY_RESTRICT own = own_ + row * kTileColumns;
+            for (int column = 0; column < columns; ++column) {
                 auto const level = static_cast<Level>(Form::own_level(levels[column]));
                 own[column] = heights[column] < top ? level : static_cast<Level>(Grid::kAlwaysOpen);
             }
@@ -203,7 +113,7 @@ private:
                 Group group{tile_.row + row, tile_.column + column, row * kTileColumns + column, 0};
                 Vector lowest = hn::Set(d, Form::kNoLane);
                 for (int r = 0; r < kRows; ++r) {
-                    lowest = hn::Min(lowest, own_levels(group, r));
+                    lowest = hn::Min(lowest, hn::Load(d, own(group) + r * kTileColumns));
                 }
                 group.lowest_own = smallest_lane(d, lowest);
                 if (group.lowest_own != Grid::kAlwaysOpen) {
@@ -213,18 +123,11 @@ private:
         }
     }
 
-    HWY_INLINE Vector own_levels(Group const& group, int row) const
-    {
-        return hn::Load(D(), own_ + group.at + row * kTileColumns);
-    }
+    HWY_INLINE Level const* own(Group const& group) const { return own_ + group.at; }
 
     HWY_INLINE void count_group(ReducedRay const& ray, Group const& group)
     {
-        D const d;
-        Vector most[kRows]; // largest level less climb so far
-        for (int r = 0; r < kRows; ++r) {
-            most[r] = hn::Zero(d);
-        }
+        Met met;
         AxisShift rows(relief_.rows, relief_.rows_wrap, kRows);
         AxisShift columns(relief_.cols, relief_.columns_wrap, kColumns);
         int lowest_own = group.lowest_own; // of the texels that are not surely blocked
@@ -249,7 +152,7 @@ private:
                 continue;
             }
             if (stale) {
-                int const lowest_left = lowest_undecided(group, most);
+                int const lowest_left = met.lowest_undecided(own(group));
                 room -= lowest_left - lowest_own;
                 lowest_own = lowest_left;
                 stale = false;
@@ -262,79 +165,19 @@ private:
             float const useful = (static_cast<float>(room) + 0.01f) * ray.steps_per_level;
             int const steps =
                 useful < static_cast<float>(block.steps) ? static_cast<int>(useful) + 1 : block.steps;
-            fold(plane_.at(row, column), &bundle_.steps[static_cast<std::size_t>(block.first_step)], steps,
-                 block.climb, most);
+            met.fold(own(group), plane_.at(row, column), stride_,
+                     &bundle_.steps[static_cast<std::size_t>(block.first_step)], steps, block.climb);
             folded = true;
             stale = true;
         }
         if (folded || all_in_doubt) {
-            add_group(ray, group, most, all_in_doubt);
-        }
-    }
-
-    /// Folds the first @p count steps of a block into @p most.
-    HWY_INLINE void fold(Level const* first, RayStep const* steps, int count, int climb,
-                         Vector (&most)[kRows]) const
-    {
-        D const d;
-        hn::Repartition<std::uint32_t, D> const repeated;
-        Vector m[kRows];
-        for (int r = 0; r < kRows; ++r) {
-            m[r] = hn::Zero(d);
-        }
-        RayStep const* step = steps + count;
-        do {
-            --step;
-            Vector const rise = hn::BitCast(d, hn::Set(repeated, step->rise));
-            Level const* const levels = first + step->offset;
-            for (int r = 0; r < kRows; ++r) {
-                m[r] = hn::Max(Form::climb(m[r], rise), hn::LoadU(d, levels + r * stride_));
-            }
-        } while (step != steps);
-        for (int r = 0; r < kRows; ++r) {
-            most[r] = hn::Max(most[r], Form::climb_far(m[r], climb));
-        }
-    }
-
-    /// The smallest own level among the texels that are not surely blocked, or kNoLane.
-    HWY_INLINE int lowest_undecided(Group const& group, Vector const (&most)[kRows]) const
-    {
-        Vector lowest = hn::Set(D(), Form::kNoLane);
-        for (int r = 0; r < kRows; ++r) {
-            lowest = Form::lowest_undecided(lowest, own_levels(group, r), most[r]);
-        }
-        return smallest_lane(D(), lowest);
-    }
-
-    /// Counts one ray.
-    HWY_INLINE void add_group(ReducedRay const& ray, Group const& group, Vector const (&most)[kRows],
-                              bool all_in_doubt)
-    {
-        D const d;
-        Counts const dc;
-        if constexpr (Grid::kSettles) {
-            auto closest = hn::Set(dc, 65535);
-            for (int r = 0; r < kRows; ++r) {
-                Vector const above = hn::Sub(most[r], own_levels(group, r));
-                add_mask(group, r, hn::BitCast(dc, hn::VecFromMask(d, hn::Gt(above, hn::Set(d, -1)))));
-                closest = hn::Min(closest, hn::BitCast(dc, above));
-            }
-            if (all_in_doubt || !hn::AllFalse(dc, hn::Lt(closest, hn::Set(dc, Form::kInDoubt)))) {
-                settle(ray, group, most, all_in_doubt);
-            }
-        } else {
-            for (int r = 0; r < kRows; ++r) {
-                add_mask(group, r, Form::blocked(own_levels(group, r), most[r]));
+            bool const in_doubt = met.count(own(group), counts_ + group.at);
+            if constexpr (Grid::kSettles) {
+                if (in_doubt || all_in_doubt) {
+                    settle(ray, group, met, all_in_doubt);
+                }
             }
         }
-    }
-
-    /// Counts the lanes of @p mask that have all bits.
-    HWY_INLINE void add_mask(Group const& group, int row, hn::Vec<Counts> mask)
-    {
-        Counts const d;
-        Count* const counts = counts_ + group.at + row * kTileColumns;
-        hn::Store(hn::Sub(hn::Load(d, counts), mask), d, counts);
     }
 
     HWY_INLINE void add_counts()
@@ -347,12 +190,11 @@ private:
 
     /// Decides in floats for the texels that the lattice leaves in doubt, or for all that are not surely
     /// blocked, and corrects their counts.
-    HWY_INLINE void settle(ReducedRay const& ray, Group const& group, Vector const (&most)[kRows],
-                           bool all_in_doubt)
+    HWY_INLINE void settle(ReducedRay const& ray, Group const& group, Met const& met, bool all_in_doubt)
     {
         D const d;
         for (int r = 0; r < kRows; ++r) {
-            Vector const above = hn::Sub(most[r], own_levels(group, r));
+            Vector const above = met.above(own(group), r);
             std::uint32_t const counted = bits(hn::Gt(above, hn::Set(d, -1)));
             std::uint32_t const surely_blocked = bits(hn::Gt(above, hn::Set(d, Form::kInDoubt - 1)));
             for (std::uint32_t lanes = (all_in_doubt ? kAllLanes : counted) & ~surely_blocked; lanes != 0;
