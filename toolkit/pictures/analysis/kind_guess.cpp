@@ -16,12 +16,6 @@ constexpr double kMostTexels = 0.9;
 constexpr double kManyTexels = 0.5;
 constexpr std::size_t kLookedAt = 1U << 20U;
 
-struct Look {
-    double grey_share;        ///< Of the texels, 0 to 1.
-    double unit_vector_share; ///< Of the texels, 0 to 1.
-    double mean[3];           ///< 0 to 255.
-};
-
 /// Red, green and blue in 8 bits.
 using Colour = std::array<std::uint8_t, 3>;
 
@@ -39,41 +33,68 @@ bool is_unit_vector(Colour const& texel)
     return std::abs(length - 1.0) <= kLengthSpread && component(2) > 0.0;
 }
 
-Look look_at(Picture const& picture)
-{
-    std::size_t const step = picture.texels() / kLookedAt + 1;
-    double const looked_at = static_cast<double>((picture.texels() - 1) / step + 1);
-    Look look{};
-    with_samples(picture, [&](auto samples) {
-        auto const channels = static_cast<std::size_t>(picture.channels);
-        for (std::size_t i = 0; i < picture.texels(); i += step) {
-            auto const* const at = &samples[i * channels];
-            Colour const texel{to_byte(at[0]), to_byte(at[1]), to_byte(at[2])};
-            look.grey_share += is_grey(texel) ? 1.0 / looked_at : 0.0;
-            look.unit_vector_share += is_unit_vector(texel) ? 1.0 / looked_at : 0.0;
+/// Some of the texels, spread over the whole picture.
+class Look {
+public:
+    explicit Look(Picture const& picture)
+        : picture_(picture), step_(picture.texels() / kLookedAt + 1),
+          looked_at_(static_cast<double>((picture.texels() - 1) / step_ + 1))
+    {
+    }
+
+    /// Of the texels, 0 to 1.
+    template <typename Property>
+    double share(Property property) const
+    {
+        double share = 0.0;
+        visit([&](Colour const& texel) { share += property(texel) ? 1.0 / looked_at_ : 0.0; });
+        return share;
+    }
+
+    /// 0 to 255.
+    std::array<double, 3> mean() const
+    {
+        std::array<double, 3> mean{};
+        visit([&](Colour const& texel) {
             for (std::size_t c = 0; c < 3; ++c) {
-                look.mean[c] += texel[c] / looked_at;
+                mean[c] += texel[c] / looked_at_;
             }
-        }
-    });
-    return look;
-}
+        });
+        return mean;
+    }
+
+private:
+    template <typename Body>
+    void visit(Body body) const
+    {
+        with_samples(picture_, [&](auto samples) {
+            auto const channels = static_cast<std::size_t>(picture_.channels);
+            for (std::size_t i = 0; i < picture_.texels(); i += step_) {
+                auto const* const at = &samples[i * channels];
+                body(Colour{to_byte(at[0]), to_byte(at[1]), to_byte(at[2])});
+            }
+        });
+    }
+
+    Picture const& picture_;
+    std::size_t step_;
+    double looked_at_;
+};
 
 /// On average a surface points straight up: (127, 127, 255). A blue sky is made of unit vectors, too.
 bool looks_like_normals(Look const& look)
 {
     constexpr double kOff = 30.0;
     constexpr double kLeastBlue = 180.0;
-    return look.unit_vector_share >= kManyTexels && std::abs(look.mean[0] - 127.5) <= kOff &&
-           std::abs(look.mean[1] - 127.5) <= kOff && look.mean[2] >= kLeastBlue;
+    auto const [red, green, blue] = look.mean();
+    return std::abs(red - 127.5) <= kOff && std::abs(green - 127.5) <= kOff && blue >= kLeastBlue &&
+           look.share(is_unit_vector) >= kManyTexels;
 }
 
-} // namespace
-
-KindGuess guess_kind(Picture const& picture, std::filesystem::path const& file)
+KindGuess guess_by_colours(Picture const& picture, std::filesystem::path const& file)
 {
-    Look const look = look_at(has_vectors(picture) ? encoded_vectors(picture) : picture);
-    if (look.grey_share >= kMostTexels) {
+    Look const look(picture);
+    if (look.share(is_grey) >= kMostTexels) {
         return {Kind::kHeightMap, "it has no colour"};
     }
     if (looks_like_normals(look)) {
@@ -83,6 +104,13 @@ KindGuess guess_kind(Picture const& picture, std::filesystem::path const& file)
         return {hint->kind, fmt::format("its name says '{}'", hint->word)};
     }
     return {Kind::kHeightMap, "its colours are no normals"};
+}
+
+} // namespace
+
+KindGuess guess_kind(Picture const& picture, std::filesystem::path const& file)
+{
+    return guess_by_colours(has_vectors(picture) ? encoded_vectors(picture) : picture, file);
 }
 
 } // namespace umbrixlib::toolkit
