@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/pictures/formats/encoders/png_filters.h"
+#include "toolkit/pictures/formats/png/png_filters.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 #include "toolkit/pictures/encoder.h"
 #include "toolkit/pictures/formats/encoders/byte_writer.h"
 #include "toolkit/pictures/formats/encoders/output_stream.h"
-#include "toolkit/pictures/formats/encoders/png_packing.h"
+#include "toolkit/pictures/formats/png/png_packing.h"
 
 namespace umbrixlib::toolkit {
 

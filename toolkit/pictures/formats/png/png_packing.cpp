@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/pictures/formats/encoders/png_packing.h"
+#include "toolkit/pictures/formats/png/png_packing.h"
 
 namespace umbrixlib::toolkit {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/pictures/formats/encoders/png_rows.h"
+#include "toolkit/pictures/formats/png/png_rows.h"
 
 #include <algorithm>
 #include <bit>

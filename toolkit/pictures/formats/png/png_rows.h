@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "toolkit/pictures/formats/encoders/png_filters.h"
+#include "toolkit/pictures/formats/png/png_filters.h"
 #include "toolkit/pictures/picture.h"
 
 namespace umbrixlib::toolkit {

@@ -3,7 +3,7 @@
 
 #include "toolkit/pictures/formats/deflate/literal_block.h"
 #include "toolkit/pictures/formats/deflate/match_deflater.h"
-#include "toolkit/pictures/formats/encoders/png_rows.h"
+#include "toolkit/pictures/formats/png/png_rows.h"
 
 #include <optional>
 
