@@ -83,7 +83,9 @@ void write_picture(std::filesystem::path const& file, OutputFormat const& format
     if (format.heights_only && picture.channels > 2) {
         throw no_heights(format, name);
     }
-    Picture const stored = picture.has_alpha() && !format.alpha ? without_alpha(picture) : picture;
+    bool const leaves_alpha_out = picture.has_alpha() && !format.alpha;
+    Picture const opaque = leaves_alpha_out ? without_alpha(picture) : Picture{};
+    Picture const& stored = leaves_alpha_out ? opaque : picture;
     observer.begin(Phase::kWriting, name);
     bool const saved = format.encoder->encode(file, stored) && flush_to_disk(file);
     observer.begin(Phase::kChecking, name);

@@ -110,7 +110,10 @@ KindGuess guess_by_colours(Picture const& picture, std::filesystem::path const& 
 
 KindGuess guess_kind(Picture const& picture, std::filesystem::path const& file)
 {
-    return guess_by_colours(has_vectors(picture) ? encoded_vectors(picture) : picture, file);
+    if (has_vectors(picture)) {
+        return guess_by_colours(encoded_vectors(picture), file);
+    }
+    return guess_by_colours(picture, file);
 }
 
 } // namespace umbrixlib::toolkit
