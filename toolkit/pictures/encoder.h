@@ -4,6 +4,7 @@
 #include "toolkit/pictures/picture.h"
 
 #include <filesystem>
+#include <optional>
 
 namespace umbrixlib::toolkit {
 
@@ -17,6 +18,13 @@ public:
     /// the same bytes. False if the file could not be written to its end, or the format has not the picture's
     /// sample type; each below tells its types.
     virtual bool encode(std::filesystem::path const& file, Picture const& picture) const = 0;
+
+    /// A quicker look than a decoder's at what encode() wrote: whether @p file is whole and holds
+    /// @p picture. Empty if there is none for the format.
+    virtual std::optional<bool> holds(std::filesystem::path const& /*file*/, Picture const& /*picture*/) const
+    {
+        return std::nullopt;
+    }
 };
 
 Encoder const& bmp_encoder(); ///< 8 bits, no alpha.

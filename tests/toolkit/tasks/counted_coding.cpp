@@ -48,6 +48,13 @@ public:
         ++coding_count.encoded;
         return real_.encode(file, picture);
     }
+    std::optional<bool> holds(std::filesystem::path const& file,
+                              toolkit::Picture const& picture) const override
+    {
+        std::optional<bool> const result = real_.holds(file, picture);
+        coding_count.looked_at += result ? 1 : 0;
+        return result;
+    }
 
 private:
     Encoder const& real_;

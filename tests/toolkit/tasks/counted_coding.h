@@ -5,11 +5,13 @@
 
 namespace umbrixlib::test {
 
-/// How often pictures were decoded and encoded in this process. This program has the names by which the
-/// toolkit finds its decoders and encoders; they count, and hand on to the toolkit's own.
+/// How often pictures were decoded, encoded and looked at by their encoder in this process. This program has
+/// the names by which the toolkit finds its decoders and encoders; they count, and hand on to the toolkit's
+/// own.
 struct CodingCount {
     int decoded = 0;
     int encoded = 0;
+    int looked_at = 0;
 
     bool operator==(CodingCount const&) const = default;
 };
@@ -17,7 +19,8 @@ extern CodingCount coding_count;
 
 inline std::ostream& operator<<(std::ostream& to, CodingCount const& count)
 {
-    return to << count.decoded << " decoded, " << count.encoded << " encoded";
+    return to << count.decoded << " decoded, " << count.encoded << " encoded, " << count.looked_at
+              << " looked at";
 }
 
 } // namespace umbrixlib::test

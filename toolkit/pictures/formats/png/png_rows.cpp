@@ -25,6 +25,11 @@ PngRows::PngRows(Picture const& picture)
 {
 }
 
+std::size_t PngRows::filtered_size(std::size_t piece) const
+{
+    return std::min(rows_of_piece_, rows_ - piece * rows_of_piece_) * (row_bytes_ + 1);
+}
+
 void PngRows::filter(std::size_t piece, PngFilter filter, std::vector<std::uint8_t>& to) const
 {
     std::size_t const first = piece * rows_of_piece_;

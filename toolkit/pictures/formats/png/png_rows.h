@@ -15,6 +15,9 @@ public:
     std::size_t sample_bytes() const { return sample_size(picture_.type); }
     std::size_t pieces() const { return (rows_ - 1) / rows_of_piece_ + 1; }
 
+    /// Bytes of a piece's filtered rows.
+    std::size_t filtered_size(std::size_t piece) const;
+
     /// The filtered rows of a piece, each behind the number of its filter, in @p to, whose old bytes go.
     void filter(std::size_t piece, PngFilter filter, std::vector<std::uint8_t>& to) const;
 
