@@ -67,6 +67,14 @@ TEST_F(PngCheck, PassesWhatTheEncoderWrites)
     EXPECT_TRUE(holds(written(wide), wide));
 }
 
+TEST_F(PngCheck, PassesRowsWithFiltersOfTheirOwn)
+{
+    Picture picture = DecodedImage(UMBRIX_EXAMPLES "/textures/cobbles_height.png", "input", 1e8).picture();
+    EXPECT_TRUE(holds(written(picture), picture));
+    picture.bytes[77777] ^= 1;
+    EXPECT_FALSE(png_holds(file_, picture));
+}
+
 TEST_F(PngCheck, PassesWithAnyNumberOfThreads)
 {
     int const usual = omp_get_max_threads();

@@ -4,11 +4,14 @@
 #include "inflated.h"
 #include "toolkit/pictures/encoder.h"
 
+#include <bit>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <omp.h>
+#include <png.h>
 #include <random>
+#include <set>
 
 namespace umbrixlib::test {
 namespace {
@@ -194,6 +197,76 @@ TEST_F(PngEncoder, PacksWhatRepeatsItselfAndWhatDoesNot)
     EXPECT_LT(share(Content::kRepeated), 0.01);
     EXPECT_LT(share(Content::kSmooth), 0.35); // 2.3 bits of noise
     EXPECT_LT(share(Content::kNoise), 1.001);
+}
+
+/// What libpng makes of a picture if nothing is asked for.
+std::size_t size_by_libpng(Picture const& picture)
+{
+    constexpr int kColourTypes[] = {PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_GRAY_ALPHA, PNG_COLOR_TYPE_RGB,
+                                    PNG_COLOR_TYPE_RGB_ALPHA};
+    std::size_t size = 0;
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+    png_set_write_fn(
+        png, &size,
+        [](png_structp to, png_bytep, png_size_t count) {
+            *static_cast<std::size_t*>(png_get_io_ptr(to)) += count;
+        },
+        nullptr);
+    png_set_IHDR(png, info, static_cast<png_uint_32>(picture.width), static_cast<png_uint_32>(picture.height),
+                 static_cast<int>(8 * toolkit::sample_size(picture.type)), kColourTypes[picture.channels - 1],
+                 PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    png_write_info(png, info);
+    if (picture.type == SampleType::kUint16 && std::endian::native == std::endian::little) {
+        png_set_swap(png);
+    }
+    std::size_t const row = picture.bytes.size() / static_cast<std::size_t>(picture.height);
+    for (std::size_t y = static_cast<std::size_t>(picture.height); y > 0; --y) {
+        png_write_row(png, &picture.bytes[(y - 1) * row]);
+    }
+    png_write_end(png, info);
+    png_destroy_write_struct(&png, &info);
+    return size;
+}
+
+TEST_F(PngEncoder, MakesFilesAsSmallAsLibpngDoes)
+{
+    auto const expect_small = [&](Picture const& picture, std::string const& name, double more = 1.03) {
+        auto const of_pieces = static_cast<double>(picture.bytes.size()) / 2048; // headers
+        EXPECT_LE(static_cast<double>(written(picture).size()),
+                  more * static_cast<double>(size_by_libpng(picture)) + of_pieces)
+            << name;
+    };
+    for (auto const& each : std::filesystem::directory_iterator(UMBRIX_EXAMPLES "/textures")) {
+        expect_small(DecodedImage(each.path(), "input", 1e8).picture(), each.path().filename());
+    }
+    for (SampleType const type : {SampleType::kUint8, SampleType::kUint16}) {
+        for (Content const content : {Content::kNoise, Content::kSmooth, Content::kRepeated}) {
+            expect_small(picture_of(content, 700, 500, 3, type),
+                         "content " + std::to_string(static_cast<int>(content)));
+        }
+        expect_small(picture_of(Content::kMixed, 700, 500, 3, type), "stripes of all contents", 1.1);
+    }
+}
+
+TEST_F(PngEncoder, ChoosesAFilterForEachRowWhereThatPays)
+{
+    Picture const cobbles =
+        DecodedImage(UMBRIX_EXAMPLES "/textures/cobbles_height.png", "input", 1e8).picture();
+    std::vector<Chunk> const chunks = chunks_of(written(cobbles));
+    Bytes packed;
+    for (Chunk const& chunk : chunks) {
+        if (chunk.name == "IDAT") {
+            packed.insert(packed.end(), chunk.content.begin(), chunk.content.end());
+        }
+    }
+    Bytes const rows = inflated(packed, 15).bytes;
+    std::set<std::uint8_t> filters;
+    for (std::size_t at = 0; at < rows.size(); at += static_cast<std::size_t>(cobbles.width) + 1) {
+        filters.insert(rows[at]);
+    }
+    EXPECT_GT(filters.size(), 1U);
+    expect_sound(cobbles);
 }
 
 TEST_F(PngEncoder, RefusesFloatsAndFilesThatCannotBeWritten)

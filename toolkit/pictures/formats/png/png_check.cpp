@@ -80,11 +80,9 @@ public:
         }
         packed_.insert(packed_.end(), {0b011, 0}); // a last block, which is empty
         unpacked_.resize(rows_.filtered_size(piece));
-        if (!inflater_.inflate(packed_, unpacked_) ||
-            unpacked_.front() > static_cast<std::uint8_t>(PngFilter::kPaeth)) {
+        if (!inflater_.inflate(packed_, unpacked_) || !rows_.filter_like(piece, unpacked_, wanted_)) {
             return {};
         }
-        rows_.filter(piece, static_cast<PngFilter>(unpacked_.front()), wanted_);
         return {unpacked_ == wanted_, libdeflate_adler32(1, unpacked_.data(), unpacked_.size()),
                 unpacked_.size()};
     }

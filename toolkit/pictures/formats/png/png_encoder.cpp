@@ -11,7 +11,7 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-constexpr std::size_t kSamePlan = 8;     ///< Pieces that one of them speaks for.
+constexpr std::size_t kSamePlan = 32;    ///< Pieces that one of them speaks for.
 constexpr std::size_t kHeldPieces = 128; ///< Packed before they are written.
 
 /// One file.

@@ -11,6 +11,9 @@ namespace umbrixlib::toolkit {
 /// left + above - above left.
 enum class PngFilter : std::uint8_t { kNone, kSub, kUp, kAverage, kPaeth };
 
+constexpr PngFilter kPngFilters[] = {PngFilter::kNone, PngFilter::kSub, PngFilter::kUp, PngFilter::kAverage,
+                                     PngFilter::kPaeth};
+
 /// Filters one row.
 ///
 /// @param row   Its bytes.

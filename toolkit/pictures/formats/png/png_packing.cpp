@@ -5,10 +5,16 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-// libdeflate's levels: as small as libpng's default, or smaller. Low bytes of 16 bits hold few matches, which
-// a thorough search does not find either.
-constexpr int kLevelOf8Bits = 4;
-constexpr int kLevelOf16Bits = 1;
+// Levels of libdeflate.
+constexpr int kFastest = 1;
+constexpr int kSlower[] = {2, 4};
+constexpr int kLikeZlib = 6; ///< Packs about as well as zlib at its default level.
+
+/// Matches take several times as long as bytes by themselves, and have to save more than this part.
+constexpr std::uint64_t kWorthMatches = 12;
+
+/// So do filters chosen in each row, with the level that goes with them.
+constexpr std::size_t kWorthFiltersByRow = 50;
 
 constexpr std::uint64_t kShare = 1024; ///< A bit in `literal_bits`.
 
@@ -21,35 +27,46 @@ std::uint64_t bits_of_a_byte(LiteralBlock const& block, std::size_t bytes)
 
 PngPlan PngPacker::plan(std::size_t first_piece, std::size_t count)
 {
-    PngPlan best;
+    PngPlan alone;
     std::uint64_t least = UINT64_MAX;
-    for (PngFilter const filter :
-         {PngFilter::kNone, PngFilter::kSub, PngFilter::kUp, PngFilter::kAverage, PngFilter::kPaeth}) {
+    for (PngFilter const filter : kPngFilters) {
         rows_.filter_sample(first_piece, count, filter, filtered_);
         LiteralBlock const block(byte_counts(filtered_));
         if (block.size() < least) {
             least = block.size();
-            best = {filter, false, bits_of_a_byte(block, filtered_.size())};
+            alone = {filter, 0, bits_of_a_byte(block, filtered_.size())};
         }
     }
+    std::uint64_t const size_alone = least / 8;
+    PngPlan like_libpng{std::nullopt, kLikeZlib, alone.literal_bits};
+    auto const size_of = [&](PngPlan const& plan) {
+        rows_.filter_sample(first_piece, count, plan.filter, filtered_);
+        return deflater(plan.level).size_of(filtered_);
+    };
+    std::size_t const wanted = size_of(like_libpng);
     // With matches another filter may be the best one: what repeats itself has to stay the same.
-    std::uint64_t const alone = least / 8;
-    std::uint64_t const worth_more_tries = best.literal_bits < 6 * kShare ? alone + alone / 7 : alone;
-    PngFilter const filter_alone = best.filter;
-    least = alone;
-    for (PngFilter const filter : {PngFilter::kSub, PngFilter::kUp, PngFilter::kNone, filter_alone}) {
-        rows_.filter_sample(first_piece, count, filter, filtered_);
-        std::size_t const size = deflater().size_of(filtered_);
+    PngPlan best = alone;
+    least = size_alone;
+    for (auto const filter : {std::optional(PngFilter::kNone), std::optional(PngFilter::kSub),
+                              std::optional(PngFilter::kUp), alone.filter}) {
+        PngPlan const plan{filter, kFastest, alone.literal_bits};
+        std::size_t const size = size_of(plan);
         if (size < least) {
             least = size;
-            best.filter = filter;
-            best.matches = true;
+            best = plan;
         }
-        if (filter == PngFilter::kSub && size >= worth_more_tries) {
-            break; // none of the others is much better
+        if (filter == PngFilter::kSub && size_alone <= wanted &&
+            size_alone <= least + least / kWorthMatches) {
+            return alone;
         }
     }
-    return best;
+    for (int const level : kSlower) {
+        if (least > wanted) {
+            best.level = level;
+            least = size_of(best);
+        }
+    }
+    return least <= wanted + wanted / kWorthFiltersByRow ? best : like_libpng;
 }
 
 PngPacker::Packed PngPacker::pack(std::size_t piece, PngPlan const& plan)
@@ -58,23 +75,25 @@ PngPacker::Packed PngPacker::pack(std::size_t piece, PngPlan const& plan)
     Packed packed;
     packed.adler = libdeflate_adler32(packed.adler, filtered_.data(), filtered_.size());
     packed.length = filtered_.size();
+    if (plan.level > 0 && deflater(plan.level).append(filtered_, packed.bytes) &&
+        packed.bytes.size() <= filtered_.size() / 8) { // bytes by themselves take a bit or more
+        return packed;
+    }
     LiteralBlock const block(byte_counts(filtered_));
     bool const is_other = bits_of_a_byte(block, filtered_.size()) < plan.literal_bits * 3 / 4;
-    if (plan.matches || is_other) {
-        bool const known = deflater().append(filtered_, packed.bytes);
-        if (known && packed.bytes.size() <= block.size() / 8) {
-            return packed;
-        }
-        packed.bytes.clear();
+    if (plan.level == 0 && is_other) {
+        deflater(kFastest).append(filtered_, packed.bytes);
     }
-    block.append(filtered_, packed.bytes);
+    if (packed.bytes.empty() || packed.bytes.size() > block.size() / 8) {
+        packed.bytes.clear();
+        block.append(filtered_, packed.bytes);
+    }
     return packed;
 }
 
-MatchDeflater& PngPacker::deflater()
+MatchDeflater& PngPacker::deflater(int level)
 {
-    return deflater_ ? *deflater_
-                     : deflater_.emplace(rows_.sample_bytes() == 1 ? kLevelOf8Bits : kLevelOf16Bits);
+    return deflaters_.try_emplace(level, level).first->second;
 }
 
 } // namespace umbrixlib::toolkit

@@ -5,14 +5,15 @@
 #include "toolkit/pictures/formats/deflate/match_deflater.h"
 #include "toolkit/pictures/formats/png/png_rows.h"
 
+#include <map>
 #include <optional>
 
 namespace umbrixlib::toolkit {
 
 /// How the pieces of a part of a picture are packed.
 struct PngPlan {
-    PngFilter filter = PngFilter::kNone;
-    bool matches = false;           ///< Whether libdeflate finds more than the bytes by themselves tell.
+    std::optional<PngFilter> filter{}; ///< Empty: as libpng chooses in each row.
+    int level = 0; ///< libdeflate's; 0 if it finds no more than the bytes by themselves tell.
     std::uint64_t literal_bits = 0; ///< What a byte takes by itself, times 1024.
 };
 
@@ -21,7 +22,8 @@ class PngPacker {
 public:
     explicit PngPacker(PngRows const& rows) : rows_(rows) {}
 
-    /// Tries on a sample of @p count pieces what is best for them.
+    /// Tries on a sample of @p count pieces what is best for them: the fastest way to pack them that makes
+    /// them no larger than libpng does by default, with the filter that makes them smallest then.
     PngPlan plan(std::size_t first_piece, std::size_t count);
 
     /// A piece of a Deflate stream, with the check sum and the length of what it holds.
@@ -34,11 +36,11 @@ public:
     Packed pack(std::size_t piece, PngPlan const& plan);
 
 private:
-    MatchDeflater& deflater();
+    MatchDeflater& deflater(int level);
 
     PngRows const& rows_;
     std::vector<std::uint8_t> filtered_;
-    std::optional<MatchDeflater> deflater_; ///< Made when it is first needed.
+    std::map<int, MatchDeflater> deflaters_; ///< By their levels, made when they are first needed.
 };
 
 } // namespace umbrixlib::toolkit

@@ -4,6 +4,8 @@
 #include "toolkit/pictures/formats/png/png_filters.h"
 #include "toolkit/pictures/picture.h"
 
+#include <optional>
+
 namespace umbrixlib::toolkit {
 
 /// The rows of a picture as PNG has them: the top one first, the high byte of a sample first. Cut into
@@ -19,16 +21,24 @@ public:
     std::size_t filtered_size(std::size_t piece) const;
 
     /// The filtered rows of a piece, each behind the number of its filter, in @p to, whose old bytes go.
-    void filter(std::size_t piece, PngFilter filter, std::vector<std::uint8_t>& to) const;
+    /// @param filter Empty: in each row the one whose bytes, taken for numbers with a sign, have the least
+    ///               sum, as libpng chooses.
+    void filter(std::size_t piece, std::optional<PngFilter> filter, std::vector<std::uint8_t>& to) const;
+
+    /// The same with the filters that stand in @p filtered, of the same size. False if there is no such one.
+    bool filter_like(std::size_t piece, std::span<std::uint8_t const> filtered,
+                     std::vector<std::uint8_t>& to) const;
 
     /// The same of some of the rows of @p count pieces, in stripes spread over them: what shows how all of
     /// them are packed best.
-    void filter_sample(std::size_t first_piece, std::size_t count, PngFilter filter,
+    void filter_sample(std::size_t first_piece, std::size_t count, std::optional<PngFilter> filter,
                        std::vector<std::uint8_t>& to) const;
 
 private:
     /// Appends rows @p first to @p last - 1, filtered.
-    void append(std::size_t first, std::size_t last, PngFilter filter, std::vector<std::uint8_t>& to) const;
+    /// @param filter The filter of the row that it is given, if it is to be that one.
+    template <typename FilterOfRow>
+    void append(std::size_t first, std::size_t last, FilterOfRow filter, std::vector<std::uint8_t>& to) const;
 
     /// Row @p y in the order of the file: the picture's own bytes, or those of @p room.
     std::uint8_t const* row(std::size_t y, std::vector<std::uint8_t>& room) const;
