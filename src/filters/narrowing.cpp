@@ -38,6 +38,29 @@ void to_map_bytes(float const* values, std::ptrdiff_t count, unsigned char* byte
     }
 }
 
+/// The same in two loops. Values far from -1..1, which a conversion may not hold, go one by one.
+void to_normal_bytes(float const* components, std::ptrdiff_t count, unsigned char* bytes)
+{
+    constexpr float kFar = 1000.0f;
+    int whole[3 * kByteBlock];
+    int near = 1;
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        near &= static_cast<int>(components[i] > -kFar) & static_cast<int>(components[i] < kFar);
+    }
+    if (near == 0) {
+        for (std::ptrdiff_t i = 0; i < count; ++i) {
+            bytes[i] = normal_byte(components[i]);
+        }
+        return;
+    }
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        whole[i] = static_cast<int>((wide(components[i]) + 1.0) * 0.5 * 255.0);
+    }
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        bytes[i] = static_cast<unsigned char>(static_cast<unsigned>(whole[i]) & 0xffU);
+    }
+}
+
 } // namespace detail
 
 using namespace detail;
@@ -69,11 +92,7 @@ void map_to_bytes(float3 const* map, std::ptrdiff_t texels, unsigned char* bytes
 void normals_to_bytes(float3 const* normals, std::ptrdiff_t texels, unsigned char* bytes)
 {
     for_blocks(texels, [=](std::ptrdiff_t first, std::ptrdiff_t count) {
-        for (std::ptrdiff_t i = first; i < first + count; ++i) {
-            bytes[3 * i] = normal_byte(normals[i].x);
-            bytes[3 * i + 1] = normal_byte(normals[i].y);
-            bytes[3 * i + 2] = normal_byte(normals[i].z);
-        }
+        to_normal_bytes(&normals[first].x, 3 * count, bytes + 3 * first);
     });
 }
 

@@ -14,6 +14,9 @@ inline constexpr std::ptrdiff_t kByteBlock = 256;
 /// Bytes of at most 3 * kByteBlock values of a map.
 void to_map_bytes(float const* values, std::ptrdiff_t count, unsigned char* bytes);
 
+/// normal_byte() of at most 3 * kByteBlock components.
+void to_normal_bytes(float const* components, std::ptrdiff_t count, unsigned char* bytes);
+
 /// -1..1 as 0..255, truncated. What lies outside wraps around.
 inline unsigned char normal_byte(float component)
 {
