@@ -63,15 +63,17 @@ DecodedImage decode_input(Source const& source, Observer& observer)
 
 PreparedInput prepare_input(Source const& source, Observer& observer)
 {
-    DecodedImage const image = decode_input(source, observer);
+    DecodedImage image = decode_input(source, observer);
     note_conversion(image, source, observer);
     for (std::string const& note : image.notes()) {
         observer.note(source.name, {note});
     }
-    Picture picture = image.to_picture(image.has_alpha());
-    KindGuess guess = guess_kind(picture, source.file);
-    return {image.width(), image.height(),   image.has_alpha(), image.description(),
-            picture.type,  std::move(guess), std::move(picture)};
+    PreparedInput input{image.width(),        image.height(),        image.has_alpha(), image.description(),
+                        image.picture().type, KindGuess{Kind{}, ""}, Picture{}};
+    input.picture =
+        image.picture().channels < 3 ? image.to_picture(input.has_alpha) : image.release_picture();
+    input.guess = guess_kind(input.picture, source.file);
+    return input;
 }
 
 } // namespace umbrixlib::toolkit
