@@ -60,8 +60,8 @@ TEST_F(ListCommand, RefusesWhatAJobDoesNotHold)
 {
     done({"add", "x.ulist", "hill.tga"});
     Bytes const before = read("x.ulist");
-    for (char const* option : {"--depth=16", "--round=nearest", "--dither", "--invert", "--height-range=0,1",
-                               "--replace-invalid=0", "--height-from=r"}) {
+    for (char const* option : {"--depth=16", "--round=nearest", "--dither", "--compression=fast", "--invert",
+                               "--height-range=0,1", "--replace-invalid=0", "--height-from=r"}) {
         std::string const text = option;
         std::string const name = text.substr(0, text.find('='));
         for (Arguments const& start :

@@ -59,9 +59,11 @@ std::uint8_t road_of(Graphics const& graphics)
     return static_cast<std::uint8_t>(graphics.device ? (graphics.match_cpu ? 2 : 1) : 0);
 }
 
-/// Adds to what a picture is made of how it is saved; as lists always were, nothing.
-void add_saving(std::vector<unsigned char>& made_of, Saving const& saving)
+/// Adds to what a picture is made of how it is saved; as lists always were, nothing. Its compression does not
+/// make another picture.
+void add_saving(std::vector<unsigned char>& made_of, Saving saving)
 {
+    saving.compression = Compression::kDefault;
     if (saving != Saving{}) {
         int const depth = saving.depth ? static_cast<int>(*saving.depth) : -1;
         for (int const each : {depth, static_cast<int>(saving.rounding), saving.dither ? 1 : 0}) {

@@ -80,7 +80,7 @@ void check_size(OutputFormat const& format, std::string const& name, int width, 
 }
 
 void write_picture(std::filesystem::path const& file, OutputFormat const& format, std::string const& name,
-                   Picture const& picture, Observer& observer)
+                   Picture const& picture, Compression compression, Observer& observer)
 {
     check_size(format, name, picture.width, picture.height);
     if (format.heights_only && picture.channels > 2) {
@@ -90,7 +90,7 @@ void write_picture(std::filesystem::path const& file, OutputFormat const& format
     Picture const opaque = leaves_alpha_out ? without_alpha(picture) : Picture{};
     Picture const& stored = leaves_alpha_out ? opaque : picture;
     observer.begin(Phase::kWriting, name);
-    bool const saved = format.encoder->encode(file, stored) && flush_to_disk(file);
+    bool const saved = format.encoder->encode_as(file, stored, compression) && flush_to_disk(file);
     observer.begin(Phase::kChecking, name);
     if (saved && reads_back(file, format, stored)) {
         return;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/base/compression.h"
 #include "toolkit/base/observer.h"
 #include "toolkit/pictures/output_format.h"
 #include "toolkit/pictures/picture.h"
@@ -17,6 +18,6 @@ void check_size(OutputFormat const& format, std::string const& name, int width, 
 /// does not hold is left out. Then reads it back, because some encoders report success on a full disk, too: a
 /// lossless format has to give the same picture, the others the same size. Failures are about @p name.
 void write_picture(std::filesystem::path const& file, OutputFormat const& format, std::string const& name,
-                   Picture const& picture, Observer& observer);
+                   Picture const& picture, Compression compression, Observer& observer);
 
 } // namespace umbrixlib::toolkit

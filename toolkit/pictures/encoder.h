@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/base/compression.h"
 #include "toolkit/pictures/picture.h"
 
 #include <filesystem>
@@ -18,6 +19,13 @@ public:
     /// the same bytes. False if the file could not be written to its end, or the format has not the picture's
     /// sample type; each below tells its types.
     virtual bool encode(std::filesystem::path const& file, Picture const& picture) const = 0;
+
+    /// The same with a compression that formats without a choice do not look at.
+    virtual bool encode_as(std::filesystem::path const& file, Picture const& picture,
+                           Compression /*compression*/) const
+    {
+        return encode(file, picture);
+    }
 
     /// A quicker look than a decoder's at what encode() wrote: whether @p file is whole and holds
     /// @p picture. Empty if there is none for the format.

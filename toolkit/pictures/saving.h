@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/base/compression.h"
 #include "toolkit/base/depth.h"
 #include "toolkit/pictures/picture.h"
 
@@ -22,6 +23,7 @@ struct Saving {
     std::optional<SampleType> depth; ///< Of the samples. Empty: what the format holds as a rule.
     Rounding rounding = Rounding::kCut;
     bool dither = false; ///< Of bytes: noise hides their steps. The same picture has the same noise.
+    Compression compression = Compression::kDefault;
 
     bool operator==(Saving const&) const = default;
 };

@@ -79,7 +79,8 @@ ConvertReport run(ConvertJob const& job, Observer& observer)
         observer.note(name, {fmt::format("its alpha is left out, as {} files have none", format.extension)});
     }
     report.to = description_of(picture);
-    write_picture(files.output.file, format, files.output.name, picture, observer);
+    write_picture(files.output.file, format, files.output.name, picture, files.output.saving.compression,
+                  observer);
     return report;
 }
 

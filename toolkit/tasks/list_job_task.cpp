@@ -74,7 +74,8 @@ ListReport run(ListJob const& job, Observer& observer)
         {has_layers ? no_samples : input.picture, settings, kind_of(job.data), false, job.graphics},
         observer);
     map.attributes = attributes_of_map("list", settings);
-    write_picture(files.output.file, format, files.output.name, map, observer);
+    write_picture(files.output.file, format, files.output.name, map, files.output.saving.compression,
+                  observer);
     return {map.width, map.height, kind_of(job.data)};
 }
 

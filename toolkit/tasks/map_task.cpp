@@ -146,7 +146,8 @@ MapReport run(MapJob const& job, Observer& observer)
     Picture map = make_map(job, input.picture, options, as, report, observer);
     note_lost_light(map, files.input, {input.picture, job.settings, kind, false, job.graphics}, observer);
     map.attributes = attributes_of_map("map", job.settings);
-    write_picture(files.output.file, format, files.output.name, map, observer);
+    write_picture(files.output.file, format, files.output.name, map, files.output.saving.compression,
+                  observer);
     return report;
 }
 

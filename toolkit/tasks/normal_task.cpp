@@ -75,7 +75,8 @@ NormalReport run(NormalJob const& job, Observer& observer)
     NormalsResult const made = make_normals(job, input.picture, n_scale, observer);
     Picture normals = save(made, job.normal_y, as);
     normals.attributes = attributes_of_normals("normal", job.normal_y, as.depth);
-    write_picture(files.output.file, format, files.output.name, normals, observer);
+    write_picture(files.output.file, format, files.output.name, normals, files.output.saving.compression,
+                  observer);
     return {input.width, input.height, n_scale, range};
 }
 

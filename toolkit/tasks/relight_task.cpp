@@ -51,7 +51,8 @@ RelightReport run(RelightJob const& job, Observer& observer)
                       ? relit(input.picture, job.light, look, as)
                       : turntable(input.picture, job.light, look, job.directions, job.cell, as);
     lit.attributes = attributes_of_light("relight");
-    write_picture(files.output.file, format, files.output.name, lit, observer);
+    write_picture(files.output.file, format, files.output.name, lit, files.output.saving.compression,
+                  observer);
     return {lit.width, lit.height};
 }
 

@@ -299,7 +299,8 @@ SampleType deepest_heights(ReadyStack const& stack)
 void write_output(Output const& output, Picture&& picture, Attributes&& attributes, Observer& observer)
 {
     picture.attributes = std::move(attributes);
-    write_picture(output.file, *output_format(output.file), output.name, picture, observer);
+    write_picture(output.file, *output_format(output.file), output.name, picture, output.saving.compression,
+                  observer);
 }
 
 } // namespace

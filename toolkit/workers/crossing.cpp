@@ -28,7 +28,8 @@ struct FieldsOf;
     };
 #define UMBRIX_FIELD(name) std::pair(#name, &R::name)
 
-UMBRIX_FIELDS(Saving, UMBRIX_FIELD(depth), UMBRIX_FIELD(rounding), UMBRIX_FIELD(dither))
+UMBRIX_FIELDS(Saving, UMBRIX_FIELD(depth), UMBRIX_FIELD(rounding), UMBRIX_FIELD(dither),
+              UMBRIX_FIELD(compression))
 UMBRIX_FIELDS(Output, UMBRIX_FIELD(file), UMBRIX_FIELD(name), UMBRIX_FIELD(saving))
 UMBRIX_FIELDS(JobFiles, UMBRIX_FIELD(input), UMBRIX_FIELD(output), UMBRIX_FIELD(max_texels))
 UMBRIX_FIELDS(Graphics, UMBRIX_FIELD(device), UMBRIX_FIELD(match_cpu))

@@ -49,6 +49,22 @@ void declare_saving(CLI::App& command, Saving& saving)
         ->group(kSaving);
     command.add_flag("--dither", saving.dither, "Hide the steps of 8 bits with noise, the same in every run")
         ->group(kSaving);
+    std::function<void(std::string const&)> const parse_compression = [&saving](std::string const& text) {
+        if (text != "fast" && text != "default" && text != "small") {
+            throw CLI::ValidationError("--compression",
+                                       fmt::format("'{}' is not one of fast, default, small", text));
+        }
+        saving.compression = text == "fast"    ? Compression::kFast
+                             : text == "small" ? Compression::kSmall
+                                               : Compression::kDefault;
+    };
+    command
+        .add_option_function<std::string>(
+            "--compression", parse_compression,
+            "What the writing of PNG files saves, time or bytes; the picture is the same "
+            "[fast, default, small]")
+        ->type_name("WHAT")
+        ->group(kSaving);
 }
 
 Saving with_depth(Saving saving, std::optional<umbrixlib::SampleType> depth)

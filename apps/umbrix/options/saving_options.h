@@ -9,7 +9,7 @@
 
 namespace umbrix_cli {
 
-/// Adds --depth, --round and --dither to @p command.
+/// Adds --depth, --round, --dither and --compression to @p command.
 void declare_saving(CLI::App& command, Saving& saving);
 
 /// Adds --depth alone.

@@ -72,6 +72,24 @@ TEST_F(ConvertCommand, RoundsOnDemand)
     EXPECT_NE(run({"info", "near.png"}).out.find("grey  1 to 127"), std::string::npos);
 }
 
+TEST_F(ConvertCommand, SavesTimeOrBytesOnDemand)
+{
+    std::string const source = UMBRIX_EXAMPLES "/textures/cobbles_height.png";
+    for (char const* const compression : {"fast", "default", "small"}) {
+        convert({source, "-o", fmt::format("{}.png", compression), "--compression", compression});
+        convert({fmt::format("{}.png", compression), "-o", fmt::format("{}.tga", compression)});
+        EXPECT_EQ(read(fmt::format("{}.tga", compression)), read("fast.tga")) << compression;
+    }
+    convert({source, "-o", "unsaid.png"});
+    EXPECT_EQ(read("unsaid.png"), read("default.png"));
+    EXPECT_LT(read("default.png").size(), read("fast.png").size());
+    EXPECT_LT(read("small.png").size(), read("default.png").size());
+    Outcome const outcome = run({"convert", source, "-o", "x.png", "--compression", "none"});
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_NE(outcome.err.find("'none' is not one of fast, default, small"), std::string::npos)
+        << outcome.err;
+}
+
 TEST_F(ConvertCommand, TakesOneChannel)
 {
     write("x.png", png_bytes(1, PngColour::kRgba, 8, {{10, 20, 30, 40}}));

@@ -56,7 +56,7 @@ protected:
         format.encoder = &encoder;
         Observer nobody;
         try {
-            write_picture(file, format, "output", picture_, nobody);
+            write_picture(file, format, "output", picture_, Compression::kDefault, nobody);
             return std::nullopt;
         } catch (Failure const& failure) {
             EXPECT_EQ(failure.subject, "output");

@@ -48,6 +48,12 @@ public:
         ++coding_count.encoded;
         return real_.encode(file, picture);
     }
+    bool encode_as(std::filesystem::path const& file, toolkit::Picture const& picture,
+                   toolkit::Compression compression) const override
+    {
+        ++coding_count.encoded;
+        return real_.encode_as(file, picture, compression);
+    }
     std::optional<bool> holds(std::filesystem::path const& file,
                               toolkit::Picture const& picture) const override
     {

@@ -50,8 +50,13 @@ struct Foreign {
 };
 
 constexpr Foreign kForeign[] = {
-    {"--depth", false, true},        {"--round", false, true},         {"--dither", true, true},
-    {"--invert", true, false},       {"--height-range", false, false}, {"--replace-invalid", false, false},
+    {"--depth", false, true},
+    {"--round", false, true},
+    {"--dither", true, true},
+    {"--compression", false, true},
+    {"--invert", true, false},
+    {"--height-range", false, false},
+    {"--replace-invalid", false, false},
     {"--height-from", false, false},
 };
 

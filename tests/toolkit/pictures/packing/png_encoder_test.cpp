@@ -269,6 +269,33 @@ TEST_F(PngEncoder, ChoosesAFilterForEachRowWhereThatPays)
     expect_sound(cobbles);
 }
 
+TEST_F(PngEncoder, SavesTimeOrBytesAsAskedFor)
+{
+    auto const size = [&](Picture const& picture, toolkit::Compression compression) {
+        std::filesystem::path const file = folder_ / "c.png";
+        EXPECT_TRUE(toolkit::png_encoder().encode_as(file, picture, compression));
+        EXPECT_TRUE(toolkit::png_encoder().holds(file, picture).value_or(false));
+        EXPECT_TRUE(DecodedImage(file, "input", 1e8).picture().bytes == picture.bytes);
+        return std::filesystem::file_size(file);
+    };
+    using enum toolkit::Compression;
+    // Bricks have no matches worth having.
+    for (auto const& [name, differ] : {std::pair("cobbles_height.png", true), {"bricks_normal.png", false}}) {
+        Picture const picture =
+            DecodedImage(std::filesystem::path(UMBRIX_EXAMPLES "/textures") / name, "input", 1e8).picture();
+        std::uintmax_t const usual = size(picture, kDefault);
+        EXPECT_EQ(usual, written(picture).size());
+        EXPECT_EQ(size(picture, kSmall) < usual, differ) << name;
+        EXPECT_EQ(usual < size(picture, kFast), differ) << name;
+    }
+    for (Content const content :
+         {Content::kFlat, Content::kNoise, Content::kSmooth, Content::kRepeated, Content::kMixed}) {
+        for (auto const compression : {kFast, kSmall}) {
+            size(picture_of(content, 397, 301, 3, SampleType::kUint16), compression);
+        }
+    }
+}
+
 TEST_F(PngEncoder, RefusesFloatsAndFilesThatCannotBeWritten)
 {
     for (SampleType const type : {SampleType::kHalf, SampleType::kFloat}) {

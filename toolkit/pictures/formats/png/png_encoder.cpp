@@ -17,8 +17,8 @@ constexpr std::size_t kHeldPieces = 128; ///< Packed before they are written.
 /// One file.
 class PngWriter {
 public:
-    PngWriter(OutputStream& stream, Picture const& picture)
-        : stream_(stream), picture_(picture), rows_(picture)
+    PngWriter(OutputStream& stream, Picture const& picture, Compression compression)
+        : stream_(stream), picture_(picture), compression_(compression), rows_(picture)
     {
     }
 
@@ -37,14 +37,14 @@ private:
     {
         std::vector<PngPlan> plans((count - 1) / kSamePlan + 1);
         on_all_threads(plans.size(), [&](auto next) {
-            PngPacker packer(rows_);
+            PngPacker packer(rows_, compression_);
             for (std::size_t i = next(); i < plans.size(); i = next()) {
                 plans[i] = packer.plan(first + i * kSamePlan, kSamePlan);
             }
         });
         std::vector<PngPacker::Packed> packed(count);
         on_all_threads(count, [&](auto next) {
-            PngPacker packer(rows_);
+            PngPacker packer(rows_, compression_);
             for (std::size_t i = next(); i < count; i = next()) {
                 packed[i] = packer.pack(first + i, plans[i / kSamePlan]);
             }
@@ -60,6 +60,7 @@ private:
 
     OutputStream& stream_;
     Picture const& picture_;
+    Compression compression_;
     PngRows rows_;
     std::uint32_t adler_ = 1;
 };
@@ -69,11 +70,17 @@ class PngEncoder : public Encoder {
 public:
     bool encode(std::filesystem::path const& file, Picture const& picture) const override
     {
+        return encode_as(file, picture, Compression::kDefault);
+    }
+
+    bool encode_as(std::filesystem::path const& file, Picture const& picture,
+                   Compression compression) const override
+    {
         if (picture.type != SampleType::kUint8 && picture.type != SampleType::kUint16) {
             return false;
         }
         OutputStream stream(file);
-        bool const written = PngWriter(stream, picture).write();
+        bool const written = PngWriter(stream, picture, compression).write();
         return stream.close() && written;
     }
 

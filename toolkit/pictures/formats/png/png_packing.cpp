@@ -9,9 +9,11 @@ namespace {
 constexpr int kFastest = 1;
 constexpr int kSlower[] = {2, 4};
 constexpr int kLikeZlib = 6; ///< Packs about as well as zlib at its default level.
+constexpr int kSmallest = 9;
 
 /// Matches take several times as long as bytes by themselves, and have to save more than this part.
-constexpr std::uint64_t kWorthMatches = 12;
+constexpr std::size_t kWorthMatches = 12;
+constexpr std::size_t kWorthMatchesIfFast = 3;
 
 /// So do filters chosen in each row, with the level that goes with them.
 constexpr std::size_t kWorthFiltersByRow = 50;
@@ -27,46 +29,82 @@ std::uint64_t bits_of_a_byte(LiteralBlock const& block, std::size_t bytes)
 
 PngPlan PngPacker::plan(std::size_t first_piece, std::size_t count)
 {
-    PngPlan alone;
+    PngPlan const alone = plan_alone(first_piece, count);
+    return compression_ == Compression::kSmall ? plan_small(first_piece, count, alone)
+                                               : plan_usual(first_piece, count, alone);
+}
+
+/// The best one without matches.
+PngPlan PngPacker::plan_alone(std::size_t first_piece, std::size_t count)
+{
+    PngPlan best;
     std::uint64_t least = UINT64_MAX;
     for (PngFilter const filter : kPngFilters) {
         rows_.filter_sample(first_piece, count, filter, filtered_);
         LiteralBlock const block(byte_counts(filtered_));
         if (block.size() < least) {
             least = block.size();
-            alone = {filter, 0, bits_of_a_byte(block, filtered_.size())};
+            best = {filter, 0, bits_of_a_byte(block, filtered_.size())};
         }
     }
-    std::uint64_t const size_alone = least / 8;
-    PngPlan like_libpng{std::nullopt, kLikeZlib, alone.literal_bits};
-    auto const size_of = [&](PngPlan const& plan) {
-        rows_.filter_sample(first_piece, count, plan.filter, filtered_);
-        return deflater(plan.level).size_of(filtered_);
-    };
-    std::size_t const wanted = size_of(like_libpng);
+    return best;
+}
+
+PngPlan PngPacker::plan_usual(std::size_t first_piece, std::size_t count, PngPlan const& alone)
+{
+    bool const fast = compression_ == Compression::kFast;
+    PngPlan const like_libpng{std::nullopt, kLikeZlib, alone.literal_bits};
+    std::size_t const wanted = fast ? SIZE_MAX : size_of_sample(first_piece, count, like_libpng);
+    std::size_t const worth_matches = fast ? kWorthMatchesIfFast : kWorthMatches;
+    std::size_t const size_alone = size_of_sample(first_piece, count, alone);
     // With matches another filter may be the best one: what repeats itself has to stay the same.
     PngPlan best = alone;
-    least = size_alone;
+    std::size_t least = size_alone;
     for (auto const filter : {std::optional(PngFilter::kNone), std::optional(PngFilter::kSub),
                               std::optional(PngFilter::kUp), alone.filter}) {
         PngPlan const plan{filter, kFastest, alone.literal_bits};
-        std::size_t const size = size_of(plan);
+        std::size_t const size = size_of_sample(first_piece, count, plan);
         if (size < least) {
             least = size;
             best = plan;
         }
         if (filter == PngFilter::kSub && size_alone <= wanted &&
-            size_alone <= least + least / kWorthMatches) {
+            size_alone <= least + least / worth_matches) {
             return alone;
         }
     }
     for (int const level : kSlower) {
         if (least > wanted) {
             best.level = level;
-            least = size_of(best);
+            least = size_of_sample(first_piece, count, best);
         }
     }
-    return least <= wanted + wanted / kWorthFiltersByRow ? best : like_libpng;
+    return fast || least <= wanted + wanted / kWorthFiltersByRow ? best : like_libpng;
+}
+
+PngPlan PngPacker::plan_small(std::size_t first_piece, std::size_t count, PngPlan const& alone)
+{
+    PngPlan best = alone;
+    std::size_t least = size_of_sample(first_piece, count, alone);
+    for (std::size_t i = 0; i <= std::size(kPngFilters); ++i) {
+        PngPlan plan{std::nullopt, kSmallest, alone.literal_bits};
+        if (i < std::size(kPngFilters)) {
+            plan.filter = kPngFilters[i];
+        }
+        std::size_t const size = size_of_sample(first_piece, count, plan);
+        if (size < least) {
+            least = size;
+            best = plan;
+        }
+    }
+    return best;
+}
+
+std::size_t PngPacker::size_of_sample(std::size_t first_piece, std::size_t count, PngPlan const& plan)
+{
+    rows_.filter_sample(first_piece, count, plan.filter, filtered_);
+    return plan.level > 0 ? deflater(plan.level).size_of(filtered_)
+                          : LiteralBlock(byte_counts(filtered_)).size() / 8;
 }
 
 PngPacker::Packed PngPacker::pack(std::size_t piece, PngPlan const& plan)
