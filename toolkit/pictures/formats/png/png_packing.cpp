@@ -11,6 +11,9 @@ constexpr int kSlower[] = {2, 4};
 constexpr int kLikeZlib = 6; ///< Packs about as well as zlib at its default level.
 constexpr int kSmallest = 9;
 
+/// Of so few bytes each try takes longer than the best way saves.
+constexpr std::size_t kFewBytes = std::size_t{16} * 1024;
+
 /// Matches take several times as long as bytes by themselves, and have to save more than this part.
 constexpr std::size_t kWorthMatches = 12;
 constexpr std::size_t kWorthMatchesIfFast = 3;
@@ -57,6 +60,9 @@ PngPlan PngPacker::plan_usual(std::size_t first_piece, std::size_t count, PngPla
     std::size_t const wanted = fast ? SIZE_MAX : size_of_sample(first_piece, count, like_libpng);
     std::size_t const worth_matches = fast ? kWorthMatchesIfFast : kWorthMatches;
     std::size_t const size_alone = size_of_sample(first_piece, count, alone);
+    if (filtered_.size() <= kFewBytes) {
+        return size_alone <= wanted ? alone : like_libpng;
+    }
     // With matches another filter may be the best one: what repeats itself has to stay the same.
     PngPlan best = alone;
     std::size_t least = size_alone;
