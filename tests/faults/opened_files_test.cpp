@@ -73,6 +73,9 @@ private:
             return std::nullopt;
         }
         std::string const name = name_of(asked, values[is_at ? 1 : 0]);
+        if (name.starts_with("/dev/shm/__KMP_REGISTERED_LIB_")) {
+            return std::nullopt; // clang's OpenMP looks whether the process has another one
+        }
         // Whoever removes leftovers asks each temporary for its lock, and leaves the bytes alone.
         bool const keeps_bytes = (flags & (O_CREAT | O_TRUNC)) == 0;
         return name == "temporary" && keeps_bytes ? "lock of a temporary" : name;
