@@ -60,7 +60,7 @@ TEST(LargeArray, OfMoreThanThereIsRaises)
     // A compiler may leave out an allocation that nobody looks at.
     static void const* volatile looked_at = nullptr;
     for (std::size_t const count : {SIZE_MAX / 8, SIZE_MAX / 16 + 1}) {
-        EXPECT_THROW(looked_at = make_large_array<std::uint64_t>(count).get(), std::bad_alloc);
+        EXPECT_THROW(looked_at = make_large_array<std::uint64_t>(count).get(), std::bad_alloc) << looked_at;
     }
 }
 

@@ -56,6 +56,10 @@ protected:
         std::printf("%-8s needs %4.0f MiB\n", arguments[0].c_str(), megabytes);
         EXPECT_EQ(run_within(megabytes * 1.1, arguments).code, 0);
         for (double const share : {0.9, 0.8, 0.7, 0.6, 0.5, 0.4}) {
+            if (run_within(share * megabytes, {"--version"}).code != 0) {
+                EXPECT_LT(share, 0.65) << "the program itself has no room";
+                break;
+            }
             Outcome const outcome = run_within(share * megabytes, arguments);
             EXPECT_EQ(outcome.code, 1) << share;
             EXPECT_TRUE(complains_about(outcome, "umbrix " + arguments[0], arguments[1]) ||
