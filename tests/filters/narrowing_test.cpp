@@ -55,5 +55,28 @@ TEST(NormalBytes, OfWhatFitsNoNumberAreThoseOfEachComponent)
     }
 }
 
+TEST(MapBytes, OfThreeChannelsAreThoseOfFourWithoutTheAlpha)
+{
+    std::vector<float3> const colours = random_normals(1000, 1.5f);
+    std::vector<float4> with_alpha;
+    for (float3 const& colour : colours) {
+        with_alpha.push_back({colour.x, colour.y, colour.z, 0.25f});
+    }
+    for (std::size_t const texels : {std::size_t{0}, std::size_t{1}, std::size_t{255}, colours.size()}) {
+        std::vector<unsigned char> three(3 * texels);
+        std::vector<unsigned char> of_four(3 * texels);
+        std::vector<unsigned char> four(4 * texels);
+        auto const count = static_cast<std::ptrdiff_t>(texels);
+        map_to_bytes(colours.data(), count, three.data());
+        map_to_bytes(with_alpha.data(), count, 3, of_four.data());
+        map_to_bytes(with_alpha.data(), count, 4, four.data());
+        EXPECT_EQ(three, of_four);
+        for (std::size_t i = 0; i < texels; ++i) {
+            ASSERT_EQ(three[3 * i + 1], four[4 * i + 1]) << i;
+            ASSERT_EQ(four[4 * i + 3], 63) << i;
+        }
+    }
+}
+
 } // namespace
 } // namespace umbrixlib

@@ -110,6 +110,59 @@ TEST_F(Dds, WithDx10HeaderIsToldByItsNumber)
               (Numbers{65535, 0, 0, 65535}));
 }
 
+TEST_F(Dds, WithoutATypeIsThatOfThePlainOne)
+{
+    Bytes block;
+    for (unsigned i = 0; i < 16; ++i) {
+        block.push_back(static_cast<std::uint8_t>(17 * i + 3));
+    }
+    for (auto const& [untyped, typed] : std::map<unsigned, unsigned>{
+             {70, 71}, {73, 74}, {76, 77}, {79, 80}, {82, 83}, {72, 71}, {75, 74}, {78, 77}}) {
+        EXPECT_EQ(of_block({.dxgi = untyped}, block), of_block({.dxgi = typed}, block)) << untyped;
+    }
+    for (auto const& [untyped, typed] :
+         std::map<unsigned, unsigned>{{27, 28}, {90, 87}, {92, 88}, {93, 88}, {65, 61}}) {
+        EXPECT_EQ(colours(1, 1, {.dxgi = untyped}, {1, 2, 3, 4}),
+                  colours(1, 1, {.dxgi = typed}, {1, 2, 3, 4}))
+            << untyped;
+    }
+}
+
+TEST_F(Dds, OfFewBitsSpreadsThemOverAByte)
+{
+    EXPECT_EQ(colours(1, 1, {.dxgi = 86}, {0x1f, 0xc0}), (Numbers{132, 0, 255, 255}));
+    EXPECT_EQ(colours(1, 1, {.dxgi = 86}, {0xe0, 0x03}), (Numbers{0, 255, 0, 0}));
+    EXPECT_EQ(colours(1, 1, {.dxgi = 115}, {0x12, 0xf3}), (Numbers{51, 17, 34, 255}));
+}
+
+TEST_F(Dds, OfHalvesAndFloatsIsToldByNumbersOfBothKinds)
+{
+    Bytes const halves{0, 0x38, 0, 0xbc, 0, 0x3c, 0, 0}; // 0.5, -1, 1, 0
+    Bytes const floats = FileBuilder().f32({0.5f, -1.0f, 1.0f, 0.0f});
+    struct Row {
+        std::uint8_t code;
+        unsigned dxgi;
+        bool half;
+        int channels;
+    };
+    for (Row const& row : {Row{111, 54, true, 1}, Row{112, 34, true, 2}, Row{113, 10, true, 4},
+                           Row{114, 41, false, 1}, Row{115, 16, false, 2}, Row{116, 2, false, 4}}) {
+        Bytes const& data = row.half ? halves : floats;
+        for (DdsForm const& form :
+             {DdsForm{.code = {static_cast<char>(row.code), 0, 0, 0}}, DdsForm{.dxgi = row.dxgi}}) {
+            DecodedImage const read = image(1, 1, form, data);
+            Picture const picture = toolkit::in_floats(read.to_picture(row.channels == 4));
+            auto const samples = picture.samples<float>();
+            ASSERT_EQ(samples.size(), row.channels == 4 ? 4U : 3U) << row.dxgi;
+            EXPECT_EQ(samples[0], 0.5f) << row.dxgi;
+            EXPECT_EQ(samples[1], row.channels == 1 ? 0.5f : -1.0f) << row.dxgi;
+            EXPECT_EQ(samples[2], row.channels == 1 ? 0.5f : row.channels == 2 ? 0.0f : 1.0f) << row.dxgi;
+        }
+    }
+    EXPECT_EQ(shorts_of(image(1, 1, {.code = {36, 0, 0, 0}}, {1, 0, 2, 0, 3, 0, 4, 1}).to_picture(true)),
+              (Numbers{1, 2, 3, 260}));
+}
+
 TEST_F(Dds, OfHalvesAndFloatsKeepsThem)
 {
     Picture const halves = image(1, 1, {.dxgi = 10}, {0, 0x3c, 0, 0x40, 0, 0xbc, 0, 0}).to_picture(true);
@@ -223,6 +276,8 @@ TEST_F(Dds, OfSeveralPicturesGivesTheFirst)
     form.what = 0x200000;
     form.depth = 2;
     EXPECT_EQ(notes_of(dds_file(1, 1, form, {1, 2})), (Notes{"the first of its 2 slices is taken"}));
+    EXPECT_EQ(notes_of(dds_file(1, 1, {.dxgi = 61, .what = 0x200}, {1, 2, 3, 4, 5, 6})),
+              (Notes{"the first face of its cube is taken"}));
     EXPECT_EQ(notes_of(dds_file(1, 1, {.dxgi = 61, .array = 3}, {1, 2, 3})),
               (Notes{"the first of its 3 pictures is taken"}));
 }
@@ -239,6 +294,10 @@ TEST_F(Dds, ThatIsNotTakenIsRefusedByItsName)
               "it is a DDS file of the form UYVY");
     EXPECT_EQ(complaint(dds_file(4, 4, {.flags = 0x20, .bits = 8}, data), "x.dds"),
               "it is a DDS file of a palette");
+    EXPECT_EQ(
+        complaint(dds_file(4, 4, {.flags = 0x41, .bits = 24, .masks = {0xff, 0xff00, 0, 0xff0000}}, data),
+                  "x.dds"),
+        "it is a DDS file of red, green and alpha");
 }
 
 TEST_F(Dds, ThatIsCutShortIsRefused)
