@@ -24,6 +24,11 @@ int complain(std::string const& who, Complaint const& complaint)
     return complaint.code;
 }
 
+int complain_of_memory(std::string const& name)
+{
+    return complain(name, {"umbrix", "there is not enough memory", "raise the limit (ulimit -v)"});
+}
+
 int run_command(Command& command, std::string const& name)
 {
     Interrupts const interrupts;
@@ -43,7 +48,7 @@ int run_command(Command& command, std::string const& name)
         return complain(name,
                         {error.path1().string(), error.code().message(), "check that it is still there"});
     } catch (std::bad_alloc const&) {
-        return complain(name, {"umbrix", "there is not enough memory", "raise the limit (ulimit -v)"});
+        return complain_of_memory(name);
     } catch (Stopped const& interrupted) {
         put_line(stderr, fmt::format("{}: interrupted; {}", name, interrupted.state));
         static_cast<void>(interrupts.take()); // a wish that was only looked at
@@ -78,6 +83,8 @@ int main(int count, char** words)
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away must not end a run in the middle
     try {
         return umbrix_cli::run_tool(count, words);
+    } catch (std::bad_alloc const&) { // before a command was found
+        return umbrix_cli::complain_of_memory("umbrix");
     } catch (std::exception const& error) {
         umbrix_cli::put_line(
             stderr, fmt::format("umbrix: error: {}; this should not happen, please report it", error.what()));
