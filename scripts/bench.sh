@@ -2,27 +2,31 @@
 # SPDX-License-Identifier: MIT
 # Measures the speed of everything that has a bar, and prints one table: bar, figure, whether it holds. Installs what
 # is missing, the libraries that ours is compared with among it, and builds first.
-# Usage: scripts/bench.sh [--quick] [--write-docs]
+# Usage: scripts/bench.sh [--quick] [--compare] [--write-docs]
 #   --quick       fewer maps, sets, rows and rounds: five minutes instead of twenty, and less exact
+#   --compare     installs other programs, too, and times them at the same jobs: GEGL and ImageMagick
 #   --write-docs  puts the tables into docs/performance.md
 # The figures are those of the machine as it is: let it do nothing else meanwhile.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 quick=""
+peers=""
 docs=""
 for word in "$@"; do
     case "$word" in
         --quick) quick=--quick ;;
+        --compare) peers=peers ;;
         --write-docs) docs="--docs docs/performance.md" ;;
         *)
-            sed -n '3,8s/^# //p' "$0" >&2
+            sed -n '3,9s/^# //p' "$0" >&2
             exit 2
             ;;
     esac
 done
 
-scripts/install_packages.sh bench
+# shellcheck disable=SC2086 # no group at all without the option
+scripts/install_packages.sh bench $peers
 cmake --preset bench -DUMBRIX_BENCH_COMPARE=ON
 cmake --build --preset bench --parallel "$(nproc)"
 
@@ -32,7 +36,7 @@ unset OMP_NUM_THREADS
 : > "$records"
 for program in machine_limits compare/compare_occlusion compare/compare_gaussian compare/compare_bilateral \
     compare/compare_normals compare/compare_tone layer_blends occlusion_threads occlusion_scaling whole_file \
-    start_up stop memory formats/picture_formats; do
+    start_up jobs/whole_jobs stop memory formats/picture_formats; do
     echo "$(date +%T) measuring: ${program#*/}" >&2
     "$programs/$program" $quick >> "$records"
 done

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # Installs the Debian packages that are missing. Usage: scripts/install_packages.sh [GROUP]...
 # Without an argument: what the libraries and the command line need. With "docs" alone: what the site of the documents
-# needs, and nothing else. With tests, coverage, mutate, fuzz, tidy, bench or arm: what these need besides.
+# needs, and nothing else. With tests, coverage, mutate, fuzz, tidy, bench, peers or arm: what these need besides.
 set -euo pipefail
 
 build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libpng-dev libtiff-dev libopenexr-dev libjpeg-dev
@@ -17,6 +17,7 @@ fuzz_packages="clang libclang-rt-14-dev libomp-14-dev"
 tidy_packages="clang clang-tidy-14 libomp-14-dev python3"
 arm_packages="g++-aarch64-linux-gnu qemu-user debootstrap"
 bench_packages="libopencv-dev libembree-dev cimg-dev python3"
+peer_packages="gegl imagemagick"
 
 packages=$build_packages
 [ "$*" != docs ] || packages=
@@ -29,6 +30,7 @@ for group in "$@"; do
         tidy) packages="$packages $tidy_packages" ;;
         arm) packages="$packages $arm_packages" ;;
         bench) packages="$packages $bench_packages" ;;
+        peers) packages="$packages $peer_packages" ;;
         docs) packages="$packages $docs_packages" ;;
         *) echo "There is no group of packages called $group" >&2; exit 2 ;;
     esac

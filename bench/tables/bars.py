@@ -5,6 +5,7 @@ from dataclasses import dataclass
 from math import log
 from typing import Callable, Optional
 
+from jobs import files_a_second, ours, over_parts
 from markdown import number, table
 from records import Records, geometric_mean, ratio
 
@@ -69,10 +70,45 @@ def two_threads(records: Records) -> Optional[Figure]:
     return on_idle_machine(mean_of(cells), lines)
 
 
-def start_up(records: Records) -> Optional[Figure]:
-    lines = records.of("start_up")
-    cells = [1000 * seconds for line in lines for seconds in line["seconds"].values()]
-    return on_idle_machine(highest_of(cells), lines)
+def start_up(name: str) -> Callable[[Records], Optional[Figure]]:
+    def figure(records: Records) -> Optional[Figure]:
+        lines = records.of("start_up")
+        return on_idle_machine(highest_of([1000 * line["seconds"][name] for line in lines]), lines)
+
+    return figure
+
+
+def job_against(rival: str, job: str) -> Callable[[Records], Optional[Figure]]:
+    def figure(records: Records) -> Optional[Figure]:
+        lines = [line for line in records.of("job", job=job) if rival in line["seconds"]]
+        return on_idle_machine(mean_of([ratio(line, rival) for line in lines]), lines)
+
+    return figure
+
+
+def png_over_tga(records: Records) -> Optional[Figure]:
+    pairs = zip(ours(records, "map, PNG"), ours(records, "map, TGA"))
+    return on_idle_machine(mean_of([png / tga for png, tga in pairs]), records.of("job"))
+
+
+def job_over_parts(job: str) -> Callable[[Records], Optional[Figure]]:
+    def figure(records: Records) -> Optional[Figure]:
+        lines = records.of("job", job=job)
+        return on_idle_machine(mean_of([over_parts(line) for line in lines]), lines)
+
+    return figure
+
+
+def batch_speed(job: str) -> Callable[[Records], Optional[Figure]]:
+    def figure(records: Records) -> Optional[Figure]:
+        lines = records.of("batch", job=job)
+        return on_idle_machine(mean_of([files_a_second(line) for line in lines]), lines)
+
+    return figure
+
+
+def job_memory(records: Records) -> Optional[Figure]:
+    return highest_of([line["bytes"] / GIB for line in records.of("job_memory")])
 
 
 def stop(records: Records) -> Optional[Figure]:
@@ -228,6 +264,21 @@ def filter_bars() -> list[Bar]:
     return bars
 
 
+def job_bars() -> list[Bar]:
+    return [
+        Bar("`umbrix normal`, 4096, 8-bit PNG", "GEGL: at least 4", job_against("gegl", "normal, PNG"), 4),
+        Bar("`umbrix map`, 4096, 64 rays", "PNG at most 1.9 times TGA", png_over_tga, 1.9, False),
+        Bar("`umbrix map`, 4096, TGA", "at most 1.25 times its parts", job_over_parts("map, TGA"), 1.25, False),
+        Bar("`umbrix stack`, 2048, PNG", "at most 1.25 times its parts", job_over_parts("stack, PNG"), 1.25, False),
+        Bar("`umbrix batch`, 512 x 512, 128 rays", "at least 25 files/s", batch_speed("map"), 25, True, "files/s"),
+        Bar("`umbrix batch --normal`, 512 x 512", "at least 50 files/s", batch_speed("normal"), 50, True, "files/s"),
+        Bar("`umbrix map`, 8192, 8-bit PNG", "at most 1.5 GiB", job_memory, 1.5, False, "GiB"),
+        Bar("`umbrix --help`", "at most 8 ms", start_up("--help"), 8, False, "ms"),
+        Bar("`umbrix info`", "at most 10 ms", start_up("info"), 10, False, "ms"),
+        Bar("`umbrix map`, 64 x 64", "at most 12 ms", start_up("map of 64 x 64"), 12, False, "ms"),
+    ]
+
+
 BARS = [
     *occlusion_bars(),
     *gaussian_bars(),
@@ -268,7 +319,7 @@ BARS = [
         4,
     ),
     Bar("writing of 16-bit PNG", "libpng, level 6: at most 1.03 of the size", png_size, 1.03, False),
-    Bar("command line", "help, `info`, 64 x 64 map: each at most 20 ms", start_up, 20, False, "ms"),
+    *job_bars(),
     Bar("`make_map`, 2048", "returns at most 50 ms after a wish to stop", stop, 50, False, "ms"),
     Bar("all operators", "results equal the plain form's, bit for bit", checks, 1, True, ""),
 ]

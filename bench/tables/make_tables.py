@@ -3,7 +3,7 @@
 
 Usage: make_tables.py RECORDS BUILD_FOLDER --date DATE [--quick] [--docs FILE]
 RECORDS holds one JSON object a line. Prints the tables and writes them to BUILD_FOLDER/table.md; with --docs
-they also take the place of what is between the markers of FILE.
+they also take the place of what is between the markers of FILE, and images/whole_jobs.svg beside it is drawn.
 """
 
 import argparse
@@ -11,6 +11,7 @@ import json
 from pathlib import Path
 
 from bars import bars_table
+from jobs import jobs_picture, jobs_table
 from limits import limits_tables
 from machine import machine
 from measurements import differences_table, file_table, memory_table, scaling_tables, start_up_table
@@ -31,6 +32,9 @@ def document(records: Records, about: str) -> str:
         scaling_tables(records),
         "### Where the time of a whole `UmbrixFile` goes",
         file_table(records),
+        "### Whole jobs",
+        "![Where the time of whole jobs goes](images/whole_jobs.svg)",
+        jobs_table(records),
         "### Memory and start-up",
         memory_table(records),
         start_up_table(records),
@@ -60,6 +64,7 @@ def main() -> None:
     print(text)
     if arguments.docs:
         replace_between_markers(arguments.docs, text)
+        (arguments.docs.parent / "images" / "whole_jobs.svg").write_text(jobs_picture(records), encoding="utf-8")
 
 
 if __name__ == "__main__":
