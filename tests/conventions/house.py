@@ -50,7 +50,7 @@ PARTS = [
         "toolkit",
         [
             ["base"],
-            ["files"],
+            ["files", "integration"],
             ["pictures"],
             ["settings"],
             ["lists"],
