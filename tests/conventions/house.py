@@ -66,14 +66,15 @@ PARTS = [
     ),
     Part(
         "apps/umbrix",
-        [["interrupts"], ["terminal"], ["options"], ["options/describe"], ["commands"], ["commands/list"]],
+        [["interrupts"], ["terminal"], ["options"], ["options/describe"], ["commands"], ["commands/list", "commands/tell"]],
         ["toolkit/*"],
         ["apps/umbrix"],
         [
             # The words of the toolkit, without its name.
             ("apps/umbrix/*", "apps/umbrix/toolkit_names.h"),
-            # The line of commands has those of the work list among them.
+            # The line of commands has those of the rooms above among them.
             ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/list/list_command.h"),
+            ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/tell/*"),
         ],
     ),
     Part("examples", [], [PUBLIC, "toolkit/*"], ["src"]),

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "commands/self_description_command.h"
+#include "commands/tell/self_description_command.h"
 
 #include "options/describe/completion.h"
 #include "options/describe/manual_page.h"

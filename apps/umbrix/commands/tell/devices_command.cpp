@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "commands/devices_command.h"
+#include "commands/tell/devices_command.h"
 
 #include "options/common_options.h"
 #include "terminal/report_json.h"

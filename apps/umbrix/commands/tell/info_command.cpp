@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "commands/info_command.h"
+#include "commands/tell/info_command.h"
 
 #include "terminal/kind_name.h"
 #include "terminal/report_json.h"
