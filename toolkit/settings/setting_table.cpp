@@ -32,7 +32,7 @@ constexpr SettingRow kTable[] = {
 
     {"height-from", kRead, &Settings::height_from, 0, 0, "", kForHeights,
      "What of a coloured height map is the height: the mean of its colours, one channel, or luma (Rec. 709)"},
-    {"replace-invalid", kRead, &Settings::replace_invalid, 0, 0, "", kForHeights,
+    {"replace-invalid", kRead, &Settings::replace_invalid, 0, 0, "", kForHeights | kForHeight,
      "What takes the place of NaN and infinite samples; without, a picture that has any is refused"},
     {"height-range", kRead, &Settings::height_range, 0, 0, "", kForHeights,
      "What heights become 0 and 1, beyond which they are cut; auto: the picture's own lowest and highest. "
@@ -51,11 +51,11 @@ constexpr SettingRow kTable[] = {
     {"height-in-alpha", kLight, &Settings::height_in_alpha, 0, 0, "", kForMap,
      "Put the heights, as they were read, into the map's alpha"},
 
-    {"relief", kRelief, &Settings::relief, 0, 10, " image widths", kForMap | kForNormal,
+    {"relief", kRelief, &Settings::relief, 0, 10, " image widths", kForMap | kForNormal | kForHeight,
      "How high a height of 1 reaches"},
     {"h-scale", kRelief, &Settings::h_scale, 0, 10, " image widths", kForMap,
      "The same for the occlusion alone; auto is the relief"},
-    {"n-scale", kRelief, &Settings::n_scale, -1e6, 1e6, "", kForMap | kForNormal,
+    {"n-scale", kRelief, &Settings::n_scale, -1e6, 1e6, "", kForMap | kForNormal | kForHeight,
      "Strength of the normals: slope where the heights differ by 1 over two texels; auto fits the height "
      "scale"},
     {"gaussian", kRelief, &Settings::gaussian, 0, kMaxSigma, " texels, 0 is off",
@@ -73,10 +73,12 @@ constexpr SettingRow kTable[] = {
      "Full width of a bundle of rays in elevation"},
     {"theta-limit", kOcclusion, &Settings::theta_limit, 0, 180, " degrees", kForMap,
      "Full width of a bundle of rays in azimuth"},
-    {"tile", kBorders, &Settings::tile, 0, 0, "", kForMap | kForNormal,
+    {"tile", kBorders, &Settings::tile, 0, 0, "", kForMap | kForNormal | kForHeight,
      "The texture repeats, for normals and occlusion; switches the next two"},
-    {"h-tile", kBorders, &Settings::h_tile, 0, 0, "", kForMap | kForNormal, "It repeats sideways"},
-    {"v-tile", kBorders, &Settings::v_tile, 0, 0, "", kForMap | kForNormal, "It repeats up and down"},
+    {"h-tile", kBorders, &Settings::h_tile, 0, 0, "", kForMap | kForNormal | kForHeight,
+     "It repeats sideways"},
+    {"v-tile", kBorders, &Settings::v_tile, 0, 0, "", kForMap | kForNormal | kForHeight,
+     "It repeats up and down"},
 
     {"b-radius", kHeights, &Settings::b_radius, 0, 100, " texels, below 1 is off", kForMap,
      "Radius of the bilateral filter"},

@@ -2,6 +2,7 @@
 #include "toolkit/pictures/analysis/kind_guess.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/pictures/heights/take_heights.h"
+#include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/tasks.h"
 
@@ -70,6 +71,9 @@ ConvertReport run(ConvertJob const& job, Observer& observer)
         encode_vectors(picture, name, observer);
     }
     Attributes attributes = std::move(picture.attributes);
+    if (picture.type != as.depth && value_of(attributes, "kind") == "normals") {
+        tell_rounding(attributes, as);
+    }
     report.heights = take_colours(picture, job.reading, is_whole(as.depth), name, observer);
     picture = converted(picture, as);
     if (job.reading == HeightReading{} && !job.channel) {

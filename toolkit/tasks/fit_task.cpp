@@ -2,12 +2,15 @@
 #include "toolkit/base/failure.h"
 #include "toolkit/pictures/heights/take_heights.h"
 #include "toolkit/tasks/methods/relief_fit.h"
+#include "toolkit/tasks/methods/told_heights.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/runs/library_run.h"
 #include "toolkit/tasks/tasks.h"
 
+#include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <iterator>
 #include <umbrixlib.h>
 #include <utility>
 
@@ -75,12 +78,15 @@ Pair read_pair(FitJob const& job, Observer& observer)
             observer.note(job.heights, {"this looks like a normal map (" + input.guess.reason +
                                         "); its brightness is taken for heights"});
         }
-        take_for_heights(input, height_reading_of(job.settings), job.heights, observer);
+        ToldHeights const told = told_heights(input.picture.attributes, height_reading_of(job.settings));
+        take_for_heights(input, told.reading, job.heights, observer);
         pair.width = input.width;
         pair.height = input.height;
         Picture const heights = channel_of(input.picture, HeightChannel::kMean, job.heights);
         auto const samples = heights.samples<float>();
-        pair.heights.assign(samples.begin(), samples.end());
+        std::ranges::transform(samples, std::back_inserter(pair.heights), [&](float height) {
+            return static_cast<float>(static_cast<double>(height) * told.unit);
+        });
     }
     PreparedInput input = prepare_input({job.normals, job.normals, job.max_texels}, observer);
     if (input.width != pair.width || input.height != pair.height) {

@@ -64,6 +64,20 @@ struct NormalJob {
     bool operator==(NormalJob const&) const = default;
 };
 
+/// A height map from a normal map: the one of which `NormalJob` makes the normal map with these settings.
+struct HeightJob {
+    using Report = HeightReport;
+
+    JobFiles files;
+    Settings settings = kDefaults;
+    /// Green of the normal map; empty: as the file tells, or the ending of its name, or else as the settings
+    /// have it.
+    std::optional<NormalY> normal_y;
+    HeightRange range{}; ///< What heights become 0 and 1 in the file, which tells it.
+
+    bool operator==(HeightJob const&) const = default;
+};
+
 /// A lit picture of an Umbrix map, or a contact sheet of several.
 struct RelightJob {
     using Report = RelightReport;
@@ -164,11 +178,11 @@ struct FolderJob {
 };
 
 /// A job of any task.
-using Job = std::variant<MapJob, NormalJob, RelightJob, ConvertJob, InfoJob, StackJob, FitJob, DevicesJob,
-                         ListJob, FolderJob>;
+using Job = std::variant<MapJob, NormalJob, HeightJob, RelightJob, ConvertJob, InfoJob, StackJob, FitJob,
+                         DevicesJob, ListJob, FolderJob>;
 
 /// A job that makes one picture of another.
-using PictureJob = std::variant<MapJob, NormalJob, RelightJob, ListJob>;
+using PictureJob = std::variant<MapJob, NormalJob, HeightJob, RelightJob, ListJob>;
 
 /// The files that a job opens by name. Those below the folder of a FolderJob are not among them.
 struct NamedFiles {

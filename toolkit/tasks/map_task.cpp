@@ -3,6 +3,7 @@
 #include "toolkit/pictures/encode.h"
 #include "toolkit/pictures/naming.h"
 #include "toolkit/tasks/methods/self_description.h"
+#include "toolkit/tasks/methods/told_heights.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/runs/graphics_run.h"
 #include "toolkit/tasks/runs/lost_light.h"
@@ -117,9 +118,12 @@ MapReport run(MapJob const& job, Observer& observer)
     }
     Kind const kind = job.kind.value_or(input.guess.kind);
     HeightReading const reading = height_reading_of(job.settings);
+    Settings settings = job.settings;
     MapReport report;
     if (kind == Kind::kHeightMap) {
-        report.heights = take_for_heights(input, reading, files.input, observer);
+        ToldHeights const told = told_heights(input.picture.attributes, reading);
+        settings = in_unit(settings, told.unit);
+        report.heights = take_for_heights(input, told.reading, files.input, observer);
     } else {
         report.heights = take_for_normals(input, reading, files.input, observer);
         note_normal_map(job, input, observer);
@@ -129,7 +133,7 @@ MapReport run(MapJob const& job, Observer& observer)
         }
     }
 
-    umbrix_options const options = options_for(job.settings, kind, input.width);
+    umbrix_options const options = options_for(settings, kind, input.width);
     report.width = input.width;
     report.height = input.height;
     report.kind = kind;
@@ -144,7 +148,7 @@ MapReport run(MapJob const& job, Observer& observer)
     }
     observer.begin(Phase::kMaking, files.input);
     Picture map = make_map(job, input.picture, options, as, report, observer);
-    note_lost_light(map, files.input, {input.picture, job.settings, kind, false, job.graphics}, observer);
+    note_lost_light(map, files.input, {input.picture, settings, kind, false, job.graphics}, observer);
     map.attributes = attributes_of_map("map", job.settings);
     write_picture(files.output.file, format, files.output.name, map, files.output.saving.compression,
                   observer);

@@ -2,6 +2,7 @@
 #include "toolkit/pictures/encode.h"
 #include "toolkit/tasks/methods/saved_picture.h"
 #include "toolkit/tasks/methods/self_description.h"
+#include "toolkit/tasks/methods/told_heights.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/runs/library_run.h"
 #include "toolkit/tasks/tasks.h"
@@ -67,14 +68,14 @@ NormalReport run(NormalJob const& job, Observer& observer)
         observer.note(files.input, {"this looks like a normal map already (" + input.guess.reason +
                                     "); its brightness is taken for heights"});
     }
-    std::optional<HeightRange> const range =
-        take_for_heights(input, height_reading_of(job.settings), files.input, observer);
+    ToldHeights const told = told_heights(input.picture.attributes, height_reading_of(job.settings));
+    std::optional<HeightRange> const range = take_for_heights(input, told.reading, files.input, observer);
 
     observer.begin(Phase::kMaking, files.input);
-    float const n_scale = n_scale_of(job.settings, input.width);
+    float const n_scale = n_scale_of(in_unit(job.settings, told.unit), input.width);
     NormalsResult const made = make_normals(job, input.picture, n_scale, observer);
     Picture normals = save(made, job.normal_y, as);
-    normals.attributes = attributes_of_normals("normal", job.normal_y, as.depth);
+    normals.attributes = attributes_of_normals("normal", job.normal_y, as);
     write_picture(files.output.file, format, files.output.name, normals, files.output.saving.compression,
                   observer);
     return {input.width, input.height, n_scale, range};

@@ -50,6 +50,21 @@ struct NormalReport {
     bool operator==(NormalReport const&) const = default;
 };
 
+struct HeightReport {
+    int width = 0;
+    int height = 0;
+    NormalY green = NormalY::kUp; ///< Of the normal map.
+    float n_scale = 0;            ///< Strength of the normals.
+    std::string reading;          ///< How its samples were read: "bytes that were cut off".
+    double low = 0;               ///< The lowest height, before any range.
+    double high = 0;
+    std::optional<HeightRange> range; ///< What became 0 and 1, if other heights did.
+    bool stripes_x_unseen = false;    ///< No height has stripes across x that are a texel wide.
+    bool stripes_y_unseen = false;    ///< The same across y; with both, none has the chessboard.
+
+    bool operator==(HeightReport const&) const = default;
+};
+
 struct RelightReport {
     int width = 0; ///< Of the picture or the contact sheet that was written.
     int height = 0;
@@ -139,7 +154,7 @@ struct FolderReport {
 };
 
 /// The report of a job of any task. In the order of Job.
-using Report = std::variant<MapReport, NormalReport, RelightReport, ConvertReport, InfoReport, StackReport,
-                            FitReport, DevicesReport, ListReport, FolderReport>;
+using Report = std::variant<MapReport, NormalReport, HeightReport, RelightReport, ConvertReport, InfoReport,
+                            StackReport, FitReport, DevicesReport, ListReport, FolderReport>;
 
 } // namespace umbrixlib::toolkit

@@ -319,7 +319,7 @@ StackReport run(StackJob const& job, Observer& observer)
     }
     SavedAs const normals_as = saved_as(job.normals, PictureKind::kNormals);
     write_output(job.normals, saved_normals(blended.normals.data(), stack.width, stack.height, normals_as),
-                 attributes_of_normals("stack", NormalY::kUp, normals_as.depth), observer);
+                 attributes_of_normals("stack", NormalY::kUp, normals_as), observer);
     if (!job.heights.file.empty()) {
         SavedAs const as = saved_as(job.heights, PictureKind::kHeights);
         note_narrowed_heights(deepest_heights(stack), as, job.file, observer);

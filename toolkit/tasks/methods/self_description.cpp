@@ -32,12 +32,28 @@ Attributes attributes_of_map(char const* maker, Settings const& settings)
     return attributes;
 }
 
-Attributes attributes_of_normals(char const* maker, NormalY green, SampleType type)
+Attributes attributes_of_normals(char const* maker, NormalY green, SavedAs const& as)
 {
     Attributes attributes = begun(maker, "normals");
     set_value(attributes, "green", green == NormalY::kUp ? "up" : "down");
-    set_value(attributes, "coding", coding_of_normals(type));
+    set_value(attributes, "coding", coding_of_normals(as.depth));
+    tell_rounding(attributes, as);
     return attributes;
+}
+
+void tell_rounding(Attributes& attributes, SavedAs const& as)
+{
+    if (as.depth == SampleType::kUint8 && !as.as_the_library_does()) {
+        set_value(attributes, "rounding", as.dither ? "dither" : "nearest");
+    }
+}
+
+std::optional<NormalY> green_of(Attributes const& attributes)
+{
+    std::string const green = value_of(attributes, "green");
+    return green == "up"     ? std::optional(NormalY::kUp)
+           : green == "down" ? std::optional(NormalY::kDown)
+                             : std::nullopt;
 }
 
 Attributes attributes_of_heights(char const* maker)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "toolkit/pictures/picture.h"
+#include "toolkit/pictures/saving.h"
 #include "toolkit/settings/settings.h"
 
 namespace umbrixlib::toolkit {
@@ -12,13 +12,19 @@ namespace umbrixlib::toolkit {
 /// @param maker The command: "map", "stack".
 Attributes attributes_of_map(char const* maker, Settings const& settings);
 
-/// @param type Of the samples that are saved: in floats the normals are -1 to 1.
-Attributes attributes_of_normals(char const* maker, NormalY green, SampleType type);
+/// Tells how bytes were made, too, if not as the library makes them.
+Attributes attributes_of_normals(char const* maker, NormalY green, SavedAs const& as);
 
 Attributes attributes_of_heights(char const* maker);
 
 /// Of a picture in a light.
 Attributes attributes_of_light(char const* maker);
+
+/// Tells in @p attributes of normals how bytes were made of them.
+void tell_rounding(Attributes& attributes, SavedAs const& as);
+
+/// Where green points in a normal map that tells it; empty if it does not.
+std::optional<NormalY> green_of(Attributes const& attributes);
 
 /// What "coding" says of normals in samples of @p type.
 char const* coding_of_normals(SampleType type);

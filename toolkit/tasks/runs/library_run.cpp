@@ -73,6 +73,7 @@ std::string_view stage_name(std::string_view text)
         {kBlendingLayers, "blending layers"},
         {kBlendingHeights, "blending heights"},
         {kFittingRelief, "fitting"},
+        {kMakingHeights, "making heights"},
     };
     for (auto const& [from, to] : kNames) {
         if (text == from) {

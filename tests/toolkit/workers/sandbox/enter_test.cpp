@@ -186,9 +186,9 @@ TEST_F(Sandbox, IsTheOneOfItsJob)
     list_on_device.graphics = device;
     toolkit::FolderJob walk_on_device;
     walk_on_device.graphics = device;
-    for (Job const& job : {Job(toolkit::MapJob()), Job(toolkit::NormalJob()), Job(toolkit::RelightJob()),
-                           Job(toolkit::ConvertJob()), Job(toolkit::InfoJob()), Job(toolkit::StackJob()),
-                           Job(toolkit::FitJob()), Job(toolkit::ListJob())}) {
+    for (Job const& job : {Job(toolkit::MapJob()), Job(toolkit::NormalJob()), Job(toolkit::HeightJob()),
+                           Job(toolkit::RelightJob()), Job(toolkit::ConvertJob()), Job(toolkit::InfoJob()),
+                           Job(toolkit::StackJob()), Job(toolkit::FitJob()), Job(toolkit::ListJob())}) {
         EXPECT_EQ(rights_of(job), Rights::kDecoding) << job.index();
     }
     EXPECT_EQ(rights_of(toolkit::FolderJob()), Rights::kFolder);

@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/base/failure.h"
+#include "toolkit/pictures/encode.h"
+#include "toolkit/pictures/heights/take_heights.h"
+#include "toolkit/pictures/naming.h"
+#include "toolkit/tasks/methods/self_description.h"
+#include "toolkit/tasks/methods/slopes_of_normals.h"
+#include "toolkit/tasks/methods/told_heights.h"
+#include "toolkit/tasks/prepared_input.h"
+#include "toolkit/tasks/runs/library_run.h"
+#include "toolkit/tasks/tasks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <utility>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+using How = HeightRange::How;
+
+/// 16 bits where the format has them: 8 would cost more than all the rest.
+SavedAs saved_in_depth(Output const& output, OutputFormat const& format)
+{
+    Saving saving = output.saving;
+    saving.depth = saving.depth.value_or(nearest_depth(format, SampleType::kUint16));
+    return saved_as(saving, format, PictureKind::kHeights, output.name);
+}
+
+/// What the file tells, then the ending of its name, then the settings.
+NormalY green_of_input(HeightJob const& job, Picture const& normals)
+{
+    if (job.normal_y) {
+        return *job.normal_y;
+    }
+    NameEnding const* const ending = ending_of_name(job.files.input);
+    auto const by_name = ending != nullptr ? ending->green : std::nullopt;
+    return green_of(normals.attributes).value_or(by_name.value_or(job.settings.normal_y));
+}
+
+void note_input(PreparedInput const& input, std::string const& name, Observer& observer)
+{
+    if (input.guess.kind == Kind::kHeightMap) {
+        observer.note(name, {"this does not look like a normal map: " + input.guess.reason});
+    }
+    if (input.has_alpha) {
+        observer.note(name, {"its alpha is not looked at", NoteKind::kPlain, true});
+    }
+}
+
+CentralDifferences differences_of_input(HeightJob const& job, Picture const& normals, HeightReport& report,
+                                        Observer& observer)
+{
+    std::string const& name = job.files.input;
+    NormalReading const reading = reading_of_normals(normals);
+    report.reading = reading.name;
+    OddNormals odd;
+    CentralDifferences differences =
+        differences_of_normals(normals, reading, report.green, static_cast<double>(report.n_scale), odd);
+    if (odd.invalid > 0 && !job.settings.replace_invalid.replacement) {
+        throw Failure(
+            Fault::kInvalidTexels, name,
+            fmt::format("{} of its texels {} NaN or infinite", odd.invalid, odd.invalid == 1 ? "is" : "are"));
+    }
+    if (std::size_t const flat = odd.invalid + odd.turned_away; flat > 0) {
+        observer.note(name, {fmt::format("{} of its {} normals are none of a surface and are taken for flat "
+                                         "ground",
+                                         flat, normals.texels())});
+    }
+    return differences;
+}
+
+std::vector<float> make_heights(HeightJob const& job, CentralDifferences differences, Observer& observer)
+{
+    std::optional<std::vector<float>> heights;
+    run_in_memory(job.files.input, observer, [&](RunControl& control) {
+        control.enter(kMakingHeights);
+        heights = heights_of_differences(std::move(differences), borders_of(job.settings), &control);
+        return heights ? Outcome::kDone : Outcome::kStopped;
+    });
+    return *std::move(heights);
+}
+
+/// Moves the heights so that the middle between the lowest and the highest is 0.5.
+void centre(std::vector<float>& heights, HeightReport& report)
+{
+    auto const [lowest, highest] = std::ranges::minmax_element(heights);
+    double const low = static_cast<double>(*lowest);
+    double const high = static_cast<double>(*highest);
+    double const up = 0.5 - (low + high) / 2.0;
+    for (float& height : heights) {
+        height = static_cast<float>(static_cast<double>(height) + up);
+    }
+    report.low = low + up;
+    report.high = high + up;
+}
+
+/// A strength of normals that is next to nothing, and normals of floats that are next to none.
+void check_finite(HeightReport const& report, std::string const& name)
+{
+    if (!std::isfinite(report.low) || !std::isfinite(report.high)) {
+        throw Failure(Fault::kWrongValue, name,
+                      fmt::format("an n-scale of {} makes no heights of its normals", report.n_scale),
+                      "give a relief further from 0");
+    }
+}
+
+/// A range for a command line in which no height is cut.
+std::string range_around(HeightReport const& report)
+{
+    constexpr double kSteps = 1000.0;
+    return fmt::format("{},{}", std::floor(report.low * kSteps) / kSteps,
+                       std::ceil(report.high * kSteps) / kSteps);
+}
+
+/// Heights that reach from 0 to 1 exactly come back from normals of 8 bits with a little more.
+constexpr double kOverlooked = 0.5 / 255.0;
+
+/// The range that is asked for, in numbers. A Failure if there is none and whole numbers do not hold the
+/// heights.
+std::optional<HeightRange> range_of(HeightJob const& job, HeightReport const& report, SampleType depth)
+{
+    HeightRange const own{How::kGiven, report.low, report.high};
+    if (job.range.how == How::kOwn) {
+        return report.low < report.high ? std::optional(own) : std::nullopt;
+    }
+    if (job.range.how == How::kGiven) {
+        return job.range;
+    }
+    if (is_whole(depth) && report.high > 1.0 + kOverlooked) {
+        throw Failure(
+            Fault::kHeightsOutsideRange, job.files.output.name,
+            fmt::format("its heights would be {:.6g} to {:.6g}, not 0 to 1", report.low, report.high),
+            range_around(report));
+    }
+    return std::nullopt;
+}
+
+/// Makes 0 and 1 of the limits of @p range and cuts the rest. What is less than half a step of @p depth
+/// outside is not told.
+void bring_in(std::vector<float>& heights, HeightRange const& range, SampleType depth,
+              std::string const& name, Observer& observer)
+{
+    double const length = range.high - range.low;
+    double const slack = is_whole(depth) ? 0.5 / full_scale(depth) : 0.0;
+    std::size_t cut = 0;
+    for (float& height : heights) {
+        auto const share = static_cast<float>((static_cast<double>(height) - range.low) / length);
+        cut += static_cast<double>(std::abs(share - 0.5f)) > 0.5 + slack ? 1 : 0;
+        height = std::clamp(share, 0.0f, 1.0f);
+    }
+    if (cut > 0) {
+        observer.note(name, {fmt::format("{} of {} heights lie outside {:.6g} to {:.6g} and are cut", cut,
+                                         heights.size(), range.low, range.high)});
+    }
+}
+
+Picture picture_of(std::vector<float> const& heights, HeightReport const& report, SavedAs const& as)
+{
+    Picture floats = make_picture(report.width, report.height, 1, SampleType::kFloat);
+    floats.kind = PictureKind::kHeights;
+    std::ranges::copy(heights, floats.samples<float>().begin());
+    Picture picture = in_samples(floats, as);
+    picture.attributes = attributes_of_heights("height");
+    if (report.range) {
+        tell_range(picture.attributes, *report.range);
+    } else if (!is_whole(as.depth) && (report.low < 0.0 || report.high > 1.0)) {
+        auto const limits = std::ranges::minmax(in_floats(picture).samples<float>());
+        tell_limits(picture.attributes, static_cast<double>(limits.min), static_cast<double>(limits.max));
+    }
+    return picture;
+}
+
+} // namespace
+
+HeightReport run(HeightJob const& job, Observer& observer)
+{
+    JobFiles const& files = job.files;
+    HeightReport report;
+    PreparedInput input = prepare_input({files.input, files.input, files.max_texels}, observer);
+    OutputFormat const& format = *output_format(files.output.file);
+    check_size(format, files.output.name, input.width, input.height);
+    SavedAs const as = saved_in_depth(files.output, format);
+    note_input(input, files.input, observer);
+    Borders const borders = borders_of(job.settings);
+    report.width = input.width;
+    report.height = input.height;
+    report.green = green_of_input(job, input.picture);
+    report.n_scale = n_scale_of(job.settings, input.width);
+    report.stripes_x_unseen = borders.h_tile && input.width % 2 == 0;
+    report.stripes_y_unseen = borders.v_tile && input.height % 2 == 0;
+
+    observer.begin(Phase::kMaking, files.input);
+    CentralDifferences differences = differences_of_input(job, input.picture, report, observer);
+    input.picture = {}; // its memory is needed
+    std::vector<float> heights = make_heights(job, std::move(differences), observer);
+    centre(heights, report);
+    check_finite(report, files.input);
+    report.range = range_of(job, report, as.depth);
+    if (report.range || is_whole(as.depth)) {
+        bring_in(heights, report.range.value_or(HeightRange{}), as.depth, files.input, observer);
+    }
+    write_picture(files.output.file, format, files.output.name, picture_of(heights, report, as),
+                  files.output.saving.compression, observer);
+    return report;
+}
+
+} // namespace umbrixlib::toolkit
