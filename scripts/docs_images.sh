@@ -25,6 +25,10 @@ for mode in unit flat squared; do
     umbrix map "$height" --no-occlusion --mode $mode -o maps_$mode.png
 done
 
+# command-height.md: normals, the heights of them, and a map of these
+umbrix height maps_normal.png -o height_made.png --height-range 0,1 --depth 8
+umbrix map height_made.png -o height_map.png
+
 # command-relight.md
 umbrix relight maps_map.png --turntable 8 --light 0,40 --cell 80 -o turntable.png
 

@@ -101,8 +101,9 @@ NameEnding const* reason_to_leave_alone(FoundFile const& found, BatchChoice cons
     if (ending == nullptr || choice.endings == Endings::kAny) {
         return nullptr;
     }
-    bool const wanted =
-        choice.endings == Endings::kSurface ? ending->kind.has_value() : ending->kind == Kind::kHeightMap;
+    bool const wanted = choice.endings == Endings::kSurface   ? ending->kind.has_value()
+                        : choice.endings == Endings::kHeights ? ending->kind == Kind::kHeightMap
+                                                              : ending->kind == Kind::kNormalMap;
     return wanted || asks_for(*ending, found, choice.search) ? nullptr : ending;
 }
 

@@ -23,6 +23,7 @@ enum class Endings {
     kAny,     ///< None.
     kSurface, ///< All but heights and normals.
     kHeights, ///< All but heights.
+    kNormals, ///< All but normals.
 };
 
 /// Which files a batch works on and where their outputs go.

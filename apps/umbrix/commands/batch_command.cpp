@@ -73,7 +73,8 @@ void BatchCommand::declare_files(CLI::App& command)
         ->group(kFilesGroup);
     command
         .add_option("--suffix", suffix_,
-                    "What is put after the name [default _Umbrix for maps and _Normal for normal maps]")
+                    "What is put after the name [default _Umbrix for maps, _Normal for normal maps, _Height "
+                    "for height maps]")
         ->type_name("TEXT")
         ->group(kFilesGroup);
     command
@@ -112,7 +113,9 @@ void BatchCommand::declare_input(CLI::App& command)
 {
     auto* const map = command.add_flag("--map", map_, "Make Umbrix maps [default]");
     auto* const normal = command.add_flag("--normal", normal_, "Make normal maps");
-    map->excludes(normal);
+    auto* const height = command.add_flag("--height", height_, "Make height maps from normal maps");
+    map->excludes(normal, height);
+    normal->excludes(height);
     declare_kind(command, kind_);
     declare_normal_y(command, normal_y_, "Where green points in normal maps that are read or written")
         ->group("Input");
@@ -123,8 +126,8 @@ void BatchCommand::validate() const
     if (suffix_ && suffix_->find('/') != std::string::npos) {
         throw UsageError("--suffix", "it cannot have a / in it", "name another folder with --keep-tree");
     }
-    if (normal_) {
-        forbid_map_options();
+    if (normal_ || height_) {
+        forbid_options_but_those_for(normal_ ? kForNormal | kForHeights : kForHeight);
     } else {
         check_map_usage(settings_, "");
         check_graphics_usage(graphics_, settings_);
@@ -134,12 +137,13 @@ void BatchCommand::validate() const
     }
 }
 
-void BatchCommand::forbid_map_options() const
+void BatchCommand::forbid_options_but_those_for(unsigned user) const
 {
     auto const forbid = [this](std::string const& option) {
         if (command_->get_option(option)->count() > 0) {
-            throw UsageError(option, "normal maps are made without it",
-                             "leave it out, or leave --normal out");
+            throw UsageError(option,
+                             fmt::format("{} maps are made without it", normal_ ? "normal" : "height"),
+                             fmt::format("leave it out, or leave {} out", normal_ ? "--normal" : "--height"));
         }
     };
     forbid("--gpu");
@@ -147,7 +151,9 @@ void BatchCommand::forbid_map_options() const
     forbid("--height-map");
     forbid("--normal-map");
     for (SettingRow const& row : setting_table()) {
-        if ((row.users & kForMap) != 0 && (row.users & kForNormal) == 0) {
+        bool const is_range = std::holds_alternative<HeightRange Settings::*>(row.field); // has a use in both
+        if (row.users != kForPresets && (row.users & (kForMap | kForHeights)) != 0 &&
+            (row.users & user) == 0 && !is_range) {
             forbid(fmt::format("--{}", row.name));
         }
     }
@@ -159,8 +165,8 @@ BatchChoice BatchCommand::choice() const
     choice.search = search_;
     choice.search.avoided = include_outputs_ ? "" : keep_tree_;
     choice.include_outputs = include_outputs_;
-    choice.endings = normal_ ? Endings::kHeights : Endings::kSurface;
-    choice.suffix = suffix_.value_or(normal_ ? "_Normal" : "_Umbrix");
+    choice.endings = normal_ ? Endings::kHeights : height_ ? Endings::kNormals : Endings::kSurface;
+    choice.suffix = suffix_.value_or(normal_ ? "_Normal" : height_ ? "_Height" : "_Umbrix");
     choice.keep_tree = keep_tree_;
     choice.policy = common_.overwrite ? OutputPolicy::kReplace
                     : update_         ? OutputPolicy::kUpdate
@@ -173,6 +179,10 @@ BatchOrders BatchCommand::orders() const
     BatchOrders orders;
     if (normal_) {
         NormalJob const job{{}, settings_, normal_y_.value_or(settings_.normal_y)};
+        orders.job_for = [job](BatchFile const&) { return job; };
+    } else if (height_) {
+        bool const has_range = command_->get_option("--height-range")->count() > 0;
+        HeightJob const job{{}, settings_, normal_y_, has_range ? settings_.height_range : HeightRange{}};
         orders.job_for = [job](BatchFile const&) { return job; };
     } else {
         MapJob const job{{}, settings_, kind_ ? kind_ : settings_.kind, normal_y_, graphics_};
@@ -198,9 +208,9 @@ FolderJob BatchCommand::plain_walk() const
                              "leave it out, or leave --plain out");
         }
     };
-    for (char const* option :
-         {"--normal", "--suffix", "--keep-tree", "--overwrite", "--update", "--dry-run", "--json", "--print0",
-          "--jobs", "--include-outputs", "--exclude", "--normal-y", "--match-cpu", "--height-in-alpha"}) {
+    for (char const* option : {"--normal", "--height", "--suffix", "--keep-tree", "--overwrite", "--update",
+                               "--dry-run", "--json", "--print0", "--jobs", "--include-outputs", "--exclude",
+                               "--normal-y", "--match-cpu", "--height-in-alpha"}) {
         forbid(option);
     }
     std::error_code error;

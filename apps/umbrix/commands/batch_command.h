@@ -26,7 +26,7 @@ private:
     void declare_patterns(CLI::App& command);
     void declare_input(CLI::App& command);
     void validate() const;
-    void forbid_map_options() const;
+    void forbid_options_but_those_for(unsigned user) const;
     BatchChoice choice() const;
     BatchOrders orders() const;
     FolderJob plain_walk() const;
@@ -47,6 +47,7 @@ private:
     Graphics graphics_;
     bool map_ = false;
     bool normal_ = false;
+    bool height_ = false;
     std::optional<Kind> kind_;
     std::optional<NormalY> normal_y_;
 };

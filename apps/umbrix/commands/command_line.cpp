@@ -4,6 +4,7 @@
 #include "commands/batch_command.h"
 #include "commands/convert_command.h"
 #include "commands/fit_command.h"
+#include "commands/height_command.h"
 #include "commands/list/list_command.h"
 #include "commands/map_command.h"
 #include "commands/normal_command.h"
@@ -125,9 +126,9 @@ CommandLine::CommandLine()
     app_.set_version_flag("-V,--version", kVersion, "Print the version");
     app_.footer(kExitCodesHelp);
     app_.require_subcommand(0, 1);
-    declare_all<MapCommand, NormalCommand, StackCommand, RelightCommand, ConvertCommand, BatchCommand,
-                ListCommand, InfoCommand, FitCommand, PresetCommand, DevicesCommand, CompletionCommand,
-                ManualCommand>();
+    declare_all<MapCommand, NormalCommand, HeightCommand, StackCommand, RelightCommand, ConvertCommand,
+                BatchCommand, ListCommand, InfoCommand, FitCommand, PresetCommand, DevicesCommand,
+                CompletionCommand, ManualCommand>();
 }
 
 /// The command that the words begin with, or the tool.

@@ -63,6 +63,7 @@ std::vector<Command> const& commands()
     static std::vector<Command> const all{
         {"map", {"map", "hill.tga", "-o", "o.tga", "--overwrite"}},
         {"normal", {"normal", "hill.tga", "-o", "o.tga", "--overwrite"}},
+        {"height", {"height", "hill_n.tga", "-o", "o.tga", "--overwrite", "--height-range", "auto"}},
         {"relight", {"relight", "hill.tga", "-o", "o.tga", "--overwrite"}},
         {"convert", {"convert", "hill.tga", "-o", "o.png", "--overwrite"}},
         {"info", {"info", "hill.tga"}},

@@ -136,6 +136,8 @@ TEST_F(BatchPlans, LeaveWhatIsNoSurfaceAlone)
     EXPECT_EQ(left_alone[0].ending, "_ao");
     choice_.endings = Endings::kHeights;
     EXPECT_EQ(plan(), (Lines{"a.png -> a_Umbrix.png", "b_disp.png -> b_disp_Umbrix.png"}));
+    choice_.endings = Endings::kNormals;
+    EXPECT_EQ(plan(), (Lines{"a.png -> a_Umbrix.png", "b_nor_dx.png -> b_nor_dx_Umbrix.png"}));
 }
 
 TEST_F(BatchPlans, TakeAnyEndingThatIsAskedFor)
