@@ -186,6 +186,21 @@ TEST_F(HeightTask, ReadsBytesAsTheyWereMade)
     }
 }
 
+TEST_F(HeightTask, ReadsBytesWhoseFlatGroundIsAt128)
+{
+    put_hills("hills.png");
+    Settings steep = kDefaults;
+    steep.relief = 0.3f;
+    make_normals("hills.png", "n.exr", {.depth = SampleType::kFloat}, steep);
+    Picture const vectors = picture("n.exr");
+    Picture bytes = make_picture(vectors.width, vectors.height, 3);
+    std::ranges::transform(vectors.samples<float>(), bytes.samples<std::uint8_t>().begin(), [](float each) {
+        return static_cast<std::uint8_t>(std::lround(static_cast<double>(each) * 127.0 + 128.0));
+    });
+    tga_encoder().encode(path("n.tga"), bytes);
+    EXPECT_EQ(make_heights("n.tga", "made.exr").reading, "bytes with flat ground at 128");
+}
+
 TEST_F(HeightTask, CentresTheHeightsAndTellsWhatIsUnseen)
 {
     put_hills("hills.png");
