@@ -119,14 +119,40 @@ void for_rows(Plane const& plane, std::size_t first, std::size_t rows, Workplace
     }
 }
 
+std::size_t groups_of(std::size_t sequences)
+{
+    return (sequences + kSequences - 1) / kSequences;
+}
+
+/// A run as others watch it, in groups of sequences.
+class Progress {
+public:
+    Progress(RunControl* control, std::size_t groups) : control_(control), groups_(groups) {}
+
+    bool stopping() const { return control_ != nullptr && control_->stopping(); }
+
+    void add_group()
+    {
+        if (control_ != nullptr) {
+            auto const permille = static_cast<int>(1000 * ++done_ / groups_);
+            std::atomic_ref(*control_->kernel_progress()).store(permille, std::memory_order_relaxed);
+        }
+    }
+
+private:
+    RunControl* control_;
+    std::size_t groups_;
+    std::atomic<std::size_t> done_ = 0;
+};
+
 /// Calls @p body with each group of @p count sequences, on all threads: its first one and how many there are.
 template <typename Body>
-void for_groups(std::size_t count, AxisTransform const& axis, RunControl* control, Body const& body)
+void for_groups(std::size_t count, AxisTransform const& axis, Progress& progress, Body const& body)
 {
-    on_all_threads((count + kSequences - 1) / kSequences, [&](auto const& next) {
+    on_all_threads(groups_of(count), [&](auto const& next) {
         Workplace place(axis);
         for (std::size_t first = next() * kSequences; first < count; first = next() * kSequences) {
-            if (control != nullptr && control->stopping()) {
+            if (progress.stopping()) {
                 return;
             }
             std::size_t const sequences = std::min(kSequences, count - first);
@@ -134,13 +160,14 @@ void for_groups(std::size_t count, AxisTransform const& axis, RunControl* contro
                 place.clear();
             }
             body(place, first, sequences);
+            progress.add_group();
         }
     });
 }
 
-void transform_rows(Plane const& plane, AxisTransform const& axis, bool forward, RunControl* control)
+void transform_rows(Plane const& plane, AxisTransform const& axis, bool forward, Progress& progress)
 {
-    for_groups(plane.height, axis, control, [&](Workplace& place, std::size_t first, std::size_t rows) {
+    for_groups(plane.height, axis, progress, [&](Workplace& place, std::size_t first, std::size_t rows) {
         for_rows(plane, first, rows, place, [](float from, float& to) { to = from; });
         if (forward) {
             axis.forward(place.lanes(), place.scratch());
@@ -162,7 +189,7 @@ std::vector<float> factors_of(AxisTransform const& axis)
 
 /// Solves the normal equations for the waves along the rows that the columns of @p plane are.
 void solve_columns(Plane const& plane, AxisTransform const& rows, AxisTransform const& columns,
-                   RunControl* control)
+                   Progress& progress)
 {
     std::vector<float> const row_factors = factors_of(rows);
     std::vector<float> const column_factors = factors_of(columns);
@@ -174,7 +201,7 @@ void solve_columns(Plane const& plane, AxisTransform const& rows, AxisTransform 
             wave[i] = factor > 0.0f ? wave[i] * (scale / factor) : 0.0f;
         }
     };
-    for_groups(plane.width, columns, control, [&](Workplace& place, std::size_t first, std::size_t count) {
+    for_groups(plane.width, columns, progress, [&](Workplace& place, std::size_t first, std::size_t count) {
         std::size_t const real = std::min(count, kLanes);
         std::size_t const imaginary = count - real;
         for (std::size_t y = 0; y < plane.height; ++y) {
@@ -206,9 +233,10 @@ std::optional<std::vector<float>> heights_of_differences(CentralDifferences diff
         make_right_hand_side(plane, {differences.across_rows.data(), width, height}, borders);
         AxisTransform const rows(width, borders.h_tile);
         AxisTransform const columns(height, borders.v_tile);
-        transform_rows(plane, rows, true, control);
-        solve_columns(plane, rows, columns, control);
-        transform_rows(plane, rows, false, control);
+        Progress progress(control, 2 * groups_of(height) + groups_of(width));
+        transform_rows(plane, rows, true, progress);
+        solve_columns(plane, rows, columns, progress);
+        transform_rows(plane, rows, false, progress);
     }
     if (control != nullptr && control->stopping()) {
         return std::nullopt;

@@ -293,6 +293,13 @@ TEST(HeightsOfDifferences, AreTheSameForEachNumberOfThreads)
     }
 }
 
+TEST(HeightsOfDifferences, TellHowFarTheyAre)
+{
+    RunControl control;
+    EXPECT_TRUE(heights_of_differences(random_differences({70, 20}), {}, &control).has_value());
+    EXPECT_EQ(control.permille(), 1000);
+}
+
 TEST(HeightsOfDifferences, AreNotMadeByAStoppedRun)
 {
     RunControl control;
