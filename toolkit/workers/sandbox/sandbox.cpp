@@ -23,8 +23,8 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-// Sanitizers read files, start processes, trace their own to look for leaks, and take memory. Sandboxes are tested in
-// builds without them.
+// Sanitizers read files, start processes, trace their own to look for leaks, and take memory. Sandboxes are
+// tested in builds without them.
 #if defined(UMBRIX_INSTRUMENTED)
 constexpr bool kIsInstrumented = true;
 #else
