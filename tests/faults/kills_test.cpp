@@ -165,7 +165,9 @@ protected:
                     (outcome.code == 128 + signal && signal != SIGKILL))
             << outcome.code << '\n'
             << outcome.err;
-        victim.counts[outcome.code == 0 ? 1 : 0] += 1;
+        bool const came_too_late = outcome.code == 0;
+        victim.counts[came_too_late ? 1 : 0] += 1;
+        victim.duration *= came_too_late ? 0.8 : 1.2; // the machine may be faster or slower by now
     }
 
     std::size_t temporaries(Victim const& victim) const
@@ -206,7 +208,7 @@ TEST_F(Kills, LeaveOldOrNewFilesAndNothingElse)
     }
     std::printf("%d kills, seed %u, %zu files left for the next run to remove\n", kKills, kSeed, left_behind);
     for (Victim const& victim : victims) {
-        std::printf("%-6s %3d runs ended by the signal, %3d before it; a whole one takes %.2f s\n",
+        std::printf("%-6s %3d runs ended by the signal, %3d before it; kills in the end within %.2f s\n",
                     victim.name.c_str(), victim.counts[0], victim.counts[1], victim.duration.count());
         EXPECT_GT(victim.counts[0], 0) << victim.name;
     }
