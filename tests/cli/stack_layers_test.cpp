@@ -48,6 +48,18 @@ TEST_F(StackOfManyLayers, IsRefusedInASentenceIfTheLastIsNoPicture)
     EXPECT_TRUE(complains_about(outcome, "umbrix stack", "s.toml: layer 2000: file: none"));
 }
 
+TEST_F(StackOfManyLayers, IsRefusedInASentenceIfItTakesMoreThanTheMemory)
+{
+    write("h", hill(2048));
+    write_stack(10'000, "h");
+    Outcome const outcome = run(blend, {}, end_soon);
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_TRUE(complains_about(outcome, "umbrix stack", "s.toml"));
+    EXPECT_NE(outcome.err.find("10000 layers of 2048 x 2048 take 742 GiB of memory"), std::string::npos)
+        << outcome.err;
+    EXPECT_FALSE(files().contains("n.tga"));
+}
+
 TEST_F(StackOfManyLayers, IsStoppedInTheMiddle)
 {
     write_stack(10000, "h");

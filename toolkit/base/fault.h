@@ -77,6 +77,7 @@ enum class Fault {
 
     // Worker processes.
     kNoMemory,         ///< There is not enough memory to work on a picture.
+    kTooManyLayers,    ///< The layers of a stack take more memory than there is.
     kNoThread,         ///< A thread could not be started.
     kDecodedTooLong,   ///< Decoding took longer than it may.
     kWorkerSilent,     ///< The worker was stopped, or told nothing for longer than its work takes.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <sys/resource.h>
+#include <sys/sysinfo.h>
 
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
@@ -12,6 +13,15 @@
 #endif
 
 namespace umbrixlib::toolkit {
+
+/// Bytes of memory that the machine has, swap included.
+inline double machine_memory()
+{
+    struct sysinfo machine {};
+    sysinfo(&machine);
+    return (static_cast<double>(machine.totalram) + static_cast<double>(machine.totalswap)) *
+           static_cast<double>(machine.mem_unit);
+}
 
 /// While it lives, the process gets no more than @p bytes of memory, so that a small file that unpacks into a
 /// giant fails to load instead of filling the machine. Sanitizers, which reserve terabytes, go without.

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "toolkit/pictures/address_space.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/settings/stack_record.h"
 #include "toolkit/tasks/methods/saved_picture.h"
@@ -88,6 +89,22 @@ void check_outputs(StackJob const& job, ReadyStack const& stack)
     }
 }
 
+/// All layers are in memory at once: their pictures, and the normals and heights that are made of them.
+void check_memory(StackJob const& job, PreparedInput const& first)
+{
+    constexpr double kGibibyte = 1024.0 * 1024.0 * 1024.0;
+    std::size_t const of_one =
+        first.picture.bytes.size() + first.picture.texels() * (sizeof(float3) + sizeof(float));
+    double const needed = static_cast<double>(of_one) * static_cast<double>(job.description.layers.size());
+    if (needed > machine_memory()) {
+        throw Failure(
+            Fault::kTooManyLayers, job.file,
+            fmt::format("{} layers of {} x {} take {:.0f} GiB of memory, and the machine has {:.0f}",
+                        job.description.layers.size(), first.width, first.height, needed / kGibibyte,
+                        machine_memory() / kGibibyte));
+    }
+}
+
 void take_layer(StackLayer const& layer, PreparedInput& picture, HeightReading const& reading,
                 Observer& observer)
 {
@@ -117,6 +134,7 @@ ReadyStack read_layers(StackJob const& job, Observer& observer)
             stack.width = picture.width;
             stack.height = picture.height;
             check_outputs(job, stack);
+            check_memory(job, picture);
         } else if (!fits(layer, picture, stack, observer)) {
             continue;
         }

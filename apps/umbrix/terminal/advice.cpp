@@ -74,6 +74,7 @@ constexpr Advice kAdvice[] = {
     {Fault::kNotForFolderWalk, "leave --plain out, or the file with --include"},
 
     {Fault::kNoMemory, "make the picture smaller"},
+    {Fault::kTooManyLayers, "make the pictures smaller, or blend some of the layers first"},
     {Fault::kNoThread, "raise the limits on memory and processes (ulimit -v, ulimit -u)"},
     {Fault::kDecodedTooLong, "it is probably damaged; --timeout allows more"},
     {Fault::kWorkerSilent, "try it by itself; --timeout allows more"},

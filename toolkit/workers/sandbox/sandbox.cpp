@@ -3,6 +3,7 @@
 
 #include "toolkit/base/failure.h"
 #include "toolkit/files/opened_files.h"
+#include "toolkit/pictures/address_space.h"
 #include "toolkit/workers/sandbox/filter_internal.h"
 #include "toolkit/workers/sandbox/landlock_internal.h"
 #include "toolkit/workers/sandbox/limits_internal.h"
@@ -16,7 +17,6 @@
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
-#include <sys/sysinfo.h>
 #include <unistd.h>
 
 namespace umbrixlib::toolkit {
@@ -110,15 +110,6 @@ OpenFolders open_folders(Job const& job, Rights rights)
     return folders;
 }
 
-/// Of the machine, swap included.
-double bytes_of_memory()
-{
-    struct sysinfo machine {};
-    sysinfo(&machine);
-    return (static_cast<double>(machine.totalram) + static_cast<double>(machine.totalswap)) *
-           static_cast<double>(machine.mem_unit);
-}
-
 } // namespace
 
 void enter_sandbox(Job const& job, Rights rights)
@@ -134,7 +125,7 @@ void enter_sandbox(Job const& job, Rights rights)
     if (kIsInstrumented) {
         return;
     }
-    set_limits(limits_of(job, processors, bytes_of_memory()));
+    set_limits(limits_of(job, processors, machine_memory()));
     if (rights == Rights::kDecoding) { // others open files of the user's by name
         give_up_capabilities();
     }
