@@ -23,6 +23,21 @@ void copy(ComplexLanes const& from, std::size_t at, ComplexLanes const& to, std:
     std::copy_n(from.imaginary + at * kLanes, kLanes, to.imaginary + place * kLanes);
 }
 
+/// Calls @p change for each element below the middle with the one that mirrors it, lane by lane.
+template <typename Change>
+void for_mirrored(ComplexLanes lanes, std::size_t length, Change const& change)
+{
+    for (std::size_t k = 1; k < length - k; ++k) {
+        std::size_t const at = k * kLanes;
+        std::size_t const other = (length - k) * kLanes;
+#pragma omp simd
+        for (std::size_t lane = 0; lane < kLanes; ++lane) {
+            change(lanes.real[at + lane], lanes.imaginary[at + lane], lanes.real[other + lane],
+                   lanes.imaginary[other + lane]);
+        }
+    }
+}
+
 } // namespace
 
 AxisTransform::AxisTransform(std::size_t length, bool repeats) : fourier_(length), repeats_(repeats)
@@ -48,44 +63,32 @@ double AxisTransform::factor(std::size_t number) const
 /// The spectrum of two real sequences, as one of complex numbers, into those of each.
 void AxisTransform::separate(ComplexLanes lanes) const
 {
-    for (std::size_t k = 1; k < length() - k; ++k) {
-        float* const real = lanes.real + k * kLanes;
-        float* const imaginary = lanes.imaginary + k * kLanes;
-        float* const other_real = lanes.real + (length() - k) * kLanes;
-        float* const other_imaginary = lanes.imaginary + (length() - k) * kLanes;
-#pragma omp simd
-        for (std::size_t lane = 0; lane < kLanes; ++lane) {
-            float const a = real[lane];
-            float const b = imaginary[lane];
-            float const c = other_real[lane];
-            float const d = other_imaginary[lane];
-            real[lane] = 0.5f * (a + c);
-            other_real[lane] = 0.5f * (b - d);
-            imaginary[lane] = 0.5f * (b + d);
-            other_imaginary[lane] = 0.5f * (c - a);
-        }
-    }
+    for_mirrored(lanes, length(),
+                 [](float& real, float& imaginary, float& other_real, float& other_imaginary) {
+                     float const a = real;
+                     float const b = imaginary;
+                     float const c = other_real;
+                     float const d = other_imaginary;
+                     real = 0.5f * (a + c);
+                     other_real = 0.5f * (b - d);
+                     imaginary = 0.5f * (b + d);
+                     other_imaginary = 0.5f * (c - a);
+                 });
 }
 
 void AxisTransform::join(ComplexLanes lanes) const
 {
-    for (std::size_t k = 1; k < length() - k; ++k) {
-        float* const real = lanes.real + k * kLanes;
-        float* const imaginary = lanes.imaginary + k * kLanes;
-        float* const other_real = lanes.real + (length() - k) * kLanes;
-        float* const other_imaginary = lanes.imaginary + (length() - k) * kLanes;
-#pragma omp simd
-        for (std::size_t lane = 0; lane < kLanes; ++lane) {
-            float const a = real[lane];
-            float const b = imaginary[lane];
-            float const c = other_real[lane];
-            float const d = other_imaginary[lane];
-            real[lane] = a - d;
-            other_real[lane] = a + d;
-            imaginary[lane] = b + c;
-            other_imaginary[lane] = b - c;
-        }
-    }
+    for_mirrored(lanes, length(),
+                 [](float& real, float& imaginary, float& other_real, float& other_imaginary) {
+                     float const a = real;
+                     float const b = imaginary;
+                     float const c = other_real;
+                     float const d = other_imaginary;
+                     real = a - d;
+                     other_real = a + d;
+                     imaginary = b + c;
+                     other_imaginary = b - c;
+                 });
 }
 
 void AxisTransform::forward(ComplexLanes lanes, float* scratch) const

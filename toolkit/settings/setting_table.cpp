@@ -34,7 +34,7 @@ constexpr SettingRow kTable[] = {
      "What of a coloured height map is the height: the mean of its colours, one channel, or luma (Rec. 709)"},
     {"replace-invalid", kRead, &Settings::replace_invalid, 0, 0, "", kForHeights | kForHeight,
      "What takes the place of NaN and infinite samples; without, a picture that has any is refused"},
-    {"height-range", kRead, &Settings::height_range, 0, 0, "", kForHeights,
+    {"height-range", kRead, &Settings::height_range, 0, 0, "", kForHeights | kForHeight,
      "What heights become 0 and 1, beyond which they are cut; auto: the picture's own lowest and highest. "
      "Whole numbers are 0 to 1 already"},
     {"invert", kRead, &Settings::invert, 0, 0, "", kForHeights,

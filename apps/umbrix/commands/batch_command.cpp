@@ -151,9 +151,7 @@ void BatchCommand::forbid_options_but_those_for(unsigned user) const
     forbid("--height-map");
     forbid("--normal-map");
     for (SettingRow const& row : setting_table()) {
-        bool const is_range = std::holds_alternative<HeightRange Settings::*>(row.field); // has a use in both
-        if (row.users != kForPresets && (row.users & (kForMap | kForHeights)) != 0 &&
-            (row.users & user) == 0 && !is_range) {
+        if ((row.users & (kForMap | kForHeights)) != 0 && (row.users & user) == 0) {
             forbid(fmt::format("--{}", row.name));
         }
     }

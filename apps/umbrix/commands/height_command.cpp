@@ -7,34 +7,11 @@
 #include "terminal/kind_name.h"
 #include "terminal/say.h"
 
-#include <CLI/Error.hpp>
 #include <fmt/format.h>
-#include <functional>
 
 namespace umbrix_cli {
 
 namespace {
-
-void declare_range(CLI::App& command, HeightRange& range)
-{
-    std::function<void(std::string const&)> const parse = [&range](std::string const& text) {
-        auto const given = height_range_called(text);
-        if (!given) {
-            throw CLI::ValidationError(
-                "--height-range",
-                fmt::format("'{}' is not auto, none or two numbers, the lower one first: 0,4", text));
-        }
-        range = *given;
-    };
-    command
-        .add_option_function<std::string>(
-            "--height-range", parse,
-            "What heights become 0 and 1 in the file, beyond which they are cut; it tells them, and `normal` "
-            "and `map` obey; auto: the lowest and the highest. Without, whole numbers hold 0 to 1 alone "
-            "[auto, none or two numbers, the lower one first: 0,4; default none]")
-        ->type_name("LO,HI")
-        ->group("Relief");
-}
 
 /// What no normal map tells of its heights.
 std::string unseen_in(HeightReport const& report)
@@ -59,8 +36,13 @@ CLI::App* HeightCommand::declare(CLI::App& app)
     command->get_option("--depth")->description("Samples of what is written: 8 or 16 bits, half or float "
                                                 "[8, 16, half, float; default 16 where the format has it]");
     declare_normal_y(*command, normal_y_, "Where green points in the normal map")->group("Relief");
-    declare_range(*command, range_);
     declare_options(*command, settings_, kForHeight);
+    range_ = command->get_option("--height-range");
+    range_->group("Relief");
+    range_->description(
+        "What heights become 0 and 1 in the file, beyond which they are cut; it tells them, and `normal` "
+        "and `map` obey; auto: the lowest and the highest. Without, whole numbers hold 0 to 1 alone "
+        "[auto, none or two numbers, the lower one first: 0,4; default none]");
     return command;
 }
 
@@ -70,7 +52,9 @@ void HeightCommand::run(Interrupts const& interrupts)
     HeightJob job;
     job.settings = settings_;
     job.normal_y = normal_y_;
-    job.range = range_;
+    if (range_->count() > 0) { // a preset's is that of heights read
+        job.range = settings_.height_range;
+    }
     Made<HeightJob> const made = make_picture_file("umbrix height", common_, job, "_Height", interrupts);
     HeightReport const& report = made.report;
     say("wrote {}: height map, {} x {}, from normals in {}, green {}, n-scale {:.4g}, heights {:.4g} to "

@@ -20,7 +20,7 @@ private:
     CommonOptions common_;
     Settings settings_ = kDefaults;
     std::optional<NormalY> normal_y_;
-    HeightRange range_;
+    CLI::Option* range_ = nullptr;
 };
 
 } // namespace umbrix_cli

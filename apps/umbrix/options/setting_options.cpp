@@ -2,6 +2,7 @@
 #include "options/setting_options.h"
 
 #include "options/preset_option.h"
+#include "toolkit/base/whole.h"
 #include "toolkit/settings/defaults.h"
 
 #include <CLI/Error.hpp>
@@ -27,7 +28,7 @@ public:
     void operator()(int Settings::*field) const
     {
         double const value = number();
-        if (value != std::floor(value)) {
+        if (!is_whole(value)) {
             throw CLI::ValidationError(option(), fmt::format("{} is not a whole number", text_));
         }
         settings_.*field = static_cast<int>(value);
@@ -87,7 +88,7 @@ std::string default_text(SettingRow const& row)
 char const* value_name(SettingRow const& row)
 {
     if (!choices(row).empty()) {
-        return row.users == kForHeights ? "CHANNEL" : "MODE";
+        return std::holds_alternative<HeightChannel Settings::*>(row.field) ? "CHANNEL" : "MODE";
     }
     if (std::holds_alternative<HeightRange Settings::*>(row.field)) {
         return "LO,HI";

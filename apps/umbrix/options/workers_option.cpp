@@ -2,10 +2,10 @@
 #include "options/workers_option.h"
 
 #include "options/setting_options.h"
+#include "toolkit/base/whole.h"
 #include "toolkit/workers/processor_share.h"
 
 #include <CLI/Error.hpp>
-#include <cmath>
 #include <fmt/format.h>
 #include <functional>
 
@@ -21,7 +21,7 @@ CLI::Option* declare_workers(CLI::App& command, WorkersOption& workers)
     constexpr double kMost = 1024;
     std::function<void(std::string const&)> const parse = [&workers](std::string const& text) {
         workers.given = parse_number("--jobs", text, 1, kMost);
-        if (workers.given != std::floor(workers.given)) {
+        if (!is_whole(workers.given)) {
             throw CLI::ValidationError("--jobs", fmt::format("{} is not a whole number", text));
         }
     };

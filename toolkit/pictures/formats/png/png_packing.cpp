@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/formats/png/png_packing.h"
 
+#include <algorithm>
+
 namespace umbrixlib::toolkit {
 
 namespace {
@@ -66,8 +68,11 @@ PngPlan PngPacker::plan_usual(std::size_t first_piece, std::size_t count, PngPla
     // With matches another filter may be the best one: what repeats itself has to stay the same.
     PngPlan best = alone;
     std::size_t least = size_alone;
-    for (auto const filter : {std::optional(PngFilter::kNone), std::optional(PngFilter::kSub),
-                              std::optional(PngFilter::kUp), alone.filter}) {
+    std::vector<std::optional<PngFilter>> filters{PngFilter::kNone, PngFilter::kSub, PngFilter::kUp};
+    if (std::find(filters.begin(), filters.end(), alone.filter) == filters.end()) {
+        filters.push_back(alone.filter);
+    }
+    for (auto const filter : filters) {
         PngPlan const plan{filter, kFastest, alone.literal_bits};
         std::size_t const size = size_of_sample(first_piece, count, plan);
         if (size < least) {
