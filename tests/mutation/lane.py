@@ -12,8 +12,10 @@ from changes import Change
 
 # Headers that more sources read take too long to try.
 MOST_READERS = 8
-# Seconds for one test: far above what each takes, as a change may make a loop endless.
-TEST_LIMIT = 60
+# Seconds of CPU time for one test, as a change may make a loop endless, and of wall time, as it may wait without end:
+# far above what each takes on a busy machine.
+CPU_LIMIT = 60
+WALL_LIMIT = 600
 
 # What reads sources or documents instead of running code, or builds everything anew.
 NEVER = r"^(Conventions|Package|Cluster|Docs\.(Links|Site|Checks))\b"
@@ -104,8 +106,8 @@ class Lane:
 
     def _run(self, names: list[str], jobs: int = 1) -> str:
         chosen = "^(" + "|".join(_escaped(name) for name in names) + ")$"
-        command = ["ctest", "--test-dir", self.build, "-R", chosen, "--stop-on-failure",
-                   "--timeout", str(TEST_LIMIT), "--parallel", str(jobs)]  # fmt: skip
+        command = ["prlimit", f"--cpu={CPU_LIMIT}:", "ctest", "--test-dir", self.build, "-R", chosen, "--stop-on-failure",
+                   "--timeout", str(WALL_LIMIT), "--parallel", str(jobs)]  # fmt: skip
         environment = os.environ | {"TMPDIR": str(self.temporary), "UMBRIX_TEST_SHARE": "4"}
         with subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, env=environment,
                               start_new_session=True) as run:  # fmt: skip
