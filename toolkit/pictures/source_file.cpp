@@ -80,6 +80,13 @@ void SourceFile::skip(std::size_t bytes)
     }
 }
 
+void SourceFile::rewind()
+{
+    std::rewind(stream_.get());
+    head_size_ = std::fread(head_.data(), 1, head_.size(), stream_.get());
+    head_read_ = 0;
+}
+
 int SourceFile::next()
 {
     return head_read_ < head_size_ ? head_[head_read_++] : getc_unlocked(stream_.get());

@@ -27,7 +27,7 @@ struct TooManyTexels : Failure {
     std::string format{}; ///< "PNG", "TIFF".
 };
 
-/// A file while it is decoded: read once, from its start to its end. A decoder asks it for leave before it
+/// A file while it is decoded: read from its start to its end. A decoder asks it for leave before it
 /// takes memory for a picture.
 class SourceFile {
 public:
@@ -54,6 +54,9 @@ public:
 
     /// Reads what there is, at most @p bytes, and says how much it was.
     std::size_t read_some(void* to, std::size_t bytes);
+
+    /// Goes back to the first byte.
+    void rewind();
 
     /// The next byte; -1 at the end.
     int next();

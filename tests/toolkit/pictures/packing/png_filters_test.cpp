@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/formats/png/png_filters.h"
+#include "toolkit/pictures/formats/png/png_unfilter.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -36,7 +37,7 @@ int guess(PngFilter filter, int left, int above, int above_left)
 
 class PngFilters : public testing::TestWithParam<PngFilter> {};
 
-TEST_P(PngFilters, GiveWhatAPlainFormGives)
+TEST_P(PngFilters, GiveWhatAPlainFormGivesAndAreUndone)
 {
     std::mt19937 random(1);
     for (std::size_t const step : {1U, 2U, 3U, 4U, 6U, 8U}) {
@@ -56,6 +57,12 @@ TEST_P(PngFilters, GiveWhatAPlainFormGives)
             Bytes made(size);
             filter_row(GetParam(), row, above.data(), step, made.data());
             EXPECT_EQ(made, wanted) << step << ' ' << size;
+
+            made.resize(size + kBehindPngRow, 99);
+            above.resize(size + kBehindPngRow, 77);
+            unfilter_row(GetParam(), {made.data(), size}, above.data(), step);
+            row.resize(size + kBehindPngRow, 99);
+            EXPECT_EQ(made, row) << step << ' ' << size;
         }
     }
 }

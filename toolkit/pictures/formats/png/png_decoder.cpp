@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/decoder.h"
+#include "toolkit/pictures/formats/png/png_texels.h"
 
 #include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <optional>
 #include <png.h>
 
 namespace umbrixlib::toolkit {
@@ -31,25 +33,27 @@ public:
     PngReader(PngReader const&) = delete;
     PngReader& operator=(PngReader const&) = delete;
 
-    DecodedFile decode()
+    /// @param by_libpng If not, and there is a faster way to read the texels, they are read in that way.
+    ///                  Nothing if it does not come to an end.
+    std::optional<DecodedFile> decode(bool by_libpng)
     {
         check(read_header());
         double const width = png_get_image_width(png_, info_);
         double const height = png_get_image_height(png_, info_);
         source_.check_size(width, height);
         bool const palette = png_get_color_type(png_, info_) == PNG_COLOR_TYPE_PALETTE;
+        bool const fast = !by_libpng && !palette && holds_whole_samples();
         double const packed_row = static_cast<double>(png_get_rowbytes(png_, info_));
         check(choose_form(palette));
         source_.check_length(height * packed_row / kMostPacking);
         Picture picture =
             make_picture(static_cast<int>(width), static_cast<int>(height), png_get_channels(png_, info_),
                          png_get_bit_depth(png_, info_) == 16 ? SampleType::kUint16 : SampleType::kUint8);
-        std::vector<png_bytep> rows(static_cast<std::size_t>(picture.height));
-        std::size_t const row_size = picture.bytes.size() / rows.size();
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            rows[rows.size() - 1 - i] = &picture.bytes[i * row_size];
+        if (!fast) {
+            read_by_libpng(picture);
+        } else if (!read_png_texels(source_, png_get_uint_32(last_eight_), picture)) {
+            return {};
         }
-        check(read_rows(rows.data()));
         picture.attributes = parse_attributes({text_, text_size_});
         DecodedFile file{std::move(picture), palette, "PNG"};
         if (has_profile_) {
@@ -104,6 +108,25 @@ private:
         return true;
     }
 
+    /// Whether the texels follow row by row, in samples that are as the picture has them. libpng has read the
+    /// head of the first chunk of them.
+    bool holds_whole_samples() const
+    {
+        return png_get_bit_depth(png_, info_) >= 8 && png_get_valid(png_, info_, PNG_INFO_tRNS) == 0 &&
+               png_get_interlace_type(png_, info_) == PNG_INTERLACE_NONE &&
+               std::memcmp(last_eight_ + 4, "IDAT", 4) == 0;
+    }
+
+    void read_by_libpng(Picture& picture)
+    {
+        std::vector<png_bytep> rows(static_cast<std::size_t>(picture.height));
+        std::size_t const row_size = picture.bytes.size() / rows.size();
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            rows[rows.size() - 1 - i] = &picture.bytes[i * row_size];
+        }
+        check(read_rows(rows.data()));
+    }
+
     bool read_rows(png_bytepp rows)
     {
         if (setjmp(png_jmpbuf(png_)) != 0) {
@@ -118,6 +141,9 @@ private:
         auto* const self = static_cast<PngReader*>(png_get_io_ptr(png));
         if (self->source_.read_some(to, size) != size) {
             png_error(png, "too short");
+        }
+        if (size == sizeof self->last_eight_) {
+            std::memcpy(self->last_eight_, to, size);
         }
     }
 
@@ -153,6 +179,7 @@ private:
     SourceFile& source_;
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
+    png_byte last_eight_[8] = {}; ///< Bytes that were read at once: in the end, a chunk's length and name.
     bool out_of_memory_ = false;
     bool has_profile_ = false;
     char text_[kMostAttributeText] = {};
@@ -166,7 +193,14 @@ public:
         return source.head().size() >= 8 && png_sig_cmp(source.head().data(), 0, 8) == 0;
     }
 
-    DecodedFile decode(SourceFile& source) const override { return PngReader(source).decode(); }
+    DecodedFile decode(SourceFile& source) const override
+    {
+        if (auto file = PngReader(source).decode(false)) {
+            return std::move(*file);
+        }
+        source.rewind(); // what is odd in the file, libpng tells
+        return *PngReader(source).decode(true);
+    }
 };
 
 } // namespace
