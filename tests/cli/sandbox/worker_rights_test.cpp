@@ -218,6 +218,16 @@ TEST_F(WorkerRights, LeaveTheVariablesThatAWorkerHasUseFor)
     EXPECT_EQ(run.workers[0].environment, expected);
 }
 
+TEST_F(WorkerRights, SetVariablesThatTheUserDoesNot)
+{
+    TracedRun const run = traced(map_);
+    ASSERT_EQ(run.workers.size(), 1U);
+    for (char const* const variable :
+         {"OMP_DYNAMIC=false", "OMP_WAIT_POLICY=passive", "GLIBC_TUNABLES=glibc.malloc.hugetlb=1"}) {
+        EXPECT_TRUE(run.workers[0].environment.contains(variable)) << variable;
+    }
+}
+
 TEST_F(WorkerRights, LeaveDriversTheirsBesides)
 {
     std::set<std::string> const known{"HOME=/root", "PATH=/bin", "POCL_CACHE_DIR=/tmp",

@@ -26,6 +26,13 @@ constexpr std::string_view kTooFewThreads[] = {
     "OMP_THREAD_LIMIT", "OMP_DYNAMIC", "OMP_PROC_BIND", "OMP_PLACES", "OMP_MAX_ACTIVE_LEVELS", "OMP_NESTED",
 };
 
+/// Set unless the user sets them. Large pages for what malloc() gives: a picture of 4096 x 4096 is 12,000
+/// pages of the usual size, and the system takes as long to find them as a kernel to fill them.
+constexpr std::string_view kUnlessGiven[] = {
+    "OMP_WAIT_POLICY=passive",
+    "GLIBC_TUNABLES=glibc.malloc.hugetlb=1",
+};
+
 bool is_among(std::span<std::string_view const> patterns, std::string_view name)
 {
     return std::ranges::any_of(patterns, [=](std::string_view pattern) {
@@ -55,21 +62,19 @@ bool is_wanted(std::string_view name, std::string_view value, Rights rights, std
 std::vector<std::string> worker_environment(char const* const* all, Rights rights, std::size_t processors)
 {
     std::vector<std::string> kept{"OMP_DYNAMIC=false"};
-    bool waits = false;
     for (; *all != nullptr; ++all) {
         std::string_view const variable = *all;
         std::size_t const name_size = variable.find('=');
-        if (name_size == std::string_view::npos) {
-            continue;
-        }
-        std::string_view const name = variable.substr(0, name_size);
-        if (is_wanted(name, variable.substr(name_size + 1), rights, processors)) {
+        if (name_size != std::string_view::npos &&
+            is_wanted(variable.substr(0, name_size), variable.substr(name_size + 1), rights, processors)) {
             kept.emplace_back(variable);
-            waits = waits || name == "OMP_WAIT_POLICY";
         }
     }
-    if (!waits) {
-        kept.emplace_back("OMP_WAIT_POLICY=passive");
+    for (std::string_view const variable : kUnlessGiven) {
+        std::string_view const start = variable.substr(0, variable.find('=') + 1);
+        if (std::ranges::none_of(kept, [=](std::string const& each) { return each.starts_with(start); })) {
+            kept.emplace_back(variable);
+        }
     }
     return kept;
 }
