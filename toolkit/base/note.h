@@ -16,7 +16,9 @@ enum class NoteKind {
     /// A map that is made from layers has nothing of this layer's normals.
     kNormalsLeftOut,
     /// Heights of more than 8 bits are saved in 8.
-    kHeightsNarrowed
+    kHeightsNarrowed,
+    /// Normals lean to one side all over, and heights that repeat do not.
+    kLeaningNormals
 };
 
 /// Something about a file that the user ought to know, and that does not end the work.

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <utility>
 
 namespace umbrixlib::toolkit {
@@ -50,8 +51,55 @@ void note_input(PreparedInput const& input, std::string const& name, Observer& o
     }
 }
 
+/// What the heights would rise by from the first number of a side to behind the last.
+double rise(std::vector<float> const& differences, int length)
+{
+    double sum = 0.0;
+    for (float const each : differences) {
+        sum += static_cast<double>(each);
+    }
+    return sum / static_cast<double>(differences.size()) * length / 2.0; // each spans two texels
+}
+
+/// What the mean of the normals asks for along the sides that repeat. 0 if it may be half a step of their
+/// samples.
+struct Lean {
+    double to_right = 0.0;
+    double to_top = 0.0;
+};
+
+Lean lean_of(CentralDifferences const& differences, Borders const& borders, double unsure)
+{
+    auto const sure = [=](std::vector<float> const& along, int length) {
+        double const by = rise(along, length);
+        return std::abs(by) > unsure * length / 2.0 ? by : 0.0;
+    };
+    return {borders.h_tile ? sure(differences.along_rows, differences.width) : 0.0,
+            borders.v_tile ? sure(differences.across_rows, differences.height) : 0.0};
+}
+
+/// Notes a lean that is not small, by itself and beside the heights.
+void note_lean(Lean const& lean, HeightReport const& report, std::string const& name, Observer& observer)
+{
+    double const least = std::max(0.01, 0.05 * (report.high - report.low));
+    std::vector<std::string> parts;
+    for (auto const& [by, way] :
+         {std::pair(lean.to_right, "left to right"), {lean.to_top, "bottom to top"}}) {
+        if (std::abs(by) > least) {
+            parts.push_back(fmt::format("by {:.2g} from {}", by, way));
+        }
+    }
+    if (!parts.empty()) {
+        observer.note(name,
+                      {fmt::format("its normals lean, as if the heights rose {}; heights that repeat cannot, "
+                                   "so this is left out",
+                                   fmt::join(parts, " and ")),
+                       NoteKind::kLeaningNormals});
+    }
+}
+
 CentralDifferences differences_of_input(HeightJob const& job, Picture const& normals, HeightReport& report,
-                                        Observer& observer)
+                                        Lean& lean, Observer& observer)
 {
     std::string const& name = job.files.input;
     NormalReading const reading = reading_of_normals(normals);
@@ -69,6 +117,9 @@ CentralDifferences differences_of_input(HeightJob const& job, Picture const& nor
                                          "ground",
                                          flat, normals.texels())});
     }
+    double const half_step = 2.0 * reading.least_up;
+    lean = lean_of(differences, borders_of(job.settings),
+                   half_step / static_cast<double>(std::abs(report.n_scale)));
     return differences;
 }
 
@@ -193,11 +244,13 @@ HeightReport run(HeightJob const& job, Observer& observer)
     report.stripes_y_unseen = borders.v_tile && input.height % 2 == 0;
 
     observer.begin(Phase::kMaking, files.input);
-    CentralDifferences differences = differences_of_input(job, input.picture, report, observer);
+    Lean lean;
+    CentralDifferences differences = differences_of_input(job, input.picture, report, lean, observer);
     input.picture = {}; // its memory is needed
     std::vector<float> heights = make_heights(job, std::move(differences), observer);
     centre(heights, report);
     check_finite(report, files.input);
+    note_lean(lean, report, files.input, observer);
     report.range = range_of(job, report, as.depth);
     if (report.range || is_whole(as.depth)) {
         bring_in(heights, report.range.value_or(HeightRange{}), as.depth, files.input, observer);

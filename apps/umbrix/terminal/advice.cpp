@@ -121,6 +121,8 @@ std::string_view words_for(NoteKind kind)
         return "--map-from-layers leaves the normals of this layer out of the map";
     case NoteKind::kHeightsNarrowed:
         return "{}; --depth 16 keeps them, where the format has it";
+    case NoteKind::kLeaningNormals:
+        return "{}; --no-tile, --no-h-tile or --no-v-tile keeps it";
     case NoteKind::kPlain:
         break;
     }

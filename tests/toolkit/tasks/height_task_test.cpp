@@ -323,6 +323,28 @@ TEST_F(HeightTask, TakesOddNormalsForFlatGround)
     EXPECT_NO_THROW(make_heights("n.exr", "made.exr", settings));
 }
 
+TEST_F(HeightTask, TellsALeanThatHeightsWhichRepeatDoNotHave)
+{
+    Settings open = kDefaults;
+    open.tile = false;
+    put_heights("ramp.png", 64, 16, [](int x, int) { return 0.1 + 0.8 * x / 63.0; });
+    make_normals("ramp.png", "n.png", {.depth = SampleType::kUint16}, open);
+    make_heights("n.png", "open.png", open);
+    EXPECT_FALSE(is_noted("its normals lean"));
+    make_heights("n.png", "made.png");
+    EXPECT_TRUE(is_noted("its normals lean, as if the heights rose by 0.81 from left to right; heights that "
+                         "repeat cannot, so this is left out"));
+    Settings sideways = kDefaults; // what does not repeat keeps its lean
+    sideways.h_tile = false;
+    notes_.texts.clear();
+    make_heights("n.png", "sideways.png", sideways);
+    EXPECT_FALSE(is_noted("its normals lean"));
+    put_hills("hills.png");
+    make_normals("hills.png", "n.png", {});
+    make_heights("n.png", "hills_made.png");
+    EXPECT_FALSE(is_noted("its normals lean"));
+}
+
 TEST_F(HeightTask, MakesNoHeightsOfNoRelief)
 {
     put_hills("hills.png");
