@@ -2,6 +2,7 @@
 #include "normals/make_normals.h"
 
 #include "boundary/run_turn_internal.h"
+#include "boundary/small_team_internal.h"
 #include "foundation/picture_samples_internal.h"
 #include "normals/colour_heights_internal.h"
 #include "normals/open_borders_internal.h"
@@ -38,6 +39,7 @@ NormalsResult make_normals(NormalsRequest const& request)
         result.outcome = Outcome::kStopped;
         return result;
     }
+    SmallTeam const team(static_cast<std::ptrdiff_t>(heights.height) * heights.width);
     TexelArray<float3> image = fetch_colours(PictureSamples::of(heights), heights.height, heights.width);
     report.begin("Generating Normal");
     if (request.borders.all_repeat()) {

@@ -2,6 +2,7 @@
 #include "umbrix/make_map.h"
 
 #include "boundary/run_turn_internal.h"
+#include "boundary/small_team_internal.h"
 #include "layers/nlayers.h"
 #include "umbrix/gpu_map_run_internal.h"
 #include "umbrix/map_run_internal.h"
@@ -98,6 +99,7 @@ MapResult make_map(MapRequest const& request)
         GpuMapRun run(*request.gpu, options, nullptr, layers, source, shape, report, request.borders);
         run_into(run, request, shape, result);
     } else {
+        SmallTeam const team(shape.texels()); // with a device, a team of one would leave texels out
         MapRun run(options, nullptr, layers, source, shape, MapRun::Shares::kTeam, report, request.borders);
         run_into(run, request, shape, result);
     }
