@@ -29,6 +29,12 @@ done
 umbrix height maps_normal.png -o height_made.png --height-range 0,1 --depth 8
 umbrix map height_made.png -o height_map.png
 
+# command-curvature.md: what is shown of it, and a larger scale
+for part in all cavity ridges; do
+    umbrix curvature "$height" --curvature-part $part -o curvature_$part.png
+done
+umbrix curvature "$height" --gaussian 3 -o curvature_broad.png
+
 # command-relight.md
 umbrix relight maps_map.png --turntable 8 --light 0,40 --cell 80 -o turntable.png
 

@@ -17,7 +17,7 @@ struct OptionSample {
     char const* stored; ///< In a preset. Not the default.
 };
 
-/// One for each key of a preset.
+/// One for each key of a preset. The last ones are of other commands than `map`.
 constexpr OptionSample kSamples[] = {
     {"kind", "--normal-map", nullptr, "\"normal\""},
     {"normal_y", "--normal-y", "down", "\"down\""},
@@ -53,8 +53,12 @@ constexpr OptionSample kSamples[] = {
     {"max", "--max", "251", "251"},
     {"brightness", "--brightness", "-0.25", "-0.25"},
     {"smooth", "--smooth", "0.8", "0.8"},
+    {"curvature_part", "--curvature-part", "cavity", "\"cavity\""},
+    {"curvature_radius", "--curvature-radius", "0.02", "0.02"},
     {"save_depth", "--depth", "16", "\"16\""},
 };
+
+constexpr std::size_t kNotOfMap = 3; // TGA holds no 16 bits
 
 class PresetCommand : public ToolTest {
 protected:
@@ -161,8 +165,7 @@ TEST_F(PresetCommand, MakesWithEveryKeyTheMapOfTheSameOptions)
     // The hill is a height map, and without light and occlusion nothing would be left of its map.
     std::string text = "description = 'every key'\nkind = 'auto'\nnormal_y = 'down'\nlight = true\n";
     Arguments options;
-    for (OptionSample const& sample :
-         std::span(kSamples).subspan(3, std::size(kSamples) - 4)) { // TGA holds no 16 bits
+    for (OptionSample const& sample : std::span(kSamples).subspan(3, std::size(kSamples) - 3 - kNotOfMap)) {
         text += std::string(sample.key) + " = " + sample.stored + "\n";
         options.emplace_back(sample.option);
         if (sample.value != nullptr) {

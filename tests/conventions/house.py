@@ -50,7 +50,7 @@ PARTS = [
         "toolkit",
         [
             ["base"],
-            ["files", "integration"],
+            ["files", "integration", "relief"],
             ["pictures"],
             ["settings"],
             ["lists"],
@@ -66,7 +66,7 @@ PARTS = [
     ),
     Part(
         "apps/umbrix",
-        [["interrupts"], ["terminal"], ["options"], ["options/describe"], ["commands"], ["commands/list", "commands/tell"]],
+        [["interrupts"], ["terminal"], ["options"], ["options/describe"], ["commands"], ["commands/list", "commands/relief", "commands/tell"]],
         ["toolkit/*"],
         ["apps/umbrix"],
         [
@@ -74,6 +74,7 @@ PARTS = [
             ("apps/umbrix/*", "apps/umbrix/toolkit_names.h"),
             # The line of commands has those of the rooms above among them.
             ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/list/list_command.h"),
+            ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/relief/*"),
             ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/tell/*"),
         ],
     ),

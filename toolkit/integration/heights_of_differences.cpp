@@ -2,10 +2,10 @@
 #include "toolkit/integration/heights_of_differences.h"
 
 #include "toolkit/base/all_threads.h"
+#include "toolkit/base/run_progress.h"
 #include "toolkit/integration/axis_transform.h"
 
 #include <algorithm>
-#include <atomic>
 #include <utility>
 
 namespace umbrixlib::toolkit {
@@ -124,30 +124,9 @@ std::size_t groups_of(std::size_t sequences)
     return (sequences + kSequences - 1) / kSequences;
 }
 
-/// A run as others watch it, in groups of sequences.
-class Progress {
-public:
-    Progress(RunControl* control, std::size_t groups) : control_(control), groups_(groups) {}
-
-    bool stopping() const { return control_ != nullptr && control_->stopping(); }
-
-    void add_group()
-    {
-        if (control_ != nullptr) {
-            auto const permille = static_cast<int>(1000 * ++done_ / groups_);
-            std::atomic_ref(*control_->kernel_progress()).store(permille, std::memory_order_relaxed);
-        }
-    }
-
-private:
-    RunControl* control_;
-    std::size_t groups_;
-    std::atomic<std::size_t> done_ = 0;
-};
-
 /// Calls @p body with each group of @p count sequences, on all threads: its first one and how many there are.
 template <typename Body>
-void for_groups(std::size_t count, AxisTransform const& axis, Progress& progress, Body const& body)
+void for_groups(std::size_t count, AxisTransform const& axis, RunProgress& progress, Body const& body)
 {
     on_all_threads(groups_of(count), [&](auto const& next) {
         Workplace place(axis);
@@ -160,12 +139,12 @@ void for_groups(std::size_t count, AxisTransform const& axis, Progress& progress
                 place.clear();
             }
             body(place, first, sequences);
-            progress.add_group();
+            progress.add_piece();
         }
     });
 }
 
-void transform_rows(Plane const& plane, AxisTransform const& axis, bool forward, Progress& progress)
+void transform_rows(Plane const& plane, AxisTransform const& axis, bool forward, RunProgress& progress)
 {
     for_groups(plane.height, axis, progress, [&](Workplace& place, std::size_t first, std::size_t rows) {
         for_rows(plane, first, rows, place, [](float from, float& to) { to = from; });
@@ -189,7 +168,7 @@ std::vector<float> factors_of(AxisTransform const& axis)
 
 /// Solves the normal equations for the waves along the rows that the columns of @p plane are.
 void solve_columns(Plane const& plane, AxisTransform const& rows, AxisTransform const& columns,
-                   Progress& progress)
+                   RunProgress& progress)
 {
     std::vector<float> const row_factors = factors_of(rows);
     std::vector<float> const column_factors = factors_of(columns);
@@ -233,7 +212,7 @@ std::optional<std::vector<float>> heights_of_differences(CentralDifferences diff
         make_right_hand_side(plane, {differences.across_rows.data(), width, height}, borders);
         AxisTransform const rows(width, borders.h_tile);
         AxisTransform const columns(height, borders.v_tile);
-        Progress progress(control, 2 * groups_of(height) + groups_of(width));
+        RunProgress progress(control, 2 * groups_of(height) + groups_of(width));
         transform_rows(plane, rows, true, progress);
         solve_columns(plane, rows, columns, progress);
         transform_rows(plane, rows, false, progress);

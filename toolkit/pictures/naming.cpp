@@ -72,6 +72,8 @@ constexpr NameEnding kEndings[] = {
     {"_emissive", {}, {}},
     {"_orm", {}, {}},
     {"_arm", {}, {}},
+    {"_curvature", {}, {}},
+    {"_cavity", {}, {}},
 };
 
 /// @p stem without a resolution at its end: "_2k".

@@ -44,6 +44,9 @@ inline constexpr Settings kDefaults{
     .h_tile = true,
     .v_tile = true,
 
+    .curvature_part = CurvaturePart::kAll,
+    .curvature_radius = std::nullopt,
+
     // Instead of 10: the filter wipes out the fine relief that most height maps are made for.
     .b_radius = 0.0f,
     .h_contrast = 0.0f,

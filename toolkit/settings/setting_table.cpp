@@ -18,6 +18,7 @@ constexpr char const* kLight = "Light";
 constexpr char const* kRelief = "Relief";
 constexpr char const* kOcclusion = "Occlusion";
 constexpr char const* kBorders = "Borders";
+constexpr char const* kCurvature = "Curvature";
 constexpr char const* kHeights = "Grading of the heights, in this order";
 constexpr char const* kResult = "Grading of the map, in this order";
 constexpr char const* kSaving = "Saving";
@@ -51,15 +52,15 @@ constexpr SettingRow kTable[] = {
     {"height-in-alpha", kLight, &Settings::height_in_alpha, 0, 0, "", kForMap,
      "Put the heights, as they were read, into the map's alpha"},
 
-    {"relief", kRelief, &Settings::relief, 0, 10, " image widths", kForMap | kForNormal | kForHeight,
-     "How high a height of 1 reaches"},
+    {"relief", kRelief, &Settings::relief, 0, 10, " image widths",
+     kForMap | kForNormal | kForHeight | kForCurvature, "How high a height of 1 reaches"},
     {"h-scale", kRelief, &Settings::h_scale, 0, 10, " image widths", kForMap,
      "The same for the occlusion alone; auto is the relief"},
-    {"n-scale", kRelief, &Settings::n_scale, -1e6, 1e6, "", kForMap | kForNormal | kForHeight,
+    {"n-scale", kRelief, &Settings::n_scale, -1e6, 1e6, "", kForMap | kForNormal | kForHeight | kForCurvature,
      "Strength of the normals: slope where the heights differ by 1 over two texels; auto fits the height "
      "scale"},
     {"gaussian", kRelief, &Settings::gaussian, 0, kMaxSigma, " texels, 0 is off",
-     kForMap | kForNormal | kForFit, "Sigma of the blur before normals are made"},
+     kForMap | kForNormal | kForFit | kForCurvature, "Sigma of the blur before normals are made"},
     {"detail", kRelief, &Settings::detail, 0, 100, " texels, up to 1 is off", kForMap | kForNormal | kForFit,
      "Radius of the bilateral filter before normals are made; `normal` runs it without using its result"},
 
@@ -73,12 +74,18 @@ constexpr SettingRow kTable[] = {
      "Full width of a bundle of rays in elevation"},
     {"theta-limit", kOcclusion, &Settings::theta_limit, 0, 180, " degrees", kForMap,
      "Full width of a bundle of rays in azimuth"},
-    {"tile", kBorders, &Settings::tile, 0, 0, "", kForMap | kForNormal | kForHeight,
+    {"tile", kBorders, &Settings::tile, 0, 0, "", kForMap | kForNormal | kForHeight | kForCurvature,
      "The texture repeats, for normals and occlusion; switches the next two"},
-    {"h-tile", kBorders, &Settings::h_tile, 0, 0, "", kForMap | kForNormal | kForHeight,
+    {"h-tile", kBorders, &Settings::h_tile, 0, 0, "", kForMap | kForNormal | kForHeight | kForCurvature,
      "It repeats sideways"},
-    {"v-tile", kBorders, &Settings::v_tile, 0, 0, "", kForMap | kForNormal | kForHeight,
+    {"v-tile", kBorders, &Settings::v_tile, 0, 0, "", kForMap | kForNormal | kForHeight | kForCurvature,
      "It repeats up and down"},
+
+    {"curvature-part", kCurvature, &Settings::curvature_part, 0, 0, "", kForCurvature,
+     "What is shown: ridges light and hollows dark on grey, hollows dark on white, or ridges light on black"},
+    {"curvature-radius", kCurvature, &Settings::curvature_radius, 0.00001, 10, " image widths", kForCurvature,
+     "Radius of the ball that is white all over, and black seen from within; auto: a hundredth of the texels "
+     "is bent more"},
 
     {"b-radius", kHeights, &Settings::b_radius, 0, 100, " texels, below 1 is off", kForMap,
      "Radius of the bilateral filter"},
@@ -104,6 +111,7 @@ constexpr char const* kKindNames[] = {"auto", "height", "normal"};
 constexpr char const* kDirectionNames[] = {"up", "down"};
 constexpr char const* kDepthChoices[] = {"auto", kDepthNames[0], kDepthNames[1], kDepthNames[2],
                                          kDepthNames[3]};
+constexpr char const* kPartNames[] = {"all", "cavity", "ridges"};
 constexpr char const* kChannelNames[] = {"mean", "r", "g", "b", "a", "luma"};
 
 } // namespace
@@ -129,6 +137,7 @@ std::span<char const* const> choices(SettingRow const& row)
                           [](NormalY Settings::*) { return Names(kDirectionNames); },
                           [](std::optional<SampleType> Settings::*) { return Names(kDepthChoices); },
                           [](HeightChannel Settings::*) { return Names(kChannelNames); },
+                          [](CurvaturePart Settings::*) { return Names(kPartNames); },
                       },
                       row.field);
 }
@@ -173,6 +182,7 @@ void choose(SettingRow const& row, Settings& settings, int choice)
                 settings.*field = depth_called(kDepthChoices[choice]);
             },
             [&](HeightChannel Settings::*field) { settings.*field = static_cast<HeightChannel>(choice); },
+            [&](CurvaturePart Settings::*field) { settings.*field = static_cast<CurvaturePart>(choice); },
         },
         row.field);
 }
@@ -199,6 +209,9 @@ std::string value_text(SettingRow const& row, Settings const& settings)
                           },
                           [&](HeightChannel Settings::*field) {
                               return std::string(kChannelNames[static_cast<int>(settings.*field)]);
+                          },
+                          [&](CurvaturePart Settings::*field) {
+                              return std::string(kPartNames[static_cast<int>(settings.*field)]);
                           },
                           [&](HeightRange Settings::*field) { return text_of(settings.*field); },
                           [&](InvalidTexels Settings::*field) { return text_of(settings.*field); },

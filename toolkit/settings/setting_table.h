@@ -14,12 +14,12 @@ using SettingsField =
     std::variant<bool Settings::*, int Settings::*, float Settings::*, std::optional<float> Settings::*,
                  Modes Settings::*, std::optional<Kind> Settings::*, NormalY Settings::*,
                  std::optional<SampleType> Settings::*, HeightChannel Settings::*, HeightRange Settings::*,
-                 InvalidTexels Settings::*>;
+                 InvalidTexels Settings::*, CurvaturePart Settings::*>;
 
 /// The tasks that a setting counts in. Those of kForPresets alone are keys of a preset that each front end
 /// asks for in its own words: what the input is, where green points in it, and how the result is saved.
 /// kForHeights: all that read heights, but for the jobs of a work list, whose fields are the library's.
-/// kForHeight: the one that makes heights of normals.
+/// kForHeight: the one that makes heights of normals. kForCurvature: the one that makes curvature maps.
 enum SettingUser : unsigned {
     kForPresets = 0,
     kForMap = 1,
@@ -27,8 +27,11 @@ enum SettingUser : unsigned {
     kForRelight = 4,
     kForFit = 8,
     kForHeights = 16,
-    kForHeight = 32
+    kForHeight = 32,
+    kForCurvature = 64
 };
+
+inline constexpr unsigned kForAny = ~0U; ///< Any task.
 
 /// One setting of a run. The table of them yields the options and the help of a command line, the keys of
 /// presets, and the job that a worker is sent.

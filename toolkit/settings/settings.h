@@ -9,6 +9,13 @@
 
 namespace umbrixlib::toolkit {
 
+/// What of the curvature a curvature map shows.
+enum class CurvaturePart {
+    kAll,    ///< Flat ground is the middle, ridges are lighter, hollows darker.
+    kCavity, ///< Flat ground and ridges are 1, hollows darker.
+    kRidges, ///< Flat ground and hollows are 0, ridges lighter.
+};
+
 /// What a run can be told on the command line and in a preset, in the library's units. An empty number is
 /// worked out from the others, an empty kind from the input.
 ///
@@ -44,6 +51,9 @@ struct Settings {
     bool tile;
     bool h_tile;
     bool v_tile;
+
+    CurvaturePart curvature_part;
+    std::optional<float> curvature_radius;
 
     float b_radius;
     float h_contrast;

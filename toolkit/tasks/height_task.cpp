@@ -2,9 +2,8 @@
 #include "toolkit/base/failure.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/pictures/heights/take_heights.h"
-#include "toolkit/pictures/naming.h"
+#include "toolkit/tasks/methods/read_slopes.h"
 #include "toolkit/tasks/methods/self_description.h"
-#include "toolkit/tasks/methods/slopes_of_normals.h"
 #include "toolkit/tasks/methods/told_heights.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/runs/library_run.h"
@@ -28,17 +27,6 @@ SavedAs saved_in_depth(Output const& output, OutputFormat const& format)
     Saving saving = output.saving;
     saving.depth = saving.depth.value_or(nearest_depth(format, SampleType::kUint16));
     return saved_as(saving, format, PictureKind::kHeights, output.name);
-}
-
-/// What the file tells, then the ending of its name, then the settings.
-NormalY green_of_input(HeightJob const& job, Picture const& normals)
-{
-    if (job.normal_y) {
-        return *job.normal_y;
-    }
-    NameEnding const* const ending = ending_of_name(job.files.input);
-    auto const by_name = ending != nullptr ? ending->green : std::nullopt;
-    return green_of(normals.attributes).value_or(by_name.value_or(job.settings.normal_y));
 }
 
 void note_input(PreparedInput const& input, std::string const& name, Observer& observer)
@@ -96,31 +84,6 @@ void note_lean(Lean const& lean, HeightReport const& report, std::string const& 
                                    fmt::join(parts, " and ")),
                        NoteKind::kLeaningNormals});
     }
-}
-
-CentralDifferences differences_of_input(HeightJob const& job, Picture const& normals, HeightReport& report,
-                                        Lean& lean, Observer& observer)
-{
-    std::string const& name = job.files.input;
-    NormalReading const reading = reading_of_normals(normals);
-    report.reading = reading.name;
-    OddNormals odd;
-    CentralDifferences differences =
-        differences_of_normals(normals, reading, report.green, static_cast<double>(report.n_scale), odd);
-    if (odd.invalid > 0 && !job.settings.replace_invalid.replacement) {
-        throw Failure(
-            Fault::kInvalidTexels, name,
-            fmt::format("{} of its texels {} NaN or infinite", odd.invalid, odd.invalid == 1 ? "is" : "are"));
-    }
-    if (std::size_t const flat = odd.invalid + odd.turned_away; flat > 0) {
-        observer.note(name, {fmt::format("{} of its {} normals are none of a surface and are taken for flat "
-                                         "ground",
-                                         flat, normals.texels())});
-    }
-    double const half_step = 2.0 * reading.least_up;
-    lean = lean_of(differences, borders_of(job.settings),
-                   half_step / static_cast<double>(std::abs(report.n_scale)));
-    return differences;
 }
 
 std::vector<float> make_heights(HeightJob const& job, CentralDifferences differences, Observer& observer)
@@ -238,14 +201,20 @@ HeightReport run(HeightJob const& job, Observer& observer)
     Borders const borders = borders_of(job.settings);
     report.width = input.width;
     report.height = input.height;
-    report.green = green_of_input(job, input.picture);
+    SlopeSource const source{input.picture, files.input, job.settings, job.normal_y};
+    report.green = green_of_input(source);
     report.n_scale = n_scale_of(job.settings, input.width);
     report.stripes_x_unseen = borders.h_tile && input.width % 2 == 0;
     report.stripes_y_unseen = borders.v_tile && input.height % 2 == 0;
 
     observer.begin(Phase::kMaking, files.input);
-    Lean lean;
-    CentralDifferences differences = differences_of_input(job, input.picture, report, lean, observer);
+    NormalReading reading{};
+    CentralDifferences differences =
+        read_differences(source, report.green, static_cast<double>(report.n_scale), reading, observer);
+    report.reading = reading.name;
+    double const half_step = 2.0 * reading.least_up;
+    Lean const lean =
+        lean_of(differences, borders, half_step / static_cast<double>(std::abs(report.n_scale)));
     input.picture = {}; // its memory is needed
     std::vector<float> heights = make_heights(job, std::move(differences), observer);
     centre(heights, report);

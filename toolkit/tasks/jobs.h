@@ -78,6 +78,18 @@ struct HeightJob {
     bool operator==(HeightJob const&) const = default;
 };
 
+/// A map of the mean curvature, from a height map or a normal map.
+struct CurvatureJob {
+    using Report = CurvatureReport;
+
+    JobFiles files;
+    Settings settings = kDefaults;
+    std::optional<Kind> kind;        ///< Of the input; empty: guess.
+    std::optional<NormalY> normal_y; ///< As in HeightJob.
+
+    bool operator==(CurvatureJob const&) const = default;
+};
+
 /// A lit picture of an Umbrix map, or a contact sheet of several.
 struct RelightJob {
     using Report = RelightReport;
@@ -178,11 +190,11 @@ struct FolderJob {
 };
 
 /// A job of any task.
-using Job = std::variant<MapJob, NormalJob, HeightJob, RelightJob, ConvertJob, InfoJob, StackJob, FitJob,
-                         DevicesJob, ListJob, FolderJob>;
+using Job = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, RelightJob, ConvertJob, InfoJob,
+                         StackJob, FitJob, DevicesJob, ListJob, FolderJob>;
 
 /// A job that makes one picture of another.
-using PictureJob = std::variant<MapJob, NormalJob, HeightJob, RelightJob, ListJob>;
+using PictureJob = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, RelightJob, ListJob>;
 
 /// The files that a job opens by name. Those below the folder of a FolderJob are not among them.
 struct NamedFiles {

@@ -45,20 +45,6 @@ void note_normal_map(MapJob const& job, PreparedInput const& input, Observer& ob
     }
 }
 
-/// Two signs that disagree deserve a look.
-void note_unlike_its_name(std::string const& file, KindGuess const& guess, NameEnding const* ending,
-                          Observer& observer)
-{
-    if (ending != nullptr && ending->kind && *ending->kind != guess.kind) {
-        bool const normals = guess.kind == Kind::kNormalMap;
-        observer.note(file,
-                      {fmt::format("its name ends in {}, as those of {} maps do, but {}: it is taken for a "
-                                   "{} map",
-                                   ending->text, normals ? "height" : "normal", guess.reason,
-                                   normals ? "normal" : "height")});
-    }
-}
-
 /// Settles where green points in a normal map.
 void settle_green(MapJob const& job, NameEnding const* ending, MapReport& report)
 {
@@ -114,7 +100,7 @@ MapReport run(MapJob const& job, Observer& observer)
     SavedAs const as = saved_as(files.output.saving, format, PictureKind::kLight, files.output.name);
     NameEnding const* const ending = ending_of_name(files.input);
     if (!job.kind) {
-        note_unlike_its_name(files.input, input.guess, ending, observer);
+        note_unlike_its_name(files.input, input.guess, observer);
     }
     Kind const kind = job.kind.value_or(input.guess.kind);
     HeightReading const reading = height_reading_of(job.settings);

@@ -4,7 +4,7 @@
 #include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/methods/told_heights.h"
 #include "toolkit/tasks/prepared_input.h"
-#include "toolkit/tasks/runs/library_run.h"
+#include "toolkit/tasks/runs/normals_run.h"
 #include "toolkit/tasks/tasks.h"
 
 #include <algorithm>
@@ -39,22 +39,6 @@ Picture save(NormalsResult const& made, NormalY normal_y, SavedAs const& as)
     return picture;
 }
 
-NormalsResult make_normals(NormalJob const& job, Picture const& heights, float n_scale, Observer& observer)
-{
-    NormalsRequest request;
-    request.heights = heights.view();
-    request.n_scale = n_scale;
-    request.gaussian = job.settings.gaussian;
-    request.borders = borders_of(job.settings);
-    NormalsResult result;
-    run_in_memory(job.files.input, observer, [&](RunControl& control) {
-        request.control = &control;
-        result = umbrixlib::make_normals(request);
-        return result.outcome;
-    });
-    return result;
-}
-
 } // namespace
 
 NormalReport run(NormalJob const& job, Observer& observer)
@@ -73,7 +57,8 @@ NormalReport run(NormalJob const& job, Observer& observer)
 
     observer.begin(Phase::kMaking, files.input);
     float const n_scale = n_scale_of(in_unit(job.settings, told.unit), input.width);
-    NormalsResult const made = make_normals(job, input.picture, n_scale, observer);
+    NormalsResult const made =
+        normals_of_heights(input.picture, n_scale, job.settings, files.input, observer);
     Picture normals = save(made, job.normal_y, as);
     normals.attributes = attributes_of_normals("normal", job.normal_y, as);
     write_picture(files.output.file, format, files.output.name, normals, files.output.saving.compression,

@@ -3,6 +3,7 @@
 
 #include "toolkit/pictures/address_space.h"
 #include "toolkit/pictures/heights/take_heights.h"
+#include "toolkit/pictures/naming.h"
 
 #include <fmt/format.h>
 
@@ -52,6 +53,19 @@ std::optional<HeightRange> take_for_normals(PreparedInput& input, HeightReading 
         observer.note(name, {"what is NaN or infinite in its normals is taken for flat ground"});
     }
     return take_heights_in_alpha(input.picture, reading, name, observer);
+}
+
+void note_unlike_its_name(std::string const& file, KindGuess const& guess, Observer& observer)
+{
+    NameEnding const* const ending = ending_of_name(file);
+    if (ending != nullptr && ending->kind && *ending->kind != guess.kind) {
+        bool const normals = guess.kind == Kind::kNormalMap;
+        observer.note(file,
+                      {fmt::format("its name ends in {}, as those of {} maps do, but {}: it is taken for a "
+                                   "{} map",
+                                   ending->text, normals ? "height" : "normal", guess.reason,
+                                   normals ? "normal" : "height")});
+    }
 }
 
 DecodedImage decode_input(Source const& source, Observer& observer)

@@ -65,6 +65,21 @@ struct HeightReport {
     bool operator==(HeightReport const&) const = default;
 };
 
+struct CurvatureReport {
+    int width = 0;
+    int height = 0;
+    Kind kind = Kind::kHeightMap;       ///< What the input was taken for.
+    bool guessed = false;               ///< The kind was not given.
+    std::string reason;                 ///< What speaks for the kind that would be guessed.
+    NormalY green = NormalY::kUp;       ///< Of a normal map.
+    std::string reading;                ///< Of a normal map, as in HeightReport.
+    float n_scale = 0;                  ///< Strength of the normals of a height map.
+    std::optional<HeightRange> heights; ///< As in MapReport.
+    double radius = 0;                  ///< Of the ball that is white, in image widths.
+
+    bool operator==(CurvatureReport const&) const = default;
+};
+
 struct RelightReport {
     int width = 0; ///< Of the picture or the contact sheet that was written.
     int height = 0;
@@ -154,7 +169,8 @@ struct FolderReport {
 };
 
 /// The report of a job of any task. In the order of Job.
-using Report = std::variant<MapReport, NormalReport, HeightReport, RelightReport, ConvertReport, InfoReport,
-                            StackReport, FitReport, DevicesReport, ListReport, FolderReport>;
+using Report =
+    std::variant<MapReport, NormalReport, HeightReport, CurvatureReport, RelightReport, ConvertReport,
+                 InfoReport, StackReport, FitReport, DevicesReport, ListReport, FolderReport>;
 
 } // namespace umbrixlib::toolkit

@@ -50,6 +50,8 @@ UMBRIX_FIELDS(MapJob, UMBRIX_FIELD(files), UMBRIX_FIELD(settings), UMBRIX_FIELD(
 UMBRIX_FIELDS(NormalJob, UMBRIX_FIELD(files), UMBRIX_FIELD(settings), UMBRIX_FIELD(normal_y))
 UMBRIX_FIELDS(HeightJob, UMBRIX_FIELD(files), UMBRIX_FIELD(settings), UMBRIX_FIELD(normal_y),
               UMBRIX_FIELD(range))
+UMBRIX_FIELDS(CurvatureJob, UMBRIX_FIELD(files), UMBRIX_FIELD(settings), UMBRIX_FIELD(kind),
+              UMBRIX_FIELD(normal_y))
 UMBRIX_FIELDS(RelightJob, UMBRIX_FIELD(files), UMBRIX_FIELD(light), UMBRIX_FIELD(look),
               UMBRIX_FIELD(mode_is_given), UMBRIX_FIELD(force), UMBRIX_FIELD(directions), UMBRIX_FIELD(cell))
 UMBRIX_FIELDS(ConvertJob, UMBRIX_FIELD(files), UMBRIX_FIELD(channel), UMBRIX_FIELD(reading))
@@ -72,6 +74,9 @@ UMBRIX_FIELDS(NormalReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FI
 UMBRIX_FIELDS(HeightReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(green),
               UMBRIX_FIELD(n_scale), UMBRIX_FIELD(reading), UMBRIX_FIELD(low), UMBRIX_FIELD(high),
               UMBRIX_FIELD(range), UMBRIX_FIELD(stripes_x_unseen), UMBRIX_FIELD(stripes_y_unseen))
+UMBRIX_FIELDS(CurvatureReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(kind),
+              UMBRIX_FIELD(guessed), UMBRIX_FIELD(reason), UMBRIX_FIELD(green), UMBRIX_FIELD(reading),
+              UMBRIX_FIELD(n_scale), UMBRIX_FIELD(heights), UMBRIX_FIELD(radius))
 UMBRIX_FIELDS(RelightReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height))
 UMBRIX_FIELDS(ConvertReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(from), UMBRIX_FIELD(to),
               UMBRIX_FIELD(heights))

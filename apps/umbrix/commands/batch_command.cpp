@@ -16,7 +16,34 @@
 
 namespace umbrix_cli {
 
+/// What a batch can make of each picture.
+struct Product {
+    char const* option;
+    char const* help;
+    char const* suffix;
+    char const* plural; ///< For messages.
+    Endings endings;    ///< Of the pictures that it is not made of.
+    unsigned users;     ///< Sum of SettingUser.
+    bool takes_kind;    ///< It can be made of height maps and of normal maps.
+};
+
 namespace {
+
+constexpr Product kProducts[] = {
+    {"--map", "Make Umbrix maps [default]", "_Umbrix", "Umbrix maps", Endings::kSurface,
+     kForMap | kForHeights, true},
+    {"--normal", "Make normal maps", "_Normal", "normal maps", Endings::kHeights, kForNormal | kForHeights,
+     false},
+    {"--height", "Make height maps from normal maps", "_Height", "height maps", Endings::kNormals, kForHeight,
+     false},
+    {"--curvature", "Make curvature or cavity maps", "_Curvature", "curvature maps", Endings::kSurface,
+     kForCurvature | kForHeights, true},
+};
+
+bool makes(Product const* product, std::string_view option)
+{
+    return product->option == option;
+}
 
 constexpr char const* kBatchCommand = "umbrix batch";
 
@@ -33,6 +60,8 @@ void say_what_is_left_out(BatchPlan const& plan)
 }
 
 } // namespace
+
+BatchCommand::BatchCommand() : product_(kProducts) {}
 
 CLI::App* BatchCommand::declare(CLI::App& app)
 {
@@ -51,7 +80,7 @@ CLI::App* BatchCommand::declare(CLI::App& app)
             "Have the library walk one folder itself: it replaces outputs, takes those of earlier runs as "
             "inputs and tells of no failure; the kind and --n-scale have to be given")
         ->group(kRunGroup);
-    declare_options(*command_, settings_, kForMap | kForHeights);
+    declare_options(*command_, settings_, kForAny);
     return command_;
 }
 
@@ -72,9 +101,9 @@ void BatchCommand::declare_files(CLI::App& command)
                   "Take outputs of earlier runs as inputs, too; they are told by their names")
         ->group(kFilesGroup);
     command
-        .add_option("--suffix", suffix_,
-                    "What is put after the name [default _Umbrix for maps, _Normal for normal maps, _Height "
-                    "for height maps]")
+        .add_option(
+            "--suffix", suffix_,
+            "What is put after the name [default _Umbrix for maps, _Normal for normal maps, and so on]")
         ->type_name("TEXT")
         ->group(kFilesGroup);
     command
@@ -111,11 +140,15 @@ void BatchCommand::declare_patterns(CLI::App& command)
 
 void BatchCommand::declare_input(CLI::App& command)
 {
-    auto* const map = command.add_flag("--map", map_, "Make Umbrix maps [default]");
-    auto* const normal = command.add_flag("--normal", normal_, "Make normal maps");
-    auto* const height = command.add_flag("--height", height_, "Make height maps from normal maps");
-    map->excludes(normal, height);
-    normal->excludes(height);
+    std::vector<CLI::Option*> options;
+    for (Product const& each : kProducts) {
+        auto* const option = command.add_flag_callback(
+            each.option, [this, &each] { product_ = &each; }, each.help);
+        for (CLI::Option* const other : options) {
+            option->excludes(other);
+        }
+        options.push_back(option);
+    }
     declare_kind(command, kind_);
     declare_normal_y(command, normal_y_, "Where green points in normal maps that are read or written")
         ->group("Input");
@@ -126,32 +159,34 @@ void BatchCommand::validate() const
     if (suffix_ && suffix_->find('/') != std::string::npos) {
         throw UsageError("--suffix", "it cannot have a / in it", "name another folder with --keep-tree");
     }
-    if (normal_ || height_) {
-        forbid_options_but_those_for(normal_ ? kForNormal | kForHeights : kForHeight);
-    } else {
+    forbid_options_of_others();
+    if (makes(product_, "--map")) {
         check_map_usage(settings_, "");
         check_graphics_usage(graphics_, settings_);
     }
-    if (normal_y_ && kind_ == Kind::kHeightMap) {
-        throw UsageError("--normal-y", "a height map has no green to point anywhere", "leave it out");
-    }
+    check_normal_y_usage(normal_y_, kind_);
 }
 
-void BatchCommand::forbid_options_but_those_for(unsigned user) const
+void BatchCommand::forbid_options_of_others() const
 {
     auto const forbid = [this](std::string const& option) {
         if (command_->get_option(option)->count() > 0) {
-            throw UsageError(option,
-                             fmt::format("{} maps are made without it", normal_ ? "normal" : "height"),
-                             fmt::format("leave it out, or leave {} out", normal_ ? "--normal" : "--height"));
+            throw UsageError(option, fmt::format("{} are made without it", product_->plural),
+                             makes(product_, "--map")
+                                 ? "leave it out"
+                                 : fmt::format("leave it out, or leave {} out", product_->option));
         }
     };
-    forbid("--gpu");
-    forbid("--match-cpu");
-    forbid("--height-map");
-    forbid("--normal-map");
+    if (!makes(product_, "--map")) {
+        forbid("--gpu");
+        forbid("--match-cpu");
+    }
+    if (!product_->takes_kind) {
+        forbid("--height-map");
+        forbid("--normal-map");
+    }
     for (SettingRow const& row : setting_table()) {
-        if ((row.users & (kForMap | kForHeights)) != 0 && (row.users & user) == 0) {
+        if (row.users != kForPresets && (row.users & product_->users) == 0) {
             forbid(fmt::format("--{}", row.name));
         }
     }
@@ -163,8 +198,8 @@ BatchChoice BatchCommand::choice() const
     choice.search = search_;
     choice.search.avoided = include_outputs_ ? "" : keep_tree_;
     choice.include_outputs = include_outputs_;
-    choice.endings = normal_ ? Endings::kHeights : height_ ? Endings::kNormals : Endings::kSurface;
-    choice.suffix = suffix_.value_or(normal_ ? "_Normal" : height_ ? "_Height" : "_Umbrix");
+    choice.endings = product_->endings;
+    choice.suffix = suffix_.value_or(product_->suffix);
     choice.keep_tree = keep_tree_;
     choice.policy = common_.overwrite ? OutputPolicy::kReplace
                     : update_         ? OutputPolicy::kUpdate
@@ -172,23 +207,32 @@ BatchChoice BatchCommand::choice() const
     return choice;
 }
 
+std::function<PictureJob(BatchFile const& file)> BatchCommand::job_for() const
+{
+    auto const always = [](auto const& job) { return [job](BatchFile const&) { return job; }; };
+    auto const kind = kind_ ? kind_ : settings_.kind;
+    if (makes(product_, "--normal")) {
+        return always(NormalJob{{}, settings_, normal_y_.value_or(settings_.normal_y)});
+    }
+    if (makes(product_, "--height")) {
+        bool const has_range = command_->get_option("--height-range")->count() > 0;
+        return always(
+            HeightJob{{}, settings_, normal_y_, has_range ? settings_.height_range : HeightRange{}});
+    }
+    if (makes(product_, "--curvature")) {
+        return always(CurvatureJob{{}, settings_, kind, normal_y_});
+    }
+    MapJob const job{{}, settings_, kind, normal_y_, graphics_};
+    return [job](BatchFile const& file) {
+        check_map_usage(job.settings, file.target.string());
+        return job;
+    };
+}
+
 BatchOrders BatchCommand::orders() const
 {
     BatchOrders orders;
-    if (normal_) {
-        NormalJob const job{{}, settings_, normal_y_.value_or(settings_.normal_y)};
-        orders.job_for = [job](BatchFile const&) { return job; };
-    } else if (height_) {
-        bool const has_range = command_->get_option("--height-range")->count() > 0;
-        HeightJob const job{{}, settings_, normal_y_, has_range ? settings_.height_range : HeightRange{}};
-        orders.job_for = [job](BatchFile const&) { return job; };
-    } else {
-        MapJob const job{{}, settings_, kind_ ? kind_ : settings_.kind, normal_y_, graphics_};
-        orders.job_for = [job](BatchFile const& file) {
-            check_map_usage(job.settings, file.target.string());
-            return job;
-        };
-    }
+    orders.job_for = job_for();
     orders.max_texels = common_.max_texels;
     orders.policy = choice().policy;
     orders.saving = with_depth(common_.saving, settings_.save_depth);
@@ -206,9 +250,14 @@ FolderJob BatchCommand::plain_walk() const
                              "leave it out, or leave --plain out");
         }
     };
-    for (char const* option : {"--normal", "--height", "--suffix", "--keep-tree", "--overwrite", "--update",
-                               "--dry-run", "--json", "--print0", "--jobs", "--include-outputs", "--exclude",
-                               "--normal-y", "--match-cpu", "--height-in-alpha"}) {
+    for (Product const& each : kProducts) {
+        if (!makes(&each, "--map")) {
+            forbid(each.option);
+        }
+    }
+    for (char const* option :
+         {"--suffix", "--keep-tree", "--overwrite", "--update", "--dry-run", "--json", "--print0", "--jobs",
+          "--include-outputs", "--exclude", "--normal-y", "--match-cpu", "--height-in-alpha"}) {
         forbid(option);
     }
     std::error_code error;

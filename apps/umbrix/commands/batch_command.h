@@ -10,14 +10,19 @@
 #include "toolkit/settings/defaults.h"
 #include "toolkit_names.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
 namespace umbrix_cli {
 
-/// `umbrix batch`: what `umbrix map` or `umbrix normal` makes, of every file of a folder, several at a time.
+struct Product;
+
+/// `umbrix batch`: what `umbrix map`, `umbrix normal` and the like make, of every file of a folder, several
+/// at a time.
 class BatchCommand : public Command {
 public:
+    BatchCommand();
     CLI::App* declare(CLI::App& app) override;
     void run(Interrupts const& interrupts) override;
 
@@ -26,7 +31,8 @@ private:
     void declare_patterns(CLI::App& command);
     void declare_input(CLI::App& command);
     void validate() const;
-    void forbid_options_but_those_for(unsigned user) const;
+    void forbid_options_of_others() const;
+    std::function<PictureJob(BatchFile const& file)> job_for() const;
     BatchChoice choice() const;
     BatchOrders orders() const;
     FolderJob plain_walk() const;
@@ -45,9 +51,7 @@ private:
     ResultsForm form_ = ResultsForm::kRows;
     bool plain_ = false;
     Graphics graphics_;
-    bool map_ = false;
-    bool normal_ = false;
-    bool height_ = false;
+    Product const* product_;
     std::optional<Kind> kind_;
     std::optional<NormalY> normal_y_;
 };

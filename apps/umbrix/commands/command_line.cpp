@@ -9,6 +9,7 @@
 #include "commands/map_command.h"
 #include "commands/normal_command.h"
 #include "commands/preset_command.h"
+#include "commands/relief/curvature_command.h"
 #include "commands/relight_command.h"
 #include "commands/stack_command.h"
 #include "commands/tell/devices_command.h"
@@ -126,9 +127,9 @@ CommandLine::CommandLine()
     app_.set_version_flag("-V,--version", kVersion, "Print the version");
     app_.footer(kExitCodesHelp);
     app_.require_subcommand(0, 1);
-    declare_all<MapCommand, NormalCommand, HeightCommand, StackCommand, RelightCommand, ConvertCommand,
-                BatchCommand, ListCommand, InfoCommand, FitCommand, PresetCommand, DevicesCommand,
-                CompletionCommand, ManualCommand>();
+    declare_all<MapCommand, NormalCommand, HeightCommand, CurvatureCommand, StackCommand, RelightCommand,
+                ConvertCommand, BatchCommand, ListCommand, InfoCommand, FitCommand, PresetCommand,
+                DevicesCommand, CompletionCommand, ManualCommand>();
 }
 
 /// The command that the words begin with, or the tool.

@@ -45,9 +45,7 @@ void MapCommand::validate() const
 {
     check_map_usage(settings_, common_.output);
     check_graphics_usage(graphics_, settings_);
-    if (normal_y_ && kind_ == Kind::kHeightMap) {
-        throw UsageError("--normal-y", "a height map has no green to point anywhere", "leave it out");
-    }
+    check_normal_y_usage(normal_y_, kind_);
 }
 
 std::string MapCommand::relief_in_words() const

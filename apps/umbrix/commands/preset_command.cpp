@@ -109,7 +109,7 @@ void PresetCommand::declare_save(CLI::App& command)
         ->group(kFilesGroup);
     declare_kind(command, kind_);
     declare_normal_y(command, normal_y_, "Where green points in a normal map")->group("Input");
-    declare_options(command, settings_, kForMap | kForHeights);
+    declare_options(command, settings_, kForAny);
     declare_depth(command, settings_.save_depth);
 }
 

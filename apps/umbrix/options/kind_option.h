@@ -12,4 +12,7 @@ namespace umbrix_cli {
 /// Adds --height-map and --normal-map to @p command, of which one may be given.
 void declare_kind(CLI::App& command, std::optional<Kind>& kind);
 
+/// Throws a UsageError about a direction of green for what is a height map for sure.
+void check_normal_y_usage(std::optional<NormalY> normal_y, std::optional<Kind> kind);
+
 } // namespace umbrix_cli

@@ -46,6 +46,7 @@ public:
     void operator()(NormalY Settings::*) const { parse_choice(); }
     void operator()(std::optional<umbrixlib::SampleType> Settings::*) const { parse_choice(); }
     void operator()(HeightChannel Settings::*) const { parse_choice(); }
+    void operator()(CurvaturePart Settings::*) const { parse_choice(); }
     void operator()(HeightRange Settings::*) const { parse_text(); }
     void operator()(InvalidTexels Settings::*) const { parse_text(); }
 

@@ -105,6 +105,7 @@ TEST(Naming, TellsThePicturesOfAMaterialByTheirEndings)
     EXPECT_EQ(ending_of("brick_AO.jpg"), "_ao: other");
     EXPECT_EQ(ending_of("brick_BaseColor.jpg"), "_basecolor: other");
     EXPECT_EQ(ending_of("brick_arm.jpg"), "_arm: other");
+    EXPECT_EQ(ending_of("brick_Curvature.png"), "_curvature: other");
     for (char const* none : {"brick.png", "ao.png", "brick_ao_2.png", "brickao.png", "ao/brick.png",
                              "normal_brick.png", "brick_gl.png", ""}) {
         EXPECT_EQ(ending_of(none), "") << none;

@@ -4,6 +4,8 @@
 #include "toolkit/settings/setting_table.h"
 
 #include <algorithm>
+#include <fmt/format.h>
+#include <initializer_list>
 
 namespace umbrixlib::toolkit {
 
@@ -14,20 +16,23 @@ Attributes begun(char const* maker, char const* kind)
     return {{"umbrix", maker}, {"version", UMBRIX_VERSION}, {"kind", kind}};
 }
 
+void add_settings(Attributes& attributes, std::initializer_list<std::string_view> names,
+                  Settings const& settings)
+{
+    for (std::string_view const name : names) {
+        auto const row = std::ranges::find(setting_table(), name, &SettingRow::name);
+        set_value(attributes, name, value_text(*row, settings));
+    }
+}
+
 } // namespace
 
 Attributes attributes_of_map(char const* maker, Settings const& settings)
 {
     Attributes attributes = begun(maker, "map");
-    auto const add = [&](std::initializer_list<std::string_view> names) {
-        for (std::string_view const name : names) {
-            auto const row = std::ranges::find(setting_table(), name, &SettingRow::name);
-            set_value(attributes, name, value_text(*row, settings));
-        }
-    };
-    add({"mode", "light", "relief", "n-scale", "occlusion"});
+    add_settings(attributes, {"mode", "light", "relief", "n-scale", "occlusion"}, settings);
     if (settings.occlusion) {
-        add({"h-scale", "rays", "radius", "alpha-limit", "theta-limit"});
+        add_settings(attributes, {"h-scale", "rays", "radius", "alpha-limit", "theta-limit"}, settings);
     }
     return attributes;
 }
@@ -61,6 +66,18 @@ Attributes attributes_of_heights(char const* maker)
     return begun(maker, "heights");
 }
 
+Attributes attributes_of_curvature(char const* maker, Settings const& settings, double radius,
+                                   SavedAs const& as)
+{
+    Attributes attributes = begun(maker, "curvature");
+    add_settings(attributes, {"curvature-part"}, settings);
+    set_value(attributes, "curvature-radius", fmt::format("{:.6g}", radius));
+    if (settings.curvature_part == CurvaturePart::kAll) {
+        set_value(attributes, "coding", coding_of_normals(as.depth));
+    }
+    return attributes;
+}
+
 Attributes attributes_of_light(char const* maker)
 {
     return begun(maker, "light");
@@ -85,10 +102,11 @@ std::optional<Modes> mode_of(Attributes const& attributes)
 std::string kind_beside_map(Attributes const& attributes)
 {
     std::string const kind = value_of(attributes, "kind");
-    return kind == "normals"   ? "a normal map"
-           : kind == "heights" ? "a height map"
-           : kind == "light"   ? "a picture in a light"
-                               : "";
+    return kind == "normals"     ? "a normal map"
+           : kind == "heights"   ? "a height map"
+           : kind == "curvature" ? "a curvature map"
+           : kind == "light"     ? "a picture in a light"
+                                 : "";
 }
 
 } // namespace umbrixlib::toolkit

@@ -17,6 +17,10 @@ Attributes attributes_of_normals(char const* maker, NormalY green, SavedAs const
 
 Attributes attributes_of_heights(char const* maker);
 
+/// @param radius Of the ball that is white, in image widths. Whole numbers have flat ground in their middle.
+Attributes attributes_of_curvature(char const* maker, Settings const& settings, double radius,
+                                   SavedAs const& as);
+
 /// Of a picture in a light.
 Attributes attributes_of_light(char const* maker);
 

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "commands/command.h"
+#include "options/common_options.h"
+#include "toolkit/settings/defaults.h"
+#include "toolkit_names.h"
+
+#include <optional>
+
+namespace umbrix_cli {
+
+/// `umbrix curvature`: a map of ridges and hollows from a height map or a normal map.
+class CurvatureCommand : public Command {
+public:
+    CLI::App* declare(CLI::App& app) override;
+    void run(Interrupts const& interrupts) override;
+
+private:
+    CommonOptions common_;
+    Settings settings_ = kDefaults;
+    std::optional<Kind> kind_;
+    std::optional<NormalY> normal_y_;
+};
+
+} // namespace umbrix_cli
