@@ -52,7 +52,7 @@ PARTS = [
             ["base"],
             ["files", "integration", "relief"],
             ["pictures"],
-            ["settings"],
+            ["checks", "settings"],
             ["lists"],
             ["tasks"],
             ["workers"],
