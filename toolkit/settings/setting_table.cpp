@@ -45,7 +45,7 @@ constexpr SettingRow kTable[] = {
      "Put the light of the three directions into the map"},
     {"generate-normal", kLight, &Settings::generate_normal, 0, 0, "", kForMap,
      "Make the normals from the heights in a normal map's alpha, too; a height map's always are"},
-    {"mode", kLight, &Settings::mode, 0, 0, "", kForMap | kForRelight,
+    {"mode", kLight, &Settings::mode, 0, 0, "", kForMap | kForRelight | kForCheck,
      "Light of a normal: its projection, the same with unit basis vectors, that cut at 0 and with flat "
      "ground "
      "at full light, or that cut at 0 and squared"},
@@ -74,12 +74,13 @@ constexpr SettingRow kTable[] = {
      "Full width of a bundle of rays in elevation"},
     {"theta-limit", kOcclusion, &Settings::theta_limit, 0, 180, " degrees", kForMap,
      "Full width of a bundle of rays in azimuth"},
-    {"tile", kBorders, &Settings::tile, 0, 0, "", kForMap | kForNormal | kForHeight | kForCurvature,
+    {"tile", kBorders, &Settings::tile, 0, 0, "",
+     kForMap | kForNormal | kForHeight | kForCurvature | kForCheck,
      "The texture repeats, for normals and occlusion; switches the next two"},
-    {"h-tile", kBorders, &Settings::h_tile, 0, 0, "", kForMap | kForNormal | kForHeight | kForCurvature,
-     "It repeats sideways"},
-    {"v-tile", kBorders, &Settings::v_tile, 0, 0, "", kForMap | kForNormal | kForHeight | kForCurvature,
-     "It repeats up and down"},
+    {"h-tile", kBorders, &Settings::h_tile, 0, 0, "",
+     kForMap | kForNormal | kForHeight | kForCurvature | kForCheck, "It repeats sideways"},
+    {"v-tile", kBorders, &Settings::v_tile, 0, 0, "",
+     kForMap | kForNormal | kForHeight | kForCurvature | kForCheck, "It repeats up and down"},
 
     {"curvature-part", kCurvature, &Settings::curvature_part, 0, 0, "", kForCurvature,
      "What is shown: ridges light and hollows dark on grey, hollows dark on white, or ridges light on black"},

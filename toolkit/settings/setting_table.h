@@ -28,7 +28,8 @@ enum SettingUser : unsigned {
     kForFit = 8,
     kForHeights = 16,
     kForHeight = 32,
-    kForCurvature = 64
+    kForCurvature = 64,
+    kForCheck = 128
 };
 
 inline constexpr unsigned kForAny = ~0U; ///< Any task.

@@ -127,6 +127,21 @@ struct InfoJob {
     bool operator==(InfoJob const&) const = default;
 };
 
+/// Whether a map is sound, and a mended copy of it if it is not.
+struct CheckJob {
+    using Report = CheckReport;
+
+    JobFiles
+        files; ///< The output is written if there is something to mend; none is named: nothing is mended.
+    std::optional<PictureKind> kind; ///< Empty: as the file tells, or its name, or else a guess.
+    std::optional<NormalY> normal_y; ///< Where green should point; empty: anywhere.
+    std::optional<Modes> mode;       ///< Of the light of an Umbrix map; empty: as the file tells.
+    bool h_tile = true;              ///< It should repeat sideways.
+    bool v_tile = true;              ///< It should repeat up and down.
+
+    bool operator==(CheckJob const&) const = default;
+};
+
 /// A normal map, a height map and an Umbrix map from layers.
 struct StackJob {
     using Report = StackReport;
@@ -191,7 +206,7 @@ struct FolderJob {
 
 /// A job of any task.
 using Job = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, RelightJob, ConvertJob, InfoJob,
-                         StackJob, FitJob, DevicesJob, ListJob, FolderJob>;
+                         CheckJob, StackJob, FitJob, DevicesJob, ListJob, FolderJob>;
 
 /// A job that makes one picture of another.
 using PictureJob = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, RelightJob, ListJob>;

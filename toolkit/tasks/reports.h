@@ -2,12 +2,14 @@
 #pragma once
 
 #include "toolkit/base/kind.h"
+#include "toolkit/checks/finding.h"
 #include "toolkit/pictures/analysis/channel_ranges.h"
 #include "toolkit/pictures/heights/height_reading.h"
 
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <umbrixlib.h>
 #include <variant>
 #include <vector>
 
@@ -114,6 +116,21 @@ struct InfoReport {
     bool operator==(InfoReport const&) const = default;
 };
 
+struct CheckReport {
+    int width = 0;
+    int height = 0;
+    PictureKind taken_for = PictureKind::kHeights; ///< What it was taken for.
+    std::string because;                           ///< What speaks for that; empty: it was given.
+    std::optional<NormalY> green;                  ///< Of a normal map; empty: its slopes do not tell.
+    double green_times = 1.0;  ///< How many times better the slopes fit than the other way.
+    std::optional<Modes> mode; ///< Of the light of an Umbrix map; empty: it is not known.
+    Findings findings;
+    std::vector<std::string>
+        mended; ///< Names of the findings that the copy is without; empty: there is none.
+
+    bool operator==(CheckReport const&) const = default;
+};
+
 struct StackReport {
     int width = 0;
     int height = 0;
@@ -171,6 +188,6 @@ struct FolderReport {
 /// The report of a job of any task. In the order of Job.
 using Report =
     std::variant<MapReport, NormalReport, HeightReport, CurvatureReport, RelightReport, ConvertReport,
-                 InfoReport, StackReport, FitReport, DevicesReport, ListReport, FolderReport>;
+                 InfoReport, CheckReport, StackReport, FitReport, DevicesReport, ListReport, FolderReport>;
 
 } // namespace umbrixlib::toolkit

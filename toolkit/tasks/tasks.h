@@ -20,6 +20,7 @@ CurvatureReport run(CurvatureJob const& job, Observer& observer);
 RelightReport run(RelightJob const& job, Observer& observer);
 ConvertReport run(ConvertJob const& job, Observer& observer);
 InfoReport run(InfoJob const& job, Observer& observer);
+CheckReport run(CheckJob const& job, Observer& observer);
 StackReport run(StackJob const& job, Observer& observer);
 FitReport run(FitJob const& job, Observer& observer);
 DevicesReport run(DevicesJob const& job, Observer& observer);

@@ -56,6 +56,8 @@ UMBRIX_FIELDS(RelightJob, UMBRIX_FIELD(files), UMBRIX_FIELD(light), UMBRIX_FIELD
               UMBRIX_FIELD(mode_is_given), UMBRIX_FIELD(force), UMBRIX_FIELD(directions), UMBRIX_FIELD(cell))
 UMBRIX_FIELDS(ConvertJob, UMBRIX_FIELD(files), UMBRIX_FIELD(channel), UMBRIX_FIELD(reading))
 UMBRIX_FIELDS(InfoJob, UMBRIX_FIELD(input), UMBRIX_FIELD(max_texels), UMBRIX_FIELD(range))
+UMBRIX_FIELDS(CheckJob, UMBRIX_FIELD(files), UMBRIX_FIELD(kind), UMBRIX_FIELD(normal_y), UMBRIX_FIELD(mode),
+              UMBRIX_FIELD(h_tile), UMBRIX_FIELD(v_tile))
 UMBRIX_FIELDS(StackJob, UMBRIX_FIELD(file), UMBRIX_FIELD(description), UMBRIX_FIELD(normals),
               UMBRIX_FIELD(heights), UMBRIX_FIELD(map), UMBRIX_FIELD(map_from_layers),
               UMBRIX_FIELD(max_texels), UMBRIX_FIELD(settings), UMBRIX_FIELD(graphics))
@@ -87,6 +89,12 @@ UMBRIX_FIELDS(InfoReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIEL
               UMBRIX_FIELD(bits_per_channel), UMBRIX_FIELD(pixel), UMBRIX_FIELD(only_header),
               UMBRIX_FIELD(channels), UMBRIX_FIELD(has_8_bit_steps), UMBRIX_FIELD(taken_for),
               UMBRIX_FIELD(because), UMBRIX_FIELD(notes), UMBRIX_FIELD(attributes))
+UMBRIX_FIELDS(TexelPlace, UMBRIX_FIELD(x), UMBRIX_FIELD(y))
+UMBRIX_FIELDS(Finding, UMBRIX_FIELD(name), UMBRIX_FIELD(text), UMBRIX_FIELD(texels), UMBRIX_FIELD(strength),
+              UMBRIX_FIELD(first), UMBRIX_FIELD(fix))
+UMBRIX_FIELDS(CheckReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(taken_for),
+              UMBRIX_FIELD(because), UMBRIX_FIELD(green), UMBRIX_FIELD(green_times), UMBRIX_FIELD(mode),
+              UMBRIX_FIELD(findings), UMBRIX_FIELD(mended))
 UMBRIX_FIELDS(StackReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(layers))
 UMBRIX_FIELDS(FitReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(relief),
               UMBRIX_FIELD(n_scale), UMBRIX_FIELD(gaussian), UMBRIX_FIELD(inverted), UMBRIX_FIELD(green),

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/tasks/methods/self_description.h"
 
+#include "toolkit/settings/defaults.h"
 #include "toolkit/settings/setting_table.h"
 
 #include <algorithm>
@@ -33,6 +34,12 @@ Attributes attributes_of_map(char const* maker, Settings const& settings)
     add_settings(attributes, {"mode", "light", "relief", "n-scale", "occlusion"}, settings);
     if (settings.occlusion) {
         add_settings(attributes, {"h-scale", "rays", "radius", "alpha-limit", "theta-limit"}, settings);
+    }
+    for (std::string_view const name : {"contrast", "min", "max", "brightness"}) {
+        auto const row = std::ranges::find(setting_table(), name, &SettingRow::name);
+        if (value_text(*row, settings) != value_text(*row, kDefaults)) {
+            add_settings(attributes, {name}, settings); // the map has other light then than its normals give
+        }
     }
     return attributes;
 }
