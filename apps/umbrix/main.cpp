@@ -39,7 +39,7 @@ int run_command(Command& command, std::string const& name)
         if (output.dropped()) {
             throw Stopped{"not all that it tells was read"};
         }
-        return kDone;
+        return command.code();
     } catch (Complaint const& complaint) {
         return complain(name, complaint);
     } catch (Failure const& failure) {

@@ -19,7 +19,7 @@ using SettingsField =
 /// The tasks that a setting counts in. Those of kForPresets alone are keys of a preset that each front end
 /// asks for in its own words: what the input is, where green points in it, and how the result is saved.
 /// kForHeights: all that read heights, but for the jobs of a work list, whose fields are the library's.
-/// kForHeight: the one that makes heights of normals. kForCurvature: the one that makes curvature maps.
+/// kForHeight: the one that makes heights of normals.
 enum SettingUser : unsigned {
     kForPresets = 0,
     kForMap = 1,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "interrupts/interrupts.h"
+#include "terminal/exit_codes.h"
 
 #include <CLI/App.hpp>
 
@@ -20,6 +21,9 @@ public:
 
     /// Does the work after parsing. Throws Failure, Complaint or Stopped.
     virtual void run(Interrupts const& interrupts) = 0;
+
+    /// What the tool tells its caller if that went well.
+    virtual ExitCode code() const { return kDone; }
 };
 
 } // namespace umbrix_cli

@@ -12,6 +12,7 @@
 #include "commands/relief/curvature_command.h"
 #include "commands/relight_command.h"
 #include "commands/stack_command.h"
+#include "commands/tell/check_command.h"
 #include "commands/tell/devices_command.h"
 #include "commands/tell/info_command.h"
 #include "commands/tell/self_description_command.h"
@@ -128,8 +129,8 @@ CommandLine::CommandLine()
     app_.footer(kExitCodesHelp);
     app_.require_subcommand(0, 1);
     declare_all<MapCommand, NormalCommand, HeightCommand, CurvatureCommand, StackCommand, RelightCommand,
-                ConvertCommand, BatchCommand, ListCommand, InfoCommand, FitCommand, PresetCommand,
-                DevicesCommand, CompletionCommand, ManualCommand>();
+                ConvertCommand, BatchCommand, ListCommand, InfoCommand, CheckCommand, FitCommand,
+                PresetCommand, DevicesCommand, CompletionCommand, ManualCommand>();
 }
 
 /// The command that the words begin with, or the tool.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "toolkit/base/kind.h"
+#include "toolkit/pictures/picture.h"
 #include "toolkit_names.h"
 
 namespace umbrix_cli {
@@ -9,6 +10,20 @@ namespace umbrix_cli {
 inline char const* name_of(Kind kind)
 {
     return kind == Kind::kHeightMap ? "height map" : "normal map";
+}
+
+inline char const* name_of(PictureKind kind)
+{
+    switch (kind) {
+    case PictureKind::kNormals:
+        return "normal map";
+    case PictureKind::kHeights:
+        return "height map";
+    case PictureKind::kLight:
+        return "Umbrix map";
+    default:
+        return "lit picture";
+    }
 }
 
 inline char const* name_of(NormalY direction)

@@ -2,6 +2,7 @@
 #include "terminal/report_json.h"
 
 #include "terminal/kind_name.h"
+#include "toolkit/settings/setting_table.h"
 
 #include <nlohmann/json.hpp>
 
@@ -44,6 +45,32 @@ json json_of(InfoReport const& report, std::string const& file)
             {"notes", report.notes},
             {"taken_for", name_of(report.taken_for)},
             {"because", report.because}};
+}
+
+json json_of(CheckReport const& report, std::string const& file, std::string const& written)
+{
+    json findings = json::array();
+    for (Finding const& each : report.findings) {
+        findings.push_back(
+            {{"name", each.name},
+             {"text", each.text},
+             {"texels", each.texels},
+             {"strength", each.strength},
+             {"first", each.first ? json{{"x", each.first->x}, {"y", each.first->y}} : json(nullptr)},
+             {"fix", each.fix.empty() ? json(nullptr) : json(each.fix)}});
+    }
+    return {{"file", file},
+            {"width", report.width},
+            {"height", report.height},
+            {"kind", name_of(report.taken_for)},
+            {"because", report.because.empty() ? json(nullptr) : json(report.because)},
+            {"green", report.green ? json(name_of(*report.green)) : json(nullptr)},
+            {"green_times", report.green_times},
+            {"mode", report.mode ? json(name_of_mode(*report.mode)) : json(nullptr)},
+            {"sound", report.findings.empty()},
+            {"findings", findings},
+            {"mended", report.mended},
+            {"wrote", written.empty() ? json(nullptr) : json(written)}};
 }
 
 json json_of(FitReport const& report, std::string const& heights, std::string const& normals)

@@ -9,8 +9,9 @@
 
 namespace umbrix_cli {
 
-/// What `--json` writes of a report.
+/// What `--json` writes of a report; "" for a file that was not written.
 nlohmann::json json_of(InfoReport const& report, std::string const& file);
+nlohmann::json json_of(CheckReport const& report, std::string const& file, std::string const& written);
 nlohmann::json json_of(FitReport const& report, std::string const& heights, std::string const& normals);
 nlohmann::json json_of(DevicesReport const& report);
 

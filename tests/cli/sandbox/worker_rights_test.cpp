@@ -68,6 +68,7 @@ std::vector<Command> const& commands()
         {"relight", {"relight", "hill.tga", "-o", "o.tga", "--overwrite"}},
         {"convert", {"convert", "hill.tga", "-o", "o.png", "--overwrite"}},
         {"info", {"info", "hill.tga"}},
+        {"check", {"check", "hill.tga"}},
         {"fit", {"fit", "hill.tga", "hill_n.tga"}},
         {"stack", {"stack", "stack.toml", "-o", "o.tga", "--map", "m.tga", "--overwrite"}},
         {"batch", {"batch", "in", "--keep-tree", "out", "--overwrite"}},
