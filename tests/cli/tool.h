@@ -11,8 +11,10 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <poll.h>
 #include <set>
 #include <string>
@@ -64,6 +66,14 @@ public:
 
     pid_t process() const { return process_; }
     void send(int signal) const { kill(process_, signal); }
+
+    /// Processes that it has started.
+    std::vector<pid_t> children() const
+    {
+        std::string const name = std::to_string(process_);
+        std::ifstream list("/proc/" + name + "/task/" + name + "/children");
+        return {std::istream_iterator<pid_t>(list), std::istream_iterator<pid_t>()};
+    }
 
     /// Reads until standard error holds @p text. False if the tool ends before.
     bool wait_for_text(std::string const& text) { return wait_for(outcome_.err, text); }

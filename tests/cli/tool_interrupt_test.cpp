@@ -23,14 +23,6 @@ protected:
                              "lines",       "--relief", "1"};
 };
 
-/// The processes that @p parent has started.
-std::vector<pid_t> children_of(pid_t parent)
-{
-    std::string const process = std::to_string(parent);
-    std::ifstream list("/proc/" + process + "/task/" + process + "/children");
-    return {std::istream_iterator<pid_t>(list), std::istream_iterator<pid_t>()};
-}
-
 bool ends_within(pid_t process, std::chrono::milliseconds limit)
 {
     for (auto waited = 0ms; waited < limit; waited += 10ms) {
@@ -50,7 +42,7 @@ TEST_F(ToolInterrupt, LeavesNothingBehind)
     for (int const signal : {SIGINT, SIGTERM, SIGHUP}) {
         RunningTool tool(folder(), long_run, with_scratch());
         ASSERT_TRUE(tool.wait_for_text("occlusion"));
-        std::vector<pid_t> const workers = children_of(tool.process());
+        std::vector<pid_t> const workers = tool.children();
         ASSERT_EQ(workers.size(), 1U);
         EXPECT_GT(files().size(), before.size());
         tool.send(signal);
@@ -77,7 +69,7 @@ TEST_F(ToolInterrupt, TakesTheWorkerAlongIfTheToolIsKilled)
 {
     RunningTool tool(folder(), long_run, with_scratch());
     ASSERT_TRUE(tool.wait_for_text("occlusion"));
-    std::vector<pid_t> const workers = children_of(tool.process());
+    std::vector<pid_t> const workers = tool.children();
     ASSERT_EQ(workers.size(), 1U);
     tool.send(SIGKILL);
     EXPECT_EQ(tool.finish().code, -SIGKILL);
@@ -88,7 +80,7 @@ TEST_F(ToolInterrupt, IsOneSentenceIfTheWorkerIsKilled)
 {
     RunningTool tool(folder(), long_run, with_scratch());
     ASSERT_TRUE(tool.wait_for_text("occlusion"));
-    std::vector<pid_t> const workers = children_of(tool.process());
+    std::vector<pid_t> const workers = tool.children();
     ASSERT_EQ(workers.size(), 1U);
     kill(workers[0], SIGKILL);
     Outcome const outcome = tool.finish();

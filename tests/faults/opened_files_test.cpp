@@ -76,6 +76,9 @@ private:
         if (name.starts_with("/dev/shm/__KMP_REGISTERED_LIB_")) {
             return std::nullopt; // clang's OpenMP looks whether the process has another one
         }
+        if (name == "clear_refs") {
+            return std::nullopt; // no file: the largest memory of a worker counts anew for its next job
+        }
         // Whoever removes leftovers asks each temporary for its lock, and leaves the bytes alone.
         bool const keeps_bytes = (flags & (O_CREAT | O_TRUNC)) == 0;
         return name == "temporary" && keeps_bytes ? "lock of a temporary" : name;

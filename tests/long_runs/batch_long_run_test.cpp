@@ -35,7 +35,7 @@ std::vector<pid_t> workers_of(pid_t process)
     return workers;
 }
 
-/// The largest part of each kind that was seen. A worker lives for one file, so any one look may meet it
+/// The largest part of each kind that was seen. A worker lives for 256 files, so any one look may meet it
 /// while it is starting; many looks meet some at their largest.
 ProcessUse largest_of(std::vector<ProcessUse> const& seen)
 {

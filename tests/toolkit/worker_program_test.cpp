@@ -52,8 +52,9 @@ TEST(WorkerProgram, DoesNothingForOthers)
 {
     std::string const program = worker_program().string();
     EXPECT_EQ(code_of(fmt::format("'{}' 2> /dev/null", program)), 2);
-    EXPECT_EQ(code_of(fmt::format("'{}' 1 no-such-rights < /dev/null 2> /dev/null", program)), 2);
-    EXPECT_EQ(code_of(fmt::format("'{}' 1 decoding < /dev/null", program)), 1); // it is no child of process 1
+    EXPECT_EQ(code_of(fmt::format("'{}' 1 no-such-rights one < /dev/null 2> /dev/null", program)), 2);
+    EXPECT_EQ(code_of(fmt::format("'{}' 1 decoding one < /dev/null", program)),
+              1); // it is no child of process 1
 }
 
 } // namespace

@@ -41,6 +41,8 @@ public:
 
     double timeout_seconds() const override { return orders_.timeout_seconds; }
 
+    void start_over() override { picture_.start_over(); }
+
     void complete(Report const&) override { picture_.complete(); }
 
 private:
@@ -111,7 +113,7 @@ public:
             tell_what_would_be_done();
         } else {
             remove_what_killed_runs_left(plan.files);
-            summary_.stopped = !run_pool(files_.size(), orders_.workers, *this, stop);
+            summary_.stopped = !run_pool(files_.size(), {orders_.workers, orders_.service}, *this, stop);
         }
         summary_.left = plan.files.size() + plan.failures.size() - summary_.total();
         summary_.left_alone = plan.left_alone.size();

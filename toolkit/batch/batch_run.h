@@ -7,6 +7,7 @@
 #include "toolkit/base/stop.h"
 #include "toolkit/batch/batch_plan.h"
 #include "toolkit/tasks/jobs.h"
+#include "toolkit/workers/service.h"
 
 #include <cstddef>
 #include <functional>
@@ -49,8 +50,9 @@ struct BatchSummary {
 struct BatchOrders {
     /// The job for a file, without its files. A Failure if the output's name does not suit it.
     std::function<PictureJob(BatchFile const& file)> job_for;
-    std::size_t workers = 1; ///< Files at a time.
-    bool dry_run = false;    ///< Only tell what would be made of what.
+    std::size_t workers = 1;              ///< Files at a time.
+    Service service = Service::kManyJobs; ///< Of each worker.
+    bool dry_run = false;                 ///< Only tell what would be made of what.
     OutputPolicy policy = OutputPolicy::kKeep;
     Saving saving{};               ///< Of every picture.
     double max_texels = 268435456; ///< Largest picture that is worked on; 2^28 is 16384 x 16384.
@@ -89,7 +91,7 @@ public:
     virtual void stopping(std::size_t /*running*/) {}
 };
 
-/// Does what there is to do for the files of @p plan, each in a worker process. Removes what killed runs left
+/// Does what there is to do for the files of @p plan, in worker processes. Removes what killed runs left
 /// in the folders that it writes to. After the first wish to stop the files at work are finished, after the
 /// second they are stopped; nothing of them is left.
 BatchSummary run_batch(BatchPlan const& plan, BatchOrders const& orders, BatchObserver& observer,

@@ -11,32 +11,30 @@ namespace umbrixlib::toolkit {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-OutputFile open_output(fs::path const& input, fs::path const& named, bool overwrite)
+PictureFile::PictureFile(fs::path const& input, fs::path named, bool overwrite)
+    : input_(input), named_(std::move(named)), overwrite_(overwrite)
 {
-    check_input(input);
-    return {check_output(named, input, overwrite), output_format(named)->extension};
+    start_over();
 }
 
-} // namespace
-
-PictureFile::PictureFile(fs::path const& input, fs::path named, bool overwrite)
-    : input_(input), named_(std::move(named)), overwrite_(overwrite),
-      file_(open_output(input_, named_, overwrite))
+void PictureFile::start_over()
 {
+    file_.reset();
+    check_input(input_);
+    fs::path target = check_output(named_, input_, overwrite_);
+    file_.emplace(std::move(target), output_format(named_)->extension);
 }
 
 void PictureFile::name_files(JobFiles& files) const
 {
     files.input = input_.string();
-    files.output.file = file_.temporary().string();
+    files.output.file = file_->temporary().string();
     files.output.name = named_.string();
 }
 
 void PictureFile::complete()
 {
-    file_.move_into_place(overwrite_);
+    file_->move_into_place(overwrite_);
 }
 
 double PictureFile::seconds() const

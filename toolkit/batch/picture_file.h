@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <optional>
 
 namespace umbrixlib::toolkit {
 
@@ -20,6 +21,9 @@ public:
     /// Fills in the names of @p files.
     void name_files(JobFiles& files) const;
 
+    /// Makes all checks again, and another temporary file in place of the first.
+    void start_over();
+
     /// Gives the file its name. What the worker wrote is whole and read back by now.
     void complete();
 
@@ -31,7 +35,7 @@ private:
     std::filesystem::path input_;
     std::filesystem::path named_;
     bool overwrite_;
-    OutputFile file_;
+    std::optional<OutputFile> file_;
 };
 
 } // namespace umbrixlib::toolkit

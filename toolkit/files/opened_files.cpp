@@ -18,19 +18,25 @@ struct OpenedFile {
     int error = 0; ///< Why there is none.
 };
 
-/// Of this process, until it ends.
+/// Of this process, until it ends or closes them.
 std::map<std::string, OpenedFile>& opened_files()
 {
     static std::map<std::string, OpenedFile> files;
     return files;
 }
 
-int open_now(std::string const& file, OpenFor purpose)
+int open_now(std::string const& file, OpenFor purpose, int flags = 0)
 {
     constexpr mode_t kForAll = 0666; // less the mask
     return purpose == OpenFor::kReading
-               ? open(file.c_str(), O_RDONLY | O_CLOEXEC)
-               : open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kForAll);
+               ? open(file.c_str(), O_RDONLY | O_CLOEXEC | flags)
+               : open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | flags, kForAll);
+}
+
+bool is_plain(int descriptor)
+{
+    struct stat status = {};
+    return status_of(descriptor, status) && S_ISREG(status.st_mode);
 }
 
 /// Whether an open file is an empty one of one name, as a temporary file is. Somebody else may have put
@@ -66,6 +72,37 @@ bool open_ahead(std::filesystem::path const& file, OpenFor purpose)
         }
     }
     return opened.error != EMFILE && opened.error != ENFILE;
+}
+
+int open_for_another(std::filesystem::path const& file, OpenFor purpose)
+{
+    // Without O_NONBLOCK a pipe that has taken the place of a file is waited for.
+    int const descriptor = open_now(file.string(), purpose, O_NONBLOCK);
+    bool const good = purpose == OpenFor::kReading ? is_plain(descriptor) : is_fresh(descriptor);
+    if (descriptor >= 0 && !good) {
+        close(descriptor);
+        return -1;
+    }
+    return descriptor;
+}
+
+void take_opened(std::filesystem::path const& file, int descriptor)
+{
+    OpenedFile& opened = opened_files()[file.string()];
+    if (opened.descriptor >= 0) {
+        close(opened.descriptor);
+    }
+    opened = {descriptor, 0};
+}
+
+void close_opened_files()
+{
+    for (auto const& [name, opened] : opened_files()) {
+        if (opened.descriptor >= 0) {
+            close(opened.descriptor);
+        }
+    }
+    opened_files().clear();
 }
 
 int open_file(std::filesystem::path const& file, OpenFor purpose)

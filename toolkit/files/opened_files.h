@@ -15,6 +15,17 @@ enum class OpenFor { kReading, kWriting };
 /// @return False if the system has no room for another open file.
 bool open_ahead(std::filesystem::path const& file, OpenFor purpose);
 
+/// A descriptor of @p file for a process that may open none itself, or -1: of a plain file, and for writing
+/// one as open_ahead() wants it. The caller closes it.
+int open_for_another(std::filesystem::path const& file, OpenFor purpose);
+
+/// What open_for_another() gave in another process counts as opened ahead in this one, which owns
+/// @p descriptor from now on.
+void take_opened(std::filesystem::path const& file, int descriptor);
+
+/// Closes all that was opened ahead, and forgets the names.
+void close_opened_files();
+
 /// A descriptor of @p file at its first byte, which the caller closes, or -1 and errno. All descriptors of a
 /// file that was opened ahead share their place in it: one is used at a time. Else the file is opened here.
 /// For writing it is made or emptied, and no link is followed.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/workers/run_one.h"
 
-#include "toolkit/workers/session.h"
+#include "toolkit/workers/session_internal.h"
 #include "toolkit/workers/worker_pool.h"
 
 namespace umbrixlib::toolkit {
@@ -65,7 +65,8 @@ private:
 
 Report run_job(Job const& job, Observer& observer, Stop const& stop, double timeout_seconds)
 {
-    Session session(job, timeout_seconds, observer);
+    WorkerSlot slot(Service::kOneJob, nullptr);
+    Session session(job, timeout_seconds, observer, slot);
     while (wait_for({&session}, stop).empty()) {
         stop.check();
     }
@@ -77,7 +78,7 @@ std::optional<FolderReport> run_walk(FolderJob const& job, Observer& observer, S
                                      std::function<void()> const& stopping, double timeout_seconds)
 {
     Walk walk(job, observer, stopping, timeout_seconds);
-    if (!run_pool(1, 1, walk, stop)) {
+    if (!run_pool(1, {1, Service::kOneJob}, walk, stop)) {
         return std::nullopt;
     }
     if (walk.ending.failure) {

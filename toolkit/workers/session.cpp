@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/workers/session.h"
+#include "toolkit/workers/session_internal.h"
 
 #include "toolkit/base/overloaded.h"
 #include "toolkit/base/utf8.h"
@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fmt/format.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -19,7 +18,8 @@ namespace umbrixlib::toolkit {
 namespace {
 
 constexpr std::size_t kOutputKept = 4096;
-constexpr double kTick = 1.0; ///< Seconds between two looks at the time.
+constexpr int kPiecesOfOutput = 16; ///< Of read_some(), as much as a pipe holds.
+constexpr double kTick = 1.0;       ///< Seconds between two looks at the time.
 
 /// A worker tells something several times a second but while it turns a result into a file. That takes less
 /// than this for each texel, also on a slow and busy machine.
@@ -36,6 +36,12 @@ bool read_some(int descriptor, std::string& text)
     return got > 0 || (got < 0 && errno == EINTR);
 }
 
+bool has_something(int descriptor)
+{
+    pollfd waiting{descriptor, POLLIN, 0};
+    return poll(&waiting, 1, 0) > 0;
+}
+
 bool is_decoding(Phase phase)
 {
     return phase == Phase::kReading || phase == Phase::kChecking;
@@ -49,11 +55,19 @@ std::string describe_end(int status)
 
 } // namespace
 
-Session::Session(Job const& job, double timeout_seconds, Observer& observer, ProcessorSet const* processors)
+Session::Session(Job const& job, double timeout_seconds, Observer& observer, WorkerSlot& slot)
     : job_(pack(job)), task_(job.index()), timeout_seconds_(timeout_seconds),
       longest_silence_(timeout_seconds + kSecondsPerTexel * pictures_of(job).texels), observer_(observer),
-      worker_(rights_of(job), processors), input_(name_of_input(job)), file_at_work_(input_)
+      slot_(slot), worker_(slot.hire(job, files_)), is_used_(slot.is_used()), input_(name_of_input(job)),
+      file_at_work_(input_)
 {
+}
+
+Session::~Session()
+{
+    if (!is_over_) {
+        slot_.drop();
+    }
 }
 
 void Session::fill(pollfd* records) const
@@ -72,10 +86,7 @@ int Session::poll_timeout() const
 bool Session::advance(pollfd const* records)
 {
     if (records[1].revents != 0) {
-        output_open_ = read_some(worker_.output(), output_);
-        if (output_.size() > kOutputKept) {
-            output_.erase(0, output_.size() - kOutputKept);
-        }
+        read_output();
     }
     if (records[2].revents != 0) {
         write_job();
@@ -92,6 +103,14 @@ bool Session::advance(pollfd const* records)
     return true;
 }
 
+void Session::read_output()
+{
+    output_open_ = read_some(worker_.output(), output_);
+    if (output_.size() > kOutputKept) {
+        output_.erase(0, output_.size() - kOutputKept);
+    }
+}
+
 /// A long step means that this process was stopped or the machine asleep, and the worker with it.
 void Session::count_time()
 {
@@ -102,15 +121,16 @@ void Session::count_time()
     silent_ += step;
 }
 
-/// As much as the worker takes at once. What a worker that has ended does not take is of no use to anybody.
+/// As much as the worker takes at once. One that takes no more has ended, or is of no use.
 void Session::write_job()
 {
-    ssize_t const step =
-        send(worker_.input(), job_.data() + sent_, job_.size() - sent_, MSG_DONTWAIT | MSG_NOSIGNAL);
+    ssize_t const step = files_.send(worker_.input(), job_.data() + sent_, job_.size() - sent_);
     if (step >= 0) {
+        files_.close_all();
         sent_ += static_cast<std::size_t>(step);
     } else if (errno != EAGAIN && errno != EINTR) {
         sent_ = job_.size();
+        worker_.kill();
     }
     if (job_is_sent() && asked_to_stop_) {
         worker_.end_input();
@@ -123,6 +143,12 @@ void Session::ask_to_stop()
     if (job_is_sent()) {
         worker_.end_input();
     }
+}
+
+bool Session::waits_for_another_job() const
+{
+    return slot_.service() == Service::kManyJobs && report_ && !failure_ && bytes_.empty() && job_is_sent() &&
+           !asked_to_stop_;
 }
 
 /// False if there is no more to come.
@@ -163,12 +189,23 @@ bool Session::read_events()
         worker_.kill();
         return false;
     }
-    return open;
+    return open && !waits_for_another_job();
 }
 
 Report Session::finish()
 {
-    int const status = worker_.wait();
+    int status = 0;
+    if (waits_for_another_job()) {
+        for (int i = 0; i < kPiecesOfOutput && has_something(worker_.output()); ++i) {
+            read_output();
+        }
+        peak_kib_ = worker_.peak_kib();
+    } else {
+        status = worker_.wait();
+        peak_kib_ = worker_.peak_kib();
+        slot_.drop();
+    }
+    is_over_ = true;
     if (!output_.empty()) {
         observer_.printed(printable_lines(output_));
     }

@@ -2,6 +2,7 @@
 #include "toolkit/workers/worker_channel.h"
 
 #include "toolkit/workers/crossing_internal.h"
+#include "toolkit/workers/handed_files_internal.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -27,15 +28,21 @@ void send_event(Event const& event)
 
 } // namespace
 
-Job WorkerChannel::read_job()
+std::optional<Job> WorkerChannel::read_job()
 {
+    HandedFiles files;
     std::string bytes;
     for (;;) {
         if (auto const message = take_message(bytes, std::numeric_limits<std::size_t>::max())) {
-            return unpack_job(*message);
+            Job job = unpack_job(*message);
+            files.take_for(job);
+            return job;
         }
         char piece[65536];
-        ssize_t const got = read(STDIN_FILENO, piece, sizeof piece);
+        ssize_t const got = files.receive(STDIN_FILENO, piece, sizeof piece);
+        if (got == 0 && bytes.empty()) {
+            return std::nullopt;
+        }
         if (got == 0 || (got < 0 && errno != EINTR)) {
             throw Garbled("the job ends too early");
         }

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 /// @file
-/// The program umbrix-worker: takes a job from its standard input, does it, says how it went.
+/// The program umbrix-worker: takes jobs from its standard input, does them, says how each went.
 #include "toolkit/base/give_up.h"
 #include "toolkit/base/stop.h"
+#include "toolkit/files/opened_files.h"
 #include "toolkit/tasks/tasks.h"
 #include "toolkit/workers/crossing_internal.h"
 #include "toolkit/workers/sandbox/sandbox_internal.h"
@@ -10,9 +11,12 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <iterator>
 #include <new>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <sys/prctl.h>
@@ -47,7 +51,7 @@ void tell(Failure const& failure)
     WorkerChannel().send(failure);
 }
 
-int do_job(Rights rights)
+int serve(Rights rights, Service service)
 {
     std::signal(SIGXFSZ, SIG_IGN); // a limit on file sizes then reads as a full disk
     std::signal(SIGPIPE, SIG_IGN); // the parent may have gone
@@ -56,9 +60,17 @@ int do_job(Rights rights)
     set_last_words(tell);
     WorkerChannel channel;
     try {
-        Job const job = channel.read_job();
-        enter_sandbox(job, rights);
-        channel.send(run(job, channel));
+        std::optional<Job> job = channel.read_job();
+        if (job) {
+            enter_sandbox(*job, rights, service);
+        }
+        while (job) {
+            Report const report = run(*job, channel);
+            std::fflush(nullptr); // what libraries print belongs to this job
+            close_opened_files();
+            channel.send(report);
+            job = service == Service::kManyJobs ? channel.read_job() : std::nullopt;
+        }
         return EXIT_SUCCESS;
     } catch (Failure const& failure) {
         channel.send(failure);
@@ -78,18 +90,25 @@ int do_job(Rights rights)
 
 } // namespace umbrixlib::toolkit
 
-/// Two words: the process that the worker belongs to, and the name of its Rights.
+/// Three words: the process that the worker belongs to, and the names of its Rights and its Service.
 int main(int count, char** words)
 {
     using umbrixlib::toolkit::kRightsNames;
-    auto const* const rights =
-        count == 3 ? std::ranges::find(kRightsNames, std::string_view(words[2])) : std::end(kRightsNames);
-    if (rights == std::end(kRightsNames)) {
+    using umbrixlib::toolkit::kServiceNames;
+    constexpr int kWords = 4;
+    auto const place_of = [&](std::span<char const* const> names, int word) {
+        return count == kWords ? std::ranges::find(names, std::string_view(words[word])) - names.begin()
+                               : std::ssize(names);
+    };
+    auto const rights = place_of(kRightsNames, 2);
+    auto const service = place_of(kServiceNames, 3);
+    if (rights == std::ssize(kRightsNames) || service == std::ssize(kServiceNames)) {
         constexpr std::string_view kWhatItIs =
             "umbrix-worker: UmbrixLib starts it by itself to work on pictures\n";
         static_cast<void>(!write(STDERR_FILENO, kWhatItIs.data(), kWhatItIs.size()));
         return 2;
     }
     umbrixlib::toolkit::end_with_parent(words[1]);
-    return umbrixlib::toolkit::do_job(static_cast<umbrixlib::toolkit::Rights>(rights - kRightsNames));
+    return umbrixlib::toolkit::serve(static_cast<umbrixlib::toolkit::Rights>(rights),
+                                     static_cast<umbrixlib::toolkit::Service>(service));
 }

@@ -2,6 +2,7 @@
 #include "toolkit/workers/worker_pool.h"
 
 #include "toolkit/workers/processor_share.h"
+#include "toolkit/workers/session_internal.h"
 
 #include <algorithm>
 #include <chrono>
@@ -15,13 +16,19 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Room for one worker at a time. It keeps its processors from one worker to the next.
+/// A piece of work at a time, and its worker. It keeps its processors from one worker to the next.
 class Slot : public Observer {
 public:
-    Slot(PoolClient& client, ProcessorSet const* processors) : client_(client), processors_(processors) {}
+    Slot(PoolClient& client, Service service, ProcessorSet const* processors)
+        : client_(client), worker_(service, processors)
+    {
+    }
 
     bool busy() const { return session_ != nullptr; }
     Session& session() const { return *session_; }
+
+    /// No work is to come.
+    void close() const { worker_.let_go(); }
 
     /// Has a worker start work number @p index, unless there is nothing to do or that fails.
     void start(std::size_t index)
@@ -32,8 +39,7 @@ public:
         guarded([&] {
             task_ = client_.open(index);
             if (task_) {
-                session_ =
-                    std::make_unique<Session>(task_->job(), task_->timeout_seconds(), *this, processors_);
+                begin_session();
             }
         });
         if (ending_.failure) {
@@ -44,12 +50,19 @@ public:
     /// The worker has told all that it had to tell.
     void finish()
     {
-        guarded([&] {
-            Report const report = session_->finish();
-            task_->complete(report);
-            ending_.report = report;
-        });
+        std::optional<Report> report;
+        guarded([&] { report = session_->finish(); });
         ending_.peak_kib = session_->peak_kib();
+        if (!report && session_->has_used_worker()) {
+            begin_anew();
+            return;
+        }
+        if (report) {
+            guarded([&] {
+                task_->complete(*report);
+                ending_.report = report;
+            });
+        }
         end();
     }
 
@@ -69,7 +82,15 @@ public:
     }
 
 private:
-    void note(std::string const& file, Note const& note) override { client_.note(ending_.index, file, note); }
+    /// What a worker tells that has done other work before may be forgotten yet.
+    void note(std::string const& file, Note const& note) override
+    {
+        if (session_ && session_->has_used_worker()) {
+            notes_.emplace_back(file, note);
+        } else {
+            client_.note(ending_.index, file, note);
+        }
+    }
 
     void printed(std::string const& lines) override { ending_.printed = lines; }
 
@@ -87,29 +108,55 @@ private:
         }
     }
 
+    void begin_session()
+    {
+        session_ = std::make_unique<Session>(task_->job(), task_->timeout_seconds(), *this, worker_);
+    }
+
+    /// Work that came before may have harmed the worker.
+    void begin_anew()
+    {
+        session_.reset();
+        notes_.clear();
+        ending_.failure.reset();
+        ending_.printed.clear();
+        guarded([&] {
+            task_->start_over();
+            begin_session();
+        });
+        if (ending_.failure) {
+            end();
+        }
+    }
+
     void end()
     {
         session_.reset(); // the worker first: it may be writing into the task's files
         task_.reset();
+        for (auto const& [file, note] : std::exchange(notes_, {})) {
+            client_.note(ending_.index, file, note);
+        }
         ending_.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
         client_.end(ending_);
     }
 
     PoolClient& client_;
-    ProcessorSet const* processors_;
+    WorkerSlot worker_;
     std::unique_ptr<PoolTask> task_;
     std::unique_ptr<Session> session_;
     Clock::time_point start_;
+    std::vector<std::pair<std::string, Note>> notes_; ///< And their files.
     PoolEnding ending_;
 };
 
 class Pool {
 public:
-    Pool(std::size_t count, std::size_t workers, PoolClient& client, Stop const& stop)
-        : count_(count), client_(client), stop_(stop), shares_(share_processors(workers))
+    Pool(std::size_t count, PoolWorkers const& workers, PoolClient& client, Stop const& stop)
+        : count_(count), client_(client), stop_(stop), shares_(share_processors(workers.at_a_time))
     {
-        for (std::size_t i = 0; i < workers; ++i) {
-            slots_.push_back(std::make_unique<Slot>(client, shares_.empty() ? nullptr : &shares_[i]));
+        for (std::size_t i = 0; i < workers.at_a_time; ++i) {
+            slots_.push_back(
+                std::make_unique<Slot>(client, workers.service, shares_.empty() ? nullptr : &shares_[i]));
         }
     }
 
@@ -136,6 +183,9 @@ private:
             // Work that is nothing or fails at once leaves its slot free.
             while (!slot->busy() && next_ < count_ && !noticed_wish_to_stop()) {
                 slot->start(next_++);
+            }
+            if (!slot->busy()) {
+                slot->close();
             }
         }
     }
@@ -184,10 +234,11 @@ private:
 
 } // namespace
 
-bool run_pool(std::size_t count, std::size_t workers, PoolClient& client, Stop const& stop)
+bool run_pool(std::size_t count, PoolWorkers const& workers, PoolClient& client, Stop const& stop)
 {
-    return Pool(count, std::clamp<std::size_t>(workers, 1, std::max<std::size_t>(count, 1)), client, stop)
-        .run();
+    std::size_t const most = std::max<std::size_t>(count, 1);
+    PoolWorkers const needed{std::clamp<std::size_t>(workers.at_a_time, 1, most), workers.service};
+    return Pool(count, needed, client, stop).run();
 }
 
 } // namespace umbrixlib::toolkit

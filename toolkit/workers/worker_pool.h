@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/base/failure.h"
+#include "toolkit/base/note.h"
 #include "toolkit/base/stop.h"
-#include "toolkit/workers/session.h"
+#include "toolkit/tasks/jobs.h"
+#include "toolkit/workers/service.h"
 
 #include <cstddef>
 #include <memory>
@@ -28,6 +31,10 @@ public:
     /// Whether its worker is told of the first wish to stop, as Observer::stopping(), and may end early.
     virtual bool may_end_early() const { return false; }
 
+    /// It begins anew, with another worker. What the first one may have written is of no use: job() names
+    /// other outputs from now on. A Failure if that cannot be.
+    virtual void start_over() {}
+
     /// The worker has done its part: what is left to do. A Failure if that cannot be done.
     virtual void complete(Report const& report) = 0;
 };
@@ -40,7 +47,7 @@ struct PoolEnding {
     bool stopped = false;           ///< Neither: the user would not wait for it.
     std::string printed;            ///< The last that libraries printed in the worker, fit for a terminal.
     double seconds = 0;             ///< From the opening of the task.
-    long peak_kib = 0;              ///< Largest memory of the worker; 0 if there was none.
+    long peak_kib = 0;              ///< Largest memory of the worker meanwhile; 0 if there was none.
 };
 
 /// Who has work for a pool. All calls come from within run_pool(), one at a time.
@@ -65,13 +72,20 @@ public:
     virtual void stopping(std::size_t running) = 0;
 };
 
-/// Does @p count pieces of work in their order, @p workers of them at a time, each in a worker process with
-/// its share of the processors: whatever happens in a worker is the end of that piece only. After the first
-/// interrupt no piece is begun any more, and those that may end early are asked to; after the second those at
-/// work are stopped. False if the user stopped it.
+/// Who does the work of a pool.
+struct PoolWorkers {
+    std::size_t at_a_time = 1;
+    Service service = Service::kManyJobs; ///< Of each.
+};
+
+/// Does @p count pieces of work in their order, in worker processes, each with its share of the processors.
+/// What happens in a worker is the end of that piece only: one that fails in a worker that has done others
+/// before is done once more in a fresh one, so a failure is always the piece's own. After the first interrupt
+/// no piece is begun any more, and those that may end early are asked to; after the second those at work are
+/// stopped. False if the user stopped it.
 ///
 /// It has no threads and no state besides its arguments; several may run at a time on threads of their own.
 /// Workers die with the thread that began them.
-bool run_pool(std::size_t count, std::size_t workers, PoolClient& client, Stop const& stop);
+bool run_pool(std::size_t count, PoolWorkers const& workers, PoolClient& client, Stop const& stop);
 
 } // namespace umbrixlib::toolkit

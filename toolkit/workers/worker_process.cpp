@@ -7,13 +7,20 @@
 #include "toolkit/workers/worker_program.h"
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
+#include <fmt/format.h>
+#include <fstream>
+#include <limits>
 #include <optional>
+#include <poll.h>
 #include <spawn.h>
 #include <string>
+#include <string_view>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -48,6 +55,9 @@ struct Ends {
     int ours = -1;
     int theirs = -1; ///< Above the descriptors that the worker expects something on.
 };
+
+/// For a worker that has nothing to do any more.
+constexpr std::chrono::seconds kTimeToEnd{5};
 
 [[noreturn]] void refuse_pipe()
 {
@@ -99,7 +109,7 @@ void deafen(posix_spawnattr_t& attributes)
 
 } // namespace
 
-WorkerProcess::WorkerProcess(Rights of_job, ProcessorSet const* processors)
+WorkerProcess::WorkerProcess(Rights of_job, Service service, ProcessorSet const* processors)
 {
     Rights const rights = all_rights_are_kept() ? Rights::kAll : of_job;
     std::string const program = worker_program().string();
@@ -113,7 +123,8 @@ WorkerProcess::WorkerProcess(Rights of_job, ProcessorSet const* processors)
     char name[] = "umbrix-worker";
     std::string parent = std::to_string(getpid());
     std::string rights_name = name_of(rights);
-    char* const words[] = {name, parent.data(), rights_name.data(), nullptr};
+    std::string service_name = name_of(service);
+    char* const words[] = {name, parent.data(), rights_name.data(), service_name.data(), nullptr};
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     deafen(attributes);
@@ -170,6 +181,43 @@ bool WorkerProcess::is_stopped() const
            found.si_pid == process_;
 }
 
+bool WorkerProcess::is_quiet() const
+{
+    pollfd waiting{events_, POLLIN, 0};
+    return poll(&waiting, 1, 0) == 0;
+}
+
+double WorkerProcess::cpu_seconds() const
+{
+    clockid_t clock{};
+    timespec used{};
+    if (clock_getcpuclockid(process_, &clock) != 0 || clock_gettime(clock, &used) != 0) {
+        return std::numeric_limits<double>::infinity();
+    }
+    return static_cast<double>(used.tv_sec) + 1e-9 * static_cast<double>(used.tv_nsec);
+}
+
+void WorkerProcess::dismiss()
+{
+    using Clock = std::chrono::steady_clock;
+    end_input();
+    pollfd waiting[] = {{events_, POLLIN, 0}, {output_, POLLIN, 0}};
+    char unheard[4096];
+    for (Clock::time_point const start = Clock::now(); Clock::now() - start < kTimeToEnd;) {
+        constexpr int kMilliseconds = 100;
+        poll(waiting, 2, kMilliseconds);
+        for (pollfd& each : waiting) {
+            if (each.revents != 0 && read(each.fd, unheard, sizeof unheard) == 0) {
+                each.fd = -1;
+            }
+        }
+        if (waiting[0].fd < 0) {
+            break;
+        }
+    }
+    kill();
+}
+
 void WorkerProcess::kill()
 {
     ::kill(process_, SIGKILL);
@@ -184,6 +232,26 @@ int WorkerProcess::wait()
     process_ = -1;
     peak_kib_ = used.ru_maxrss;
     return status;
+}
+
+long WorkerProcess::peak_kib() const
+{
+    if (process_ < 0) {
+        return peak_kib_;
+    }
+    constexpr std::string_view kPeak = "VmHWM:";
+    std::ifstream status(fmt::format("/proc/{}/status", process_));
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with(kPeak)) {
+            return std::strtol(line.c_str() + kPeak.size(), nullptr, 10);
+        }
+    }
+    return 0;
+}
+
+void WorkerProcess::forget_peak() const
+{
+    std::ofstream(fmt::format("/proc/{}/clear_refs", process_)) << "5";
 }
 
 } // namespace umbrixlib::toolkit

@@ -69,7 +69,7 @@ CLI::App* BatchCommand::declare(CLI::App& app)
     declare_files(*command_);
     declare_input(*command_);
     declare_results_form(*command_, form_);
-    declare_workers(*command_, workers_)->group(kRunGroup);
+    declare_workers(*command_, workers_);
     common_.declare_limits(*command_);
     declare_saving(*command_, common_.saving);
     common_.declare_progress(*command_, "not");
@@ -238,6 +238,7 @@ BatchOrders BatchCommand::orders() const
     orders.saving = with_depth(common_.saving, settings_.save_depth);
     orders.timeout_seconds = common_.timeout_seconds;
     orders.workers = workers_.count();
+    orders.service = workers_.service();
     orders.dry_run = dry_run_;
     return orders;
 }
@@ -257,7 +258,7 @@ FolderJob BatchCommand::plain_walk() const
     }
     for (char const* option :
          {"--suffix", "--keep-tree", "--overwrite", "--update", "--dry-run", "--json", "--print0", "--jobs",
-          "--include-outputs", "--exclude", "--normal-y", "--match-cpu", "--height-in-alpha"}) {
+          "--isolate", "--include-outputs", "--exclude", "--normal-y", "--match-cpu", "--height-in-alpha"}) {
         forbid(option);
     }
     std::error_code error;

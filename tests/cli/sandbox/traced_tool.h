@@ -19,6 +19,7 @@ struct SeenWorker {
     std::map<std::string, std::string> status; ///< "Seccomp": "2".
     std::set<std::string> environment;         ///< "LANG=C".
     std::map<std::string, std::string> limits; ///< "Max core file size": "0 0 bytes", soft and hard.
+    std::size_t descriptors = 0;               ///< That are open.
 };
 
 /// What /proc tells of a process by its folder there, the first word of each line.
@@ -36,7 +37,16 @@ inline std::map<std::string, std::string> status_of(std::filesystem::path const&
 struct TracedRun {
     int code; ///< Exit code, or minus the signal.
     std::vector<SeenWorker> workers;
+    std::size_t descriptors = 0; ///< That the tool has open at its end.
 };
+
+/// Of a process by its folder in /proc.
+inline std::size_t descriptors_of(std::filesystem::path const& folder)
+{
+    std::error_code error;
+    std::filesystem::directory_iterator const all(folder / "fd", error);
+    return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+}
 
 class TracedTool {
 public:
@@ -113,6 +123,9 @@ private:
         SeenWorker seen;
         seen.status = status_of(folder);
         std::string line;
+        if (process == tool_) {
+            run_.descriptors = descriptors_of(folder);
+        }
         if (program != "umbrix-worker" || seen.status["Tgid"] != std::to_string(process)) {
             return;
         }
@@ -128,11 +141,12 @@ private:
             words >> soft >> hard;
             seen.limits[line.substr(0, line.find("  "))] = soft + " " + hard;
         }
+        seen.descriptors = descriptors_of(folder);
         run_.workers.push_back(seen);
     }
 
     pid_t tool_;
-    TracedRun run_{-1, {}};
+    TracedRun run_{-1, {}, 0};
 };
 
 } // namespace umbrixlib::test

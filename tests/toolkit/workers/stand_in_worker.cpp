@@ -2,7 +2,9 @@
 /// The test's program plays its own workers.
 #include "stand_in_worker.h"
 
+#include "toolkit/files/opened_files.h"
 #include "toolkit/workers/processor_share.h"
+#include "toolkit/workers/service.h"
 #include "toolkit/workers/worker_channel.h"
 #include "toolkit/workers/worker_program.h"
 
@@ -10,6 +12,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -19,6 +22,7 @@
 #include <string_view>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace umbrixlib::toolkit {
 
@@ -62,7 +66,15 @@ FolderJob walk_to_act(std::string const& acts)
 
 namespace {
 
-void act(WorkerChannel& channel, std::string const& output, std::string const& name, std::string const& word)
+/// What jobs leave in this process's memory.
+struct Harm {
+    std::string altered; ///< Comes before the acts in reports.
+    std::string next;    ///< Acts before those of the next job.
+    std::string after;   ///< Acts after the report.
+};
+Harm harm;
+
+void act(WorkerChannel& channel, JobFiles const& files, std::string const& name, std::string const& word)
 {
     if (name == "abort") {
         std::abort();
@@ -95,7 +107,26 @@ void act(WorkerChannel& channel, std::string const& output, std::string const& n
         std::fill(memory.begin(), memory.end(), static_cast<char>(getpid()));
         channel.stage("taken", memory[memory.size() / 2]);
     } else if (name == "write") {
-        std::ofstream(output) << word;
+        std::ofstream(files.output.file) << word;
+    } else if (name == "alter") {
+        harm.altered = word + " ";
+    } else if (name == "haunt") {
+        harm.next = word;
+    } else if (name == "linger") {
+        harm.after = word;
+    } else if (name == "deaf") {
+        close(STDIN_FILENO);
+        std::this_thread::sleep_for(std::chrono::milliseconds(std::stoi(word)));
+    } else if (name == "count") {
+        std::filesystem::directory_iterator const all("/proc/self/fd");
+        channel.note("in", {std::to_string(std::distance(begin(all), end(all)))});
+    } else if (name == "read") {
+        int const file = open_file(files.input, OpenFor::kReading);
+        char letters[64] = {};
+        ssize_t const size = read(file, letters, sizeof letters);
+        close(file);
+        channel.note(
+            "in", {size < 0 ? std::strerror(errno) : std::string(letters, static_cast<std::size_t>(size))});
     } else if (name == "listen") {
         while (!channel.stopping()) {
             std::this_thread::sleep_for(std::chrono::milliseconds(std::stoi(word)));
@@ -117,29 +148,56 @@ std::string acts_of(FolderJob const& job)
     return job.folder;
 }
 
-int play_a_worker()
+/// False if it failed.
+bool play(WorkerChannel& channel, Job const& job)
 {
-    alarm(60);
-    WorkerChannel channel;
-    Job const job = channel.read_job();
     auto const* const map = std::get_if<MapJob>(&job);
     std::string const acts = map != nullptr ? acts_of(*map) : acts_of(std::get<FolderJob>(job));
     try {
         std::istringstream words(acts);
         for (std::string name, word; words >> name >> word;) {
-            act(channel, map != nullptr ? map->files.output.file : "", name, word);
+            act(channel, map != nullptr ? map->files : JobFiles(), name, word);
         }
         if (map == nullptr) {
             channel.send(FolderReport{true});
-            return 0;
+            return true;
         }
         MapReport report;
-        report.reason = acts;
+        report.reason = harm.altered + acts;
         report.difference = own_processors();
         report.width = omp_get_num_procs();
+        report.height = getpid();
+        close_opened_files();
         channel.send(report);
+        return true;
     } catch (Failure const& failure) {
         channel.send(failure);
+        return false;
+    }
+}
+
+/// Acts with a dash for each space.
+void act_dashed(WorkerChannel& channel, std::string dashed)
+{
+    std::ranges::replace(dashed, '-', ' ');
+    std::istringstream words(dashed);
+    for (std::string name, word; words >> name >> word;) {
+        act(channel, {}, name, word);
+    }
+}
+
+int play_a_worker(std::string_view service)
+{
+    WorkerChannel channel;
+    for (bool goes_on = true; goes_on;) {
+        alarm(60);
+        std::optional<Job> const job = channel.read_job();
+        if (!job) {
+            return 0;
+        }
+        act_dashed(channel, std::exchange(harm.next, ""));
+        goes_on = play(channel, *job) && service == name_of(Service::kManyJobs);
+        act_dashed(channel, std::exchange(harm.after, ""));
     }
     return 0;
 }
@@ -151,7 +209,7 @@ int play_a_worker()
 int main(int count, char** words)
 {
     if (std::string_view(words[0]) == "umbrix-worker") {
-        return umbrixlib::toolkit::play_a_worker();
+        return umbrixlib::toolkit::play_a_worker(words[3]);
     }
     testing::InitGoogleTest(&count, words);
     return RUN_ALL_TESTS();

@@ -10,8 +10,8 @@ namespace umbrixlib::toolkit {
 
 /// A job for a stand-in. It does @p acts one after the other, pairs of a name and a word, and then reports a
 /// map: its reason repeats the acts, its difference holds the numbers of the processors that the stand-in may
-/// use, and its width tells how many OpenMP counts. A map with an output, as those of a batch have, has its
-/// acts in its input.
+/// use, its width tells how many OpenMP counts, and its height the number of its process. A map with an
+/// output, as those of a batch have, has its acts in its input.
 ///
 ///     abort now         ends as a crash does
 ///     exit 3            ends with that code
@@ -26,6 +26,12 @@ namespace umbrixlib::toolkit {
 ///     take 64           takes so many MiB of memory
 ///     listen 50         looks every so many milliseconds whether it is to stop, until it is
 ///     write map         writes that word to the output
+///     read on           tells a note with the first bytes of the input
+///     count on          tells a note with the number of its open descriptors
+///     alter word        that word comes before the acts in its further reports
+///     haunt abort-now   does these acts before those of its next job
+///     linger raise-9    does these after the report
+///     deaf 20           closes its standard input and sleeps so many milliseconds
 MapJob job_to_act(std::string const& acts);
 
 /// The same for a walk.

@@ -103,11 +103,12 @@ class WorkerPool : public testing::Test {
 protected:
     bool run(Director& director, std::size_t count, std::size_t workers) const
     {
-        return run_pool(count, workers, director, stop_);
+        return run_pool(count, {workers, service_}, director, stop_);
     }
 
     ~WorkerPool() override { EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a worker is still there"; }
 
+    Service service_ = Service::kManyJobs;
     StopSource stop_;
 };
 

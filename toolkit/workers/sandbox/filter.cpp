@@ -108,7 +108,7 @@ void allow_descriptors(Filter& filter)
 
 } // namespace
 
-void filter_system_calls(Rights rights)
+void filter_system_calls(Rights rights, Service service)
 {
     if (rights == Rights::kGraphics) {
         Filter filter(SCMP_ACT_ALLOW);
@@ -125,6 +125,9 @@ void filter_system_calls(Rights rights)
     allow_descriptors(filter);
     if (with_files) {
         filter.set(SCMP_ACT_ALLOW, calls_of_files());
+    }
+    if (service == Service::kManyJobs) {
+        filter.set(SCMP_ACT_ALLOW, SCMP_SYS(recvmsg), {is(0, STDIN_FILENO)});
     }
     filter.load();
 }

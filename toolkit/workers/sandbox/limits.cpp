@@ -42,7 +42,7 @@ void lower(Resource resource, double most, double beyond = 0)
 
 } // namespace
 
-Limits limits_of(Job const& job, std::size_t processors, double memory)
+Limits limits_of(Job const& job, Service service, std::size_t processors, double memory)
 {
     bool const by_driver = rights_of(job) == Rights::kGraphics;
     auto const threads = static_cast<double>(processors);
@@ -57,7 +57,8 @@ Limits limits_of(Job const& job, std::size_t processors, double memory)
     if (by_driver) {
         limits.file = std::max(limits.file, kFileOfDriver);
     }
-    limits.cpu_seconds = kSecondsPerProcessor * threads;
+    limits.cpu_seconds =
+        kSecondsPerProcessor * threads + (service == Service::kManyJobs ? kCpuSecondsOfService : 0);
     return limits;
 }
 

@@ -112,7 +112,7 @@ OpenFolders open_folders(Job const& job, Rights rights)
 
 } // namespace
 
-void enter_sandbox(Job const& job, Rights rights)
+void enter_sandbox(Job const& job, Rights rights, Service service)
 {
     if (rights == Rights::kAll) {
         return;
@@ -125,7 +125,7 @@ void enter_sandbox(Job const& job, Rights rights)
     if (kIsInstrumented) {
         return;
     }
-    set_limits(limits_of(job, processors, machine_memory()));
+    set_limits(limits_of(job, service, processors, machine_memory()));
     if (rights == Rights::kDecoding) { // others open files of the user's by name
         give_up_capabilities();
     }
@@ -133,7 +133,7 @@ void enter_sandbox(Job const& job, Rights rights)
         // `ps` tells the rights of a worker so.
         prctl(PR_SET_NAME, (std::string("umbrix-") + name_of(rights)).c_str());
         close_folders(open_folders(job, rights));
-        filter_system_calls(rights);
+        filter_system_calls(rights, service);
     }
 }
 

@@ -78,6 +78,7 @@ std::span<SystemCall const> calls_by_argument()
         UMBRIX_CALL(tgkill),
         UMBRIX_CALL(prlimit64),
         UMBRIX_CALL(sched_setaffinity),
+        UMBRIX_CALL(recvmsg),
     };
     return kCalls;
 }

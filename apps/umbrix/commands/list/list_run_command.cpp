@@ -59,7 +59,7 @@ CLI::App* ListRunCommand::declare(CLI::App& app)
         ->type_name("I/N")
         ->group(kRunGroup);
     declare_results_form(*command, form_);
-    declare_workers(*command, workers_)->group(kRunGroup);
+    declare_workers(*command, workers_);
     common_.declare_limits(*command);
     declare_saving(*command, common_.saving);
     common_.declare_progress(*command, "not");
@@ -88,6 +88,7 @@ void ListRunCommand::run(Interrupts const& interrupts)
     orders.max_texels = common_.max_texels;
     orders.timeout_seconds = common_.timeout_seconds;
     orders.workers = workers_.count();
+    orders.service = workers_.service();
     orders.dry_run = dry_run_;
     orders.job_for = [&](BatchFile const& file) {
         ListJob const& job = plan.pieces[file.origin].job;

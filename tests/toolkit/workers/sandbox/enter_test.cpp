@@ -6,6 +6,7 @@
 #include "temporary_folder.h"
 #include "toolkit/base/failure.h"
 #include "toolkit/files/opened_files.h"
+#include "toolkit/workers/handed_files_internal.h"
 
 #include <fcntl.h>
 #include <filesystem>
@@ -78,6 +79,58 @@ TEST_F(Sandbox, LeavesTheFilesOfTheJobAndNoOther)
               0);
     EXPECT_EQ(content("out"), "output");
     EXPECT_FALSE(std::filesystem::exists(path("new")));
+}
+
+/// In the sandbox code of the first picture may do what it likes.
+TEST_F(Sandbox, LeavesManyJobsTheFilesThatAreHandedAndNoOther)
+{
+    put("in2", "second");
+    put("other", "secret");
+    toolkit::MapJob second = map_job();
+    second.files.input = path("in2");
+    second.files.output.file = path("out2");
+    EXPECT_EQ(in_child([&] {
+                  int ends[2];
+                  toolkit::HandedFiles files;
+                  if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0 || dup2(ends[0], STDIN_FILENO) < 0 ||
+                      !files.open(second) || files.send(ends[1], "x", 1) != 1) {
+                      return 1;
+                  }
+                  files.close_all();
+                  enter_sandbox(map_job(), Rights::kDecoding, toolkit::Service::kManyJobs);
+                  toolkit::close_opened_files();
+                  bool const first_is_gone = read_all(path("in")) == std::to_string(EPERM);
+                  char byte = 0;
+                  if (files.receive(STDIN_FILENO, &byte, 1) != 1) {
+                      return 2;
+                  }
+                  files.take_for(second);
+                  int const out = open_file(path("out2"), OpenFor::kWriting);
+                  bool const writes = write(out, "output", 6) == 6 && close(out) == 0;
+                  bool const reads = read_all(path("in2")) == "second" && read_all(path("out2")) == "output";
+                  bool const refused = read_all(path("other")) == std::to_string(EPERM) &&
+                                       error_of(SYS_socket, AF_UNIX, SOCK_STREAM, 0) == EPERM;
+                  return first_is_gone && writes && reads && refused ? 0 : 3;
+              }),
+              0);
+    EXPECT_EQ(content("in2"), "second");
+    EXPECT_EQ(content("out2"), "output");
+}
+
+TEST_F(Sandbox, HandsNoFileThatIsNotAsItShouldBe)
+{
+    toolkit::HandedFiles files;
+    toolkit::MapJob job = map_job();
+    EXPECT_TRUE(files.open(job));
+    put("out", "of somebody else");
+    EXPECT_FALSE(files.open(job));
+    std::filesystem::remove(path("out"));
+    std::filesystem::create_symlink(path("in"), path("out"));
+    EXPECT_FALSE(files.open(job));
+    std::filesystem::remove(path("out"));
+    job.files.input = path("");
+    EXPECT_FALSE(files.open(job));
+    EXPECT_TRUE(files.empty());
 }
 
 TEST_F(Sandbox, TellsOfAFileThatCouldNotBeOpenedWhenItsTurnComes)

@@ -25,6 +25,7 @@ namespace {
 
 using toolkit::filter_system_calls;
 using toolkit::Rights;
+using toolkit::Service;
 using toolkit::SystemCall;
 
 constexpr long kCalls = 470; ///< More than any kernel of today has.
@@ -265,6 +266,38 @@ TEST(SystemCallFilter, LeavesDescriptorsThatAreOpen)
                   }),
                   0);
     }
+}
+
+TEST(SystemCallFilter, LeavesManyJobsMessagesOfTheStandardInputAlone)
+{
+    auto const receive = [](Service service, int from) {
+        return in_child([=] {
+            int ends[2];
+            if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0 || dup2(ends[0], STDIN_FILENO) < 0 ||
+                write(ends[1], "x", 1) != 1) {
+                return -1;
+            }
+            filter_system_calls(Rights::kDecoding, service);
+            char byte = 0;
+            iovec text{&byte, 1};
+            msghdr message{};
+            message.msg_iov = &text;
+            message.msg_iovlen = 1;
+            return error_of(SYS_recvmsg, from == STDIN_FILENO ? from : ends[0], &message, 0);
+        });
+    };
+    EXPECT_EQ(receive(Service::kManyJobs, STDIN_FILENO), 0);
+    EXPECT_EQ(receive(Service::kManyJobs, 1), EPERM);
+    EXPECT_EQ(receive(Service::kOneJob, STDIN_FILENO), EPERM);
+}
+
+TEST(SystemCallFilter, LeavesManyJobsNoOtherFilesOrSockets)
+{
+    EXPECT_EQ(in_child([] {
+                  filter_system_calls(Rights::kDecoding, Service::kManyJobs);
+                  return use_files_sockets_and_code();
+              }),
+              0);
 }
 
 TEST(SystemCallFilter, LeavesTheWalkOfAFolderItsFiles)

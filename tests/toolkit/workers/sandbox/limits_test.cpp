@@ -15,6 +15,7 @@ namespace {
 
 using toolkit::Limits;
 using toolkit::limits_of;
+using toolkit::Service;
 using toolkit::set_limits;
 
 constexpr double kGibibyte = 1024.0 * 1024.0 * 1024.0;
@@ -29,33 +30,42 @@ toolkit::MapJob map_of(double texels)
 
 TEST(WorkerLimits, GrowWithThePicturesOfTheJob)
 {
-    double const small = limits_of(map_of(1e6), 1, kPlenty).memory;
-    double const large = limits_of(map_of(1e9), 1, kPlenty).memory;
+    double const small = limits_of(map_of(1e6), Service::kOneJob, 1, kPlenty).memory;
+    double const large = limits_of(map_of(1e9), Service::kOneJob, 1, kPlenty).memory;
     EXPECT_LT(small, 2 * kGibibyte);
     EXPECT_DOUBLE_EQ(large - small, 256 * (1e9 - 1e6));
     toolkit::StackJob stack;
     stack.max_texels = 1e9;
     stack.description.layers.resize(3);
-    EXPECT_DOUBLE_EQ(limits_of(stack, 1, kPlenty).memory - small, 256 * (3e9 - 1e6));
-    EXPECT_GT(limits_of(map_of(1e9), 1, kPlenty).file, 16e9) << "four floats a texel";
+    EXPECT_DOUBLE_EQ(limits_of(stack, Service::kOneJob, 1, kPlenty).memory - small, 256 * (3e9 - 1e6));
+    EXPECT_GT(limits_of(map_of(1e9), Service::kOneJob, 1, kPlenty).file, 16e9) << "four floats a texel";
 }
 
 TEST(WorkerLimits, EndAtTheMemoryOfTheMachineAndTheRoomForThreads)
 {
     double const machine = 8 * kGibibyte;
-    EXPECT_LE(limits_of(map_of(1e12), 4, machine).memory, machine + 2 * kGibibyte);
-    EXPECT_LE(limits_of(toolkit::FolderJob(), 4, machine).memory, machine + 2 * kGibibyte);
+    EXPECT_LE(limits_of(map_of(1e12), Service::kOneJob, 4, machine).memory, machine + 2 * kGibibyte);
+    EXPECT_LE(limits_of(toolkit::FolderJob(), Service::kOneJob, 4, machine).memory, machine + 2 * kGibibyte);
 }
 
 TEST(WorkerLimits, LeaveNoFileToJobsThatWriteNone)
 {
-    EXPECT_EQ(limits_of(toolkit::InfoJob(), 4, kPlenty).file, 0);
-    EXPECT_EQ(limits_of(toolkit::FitJob(), 4, kPlenty).file, 0);
+    EXPECT_EQ(limits_of(toolkit::InfoJob(), Service::kOneJob, 4, kPlenty).file, 0);
+    EXPECT_EQ(limits_of(toolkit::FitJob(), Service::kOneJob, 4, kPlenty).file, 0);
+}
+
+TEST(WorkerLimits, AddTheTimeThatJobsBeforeMayHaveTaken)
+{
+    Limits const one = limits_of(map_of(1e6), Service::kOneJob, 2, kPlenty);
+    Limits const many = limits_of(map_of(1e6), Service::kManyJobs, 2, kPlenty);
+    EXPECT_EQ(many.cpu_seconds, one.cpu_seconds + toolkit::kCpuSecondsOfService);
+    EXPECT_EQ(many.memory, one.memory);
+    EXPECT_EQ(many.file, one.file);
 }
 
 TEST(WorkerLimits, LeaveDriversAllMemory)
 {
-    EXPECT_TRUE(std::isinf(limits_of(toolkit::DevicesJob(), 4, kPlenty).memory));
+    EXPECT_TRUE(std::isinf(limits_of(toolkit::DevicesJob(), Service::kOneJob, 4, kPlenty).memory));
 }
 
 TEST(WorkerLimits, HoldForGood)
