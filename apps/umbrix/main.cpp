@@ -12,7 +12,6 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <new>
-#include <string_view>
 
 namespace umbrix_cli {
 
@@ -58,10 +57,6 @@ int run_command(Command& command, std::string const& name)
 
 int run_tool(int count, char** words)
 {
-    if (count == 2 && std::string_view(words[1]) == "--version") { // without the declarations of all commands
-        put_text(stdout, fmt::format("{}\n", kVersion));
-        return kDone;
-    }
     CommandLine line;
     ParsedLine const parsed = line.parse({words + 1, words + count});
     if (parsed.command != nullptr) {

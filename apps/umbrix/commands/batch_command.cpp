@@ -63,9 +63,9 @@ void say_what_is_left_out(BatchPlan const& plan)
 
 BatchCommand::BatchCommand() : product_(kProducts) {}
 
-CLI::App* BatchCommand::declare(CLI::App& app)
+void BatchCommand::declare(CLI::App& command)
 {
-    command_ = app.add_subcommand("batch", "Make the maps of all pictures in folders, several at a time");
+    command_ = &command;
     declare_files(*command_);
     declare_input(*command_);
     declare_results_form(*command_, form_);
@@ -81,7 +81,6 @@ CLI::App* BatchCommand::declare(CLI::App& app)
             "inputs and tells of no failure; the kind and --n-scale have to be given")
         ->group(kRunGroup);
     declare_options(*command_, settings_, kForAny);
-    return command_;
 }
 
 void BatchCommand::declare_files(CLI::App& command)

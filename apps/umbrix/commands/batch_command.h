@@ -23,7 +23,7 @@ struct Product;
 class BatchCommand : public Command {
 public:
     BatchCommand();
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

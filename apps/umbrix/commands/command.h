@@ -5,6 +5,7 @@
 #include "terminal/exit_codes.h"
 
 #include <CLI/App.hpp>
+#include <memory>
 
 namespace umbrix_cli {
 
@@ -16,8 +17,8 @@ public:
     Command(Command const&) = delete;
     Command& operator=(Command const&) = delete;
 
-    /// Adds itself to @p app and returns what was added.
-    virtual CLI::App* declare(CLI::App& app) = 0;
+    /// Adds its options to @p command, which has its name already.
+    virtual void declare(CLI::App& command) = 0;
 
     /// Does the work after parsing. Throws Failure, Complaint or Stopped.
     virtual void run(Interrupts const& interrupts) = 0;
@@ -25,5 +26,18 @@ public:
     /// What the tool tells its caller if that went well.
     virtual ExitCode code() const { return kDone; }
 };
+
+/// What a list of commands tells of one, and how it is made.
+struct CommandRow {
+    char const* name;
+    char const* description;
+    std::unique_ptr<Command> (*make)();
+};
+
+template <typename One>
+std::unique_ptr<Command> make_command()
+{
+    return std::make_unique<One>();
+}
 
 } // namespace umbrix_cli

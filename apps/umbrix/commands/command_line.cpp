@@ -28,11 +28,39 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <sstream>
+#include <string_view>
 #include <utility>
 
 namespace umbrix_cli {
 
 namespace {
+
+/// In the order in which --help lists them.
+constexpr CommandRow kCommands[] = {
+    {"map", "Make an Umbrix map: light from three directions, with occlusion", make_command<MapCommand>},
+    {"normal", "Make a tangent-space normal map from a height map", make_command<NormalCommand>},
+    {"height", "Make a height map from a normal map, the way back from `normal`",
+     make_command<HeightCommand>},
+    {"curvature", "Make a curvature or cavity map from a height map or a normal map",
+     make_command<CurvatureCommand>},
+    {"stack", "Blend layers into a normal map, a height map and an Umbrix map", make_command<StackCommand>},
+    {"relight", "Show the texture of an Umbrix map in a light", make_command<RelightCommand>},
+    {"convert", "Save a picture in another format or at another depth, and otherwise as it is",
+     make_command<ConvertCommand>},
+    {"batch", "Make the maps of all pictures in folders, several at a time", make_command<BatchCommand>},
+    {"list", "Keep a work list: jobs for many files, in a file of their own", make_command<ListCommand>},
+    {"info", "Tell what is in a picture, and what map would take it for", make_command<InfoCommand>},
+    {"check", "Tell what is not sound about maps, and mend it", make_command<CheckCommand>},
+    {"fit", "Find the relief of a height map that fits a normal map of the same material",
+     make_command<FitCommand>},
+    {"preset", "Show, write and list presets of options", make_command<PresetCommand>},
+    {"devices", "List the graphics processors that --gpu can take", make_command<DevicesCommand>},
+    {"completion", "Print a script that completes this command line", make_command<CompletionCommand>},
+    {"manual", "Print a manual page, in the language of man", make_command<ManualCommand>},
+};
+
+/// Those that tell of all commands and their options.
+constexpr std::string_view kDescribing[] = {"completion", "manual"};
 
 constexpr char const* kNotExpected = "The following arguments were not expected:";
 
@@ -110,17 +138,6 @@ ParsedLine refusal(std::string const& command, Complaint const& complaint)
 
 } // namespace
 
-template <typename... Commands>
-void CommandLine::declare_all()
-{
-    auto const add = [&](std::unique_ptr<Command> command) {
-        CLI::App* const added = command->declare(app_);
-        added->footer(kExitCodesHelp);
-        commands_.push_back({added, std::move(command)});
-    };
-    (add(std::make_unique<Commands>()), ...);
-}
-
 CommandLine::CommandLine()
     : app_("Makes tangent-space normal maps and Umbrix maps from height maps and normal maps.", "umbrix")
 {
@@ -128,9 +145,24 @@ CommandLine::CommandLine()
     app_.set_version_flag("-V,--version", kVersion, "Print the version");
     app_.footer(kExitCodesHelp);
     app_.require_subcommand(0, 1);
-    declare_all<MapCommand, NormalCommand, HeightCommand, CurvatureCommand, StackCommand, RelightCommand,
-                ConvertCommand, BatchCommand, ListCommand, InfoCommand, CheckCommand, FitCommand,
-                PresetCommand, DevicesCommand, CompletionCommand, ManualCommand>();
+    for (CommandRow const& row : kCommands) {
+        CLI::App* const app = app_.add_subcommand(row.name, row.description);
+        app->footer(kExitCodesHelp);
+        commands_.push_back({app, &row, nullptr});
+    }
+}
+
+/// A command that describes the tool has to see all.
+void CommandLine::declare_those_in(std::vector<std::string> const& words)
+{
+    auto const is_named = [&](std::string_view name) { return std::ranges::count(words, name) > 0; };
+    bool const all = std::ranges::any_of(kDescribing, is_named);
+    for (Known& each : commands_) {
+        if (!each.command && (all || is_named(each.row->name))) {
+            each.command = each.row->make();
+            each.command->declare(*each.app);
+        }
+    }
 }
 
 /// The command that the words begin with, or the tool.
@@ -184,6 +216,7 @@ std::string CommandLine::what_is_wrong(std::vector<std::string> const& words, Na
 ParsedLine CommandLine::parse(std::vector<std::string> const& typed)
 {
     std::vector<std::string> const words = with_help_as_option(typed);
+    declare_those_in(words);
     ParsedLine parsed;
     Named const named = command_named_in(words);
     parsed.name = named.name;
@@ -216,7 +249,7 @@ ParsedLine CommandLine::parse(std::vector<std::string> const& typed)
     } catch (Complaint const& complaint) {
         return refusal(parsed.name, complaint);
     }
-    for (Declared const& each : commands_) {
+    for (Known const& each : commands_) {
         if (each.app->parsed()) {
             parsed.command = each.command.get();
             return parsed;

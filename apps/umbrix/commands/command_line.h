@@ -26,7 +26,8 @@ struct ParsedLine {
 /// What --version prints.
 inline constexpr char const* kVersion = "umbrix " UMBRIX_VERSION;
 
-/// The commands of the tool and their options.
+/// The commands of the tool and their options, which are declared as soon as a command line names the
+/// command: all of them would take longer than a small command itself.
 class CommandLine {
 public:
     CommandLine();
@@ -35,16 +36,17 @@ public:
     /// another call options that are not given keep what they were set to.
     ParsedLine parse(std::vector<std::string> const& typed);
 
+    /// With the options of the commands that were named so far; of all after one that describes the tool.
     CLI::App const& app() const { return app_; }
 
 private:
-    struct Declared {
+    struct Known {
         CLI::App* app;
-        std::unique_ptr<Command> command;
+        CommandRow const* row;
+        std::unique_ptr<Command> command; ///< Null before its options are declared.
     };
 
-    template <typename... Commands>
-    void declare_all();
+    void declare_those_in(std::vector<std::string> const& words);
     struct Named {
         CLI::App* app;
         std::string name; ///< "umbrix list add".
@@ -56,7 +58,7 @@ private:
                               std::string const& parser_says) const;
 
     CLI::App app_;
-    std::vector<Declared> commands_;
+    std::vector<Known> commands_;
 };
 
 } // namespace umbrix_cli

@@ -7,10 +7,9 @@
 
 namespace umbrix_cli {
 
-CLI::App* ConvertCommand::declare(CLI::App& app)
+void ConvertCommand::declare(CLI::App& command)
 {
-    command_ = app.add_subcommand(
-        "convert", "Save a picture in another format or at another depth, and otherwise as it is");
+    command_ = &command;
     common_.declare_output(*command_, "");
     common_.declare_input(*command_, "Any picture that can be read");
     command_->get_option("--depth")->description(
@@ -21,7 +20,6 @@ CLI::App* ConvertCommand::declare(CLI::App& app)
         ->description(
             "Only this channel, as a grey picture: the mean of its colours, one of them, alpha or luma "
             "(Rec. 709) [mean, r, g, b, a, luma; default all channels, as they are]");
-    return command_;
 }
 
 void ConvertCommand::run(Interrupts const& interrupts)

@@ -11,7 +11,7 @@ namespace umbrix_cli {
 /// `umbrix convert`: a picture in another format or at another depth.
 class ConvertCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

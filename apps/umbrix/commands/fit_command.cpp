@@ -51,27 +51,24 @@ Complaint no_fit(std::string const& normals, FitReport const& report)
 
 } // namespace
 
-CLI::App* FitCommand::declare(CLI::App& app)
+void FitCommand::declare(CLI::App& command)
 {
-    CLI::App* const command = app.add_subcommand(
-        "fit", "Find the relief of a height map that fits a normal map of the same material");
-    common_.declare_input(*command, "Height map", "HEIGHT");
-    common_.declare_progress(*command);
-    command->add_option("NORMAL", normals_, "Normal map of the same size")->required()->type_name("");
-    command->add_flag("--json", json_, "Write one JSON object instead of text");
+    common_.declare_input(command, "Height map", "HEIGHT");
+    common_.declare_progress(command);
+    command.add_option("NORMAL", normals_, "Normal map of the same size")->required()->type_name("");
+    command.add_flag("--json", json_, "Write one JSON object instead of text");
     command
-        ->add_option("--save-preset", preset_output_,
-                     "Write the relief and the directions of heights and green that were found into a "
-                     "preset, with the "
-                     "other options of --preset")
+        .add_option("--save-preset", preset_output_,
+                    "Write the relief and the directions of heights and green that were found into a "
+                    "preset, with the "
+                    "other options of --preset")
         ->type_name("FILE")
         ->group(kFilesGroup);
-    command->add_flag("--overwrite", common_.overwrite, "Replace that file if it exists")->group(kFilesGroup);
-    declare_options(*command, settings_, kForFit | kForHeights);
-    command->add_flag("--fit-gaussian", fit_gaussian_, "Find the sigma of the blur, too [0 to 10 texels]")
-        ->excludes(command->get_option("--gaussian"))
+    command.add_flag("--overwrite", common_.overwrite, "Replace that file if it exists")->group(kFilesGroup);
+    declare_options(command, settings_, kForFit | kForHeights);
+    command.add_flag("--fit-gaussian", fit_gaussian_, "Find the sigma of the blur, too [0 to 10 texels]")
+        ->excludes(command.get_option("--gaussian"))
         ->group("Relief");
-    return command;
 }
 
 void FitCommand::save(FitReport const& report) const

@@ -14,7 +14,7 @@ namespace umbrix_cli {
 /// `umbrix fit`: the relief at which a height map's normals come nearest to an existing normal map.
 class FitCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

@@ -27,23 +27,20 @@ std::string unseen_in(HeightReport const& report)
 
 } // namespace
 
-CLI::App* HeightCommand::declare(CLI::App& app)
+void HeightCommand::declare(CLI::App& command)
 {
-    CLI::App* const command =
-        app.add_subcommand("height", "Make a height map from a normal map, the way back from `normal`");
-    common_.declare_output(*command, "INPUT_Height beside the input");
-    common_.declare_input(*command, "Normal map; its alpha is not looked at");
-    command->get_option("--depth")->description("Samples of what is written: 8 or 16 bits, half or float "
-                                                "[8, 16, half, float; default 16 where the format has it]");
-    declare_normal_y(*command, normal_y_, "Where green points in the normal map")->group("Relief");
-    declare_options(*command, settings_, kForHeight);
-    range_ = command->get_option("--height-range");
+    common_.declare_output(command, "INPUT_Height beside the input");
+    common_.declare_input(command, "Normal map; its alpha is not looked at");
+    command.get_option("--depth")->description("Samples of what is written: 8 or 16 bits, half or float "
+                                               "[8, 16, half, float; default 16 where the format has it]");
+    declare_normal_y(command, normal_y_, "Where green points in the normal map")->group("Relief");
+    declare_options(command, settings_, kForHeight);
+    range_ = command.get_option("--height-range");
     range_->group("Relief");
     range_->description(
         "What heights become 0 and 1 in the file, beyond which they are cut; it tells them, and `normal` "
         "and `map` obey; auto: the lowest and the highest. Without, whole numbers hold 0 to 1 alone "
         "[auto, none or two numbers, the lower one first: 0,4; default none]");
-    return command;
 }
 
 void HeightCommand::run(Interrupts const& interrupts)

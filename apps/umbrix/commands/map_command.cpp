@@ -22,23 +22,20 @@ constexpr char const* kMapCommand = "umbrix map";
 
 } // namespace
 
-CLI::App* MapCommand::declare(CLI::App& app)
+void MapCommand::declare(CLI::App& command)
 {
-    CLI::App* const command =
-        app.add_subcommand("map", "Make an Umbrix map: light from three directions, with occlusion");
-    common_.declare_output(*command, "INPUT_Umbrix beside the input");
-    common_.declare_input(*command, "Height map, or normal map with the heights in its alpha");
-    declare_kind(*command, kind_);
-    declare_normal_y(*command, normal_y_, "Where green points in a normal map that is read")->group("Input");
-    CLI::Option* const gpu = declare_graphics(*command, graphics_);
+    common_.declare_output(command, "INPUT_Umbrix beside the input");
+    common_.declare_input(command, "Height map, or normal map with the heights in its alpha");
+    declare_kind(command, kind_);
+    declare_normal_y(command, normal_y_, "Where green points in a normal map that is read")->group("Input");
+    CLI::Option* const gpu = declare_graphics(command, graphics_);
     command
-        ->add_flag("--compare-cpu", compare_cpu_,
-                   "With --gpu, make the map on the processor, too, and tell the largest difference of each "
-                   "channel")
+        .add_flag("--compare-cpu", compare_cpu_,
+                  "With --gpu, make the map on the processor, too, and tell the largest difference of each "
+                  "channel")
         ->group(gpu->get_group())
         ->needs(gpu);
-    declare_options(*command, settings_, kForMap | kForHeights);
-    return command;
+    declare_options(command, settings_, kForMap | kForHeights);
 }
 
 void MapCommand::validate() const

@@ -15,7 +15,7 @@ namespace umbrix_cli {
 /// `umbrix map`: an Umbrix map from a height map or a normal map.
 class MapCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

@@ -10,17 +10,14 @@
 
 namespace umbrix_cli {
 
-CLI::App* NormalCommand::declare(CLI::App& app)
+void NormalCommand::declare(CLI::App& command)
 {
-    CLI::App* const command =
-        app.add_subcommand("normal", "Make a tangent-space normal map from a height map");
-    common_.declare_output(*command, "INPUT_Normal beside the input");
-    common_.declare_input(*command, "Height map; of a coloured picture the mean of the colours counts");
-    declare_normal_y(*command, normal_y_, "Where green points in the normal map that is written")
+    common_.declare_output(command, "INPUT_Normal beside the input");
+    common_.declare_input(command, "Height map; of a coloured picture the mean of the colours counts");
+    declare_normal_y(command, normal_y_, "Where green points in the normal map that is written")
         ->group("Relief");
-    declare_options(*command, settings_, kForNormal | kForHeights);
-    command->get_option("--detail")->group(""); // taken, as it always was, and without an effect
-    return command;
+    declare_options(command, settings_, kForNormal | kForHeights);
+    command.get_option("--detail")->group(""); // taken, as it always was, and without an effect
 }
 
 void NormalCommand::run(Interrupts const& interrupts)

@@ -13,7 +13,7 @@ namespace umbrix_cli {
 /// `umbrix normal`: a tangent-space normal map from a height map.
 class NormalCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

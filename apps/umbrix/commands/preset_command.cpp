@@ -73,17 +73,15 @@ void print_json(std::string const& name, Preset const& preset)
 
 } // namespace
 
-CLI::App* PresetCommand::declare(CLI::App& app)
+void PresetCommand::declare(CLI::App& command)
 {
-    CLI::App* const command = app.add_subcommand("preset", "Show, write and list presets of options");
-    command->require_subcommand(1);
-    show_ = command->add_subcommand("show", "Show the values of a preset and which differ from the defaults");
-    save_ = command->add_subcommand("save", "Write options, and those of another preset, into a new one");
-    list_ = command->add_subcommand("list", "List the shipped presets");
+    command.require_subcommand(1);
+    show_ = command.add_subcommand("show", "Show the values of a preset and which differ from the defaults");
+    save_ = command.add_subcommand("save", "Write options, and those of another preset, into a new one");
+    list_ = command.add_subcommand("list", "List the shipped presets");
     declare_show(*show_);
     declare_save(*save_);
     declare_list(*list_);
-    return command;
 }
 
 void PresetCommand::declare_show(CLI::App& command)

@@ -13,7 +13,7 @@ namespace umbrix_cli {
 /// `umbrix preset`: shows, writes and lists presets.
 class PresetCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

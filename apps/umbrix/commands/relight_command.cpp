@@ -32,11 +32,10 @@ void add_number(CLI::App& command, char const* option, char const* value_name, N
 
 } // namespace
 
-CLI::App* RelightCommand::declare(CLI::App& app)
+void RelightCommand::declare(CLI::App& command)
 {
-    CLI::App* const command = app.add_subcommand("relight", "Show the texture of an Umbrix map in a light");
-    common_.declare_output(*command, "INPUT_Relit or INPUT_Turntable beside the input");
-    common_.declare_input(*command, "Umbrix map");
+    common_.declare_output(command, "INPUT_Relit or INPUT_Turntable beside the input");
+    common_.declare_input(command, "Umbrix map");
     std::function<void(std::string const&)> const parse = [this](std::string const& text) {
         std::size_t const comma = text.find(',');
         if (comma == std::string::npos) {
@@ -47,26 +46,25 @@ CLI::App* RelightCommand::declare(CLI::App& app)
         elevation_degrees_ = parse_number("--light", text.substr(comma + 1), 0, 90);
     };
     command
-        ->add_option_function<std::string>(
+        .add_option_function<std::string>(
             "--light", parse,
             "Where the light stands. Azimuth: 0 right, 90 top, 180 left, 270 bottom of the picture; "
             "elevation: 0 level "
             "with it, 90 straight above [degrees, -360 to 360 and 0 to 90; default 135,45]")
         ->type_name("AZIMUTH,ELEVATION")
         ->group(kLight);
-    add_number(*command, "--turntable", "N", directions_, 1, 360,
+    add_number(command, "--turntable", "N", directions_, 1, 360,
                "Write a contact sheet of N azimuths instead, once round from that of --light, row by row [1 "
                "to 360]");
-    add_number(*command, "--cell", "N", cell_, 16, 1024,
+    add_number(command, "--cell", "N", cell_, 16, 1024,
                "Longest side of a picture of the contact sheet [16 to 1024 texels; default 256]");
-    add_number(*command, "--exposure", "X", exposure_, 0.01, 10,
+    add_number(command, "--exposure", "X", exposure_, 0.01, 10,
                "Brightness of flat ground that nothing hides; slopes that face the light are brighter "
                "[0.01 to 10; default 0.7]");
-    command->add_flag("--force", force_, "Take a picture that tells that it is no Umbrix map, too")
+    command.add_flag("--force", force_, "Take a picture that tells that it is no Umbrix map, too")
         ->group(kLight);
-    declare_options(*command, settings_, kForRelight);
-    command_ = command;
-    return command;
+    declare_options(command, settings_, kForRelight);
+    command_ = &command;
 }
 
 void RelightCommand::run(Interrupts const& interrupts)

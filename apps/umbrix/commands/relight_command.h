@@ -11,7 +11,7 @@ namespace umbrix_cli {
 /// `umbrix relight`: shows what a map is for, a lit picture of the texture for any direction of the light.
 class RelightCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

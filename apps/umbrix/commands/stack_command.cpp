@@ -53,36 +53,32 @@ void check_that_names_differ(std::vector<StackTarget> const& targets)
 
 } // namespace
 
-CLI::App* StackCommand::declare(CLI::App& app)
+void StackCommand::declare(CLI::App& command)
 {
-    CLI::App* const command =
-        app.add_subcommand("stack", "Blend layers into a normal map, a height map and an Umbrix map");
-    common_.declare_output(*command, "INPUT_Normal beside the input, the blended normal map");
+    common_.declare_output(command, "INPUT_Normal beside the input, the blended normal map");
     common_
         .declare_input(
-            *command, "Stack file: TOML with normal_scale, save_depth and, for each layer from the lowest to "
-                      "the uppermost, [[layer]] with file, kind, blend, opacity, n_scale, detail, "
-                      "gaussian, depth and edges; --new writes a commented example. blend and "
-                      "opacity tell how a layer joins what lies below it")
+            command, "Stack file: TOML with normal_scale, save_depth and, for each layer from the lowest to "
+                     "the uppermost, [[layer]] with file, kind, blend, opacity, n_scale, detail, "
+                     "gaussian, depth and edges; --new writes a commented example. blend and "
+                     "opacity tell how a layer joins what lies below it")
         ->required(false);
-    command->add_option("--height", height_output_, "File for the blended height map, from 0 to 255")
+    command.add_option("--height", height_output_, "File for the blended height map, from 0 to 255")
         ->type_name("FILE")
         ->group(kFilesGroup);
-    command->add_option("--map", map_output_, "File for the Umbrix map of the blended normals and heights")
+    command.add_option("--map", map_output_, "File for the Umbrix map of the blended normals and heights")
         ->type_name("FILE")
         ->group(kFilesGroup);
     command
-        ->add_flag("--new", new_, "Write an example stack to INPUT [default stack.toml] and do nothing else")
+        .add_flag("--new", new_, "Write an example stack to INPUT [default stack.toml] and do nothing else")
         ->group(kStack);
     command
-        ->add_flag(
-            "--map-from-layers", map_from_layers_,
-            "Make the map by the library's own way with layers, which leaves out the normals of layers "
-            "that join by `blend`")
+        .add_flag("--map-from-layers", map_from_layers_,
+                  "Make the map by the library's own way with layers, which leaves out the normals of layers "
+                  "that join by `blend`")
         ->group(kStack);
-    declare_graphics(*command, graphics_);
-    declare_options(*command, settings_, kForMap | kForHeights);
-    return command;
+    declare_graphics(command, graphics_);
+    declare_options(command, settings_, kForMap | kForHeights);
 }
 
 void StackCommand::validate() const

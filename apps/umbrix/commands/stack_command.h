@@ -16,7 +16,7 @@ namespace umbrix_cli {
 /// `umbrix stack`: a normal map, a height map and an Umbrix map from layers that a TOML file describes.
 class StackCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

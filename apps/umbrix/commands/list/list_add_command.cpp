@@ -28,18 +28,15 @@ struct ListAddCommand::NewJob {
     std::string told; ///< For the message at the end.
 };
 
-CLI::App* ListAddCommand::declare(CLI::App& app)
+void ListAddCommand::declare(CLI::App& command)
 {
-    CLI::App* const command = app.add_subcommand(
-        "add", "Add jobs to a list, one for each source; a list that is not there is made");
-    declare_list(*command, file_);
+    declare_list(command, file_);
     command
-        ->add_option("SOURCE", sources_,
-                     "Height map, normal map with the heights in its alpha, or a folder of either")
+        .add_option("SOURCE", sources_,
+                    "Height map, normal map with the heights in its alpha, or a folder of either")
         ->required()
         ->type_name("");
-    options_.declare(*command);
-    return command;
+    options_.declare(command);
 }
 
 std::string ListAddCommand::pattern_for(std::string const& source) const

@@ -12,7 +12,7 @@ namespace umbrix_cli {
 /// `umbrix list add`: jobs for files and folders at the end of a list, which is made if it is not there.
 class ListAddCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

@@ -14,28 +14,32 @@ namespace umbrix_cli {
 
 namespace {
 
-template <typename... Commands>
-std::vector<std::unique_ptr<Command>> make_all()
-{
-    std::vector<std::unique_ptr<Command>> all;
-    (all.push_back(std::make_unique<Commands>()), ...);
-    return all;
-}
+constexpr CommandRow kActions[] = {
+    {"show", "Show the jobs: what each makes of which source, and the options that matter most",
+     make_command<ListShowCommand>},
+    {"add", "Add jobs to a list, one for each source; a list that is not there is made",
+     make_command<ListAddCommand>},
+    {"remove", "Take jobs out of a list", make_command<ListRemoveCommand>},
+    {"set", "Change options of a job; those that are not named stay, whatever the defaults",
+     make_command<ListSetCommand>},
+    {"run", "Make the Umbrix maps of all jobs, beside their sources, and keep a log beside the list",
+     make_command<ListRunCommand>},
+    {"export", "Write a list as TOML, to be read, edited and imported again",
+     make_command<ListExportCommand>},
+    {"import", "Make a list of the TOML of an export", make_command<ListImportCommand>},
+};
 
 } // namespace
 
-CLI::App* ListCommand::declare(CLI::App& app)
+void ListCommand::declare(CLI::App& command)
 {
-    CLI::App* const command =
-        app.add_subcommand("list", "Keep a work list: jobs for many files, in a file of their own");
-    command->require_subcommand(1, 1);
-    for (auto& each : make_all<ListShowCommand, ListAddCommand, ListRemoveCommand, ListSetCommand,
-                               ListRunCommand, ListExportCommand, ListImportCommand>()) {
-        CLI::App* const action = each->declare(*command);
-        action->footer(kExitCodesHelp);
-        actions_.push_back({action, std::move(each)});
+    command.require_subcommand(1, 1);
+    for (CommandRow const& row : kActions) {
+        Action const& added =
+            actions_.emplace_back(Action{command.add_subcommand(row.name, row.description), row.make()});
+        added.command->declare(*added.app);
+        added.app->footer(kExitCodesHelp);
     }
-    return command;
 }
 
 void ListCommand::run(Interrupts const& interrupts)

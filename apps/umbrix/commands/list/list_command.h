@@ -11,7 +11,7 @@ namespace umbrix_cli {
 /// `umbrix list`: what can be done with a work list, each a subcommand of its own.
 class ListCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

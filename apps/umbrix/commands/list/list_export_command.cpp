@@ -12,15 +12,11 @@
 
 namespace umbrix_cli {
 
-CLI::App* ListExportCommand::declare(CLI::App& app)
+void ListExportCommand::declare(CLI::App& command)
 {
-    CLI::App* const command =
-        app.add_subcommand("export", "Write a list as TOML, to be read, edited and imported again");
-    declare_list(*command, file_);
-    command->add_option("-o,--output", output_, "File to write [default: standard output]")
-        ->type_name("FILE");
-    command->add_flag("--overwrite", overwrite_, "Replace the output if it exists");
-    return command;
+    declare_list(command, file_);
+    command.add_option("-o,--output", output_, "File to write [default: standard output]")->type_name("FILE");
+    command.add_flag("--overwrite", overwrite_, "Replace the output if it exists");
 }
 
 void ListExportCommand::run(Interrupts const& /*interrupts*/)

@@ -10,7 +10,7 @@ namespace umbrix_cli {
 /// `umbrix list export`: a list as TOML, with nothing lost.
 class ListExportCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

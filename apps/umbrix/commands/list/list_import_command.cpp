@@ -12,15 +12,13 @@ namespace umbrix_cli {
 
 namespace fs = std::filesystem;
 
-CLI::App* ListImportCommand::declare(CLI::App& app)
+void ListImportCommand::declare(CLI::App& command)
 {
-    CLI::App* const command = app.add_subcommand("import", "Make a list of the TOML of an export");
-    command->add_option("INPUT", input_, "File as umbrix list export writes it")->required()->type_name("");
+    command.add_option("INPUT", input_, "File as umbrix list export writes it")->required()->type_name("");
     command
-        ->add_option("-o,--output", output_, "Work list to write [default INPUT with the extension .ulist]")
+        .add_option("-o,--output", output_, "Work list to write [default INPUT with the extension .ulist]")
         ->type_name("FILE");
-    command->add_flag("--overwrite", overwrite_, "Replace the output if it exists");
-    return command;
+    command.add_flag("--overwrite", overwrite_, "Replace the output if it exists");
 }
 
 void ListImportCommand::run(Interrupts const& interrupts)

@@ -10,7 +10,7 @@ namespace umbrix_cli {
 /// `umbrix list import`: a list from the TOML of an export.
 class ListImportCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

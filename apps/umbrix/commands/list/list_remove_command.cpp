@@ -11,16 +11,14 @@
 
 namespace umbrix_cli {
 
-CLI::App* ListRemoveCommand::declare(CLI::App& app)
+void ListRemoveCommand::declare(CLI::App& command)
 {
-    CLI::App* const command = app.add_subcommand("remove", "Take jobs out of a list");
-    declare_list(*command, file_);
+    declare_list(command, file_);
     command
-        ->add_option("INDEX", numbers_,
-                     "Numbers of the jobs, as they are before any is removed; the first is 1")
+        .add_option("INDEX", numbers_,
+                    "Numbers of the jobs, as they are before any is removed; the first is 1")
         ->required()
         ->type_name("");
-    return command;
 }
 
 void ListRemoveCommand::run(Interrupts const& interrupts)

@@ -11,7 +11,7 @@ namespace umbrix_cli {
 /// `umbrix list remove`: jobs taken out of a list.
 class ListRemoveCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

@@ -41,31 +41,28 @@ Shard parse_shard(std::string const& text)
 
 } // namespace
 
-CLI::App* ListRunCommand::declare(CLI::App& app)
+void ListRunCommand::declare(CLI::App& command)
 {
-    CLI::App* const command = app.add_subcommand(
-        "run", "Make the Umbrix maps of all jobs, beside their sources, and keep a log beside the list");
-    declare_list(*command, file_);
-    command->add_flag("-r,--recurse", recurse_, "Look into the folders in folders, too");
-    command->add_flag("--overwrite", common_.overwrite,
-                      "Make all anew [default: leave out what is done, and outputs that others made]");
-    command->add_flag("-n,--dry-run", dry_run_, "Only print what would be made of what");
+    declare_list(command, file_);
+    command.add_flag("-r,--recurse", recurse_, "Look into the folders in folders, too");
+    command.add_flag("--overwrite", common_.overwrite,
+                     "Make all anew [default: leave out what is done, and outputs that others made]");
+    command.add_flag("-n,--dry-run", dry_run_, "Only print what would be made of what");
     std::function<void(std::string const&)> const parse = [this](std::string const& text) {
         shard_ = parse_shard(text);
     };
     command
-        ->add_option_function<std::string>(
+        .add_option_function<std::string>(
             "--shard", parse, "Only every N-th job, from the I-th on, so that many machines share a list")
         ->type_name("I/N")
         ->group(kRunGroup);
-    declare_results_form(*command, form_);
-    declare_workers(*command, workers_);
-    common_.declare_limits(*command);
-    declare_saving(*command, common_.saving);
-    common_.declare_progress(*command, "not");
-    declare_graphics(*command, graphics_);
-    declare_rows(*command, settings_, kForHeights);
-    return command;
+    declare_results_form(command, form_);
+    declare_workers(command, workers_);
+    common_.declare_limits(command);
+    declare_saving(command, common_.saving);
+    common_.declare_progress(command, "not");
+    declare_graphics(command, graphics_);
+    declare_rows(command, settings_, kForHeights);
 }
 
 void ListRunCommand::run(Interrupts const& interrupts)

@@ -17,7 +17,7 @@ namespace umbrix_cli {
 /// `umbrix list run`: does the jobs of a list.
 class ListRunCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

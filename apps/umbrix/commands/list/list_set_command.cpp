@@ -35,17 +35,14 @@ Settings merged(umbrix_data const& data, Settings const& told, std::set<std::str
 
 } // namespace
 
-CLI::App* ListSetCommand::declare(CLI::App& app)
+void ListSetCommand::declare(CLI::App& command)
 {
-    CLI::App* const command = app.add_subcommand(
-        "set", "Change options of a job; those that are not named stay, whatever the defaults");
-    declare_list(*command, file_);
-    command->add_option("INDEX", number_, "Number of the job; the first is 1")->required()->type_name("");
-    options_.declare(*command);
-    command->add_flag("--no-layers", no_layers_, "Take the layers away")
+    declare_list(command, file_);
+    command.add_option("INDEX", number_, "Number of the job; the first is 1")->required()->type_name("");
+    options_.declare(command);
+    command.add_flag("--no-layers", no_layers_, "Take the layers away")
         ->group("Source")
-        ->excludes(command->get_option("--layers"));
-    return command;
+        ->excludes(command.get_option("--layers"));
 }
 
 void ListSetCommand::change_numbers(umbrix_node& job, Interrupts const& interrupts) const

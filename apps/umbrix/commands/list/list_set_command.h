@@ -11,7 +11,7 @@ namespace umbrix_cli {
 /// `umbrix list set`: other options for a job; what is not named stays.
 class ListSetCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

@@ -105,16 +105,13 @@ void print_table(std::string const& file, umbrix_list const& list)
 
 } // namespace
 
-CLI::App* ListShowCommand::declare(CLI::App& app)
+void ListShowCommand::declare(CLI::App& command)
 {
-    CLI::App* const command = app.add_subcommand(
-        "show", "Show the jobs: what each makes of which source, and the options that matter most");
-    declare_list(*command, file_);
+    declare_list(command, file_);
     auto* const json =
-        command->add_flag("--json", json_, "Write one JSON object with every field of every job instead");
-    command->add_flag("--print0", print0_, "Write the sources' names alone, each with a zero byte behind it")
+        command.add_flag("--json", json_, "Write one JSON object with every field of every job instead");
+    command.add_flag("--print0", print0_, "Write the sources' names alone, each with a zero byte behind it")
         ->excludes(json);
-    return command;
 }
 
 void ListShowCommand::run(Interrupts const& /*interrupts*/)

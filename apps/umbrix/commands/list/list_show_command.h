@@ -10,7 +10,7 @@ namespace umbrix_cli {
 /// `umbrix list show`: the jobs of a list as a table, or all there is to them as JSON.
 class ListShowCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

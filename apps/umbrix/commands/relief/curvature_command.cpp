@@ -14,16 +14,13 @@
 
 namespace umbrix_cli {
 
-CLI::App* CurvatureCommand::declare(CLI::App& app)
+void CurvatureCommand::declare(CLI::App& command)
 {
-    CLI::App* const command =
-        app.add_subcommand("curvature", "Make a curvature or cavity map from a height map or a normal map");
-    common_.declare_output(*command, "INPUT_Curvature beside the input");
-    common_.declare_input(*command, "Height map or normal map; an alpha is not looked at");
-    declare_kind(*command, kind_);
-    declare_normal_y(*command, normal_y_, "Where green points in a normal map")->group("Input");
-    declare_options(*command, settings_, kForCurvature | kForHeights);
-    return command;
+    common_.declare_output(command, "INPUT_Curvature beside the input");
+    common_.declare_input(command, "Height map or normal map; an alpha is not looked at");
+    declare_kind(command, kind_);
+    declare_normal_y(command, normal_y_, "Where green points in a normal map")->group("Input");
+    declare_options(command, settings_, kForCurvature | kForHeights);
 }
 
 void CurvatureCommand::run(Interrupts const& interrupts)

@@ -13,7 +13,7 @@ namespace umbrix_cli {
 /// `umbrix curvature`: a map of ridges and hollows from a height map or a normal map.
 class CurvatureCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

@@ -79,26 +79,24 @@ std::string count_in_words(std::size_t findings)
 
 } // namespace
 
-CLI::App* CheckCommand::declare(CLI::App& app)
+void CheckCommand::declare(CLI::App& command)
 {
-    CLI::App* const command = app.add_subcommand("check", "Tell what is not sound about maps, and mend it");
-    command->add_option("MAP", files_, "Normal maps, height maps and Umbrix maps")
+    command.add_option("MAP", files_, "Normal maps, height maps and Umbrix maps")
         ->required()
         ->type_name("...");
-    common_.declare_limits(*command);
-    common_.declare_progress(*command);
-    command->add_flag("--json", json_, "Write one JSON object a map instead of text");
-    declare_checked_kind(*command, kind_);
-    declare_normal_y(*command, normal_y_, "Where green should point in normal maps")
+    common_.declare_limits(command);
+    common_.declare_progress(command);
+    command.add_flag("--json", json_, "Write one JSON object a map instead of text");
+    declare_checked_kind(command, kind_);
+    declare_normal_y(command, normal_y_, "Where green should point in normal maps")
         ->description("Where green should point in normal maps: up (OpenGL) or down (DirectX) [up, down; "
                       "default: anywhere]")
         ->group(kCheckGroup);
-    declare_rows(*command, settings_, kForCheck);
-    mode_ = command->get_option("--mode");
+    declare_rows(command, settings_, kForCheck);
+    mode_ = command.get_option("--mode");
     mode_->description("Light of Umbrix maps [projection, unit, flat, squared; default: as the file tells]")
         ->group(kCheckGroup);
-    declare_fix(*command);
-    return command;
+    declare_fix(command);
 }
 
 void CheckCommand::declare_fix(CLI::App& command)

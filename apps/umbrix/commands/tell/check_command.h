@@ -14,7 +14,7 @@ namespace umbrix_cli {
 /// `umbrix check`: whether normal maps, height maps and Umbrix maps are sound.
 class CheckCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
     ExitCode code() const override { return code_; }
 

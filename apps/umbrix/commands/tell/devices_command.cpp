@@ -28,14 +28,11 @@ void print_text(DevicesReport const& report)
 
 } // namespace
 
-CLI::App* DevicesCommand::declare(CLI::App& app)
+void DevicesCommand::declare(CLI::App& command)
 {
-    CLI::App* const command =
-        app.add_subcommand("devices", "List the graphics processors that --gpu can take");
-    command->add_flag("--json", json_, "Write one JSON object instead of text");
-    command->add_flag("-v,--verbose", verbose_, "Show what the drivers say");
-    declare_no_sandbox(*command);
-    return command;
+    command.add_flag("--json", json_, "Write one JSON object instead of text");
+    command.add_flag("-v,--verbose", verbose_, "Show what the drivers say");
+    declare_no_sandbox(command);
 }
 
 void DevicesCommand::run(Interrupts const& interrupts)

@@ -8,7 +8,7 @@ namespace umbrix_cli {
 /// `umbrix devices`: what --gpu can run on.
 class DevicesCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

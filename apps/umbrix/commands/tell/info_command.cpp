@@ -54,15 +54,12 @@ void print_text(std::string const& file, InfoReport const& report)
 
 } // namespace
 
-CLI::App* InfoCommand::declare(CLI::App& app)
+void InfoCommand::declare(CLI::App& command)
 {
-    CLI::App* const command =
-        app.add_subcommand("info", "Tell what is in a picture, and what map would take it for");
-    common_.declare_input(*command, "Picture");
-    command->add_flag("--json", json_, "Write one JSON object instead of text");
-    command->add_flag("--range", range_,
-                      "Look into pictures of more than 16 million texels, too, which takes time and memory");
-    return command;
+    common_.declare_input(command, "Picture");
+    command.add_flag("--json", json_, "Write one JSON object instead of text");
+    command.add_flag("--range", range_,
+                     "Look into pictures of more than 16 million texels, too, which takes time and memory");
 }
 
 void InfoCommand::run(Interrupts const& interrupts)

@@ -9,7 +9,7 @@ namespace umbrix_cli {
 /// `umbrix info`: what is in a picture, and what `umbrix map` would take it for.
 class InfoCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:

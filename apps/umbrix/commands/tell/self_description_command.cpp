@@ -31,15 +31,10 @@ void write_all(std::map<std::string, std::string> const& pages, std::filesystem:
 
 } // namespace
 
-CLI::App* CompletionCommand::declare(CLI::App& app)
+void CompletionCommand::declare(CLI::App& command)
 {
-    tool_ = &app;
-    CLI::App* const command =
-        app.add_subcommand("completion", "Print a script that completes this command line");
-    command->add_option("SHELL", shell_, "Shell that takes the script [bash, zsh]")
-        ->required()
-        ->type_name("");
-    return command;
+    tool_ = command.get_parent();
+    command.add_option("SHELL", shell_, "Shell that takes the script [bash, zsh]")->required()->type_name("");
 }
 
 void CompletionCommand::run(Interrupts const&)
@@ -50,17 +45,15 @@ void CompletionCommand::run(Interrupts const&)
     put_text(stdout, shell_ == "bash" ? bash_completion(*tool_) : zsh_completion(*tool_));
 }
 
-CLI::App* ManualCommand::declare(CLI::App& app)
+void ManualCommand::declare(CLI::App& command)
 {
-    tool_ = &app;
-    CLI::App* const command = app.add_subcommand("manual", "Print a manual page, in the language of man");
+    tool_ = command.get_parent();
     auto* const page =
-        command->add_option("COMMAND", command_, "Command that it is about [default: the tool as a whole]")
+        command.add_option("COMMAND", command_, "Command that it is about [default: the tool as a whole]")
             ->type_name("");
-    command->add_option("--all", folder_, "Write all pages into a folder instead")
+    command.add_option("--all", folder_, "Write all pages into a folder instead")
         ->type_name("FOLDER")
         ->excludes(page);
-    return command;
 }
 
 void ManualCommand::run(Interrupts const&)

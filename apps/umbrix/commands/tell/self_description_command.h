@@ -10,7 +10,7 @@ namespace umbrix_cli {
 /// `umbrix completion`: what a shell needs to complete the tool's command line.
 class CompletionCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:
@@ -21,7 +21,7 @@ private:
 /// `umbrix manual`: the tool's manual page, or that of a command, or all of them as files.
 class ManualCommand : public Command {
 public:
-    CLI::App* declare(CLI::App& app) override;
+    void declare(CLI::App& command) override;
     void run(Interrupts const& interrupts) override;
 
 private:
