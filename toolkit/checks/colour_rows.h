@@ -39,11 +39,13 @@ struct RowBand {
 template <typename Look>
 auto in_bands(std::size_t rows, Look const& look)
 {
-    constexpr std::size_t kRowsOfBand = 64;
-    std::vector<decltype(look(RowBand{}))> results((rows + kRowsOfBand - 1) / kRowsOfBand);
+    constexpr std::size_t kFewestRows = 64;
+    constexpr std::size_t kMostBands = 128;
+    std::size_t const rows_of_band = std::max(kFewestRows, (rows + kMostBands - 1) / kMostBands);
+    std::vector<decltype(look(RowBand{}))> results((rows + rows_of_band - 1) / rows_of_band);
     on_all_threads(results.size(), [&](auto const& next) {
         for (std::size_t i = next(); i < results.size(); i = next()) {
-            results[i] = look(RowBand{i * kRowsOfBand, std::min(rows, (i + 1) * kRowsOfBand)});
+            results[i] = look(RowBand{i * rows_of_band, std::min(rows, (i + 1) * rows_of_band)});
         }
     });
     return results;

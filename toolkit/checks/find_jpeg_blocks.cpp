@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/checks/find_jpeg_blocks.h"
 
+#include "toolkit/base/all_threads.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -30,17 +32,21 @@ constexpr std::size_t kFewestCoefficients = 100;
 constexpr std::size_t kFewestFar = 30;
 
 constexpr std::size_t kMostBlocks = 2000;
-constexpr std::size_t kBlocksOfSearch = 800;
+constexpr std::size_t kBlocksOfSearch = 600;
 
 struct Frequency {
     std::size_t down;
     std::size_t along;
 };
 
-/// The three in front are looked at on all grids.
+/// The five in front are looked at on all grids: smooth maps have little of the others.
 constexpr std::array<Frequency, 10> kFrequencies{
-    {{1, 1}, {1, 2}, {2, 1}, {0, 1}, {1, 0}, {0, 2}, {2, 0}, {0, 3}, {3, 0}, {2, 2}}};
-constexpr std::size_t kOfSearch = 3;
+    {{1, 1}, {0, 2}, {2, 0}, {0, 1}, {1, 0}, {1, 2}, {2, 1}, {0, 3}, {3, 0}, {2, 2}}};
+constexpr std::size_t kOfSearch = 5;
+constexpr std::size_t kFewestOfSearch = 2;
+
+/// Pictures of few levels are likely on many grids, and JPEG has one.
+constexpr std::ptrdiff_t kMostLikely = 8;
 
 using CosineTable = std::array<std::array<double, kSide>, 4>;
 
@@ -72,9 +78,7 @@ public:
 
     double at(std::size_t x, std::size_t y) const
     {
-        std::size_t const row = static_cast<std::size_t>(picture_.height) - 1 - y;
-        Sample const* const texel = &samples_[(row * static_cast<std::size_t>(picture_.width) + x) *
-                                              static_cast<std::size_t>(picture_.channels)];
+        Sample const* const texel = texel_at(x, y);
         double const grey =
             picture_.channels < 3
                 ? to_number(texel[0])
@@ -82,7 +86,22 @@ public:
         return grey * scale_;
     }
 
+    /// Whether a colour is at the dark end of the scale. Blue of normals is often near the other.
+    bool has_black(std::size_t x, std::size_t y) const
+    {
+        Sample const* const texel = texel_at(x, y);
+        return std::any_of(texel, texel + (picture_.channels < 3 ? 1 : 3),
+                           [](Sample each) { return to_number(each) <= 0.0; });
+    }
+
 private:
+    Sample const* texel_at(std::size_t x, std::size_t y) const
+    {
+        std::size_t const row = static_cast<std::size_t>(picture_.height) - 1 - y;
+        return &samples_[(row * static_cast<std::size_t>(picture_.width) + x) *
+                         static_cast<std::size_t>(picture_.channels)];
+    }
+
     Picture const& picture_;
     std::span<Sample const> samples_;
     double scale_;
@@ -104,13 +123,18 @@ Coefficients coefficients_of(Picture const& picture, GridStart start, std::size_
             std::size_t const left = start.x + block % across * kSide;
             std::size_t const top = start.y + block / across * kSide;
             std::array<std::array<double, 4>, kSide> rows{}; // transformed along x
+            bool is_cut = false;
             for (std::size_t y = 0; y < kSide; ++y) {
                 for (std::size_t x = 0; x < kSide; ++x) {
+                    is_cut = is_cut || greys.has_black(left + x, top + y);
                     double const grey = greys.at(left + x, top + y);
                     for (std::size_t u = 0; u < 4; ++u) {
                         rows[y][u] += grey * table[u][x];
                     }
                 }
+            }
+            if (is_cut) {
+                continue; // what JPEG made of it lay beyond the end
             }
             for (std::size_t f = 0; f < kFrequencies.size(); ++f) {
                 double sum = 0.0;
@@ -145,10 +169,12 @@ BestStep best_step(std::vector<double> coefficients)
             continue;
         }
         double sum = 0.0;
+        double const per_step = 1.0 / step;
         for (std::size_t i = 0; i < count; ++i) {
-            sum += std::cos(2.0 * std::numbers::pi * coefficients[i] / step);
+            double const steps = coefficients[i] * per_step;
+            sum += std::abs(steps - static_cast<double>(static_cast<int>(steps + 0.5)));
         }
-        double const mean = sum / static_cast<double>(count);
+        double const mean = 1.0 - 4.0 * sum / static_cast<double>(count); // 0 where any is as likely
         if (mean > best.mean) {
             best = {mean, step};
         }
@@ -192,12 +218,23 @@ void find_jpeg_blocks(Picture const& picture, Findings& findings)
         picture.height < 4 * static_cast<int>(kSide)) {
         return;
     }
-    for (std::size_t i = 0; i < kSide * kSide; ++i) {
-        GridStart const start{i % kSide, i / kSide};
-        bool const first = i == 0;
-        if (!first && steps_of_grid(picture, start, kBlocksOfSearch, kOfSearch).size() < 2) {
+    auto const start_of = [](std::size_t grid) { return GridStart{grid % kSide, grid / kSide}; };
+    std::array<bool, kSide * kSide> is_likely{};
+    on_all_threads(is_likely.size(), [&](auto const& next) {
+        for (std::size_t grid = next(); grid < is_likely.size(); grid = next()) {
+            is_likely[grid] =
+                grid == 0 ||
+                steps_of_grid(picture, start_of(grid), kBlocksOfSearch, kOfSearch).size() >= kFewestOfSearch;
+        }
+    });
+    if (std::ranges::count(is_likely, true) > kMostLikely) {
+        return;
+    }
+    for (std::size_t grid = 0; grid < is_likely.size(); ++grid) {
+        if (!is_likely[grid]) {
             continue;
         }
+        GridStart const start = start_of(grid);
         std::vector<int> steps = steps_of_blocks(picture, start);
         if (steps.empty()) {
             continue;
