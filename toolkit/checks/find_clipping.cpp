@@ -16,9 +16,9 @@ constexpr int kLevels = 256;
 /// 0.07 to 5 %.
 constexpr double kLeastShare = 0.0005;
 
-/// An end of a sound map has 1.1 times what each of the levels beside it has; of those with 1.1 times the
-/// contrast 2 to 340.
-constexpr double kLeastSpike = 2.2;
+/// An end of a sound map has up to 0.9 times what the most frequent level beside it has, and a ramp as much;
+/// of those with 1.1 times the contrast 2.1 to 98.
+constexpr double kLeastSpike = 1.5;
 
 /// The levels beside an end of a map that was cut have 0.33 to 3.1 times what those further inside have; the
 /// rounded edge of a wall at height 0 has 97.
@@ -87,20 +87,32 @@ double mean_of(HeightLevels const& levels, bool from_top, std::size_t begin, std
     return static_cast<double>(sum) / static_cast<double>(end - begin);
 }
 
+/// The most of these levels: the one beside counts, too, where steep ground has every fourth level only.
+double most_of(HeightLevels const& levels, bool from_top, std::size_t begin, std::size_t end)
+{
+    std::size_t most = 0;
+    for (std::size_t i = begin; i < end; ++i) {
+        most = std::max(most, levels.counts[from_top ? levels.counts.size() - 1 - i : i]);
+    }
+    return static_cast<double>(most);
+}
+
 void judge_end(HeightLevels const& levels, bool top, Picture const& heights, Findings& findings)
 {
     Tally const& end = top ? levels.highest : levels.lowest;
     double const beside = mean_of(levels, top, 1, 5);
+    double const most_beside = most_of(levels, top, 1, 5);
     double const inside = mean_of(levels, top, 5, 17);
     auto const many = static_cast<double>(end.count());
-    if (end.share(heights.texels()) < kLeastShare || beside == 0.0 || many < kLeastSpike * beside ||
+    if (end.share(heights.texels()) < kLeastShare || beside == 0.0 || many < kLeastSpike * most_beside ||
         beside > kMostBeside * inside) {
         return;
     }
     findings.push_back(
         {"clipped",
-         fmt::format("heights are cut off at {}: {}, {:.3g} times as many as at each level beside it",
-                     top ? "white" : "black", in_words(end, heights.texels(), heights.height), many / beside),
+         fmt::format("heights are cut off at {}: {}, {:.3g} times as many as at the levels beside it",
+                     top ? "white" : "black", in_words(end, heights.texels(), heights.height),
+                     many / most_beside),
          end.count(), end.share(heights.texels()), end.first(heights.height)});
 }
 
