@@ -29,7 +29,8 @@ constexpr double kLeastLostCorrelation = 0.1;
 constexpr double kLeastOfLargeRough = 0.4;
 
 /// Maps with large steps elsewhere: the step across the border is at most 1.16 times the largest near it; of
-/// cropped ones up to 3.3 times.
+/// cropped ones up to 3.3 times. A joint at the border of a map that tiles has such a step as well, but its
+/// sides share as much as those of the joints inside.
 constexpr double kMostOfNear = 1.4;
 constexpr double kLeastOfLargeNear = 0.6;
 constexpr std::size_t kPartThatIsNear = 16;
@@ -165,7 +166,7 @@ struct Border {
         bool const is_large = of_large > kMostOfLarge && of_largest > kMostOfLargest;
         bool const is_strange =
             unshared > kMostUnshared && lost > kLeastLostCorrelation && of_large > kLeastOfLargeRough;
-        bool const stands_out = of_near > kMostOfNear && of_large > kLeastOfLargeNear;
+        bool const stands_out = of_near > kMostOfNear && of_large > kLeastOfLargeNear && lost > 0.0;
         return is_large || is_strange || stands_out;
     }
 };

@@ -64,11 +64,11 @@ public:
     {
         int const other = flat.kept == 127 ? 128 : 127;
         for_each_texel(normals_, [&](auto* texel) {
-            auto& sample = texel[flat.channel];
             if (flat.between_channels) { // the whole channel is off by a step
-                put(sample, to_number(sample) + flat.kept - other);
-            } else if (to_number(sample) == other && is_flat(texel)) {
-                put(sample, flat.kept);
+                put(texel[flat.channel], to_number(texel[flat.channel]) + flat.kept - other);
+            } else if (is_flat(texel)) {
+                put(texel[0], flat.kept);
+                put(texel[1], flat.kept);
             }
         });
     }
