@@ -132,7 +132,7 @@ TEST_F(FoundFaults, HaveTheFirstTexelAsAUserCounts)
     EXPECT_EQ(inwards->texels, 56U);
     EXPECT_EQ(inwards->first, (TexelPlace{200, 3}));
     EXPECT_NEAR(inwards->strength, 20.5 / 127.5 - 1.0, 0.01);
-    EXPECT_NE(inwards->text.find("56 of 65536 texels (0.085 %), the first at 200, 3"), std::string::npos)
+    EXPECT_NE(inwards->text.find("56 of 65536 texels (0.0854 %), the first at 200, 3"), std::string::npos)
         << inwards->text;
 }
 

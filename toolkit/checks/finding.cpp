@@ -16,7 +16,7 @@ std::optional<TexelPlace> Tally::first(int height) const
 std::string in_words(Tally const& tally, std::size_t texels, int height)
 {
     TexelPlace const first = tally.first(height).value_or(TexelPlace{});
-    return fmt::format("{} of {} texels ({:.2g} %), the first at {}, {}", tally.count(), texels,
+    return fmt::format("{} of {} texels ({:.3g} %), the first at {}, {}", tally.count(), texels,
                        100.0 * tally.share(texels), first.x, first.y);
 }
 
