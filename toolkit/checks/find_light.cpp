@@ -11,8 +11,7 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-/// A normal that is longer by this is none. Maps that were made of heights need at most 1.004, of normals in
-/// 8 bits 1.01.
+/// A normal that is longer is none. Those of 8 bits, and what filters leave of them, are not all of length 1.
 constexpr double kMostLength = 1.02;
 
 /// Bytes are cut off, rounded, or have a step of noise.

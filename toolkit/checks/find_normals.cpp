@@ -8,10 +8,10 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-/// Sound maps have none; those that were resized or put through JPEG have 15 to 50 %.
+/// Sound maps have none; of author maps that went through JPEG 17 to 54 % of the texels were off.
 constexpr double kLeastShare = 0.001;
 
-/// Normals at the end of the scale: sound maps have none, those with 1.5 times the slopes 0.02 % or more.
+/// Normals at the end of the scale, of which sound maps have none.
 constexpr double kLeastClipped = 0.0001;
 
 /// Blue is constant if its samples differ by less than this of full scale.
