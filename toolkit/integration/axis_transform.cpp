@@ -23,17 +23,31 @@ void copy(ComplexLanes const& from, std::size_t at, ComplexLanes const& to, std:
     std::copy_n(from.imaginary + at * kLanes, kLanes, to.imaginary + place * kLanes);
 }
 
-/// Calls @p change for each element below the middle with the one that mirrors it, lane by lane.
+/// An element of a spectrum and the one that mirrors it.
+struct Mirrored {
+    float real;
+    float imaginary;
+    float other_real;
+    float other_imaginary;
+};
+
+/// Puts what @p change makes of each element below the middle and its mirror in their place, lane by lane.
 template <typename Change>
-void for_mirrored(ComplexLanes lanes, std::size_t length, Change const& change)
+void change_mirrored(ComplexLanes lanes, std::size_t length, Change const& change)
 {
     for (std::size_t k = 1; k < length - k; ++k) {
-        std::size_t const at = k * kLanes;
-        std::size_t const other = (length - k) * kLanes;
+        float* const real = lanes.real + k * kLanes;
+        float* const imaginary = lanes.imaginary + k * kLanes;
+        float* const other_real = lanes.real + (length - k) * kLanes;
+        float* const other_imaginary = lanes.imaginary + (length - k) * kLanes;
 #pragma omp simd
         for (std::size_t lane = 0; lane < kLanes; ++lane) {
-            change(lanes.real[at + lane], lanes.imaginary[at + lane], lanes.real[other + lane],
-                   lanes.imaginary[other + lane]);
+            Mirrored const made =
+                change({real[lane], imaginary[lane], other_real[lane], other_imaginary[lane]});
+            real[lane] = made.real;
+            imaginary[lane] = made.imaginary;
+            other_real[lane] = made.other_real;
+            other_imaginary[lane] = made.other_imaginary;
         }
     }
 }
@@ -63,32 +77,18 @@ double AxisTransform::factor(std::size_t number) const
 /// The spectrum of two real sequences, as one of complex numbers, into those of each.
 void AxisTransform::separate(ComplexLanes lanes) const
 {
-    for_mirrored(lanes, length(),
-                 [](float& real, float& imaginary, float& other_real, float& other_imaginary) {
-                     float const a = real;
-                     float const b = imaginary;
-                     float const c = other_real;
-                     float const d = other_imaginary;
-                     real = 0.5f * (a + c);
-                     other_real = 0.5f * (b - d);
-                     imaginary = 0.5f * (b + d);
-                     other_imaginary = 0.5f * (c - a);
-                 });
+    change_mirrored(lanes, length(), [](Mirrored const& a) {
+        return Mirrored{0.5f * (a.real + a.other_real), 0.5f * (a.imaginary + a.other_imaginary),
+                        0.5f * (a.imaginary - a.other_imaginary), 0.5f * (a.other_real - a.real)};
+    });
 }
 
 void AxisTransform::join(ComplexLanes lanes) const
 {
-    for_mirrored(lanes, length(),
-                 [](float& real, float& imaginary, float& other_real, float& other_imaginary) {
-                     float const a = real;
-                     float const b = imaginary;
-                     float const c = other_real;
-                     float const d = other_imaginary;
-                     real = a - d;
-                     other_real = a + d;
-                     imaginary = b + c;
-                     other_imaginary = b - c;
-                 });
+    change_mirrored(lanes, length(), [](Mirrored const& a) {
+        return Mirrored{a.real - a.other_imaginary, a.imaginary + a.other_real, a.real + a.other_imaginary,
+                        a.imaginary - a.other_real};
+    });
 }
 
 void AxisTransform::forward(ComplexLanes lanes, float* scratch) const

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "toolkit/base/all_threads.h"
 #include "toolkit/base/failure.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/pictures/heights/take_heights.h"
@@ -13,6 +14,7 @@
 #include <cmath>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <numeric>
 #include <utility>
 
 namespace umbrixlib::toolkit {
@@ -40,12 +42,17 @@ void note_input(PreparedInput const& input, std::string const& name, Observer& o
 }
 
 /// What the heights would rise by from the first number of a side to behind the last.
-double rise(std::vector<float> const& differences, int length)
+double rise(std::vector<float> const& differences, std::size_t rows, int length)
 {
-    double sum = 0.0;
-    for (float const each : differences) {
-        sum += static_cast<double>(each);
-    }
+    std::size_t const columns = differences.size() / rows;
+    std::vector<double> sums(rows);
+    on_all_threads(rows, [&](auto const& next) {
+        for (std::size_t y = next(); y < rows; y = next()) {
+            float const* const row = &differences[y * columns];
+            sums[y] = std::accumulate(row, row + columns, 0.0);
+        }
+    });
+    double const sum = std::accumulate(sums.begin(), sums.end(), 0.0);
     return sum / static_cast<double>(differences.size()) * length / 2.0; // each spans two texels
 }
 
@@ -58,8 +65,9 @@ struct Lean {
 
 Lean lean_of(CentralDifferences const& differences, Borders const& borders, double unsure)
 {
+    auto const rows = static_cast<std::size_t>(differences.height);
     auto const sure = [=](std::vector<float> const& along, int length) {
-        double const by = rise(along, length);
+        double const by = rise(along, rows, length);
         return std::abs(by) > unsure * length / 2.0 ? by : 0.0;
     };
     return {borders.h_tile ? sure(differences.along_rows, differences.width) : 0.0,
