@@ -58,7 +58,7 @@ PARTS = [
             ["workers"],
             ["batch"],
         ],
-        [PUBLIC],
+        [PUBLIC, "common/vector_targets.h", "common/lanes-inl.h"],
         ["src"],
         [
             ("toolkit/files/file_search.cpp", "toolkit/pictures/input_formats.h"),

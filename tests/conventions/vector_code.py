@@ -7,7 +7,7 @@ from pathlib import Path
 
 from source_tree import files
 
-FOLDERS = ["common", "src", "velloric", "bench"]
+FOLDERS = ["common", "src", "velloric", "toolkit", "bench"]
 OPENING = re.compile(r"namespace (?:\w+::)*HWY_NAMESPACE \{\n(?:namespace hn = .*\n|\n)*namespace \{\n")
 INCLUDED = re.compile(r'#define HWY_TARGET_INCLUDE "(.*)"')
 
