@@ -74,10 +74,7 @@ Pair read_pair(FitJob const& job, Observer& observer)
     Pair pair{};
     {
         PreparedInput input = prepare_input({job.heights, job.heights, job.max_texels}, observer);
-        if (input.guess.kind == Kind::kNormalMap) {
-            observer.note(job.heights, {"this looks like a normal map (" + input.guess.reason +
-                                        "); its brightness is taken for heights"});
-        }
+        note_normals_as_heights(job.heights, input.guess, observer);
         ToldHeights const told = told_heights(input.picture.attributes, height_reading_of(job.settings));
         take_for_heights(input, told.reading, job.heights, observer);
         pair.width = input.width;

@@ -48,10 +48,7 @@ NormalReport run(NormalJob const& job, Observer& observer)
     OutputFormat const& format = *output_format(files.output.file);
     check_size(format, files.output.name, input.width, input.height);
     SavedAs const as = saved_as(files.output.saving, format, PictureKind::kNormals, files.output.name);
-    if (input.guess.kind == Kind::kNormalMap) {
-        observer.note(files.input, {"this looks like a normal map already (" + input.guess.reason +
-                                    "); its brightness is taken for heights"});
-    }
+    note_normals_as_heights(files.input, input.guess, observer);
     ToldHeights const told = told_heights(input.picture.attributes, height_reading_of(job.settings));
     std::optional<HeightRange> const range = take_for_heights(input, told.reading, files.input, observer);
 

@@ -68,6 +68,15 @@ void note_unlike_its_name(std::string const& file, KindGuess const& guess, Obser
     }
 }
 
+void note_normals_as_heights(std::string const& file, KindGuess const& guess, Observer& observer)
+{
+    if (guess.kind == Kind::kNormalMap) {
+        observer.note(file,
+                      {fmt::format("this looks like a normal map ({}); its brightness is taken for heights",
+                                   guess.reason)});
+    }
+}
+
 DecodedImage decode_input(Source const& source, Observer& observer)
 {
     observer.begin(Phase::kReading, source.name);

@@ -35,6 +35,9 @@ struct PreparedInput {
 /// Tells where what the picture looks like and the ending of its name disagree, as that deserves a look.
 void note_unlike_its_name(std::string const& file, KindGuess const& guess, Observer& observer);
 
+/// Tells that a picture is taken for heights that looks like normals, if it does.
+void note_normals_as_heights(std::string const& file, KindGuess const& guess, Observer& observer);
+
 PreparedInput prepare_input(Source const& source, Observer& observer);
 
 /// For a picture that is taken for heights: they are 0 to 1 from now on. Returns what became 0 and 1, if that

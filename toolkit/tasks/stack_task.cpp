@@ -126,9 +126,8 @@ ReadyStack read_layers(StackJob const& job, Observer& observer)
     ReadyStack stack;
     for (StackLayer const& layer : job.description.layers) {
         PreparedInput picture = prepare_input({layer.file, layer.file_label(), job.max_texels}, observer);
-        if (!layer.is_normal_map && picture.guess.kind == Kind::kNormalMap) {
-            observer.note(layer.file_label(), {"this looks like a normal map (" + picture.guess.reason +
-                                               "); its brightness is taken for heights"});
+        if (!layer.is_normal_map) {
+            note_normals_as_heights(layer.file_label(), picture.guess, observer);
         }
         if (stack.layers.empty()) {
             stack.width = picture.width;
