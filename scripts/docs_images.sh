@@ -35,6 +35,9 @@ for part in all cavity ridges; do
 done
 umbrix curvature "$height" --gaussian 3 -o curvature_broad.png
 
+# command-bent.md
+umbrix bent "$height" -o bent_normals.png --occlusion bent_occlusion.png
+
 # command-relight.md
 umbrix relight maps_map.png --turntable 8 --light 0,40 --cell 80 -o turntable.png
 

@@ -53,12 +53,13 @@ constexpr OptionSample kSamples[] = {
     {"max", "--max", "251", "251"},
     {"brightness", "--brightness", "-0.25", "-0.25"},
     {"smooth", "--smooth", "0.8", "0.8"},
+    {"directions", "--directions", "16", "16"},
     {"curvature_part", "--curvature-part", "cavity", "\"cavity\""},
     {"curvature_radius", "--curvature-radius", "0.02", "0.02"},
     {"save_depth", "--depth", "16", "\"16\""},
 };
 
-constexpr std::size_t kNotOfMap = 3; // TGA holds no 16 bits
+constexpr std::size_t kNotOfMap = 4; // TGA holds no 16 bits
 
 class PresetCommand : public ToolTest {
 protected:

@@ -87,6 +87,7 @@ Settings settings_of(umbrix_data const& data)
         .tile = data.tile,
         .h_tile = data.h_tile,
         .v_tile = data.v_tile,
+        .directions = kDefaults.directions,
         .curvature_part = kDefaults.curvature_part,
         .curvature_radius = kDefaults.curvature_radius,
         .b_radius = data.b_radius,

@@ -74,6 +74,7 @@ constexpr NameEnding kEndings[] = {
     {"_arm", {}, {}},
     {"_curvature", {}, {}},
     {"_cavity", {}, {}},
+    {"_bent", {}, {}},
 };
 
 /// @p stem without a resolution at its end: "_2k".

@@ -44,6 +44,9 @@ inline constexpr Settings kDefaults{
     .h_tile = true,
     .v_tile = true,
 
+    // A tenth of a degree and a thousandth of the sky from what any more of them give.
+    .directions = 32,
+
     .curvature_part = CurvaturePart::kAll,
     .curvature_radius = std::nullopt,
 

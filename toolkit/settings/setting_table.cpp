@@ -18,6 +18,7 @@ constexpr char const* kLight = "Light";
 constexpr char const* kRelief = "Relief";
 constexpr char const* kOcclusion = "Occlusion";
 constexpr char const* kBorders = "Borders";
+constexpr char const* kSky = "Sky";
 constexpr char const* kCurvature = "Curvature";
 constexpr char const* kHeights = "Grading of the heights, in this order";
 constexpr char const* kResult = "Grading of the map, in this order";
@@ -53,9 +54,9 @@ constexpr SettingRow kTable[] = {
      "Put the heights, as they were read, into the map's alpha"},
 
     {"relief", kRelief, &Settings::relief, 0, 10, " image widths",
-     kForMap | kForNormal | kForHeight | kForCurvature, "How high a height of 1 reaches"},
-    {"h-scale", kRelief, &Settings::h_scale, 0, 10, " image widths", kForMap,
-     "The same for the occlusion alone; auto is the relief"},
+     kForMap | kForNormal | kForHeight | kForCurvature | kForBent, "How high a height of 1 reaches"},
+    {"h-scale", kRelief, &Settings::h_scale, 0, 10, " image widths", kForMap | kForBent,
+     "The same for occlusion and horizons alone; auto is the relief"},
     {"n-scale", kRelief, &Settings::n_scale, -1e6, 1e6, "", kForMap | kForNormal | kForHeight | kForCurvature,
      "Strength of the normals: slope where the heights differ by 1 over two texels; auto fits the height "
      "scale"},
@@ -68,19 +69,22 @@ constexpr SettingRow kTable[] = {
      "Darken what the relief hides from the three directions"},
     {"rays", kOcclusion, &Settings::rays, 1, 10000, " per direction", kForMap,
      "Rays that look for the relief"},
-    {"radius", kOcclusion, &Settings::radius, 0, 4, " image widths", kForMap,
-     "How far the rays reach and climb"},
+    {"radius", kOcclusion, &Settings::radius, 0, 4, " image widths", kForMap | kForBent,
+     "How far rays reach and climb, and how far from a texel horizons are looked for"},
     {"alpha-limit", kOcclusion, &Settings::alpha_limit, 0, 180, " degrees", kForMap,
      "Full width of a bundle of rays in elevation"},
     {"theta-limit", kOcclusion, &Settings::theta_limit, 0, 180, " degrees", kForMap,
      "Full width of a bundle of rays in azimuth"},
     {"tile", kBorders, &Settings::tile, 0, 0, "",
-     kForMap | kForNormal | kForHeight | kForCurvature | kForCheck,
+     kForMap | kForNormal | kForHeight | kForCurvature | kForBent | kForCheck,
      "The texture repeats, for normals and occlusion; switches the next two"},
     {"h-tile", kBorders, &Settings::h_tile, 0, 0, "",
-     kForMap | kForNormal | kForHeight | kForCurvature | kForCheck, "It repeats sideways"},
+     kForMap | kForNormal | kForHeight | kForCurvature | kForBent | kForCheck, "It repeats sideways"},
     {"v-tile", kBorders, &Settings::v_tile, 0, 0, "",
-     kForMap | kForNormal | kForHeight | kForCurvature | kForCheck, "It repeats up and down"},
+     kForMap | kForNormal | kForHeight | kForCurvature | kForBent | kForCheck, "It repeats up and down"},
+
+    {"directions", kSky, &Settings::directions, 4, 1024, " around", kForBent,
+     "Directions in which the horizon is looked for"},
 
     {"curvature-part", kCurvature, &Settings::curvature_part, 0, 0, "", kForCurvature,
      "What is shown: ridges light and hollows dark on grey, hollows dark on white, or ridges light on black"},

@@ -19,7 +19,8 @@ using SettingsField =
 /// The tasks that a setting counts in. Those of kForPresets alone are keys of a preset that each front end
 /// asks for in its own words: what the input is, where green points in it, and how the result is saved.
 /// kForHeights: all that read heights, but for the jobs of a work list, whose fields are the library's.
-/// kForHeight: the one that makes heights of normals.
+/// kForHeight: the one that makes heights of normals. kForBent: the one that makes bent normals and occlusion
+/// maps.
 enum SettingUser : unsigned {
     kForPresets = 0,
     kForMap = 1,
@@ -29,7 +30,8 @@ enum SettingUser : unsigned {
     kForHeights = 16,
     kForHeight = 32,
     kForCurvature = 64,
-    kForCheck = 128
+    kForCheck = 128,
+    kForBent = 256
 };
 
 inline constexpr unsigned kForAny = ~0U; ///< Any task.

@@ -52,6 +52,8 @@ struct Settings {
     bool h_tile;
     bool v_tile;
 
+    int directions;
+
     CurvaturePart curvature_part;
     std::optional<float> curvature_radius;
 

@@ -26,6 +26,10 @@ NamedFiles files_of(Job const& job)
     };
     std::visit(Overloaded{
                    [&](auto const& each) { add(each.files); },
+                   [&](BentJob const& bent) {
+                       add(bent.files);
+                       add_output(bent.occlusion);
+                   },
                    [&](ListJob const& list) {
                        add(list.files);
                        add_layers(list.layers, &n_layer::filename);

@@ -90,6 +90,19 @@ struct CurvatureJob {
     bool operator==(CurvatureJob const&) const = default;
 };
 
+/// Bent normals from a height map, and the share of the sky that is open.
+struct BentJob {
+    using Report = BentReport;
+
+    JobFiles files;
+    Output occlusion; ///< Of the open shares, in one channel. It may be left out.
+    Settings settings = kDefaults;
+    NormalY normal_y = NormalY::kUp; ///< Of the bent normals.
+    bool occlusion_alone = false;    ///< The files' output is the open shares, and the only one.
+
+    bool operator==(BentJob const&) const = default;
+};
+
 /// A lit picture of an Umbrix map, or a contact sheet of several.
 struct RelightJob {
     using Report = RelightReport;
@@ -205,11 +218,11 @@ struct FolderJob {
 };
 
 /// A job of any task.
-using Job = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, RelightJob, ConvertJob, InfoJob,
+using Job = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, BentJob, RelightJob, ConvertJob, InfoJob,
                          CheckJob, StackJob, FitJob, DevicesJob, ListJob, FolderJob>;
 
 /// A job that makes one picture of another.
-using PictureJob = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, RelightJob, ListJob>;
+using PictureJob = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, BentJob, RelightJob, ListJob>;
 
 /// The files that a job opens by name. Those below the folder of a FolderJob are not among them.
 struct NamedFiles {

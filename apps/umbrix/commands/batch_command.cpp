@@ -38,6 +38,10 @@ constexpr Product kProducts[] = {
      false},
     {"--curvature", "Make curvature or cavity maps", "_Curvature", "curvature maps", Endings::kSurface,
      kForCurvature | kForHeights, true},
+    {"--bent", "Make bent normals from height maps", "_Bent", "bent normals", Endings::kHeights,
+     kForBent | kForHeights, false},
+    {"--ao", "Make occlusion maps of one channel from height maps", "_AO", "occlusion maps of one channel",
+     Endings::kHeights, kForBent | kForHeights, false},
 };
 
 bool makes(Product const* product, std::string_view option)
@@ -220,6 +224,11 @@ std::function<PictureJob(BatchFile const& file)> BatchCommand::job_for() const
     }
     if (makes(product_, "--curvature")) {
         return always(CurvatureJob{{}, settings_, kind, normal_y_});
+    }
+    bool const occlusion_alone = makes(product_, "--ao");
+    if (occlusion_alone || makes(product_, "--bent")) {
+        NormalY const green = normal_y_.value_or(settings_.normal_y);
+        return always(BentJob{{}, {}, settings_, green, occlusion_alone});
     }
     MapJob const job{{}, settings_, kind, normal_y_, graphics_};
     return [job](BatchFile const& file) {

@@ -9,6 +9,7 @@
 #include "commands/map_command.h"
 #include "commands/normal_command.h"
 #include "commands/preset_command.h"
+#include "commands/relief/bent_command.h"
 #include "commands/relief/curvature_command.h"
 #include "commands/relight_command.h"
 #include "commands/stack_command.h"
@@ -43,6 +44,8 @@ constexpr CommandRow kCommands[] = {
      make_command<HeightCommand>},
     {"curvature", "Make a curvature or cavity map from a height map or a normal map",
      make_command<CurvatureCommand>},
+    {"bent", "Make bent normals, and the occlusion map of one channel, from a height map",
+     make_command<BentCommand>},
     {"stack", "Blend layers into a normal map, a height map and an Umbrix map", make_command<StackCommand>},
     {"relight", "Show the texture of an Umbrix map in a light", make_command<RelightCommand>},
     {"convert", "Save a picture in another format or at another depth, and otherwise as it is",

@@ -3,9 +3,9 @@
 
 #include "options/saving_options.h"
 #include "options/setting_options.h"
+#include "terminal/complaint.h"
 #include "terminal/say.h"
 #include "toolkit/base/text.h"
-#include "toolkit/files/stale_temporaries.h"
 #include "toolkit/pictures/naming.h"
 #include "toolkit/pictures/output_format.h"
 #include "toolkit/workers/sandbox/rights.h"
@@ -108,6 +108,16 @@ std::filesystem::path prepare_output(CommonOptions const& options, std::string c
                                                          : std::filesystem::path(options.output);
     remove_leftovers_beside(named);
     return named;
+}
+
+void check_that_outputs_differ(std::filesystem::path const& one, std::filesystem::path const& other)
+{
+    auto const key = [](std::filesystem::path const& file) {
+        return std::filesystem::weakly_canonical(std::filesystem::absolute(file));
+    };
+    if (key(one) == key(other)) {
+        throw UsageError(other.string(), "both pictures would go to the same file", "give each its own name");
+    }
 }
 
 void note_format(std::string const& command, std::filesystem::path const& output)

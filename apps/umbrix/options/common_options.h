@@ -4,11 +4,13 @@
 #include "terminal/progress_display.h"
 #include "terminal/supervise.h"
 #include "toolkit/batch/picture_file.h"
+#include "toolkit/files/stale_temporaries.h"
 #include "toolkit/tasks/jobs.h"
 #include "toolkit_names.h"
 
 #include <CLI/App.hpp>
 #include <filesystem>
+#include <optional>
 #include <string>
 
 namespace umbrix_cli {
@@ -45,6 +47,13 @@ struct CommonOptions {
     Supervision supervision(std::string const& command, Interrupts const& interrupts) const;
 };
 
+/// A second picture of a job.
+template <typename OneJob>
+struct SecondOutput {
+    std::string file; ///< Empty: it is not wanted.
+    Output OneJob::*field = nullptr;
+};
+
 /// A picture that a job has made.
 template <typename OneJob>
 struct Made {
@@ -56,6 +65,9 @@ struct Made {
 /// The output that is named, or the default; what killed runs left beside it is removed.
 std::filesystem::path prepare_output(CommonOptions const& options, std::string const& suffix);
 
+/// Throws a UsageError if both names are of one file.
+void check_that_outputs_differ(std::filesystem::path const& one, std::filesystem::path const& other);
+
 /// Tells what the user should know of the format of @p output, if anything.
 void note_format(std::string const& command, std::filesystem::path const& output);
 
@@ -63,11 +75,23 @@ void note_format(std::string const& command, std::filesystem::path const& output
 /// beside the output, then the renaming. Nothing temporary outlives the call, however it ends.
 /// @param job    Without its files.
 /// @param suffix For the name of an output that was not named: "_Umbrix".
+/// @param second Another output, if it is named.
 template <typename OneJob>
 Made<OneJob> make_picture_file(std::string const& command, CommonOptions const& options, OneJob job,
-                               std::string const& suffix, Interrupts const& interrupts)
+                               std::string const& suffix, Interrupts const& interrupts,
+                               SecondOutput<OneJob> const& second = {})
 {
     std::filesystem::path const named = prepare_output(options, suffix);
+    std::optional<PictureFile> second_file;
+    if (!second.file.empty()) {
+        check_that_outputs_differ(named, second.file);
+        remove_leftovers_beside(second.file);
+        second_file.emplace(options.input, second.file, options.overwrite);
+        note_format(command, second.file);
+        JobFiles files;
+        second_file->name_files(files);
+        job.*second.field = {files.output.file, files.output.name, options.saving};
+    }
     PictureFile file(options.input, named, options.overwrite);
     note_format(command, named);
     job.files.max_texels = options.max_texels;
@@ -75,6 +99,9 @@ Made<OneJob> make_picture_file(std::string const& command, CommonOptions const& 
     file.name_files(job.files);
     typename OneJob::Report report = supervise(job, options.supervision(command, interrupts));
     interrupts.check();
+    if (second_file) {
+        second_file->complete();
+    }
     file.complete();
     return {named, std::move(report), file.seconds()};
 }

@@ -65,6 +65,7 @@ std::vector<Command> const& commands()
         {"normal", {"normal", "hill.tga", "-o", "o.tga", "--overwrite"}},
         {"height", {"height", "hill_n.tga", "-o", "o.tga", "--overwrite", "--height-range", "auto"}},
         {"curvature", {"curvature", "hill.tga", "-o", "o.tga", "--overwrite"}},
+        {"bent", {"bent", "hill.tga", "-o", "o.tga", "--occlusion", "a.tga", "--overwrite"}},
         {"relight", {"relight", "hill.tga", "-o", "o.tga", "--overwrite"}},
         {"convert", {"convert", "hill.tga", "-o", "o.png", "--overwrite"}},
         {"info", {"info", "hill.tga"}},

@@ -47,10 +47,15 @@ Attributes attributes_of_map(char const* maker, Settings const& settings)
 Attributes attributes_of_normals(char const* maker, NormalY green, SavedAs const& as)
 {
     Attributes attributes = begun(maker, "normals");
+    tell_normals(attributes, green, as);
+    return attributes;
+}
+
+void tell_normals(Attributes& attributes, NormalY green, SavedAs const& as)
+{
     set_value(attributes, "green", green == NormalY::kUp ? "up" : "down");
     set_value(attributes, "coding", coding_of_normals(as.depth));
     tell_rounding(attributes, as);
-    return attributes;
 }
 
 void tell_rounding(Attributes& attributes, SavedAs const& as)
@@ -85,6 +90,13 @@ Attributes attributes_of_curvature(char const* maker, Settings const& settings, 
     return attributes;
 }
 
+Attributes attributes_of_sky(char const* maker, char const* kind, Settings const& settings)
+{
+    Attributes attributes = begun(maker, kind);
+    add_settings(attributes, {"relief", "h-scale", "radius"}, settings);
+    return attributes;
+}
+
 Attributes attributes_of_light(char const* maker)
 {
     return begun(maker, "light");
@@ -109,11 +121,13 @@ std::optional<Modes> mode_of(Attributes const& attributes)
 std::string kind_beside_map(Attributes const& attributes)
 {
     std::string const kind = value_of(attributes, "kind");
-    return kind == "normals"     ? "a normal map"
-           : kind == "heights"   ? "a height map"
-           : kind == "curvature" ? "a curvature map"
-           : kind == "light"     ? "a picture in a light"
-                                 : "";
+    return kind == "normals"        ? "a normal map"
+           : kind == "heights"      ? "a height map"
+           : kind == "curvature"    ? "a curvature map"
+           : kind == "bent normals" ? "a map of bent normals"
+           : kind == "occlusion"    ? "an occlusion map"
+           : kind == "light"        ? "a picture in a light"
+                                    : "";
 }
 
 } // namespace umbrixlib::toolkit

@@ -21,8 +21,14 @@ Attributes attributes_of_heights(char const* maker);
 Attributes attributes_of_curvature(char const* maker, Settings const& settings, double radius,
                                    SavedAs const& as);
 
+/// Of what is made of horizons. @param kind "bent normals" or "occlusion".
+Attributes attributes_of_sky(char const* maker, char const* kind, Settings const& settings);
+
 /// Of a picture in a light.
 Attributes attributes_of_light(char const* maker);
+
+/// Tells in @p attributes of normals, bent or not, how their components are to be read.
+void tell_normals(Attributes& attributes, NormalY green, SavedAs const& as);
 
 /// Tells in @p attributes of normals how bytes were made of them.
 void tell_rounding(Attributes& attributes, SavedAs const& as);

@@ -15,6 +15,7 @@ inline constexpr char const* kBlendingHeights = "Blending Heights";
 inline constexpr char const* kFittingRelief = "Fitting Relief";
 inline constexpr char const* kMakingHeights = "Making Heights";
 inline constexpr char const* kMakingCurvature = "Making Curvature";
+inline constexpr char const* kFindingHorizons = "Finding Horizons";
 
 /// A call into the library, with the progress pair that it writes.
 using LibraryCall = std::function<bool(std::string* status, int* progress)>;

@@ -240,7 +240,7 @@ TEST_F(Sandbox, IsTheOneOfItsJob)
     toolkit::FolderJob walk_on_device;
     walk_on_device.graphics = device;
     for (Job const& job : {Job(toolkit::MapJob()), Job(toolkit::NormalJob()), Job(toolkit::HeightJob()),
-                           Job(toolkit::CurvatureJob()), Job(toolkit::RelightJob()),
+                           Job(toolkit::CurvatureJob()), Job(toolkit::BentJob()), Job(toolkit::RelightJob()),
                            Job(toolkit::ConvertJob()), Job(toolkit::InfoJob()), Job(toolkit::CheckJob()),
                            Job(toolkit::StackJob()), Job(toolkit::FitJob()), Job(toolkit::ListJob())}) {
         EXPECT_EQ(rights_of(job), Rights::kDecoding) << job.index();
