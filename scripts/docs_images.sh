@@ -38,6 +38,11 @@ umbrix curvature "$height" --gaussian 3 -o curvature_broad.png
 # command-bent.md
 umbrix bent "$height" -o bent_normals.png --occlusion bent_occlusion.png
 
+# command-horizon.md: two of the eight directions
+umbrix horizon "$height" -o "$work/early.png" --later "$work/late.png"
+umbrix convert "$work/early.png" --height-from r -o horizon_right.png
+umbrix convert "$work/early.png" --height-from b -o horizon_up.png
+
 # command-relight.md
 umbrix relight maps_map.png --turntable 8 --light 0,40 --cell 80 -o turntable.png
 

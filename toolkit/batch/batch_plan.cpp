@@ -30,14 +30,25 @@ bool ends_in(fs::path const& file, std::string const& suffix)
     return !suffix.empty() && lower_case(file.stem().string()).ends_with(lower_case(suffix));
 }
 
-bool is_output_of_a_run(fs::path const& file, std::string const& suffix)
+/// What is put after the name for output number @p part.
+std::string suffix_of(BatchChoice const& choice, int part)
 {
-    return ends_in(file, suffix) || ends_in(file, "_Umbrix");
+    return choice.parts == 1 ? choice.suffix : fmt::format("{}{}", choice.suffix, part + 1);
 }
 
-fs::path target_for(FoundFile const& found, BatchChoice const& choice)
+bool is_output_of_a_run(fs::path const& file, BatchChoice const& choice)
 {
-    fs::path const beside = default_output(found.file, choice.suffix);
+    for (int part = 0; part < choice.parts; ++part) {
+        if (ends_in(file, suffix_of(choice, part))) {
+            return true;
+        }
+    }
+    return ends_in(file, "_Umbrix");
+}
+
+fs::path target_for(FoundFile const& found, BatchChoice const& choice, int part)
+{
+    fs::path const beside = default_output(found.file, suffix_of(choice, part));
     return choice.keep_tree.empty() ? beside : choice.keep_tree / found.tree / beside.filename();
 }
 
@@ -136,7 +147,7 @@ BatchPlan plan_batch(BatchChoice const& choice)
         if (is_temporary_name(each.file)) {
             continue;
         }
-        if (!choice.include_outputs && is_output_of_a_run(each.file, choice.suffix)) {
+        if (!choice.include_outputs && is_output_of_a_run(each.file, choice)) {
             ++plan.outputs_left_out;
             continue;
         }
@@ -144,7 +155,11 @@ BatchPlan plan_batch(BatchChoice const& choice)
             plan.left_alone.push_back({each.file, std::string(ending->text)});
             continue;
         }
-        plan.files.push_back({each.file, target_for(each, choice)});
+        for (int part = 0; part < choice.parts; ++part) {
+            BatchFile file{each.file, target_for(each, choice, part)};
+            file.part = part;
+            plan.files.push_back(std::move(file));
+        }
     }
     if (plan.files.empty() && plan.failures.empty()) {
         throw nothing_found(choice, plan);

@@ -75,6 +75,8 @@ constexpr NameEnding kEndings[] = {
     {"_curvature", {}, {}},
     {"_cavity", {}, {}},
     {"_bent", {}, {}},
+    {"_horizon1", {}, {}},
+    {"_horizon2", {}, {}},
 };
 
 /// @p stem without a resolution at its end: "_2k".

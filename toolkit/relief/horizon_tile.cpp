@@ -137,6 +137,16 @@ void add_sky(float const* tangents, float x, float y, SkySums& sums)
     }
 }
 
+void make_sines(float* tangents)
+{
+    Values const one = hn::Set(kFloats, 1.0f);
+    for (std::size_t i = 0; i < HorizonTile::kTexels; i += kAtOnce) {
+        Values const tangent = hn::LoadU(kFloats, tangents + i);
+        Values const length = hn::Sqrt(hn::Add(one, hn::Mul(tangent, tangent)));
+        hn::StoreU(hn::Div(tangent, length), kFloats, tangents + i);
+    }
+}
+
 } // namespace
 } // namespace umbrixlib::toolkit::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -146,6 +156,7 @@ namespace umbrixlib::toolkit {
 
 HWY_EXPORT(find_horizons);
 HWY_EXPORT(add_sky);
+HWY_EXPORT(make_sines);
 
 void find_horizons(PaddedHeights const& heights, HorizonWalk const& walk, HorizonTile const& tile,
                    TileNumbers& tangents)
@@ -157,6 +168,11 @@ void add_sky(TileNumbers const& tangents, HorizonWalk const& walk, SkySums& sums
 {
     HWY_DYNAMIC_DISPATCH(add_sky)
     (tangents.data(), static_cast<float>(walk.x()), static_cast<float>(walk.y()), sums);
+}
+
+void make_sines(TileNumbers& tangents)
+{
+    HWY_DYNAMIC_DISPATCH(make_sines)(tangents.data());
 }
 
 } // namespace umbrixlib::toolkit

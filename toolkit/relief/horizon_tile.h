@@ -44,4 +44,7 @@ struct SkySums {
 /// full circle: c^2 of the sky is open, and the free directions add up to c^3 sideways and 1 - s^3 upwards.
 void add_sky(TileNumbers const& tangents, HorizonWalk const& walk, SkySums& sums);
 
+/// The sines of @p tangents.
+void make_sines(TileNumbers& tangents);
+
 } // namespace umbrixlib::toolkit

@@ -13,15 +13,17 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
+constexpr int kSides = 4; ///< Directions of a picture of horizons.
+
 int ceiling(double texels)
 {
     return static_cast<int>(std::ceil(texels));
 }
 
-std::vector<HorizonWalk> walks_around(int directions, double reach)
+std::vector<HorizonWalk> walks_around(int directions, int first, int count, double reach)
 {
     std::vector<HorizonWalk> walks;
-    for (int i = 0; i < directions; ++i) {
+    for (int i = first; i < first + count; ++i) {
         walks.emplace_back(i, directions, reach);
     }
     return walks;
@@ -82,7 +84,7 @@ struct SkyPlace {
 std::optional<SkyMap> sky_over(HeightPlane const& plane, double reach, int directions, RunControl* control)
 {
     PaddedHeights const heights(plane, ceiling(reach));
-    std::vector<HorizonWalk> const walks = walks_around(directions, reach);
+    std::vector<HorizonWalk> const walks = walks_around(directions, 0, directions, reach);
     auto const texels = static_cast<std::size_t>(plane.width) * static_cast<std::size_t>(plane.height);
     SkyMap made{std::vector<float3>(texels), std::vector<float>(texels)};
     auto const share = 1.0f / static_cast<float>(directions);
@@ -103,6 +105,26 @@ std::optional<SkyMap> sky_over(HeightPlane const& plane, double reach, int direc
         });
     });
     return done ? std::optional(std::move(made)) : std::nullopt;
+}
+
+std::optional<std::vector<float>> horizon_sines(HeightPlane const& plane, double reach, int first,
+                                                RunControl* control)
+{
+    PaddedHeights const heights(plane, ceiling(reach));
+    std::vector<HorizonWalk> const walks = walks_around(2 * kSides, first, kSides, reach);
+    std::vector<float> sines(kSides * static_cast<std::size_t>(plane.width) *
+                             static_cast<std::size_t>(plane.height));
+    bool const done =
+        for_tiles<TileNumbers>(plane, control, [&](HorizonTile const& tile, TileNumbers& tangents) {
+            for (std::size_t side = 0; side < kSides; ++side) {
+                find_horizons(heights, walks[side], tile, tangents);
+                make_sines(tangents);
+                for_texels(plane, tile, [&](std::size_t texel, std::size_t i) {
+                    sines[kSides * texel + side] = tangents[i];
+                });
+            }
+        });
+    return done ? std::optional(std::move(sines)) : std::nullopt;
 }
 
 } // namespace umbrixlib::toolkit

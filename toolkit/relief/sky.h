@@ -33,4 +33,11 @@ struct SkyMap {
 std::optional<SkyMap> sky_over(HeightPlane const& plane, double reach, int directions,
                                RunControl* control = nullptr);
 
+/// The sines of the horizon's elevation in four of eight directions that are evenly spread, from x to y, for
+/// each texel side by side. All places of these walks are texels.
+/// @param first Number of the first direction: 0, along x, or 4.
+/// @return Empty if the run was stopped.
+std::optional<std::vector<float>> horizon_sines(HeightPlane const& plane, double reach, int first,
+                                                RunControl* control = nullptr);
+
 } // namespace umbrixlib::toolkit

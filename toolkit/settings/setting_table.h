@@ -20,7 +20,7 @@ using SettingsField =
 /// asks for in its own words: what the input is, where green points in it, and how the result is saved.
 /// kForHeights: all that read heights, but for the jobs of a work list, whose fields are the library's.
 /// kForHeight: the one that makes heights of normals. kForBent: the one that makes bent normals and occlusion
-/// maps.
+/// maps. kForHorizon: that of horizon maps.
 enum SettingUser : unsigned {
     kForPresets = 0,
     kForMap = 1,
@@ -31,7 +31,8 @@ enum SettingUser : unsigned {
     kForHeight = 32,
     kForCurvature = 64,
     kForCheck = 128,
-    kForBent = 256
+    kForBent = 256,
+    kForHorizon = 512
 };
 
 inline constexpr unsigned kForAny = ~0U; ///< Any task.

@@ -30,6 +30,10 @@ NamedFiles files_of(Job const& job)
                        add(bent.files);
                        add_output(bent.occlusion);
                    },
+                   [&](HorizonJob const& horizon) {
+                       add(horizon.files);
+                       add_output(horizon.later);
+                   },
                    [&](ListJob const& list) {
                        add(list.files);
                        add_layers(list.layers, &n_layer::filename);

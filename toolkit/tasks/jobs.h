@@ -103,6 +103,18 @@ struct BentJob {
     bool operator==(BentJob const&) const = default;
 };
 
+/// The horizons of a height map in eight directions, four in each of two pictures.
+struct HorizonJob {
+    using Report = HorizonReport;
+
+    JobFiles files; ///< The output is that of the first four directions.
+    Output later;   ///< Of the other four. It may be left out.
+    Settings settings = kDefaults;
+    bool later_alone = false; ///< The files' output is that of the other four, and the only one.
+
+    bool operator==(HorizonJob const&) const = default;
+};
+
 /// A lit picture of an Umbrix map, or a contact sheet of several.
 struct RelightJob {
     using Report = RelightReport;
@@ -218,11 +230,12 @@ struct FolderJob {
 };
 
 /// A job of any task.
-using Job = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, BentJob, RelightJob, ConvertJob, InfoJob,
-                         CheckJob, StackJob, FitJob, DevicesJob, ListJob, FolderJob>;
+using Job = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, BentJob, HorizonJob, RelightJob,
+                         ConvertJob, InfoJob, CheckJob, StackJob, FitJob, DevicesJob, ListJob, FolderJob>;
 
 /// A job that makes one picture of another.
-using PictureJob = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, BentJob, RelightJob, ListJob>;
+using PictureJob =
+    std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, BentJob, HorizonJob, RelightJob, ListJob>;
 
 /// The files that a job opens by name. Those below the folder of a FolderJob are not among them.
 struct NamedFiles {

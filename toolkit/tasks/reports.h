@@ -92,6 +92,15 @@ struct BentReport {
     bool operator==(BentReport const&) const = default;
 };
 
+struct HorizonReport {
+    int width = 0;
+    int height = 0;
+    float h_scale = 0;                  ///< Of the relief, in image widths.
+    std::optional<HeightRange> heights; ///< As in MapReport.
+
+    bool operator==(HorizonReport const&) const = default;
+};
+
 struct RelightReport {
     int width = 0; ///< Of the picture or the contact sheet that was written.
     int height = 0;
@@ -196,8 +205,8 @@ struct FolderReport {
 };
 
 /// The report of a job of any task. In the order of Job.
-using Report = std::variant<MapReport, NormalReport, HeightReport, CurvatureReport, BentReport, RelightReport,
-                            ConvertReport, InfoReport, CheckReport, StackReport, FitReport, DevicesReport,
-                            ListReport, FolderReport>;
+using Report = std::variant<MapReport, NormalReport, HeightReport, CurvatureReport, BentReport, HorizonReport,
+                            RelightReport, ConvertReport, InfoReport, CheckReport, StackReport, FitReport,
+                            DevicesReport, ListReport, FolderReport>;
 
 } // namespace umbrixlib::toolkit

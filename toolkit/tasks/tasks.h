@@ -18,6 +18,7 @@ NormalReport run(NormalJob const& job, Observer& observer);
 HeightReport run(HeightJob const& job, Observer& observer);
 CurvatureReport run(CurvatureJob const& job, Observer& observer);
 BentReport run(BentJob const& job, Observer& observer);
+HorizonReport run(HorizonJob const& job, Observer& observer);
 RelightReport run(RelightJob const& job, Observer& observer);
 ConvertReport run(ConvertJob const& job, Observer& observer);
 InfoReport run(InfoJob const& job, Observer& observer);

@@ -54,6 +54,8 @@ UMBRIX_FIELDS(CurvatureJob, UMBRIX_FIELD(files), UMBRIX_FIELD(settings), UMBRIX_
               UMBRIX_FIELD(normal_y))
 UMBRIX_FIELDS(BentJob, UMBRIX_FIELD(files), UMBRIX_FIELD(occlusion), UMBRIX_FIELD(settings),
               UMBRIX_FIELD(normal_y), UMBRIX_FIELD(occlusion_alone))
+UMBRIX_FIELDS(HorizonJob, UMBRIX_FIELD(files), UMBRIX_FIELD(later), UMBRIX_FIELD(settings),
+              UMBRIX_FIELD(later_alone))
 UMBRIX_FIELDS(RelightJob, UMBRIX_FIELD(files), UMBRIX_FIELD(light), UMBRIX_FIELD(look),
               UMBRIX_FIELD(mode_is_given), UMBRIX_FIELD(force), UMBRIX_FIELD(directions), UMBRIX_FIELD(cell))
 UMBRIX_FIELDS(ConvertJob, UMBRIX_FIELD(files), UMBRIX_FIELD(channel), UMBRIX_FIELD(reading))
@@ -83,6 +85,8 @@ UMBRIX_FIELDS(CurvatureReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX
               UMBRIX_FIELD(n_scale), UMBRIX_FIELD(heights), UMBRIX_FIELD(radius))
 UMBRIX_FIELDS(BentReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(h_scale),
               UMBRIX_FIELD(heights), UMBRIX_FIELD(open))
+UMBRIX_FIELDS(HorizonReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(h_scale),
+              UMBRIX_FIELD(heights))
 UMBRIX_FIELDS(RelightReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height))
 UMBRIX_FIELDS(ConvertReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(from), UMBRIX_FIELD(to),
               UMBRIX_FIELD(heights))

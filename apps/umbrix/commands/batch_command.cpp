@@ -25,6 +25,7 @@ struct Product {
     Endings endings;    ///< Of the pictures that it is not made of.
     unsigned users;     ///< Sum of SettingUser.
     bool takes_kind;    ///< It can be made of height maps and of normal maps.
+    int parts = 1;      ///< Pictures that it consists of.
 };
 
 namespace {
@@ -42,6 +43,8 @@ constexpr Product kProducts[] = {
      kForBent | kForHeights, false},
     {"--ao", "Make occlusion maps of one channel from height maps", "_AO", "occlusion maps of one channel",
      Endings::kHeights, kForBent | kForHeights, false},
+    {"--horizon", "Make horizon maps from height maps, two pictures each", "_Horizon", "horizon maps",
+     Endings::kHeights, kForHorizon | kForHeights, false, 2},
 };
 
 bool makes(Product const* product, std::string_view option)
@@ -203,6 +206,7 @@ BatchChoice BatchCommand::choice() const
     choice.include_outputs = include_outputs_;
     choice.endings = product_->endings;
     choice.suffix = suffix_.value_or(product_->suffix);
+    choice.parts = product_->parts;
     choice.keep_tree = keep_tree_;
     choice.policy = common_.overwrite ? OutputPolicy::kReplace
                     : update_         ? OutputPolicy::kUpdate
@@ -229,6 +233,14 @@ std::function<PictureJob(BatchFile const& file)> BatchCommand::job_for() const
     if (occlusion_alone || makes(product_, "--bent")) {
         NormalY const green = normal_y_.value_or(settings_.normal_y);
         return always(BentJob{{}, {}, settings_, green, occlusion_alone});
+    }
+    if (makes(product_, "--horizon")) {
+        HorizonJob const job{{}, {}, settings_, false};
+        return [job](BatchFile const& file) {
+            HorizonJob part = job;
+            part.later_alone = file.part == 1;
+            return part;
+        };
     }
     MapJob const job{{}, settings_, kind, normal_y_, graphics_};
     return [job](BatchFile const& file) {

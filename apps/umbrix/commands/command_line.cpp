@@ -11,6 +11,7 @@
 #include "commands/preset_command.h"
 #include "commands/relief/bent_command.h"
 #include "commands/relief/curvature_command.h"
+#include "commands/relief/horizon_command.h"
 #include "commands/relight_command.h"
 #include "commands/stack_command.h"
 #include "commands/tell/check_command.h"
@@ -46,6 +47,8 @@ constexpr CommandRow kCommands[] = {
      make_command<CurvatureCommand>},
     {"bent", "Make bent normals, and the occlusion map of one channel, from a height map",
      make_command<BentCommand>},
+    {"horizon", "Make a horizon map from a height map: eight directions in two pictures",
+     make_command<HorizonCommand>},
     {"stack", "Blend layers into a normal map, a height map and an Umbrix map", make_command<StackCommand>},
     {"relight", "Show the texture of an Umbrix map in a light", make_command<RelightCommand>},
     {"convert", "Save a picture in another format or at another depth, and otherwise as it is",

@@ -23,7 +23,8 @@ void check_map_usage(Settings const& settings, std::string const& output)
         OutputFormat const* const format = output_format(output);
         if (format != nullptr && !format->alpha) {
             throw Failure(Fault::kNoAlphaInFormat, output,
-                          fmt::format("{} files hold no alpha", format->extension));
+                          fmt::format("{} files hold no alpha", format->extension),
+                          ", or leave --height-in-alpha out");
         }
     }
 }

@@ -35,7 +35,7 @@ constexpr Advice kAdvice[] = {
     {Fault::kSideTooLong, "cut it into parts"},
     {Fault::kUnknownFormat, "{}", kWrongUsage},
     {Fault::kOutputIsInput, "give another name", kWrongUsage},
-    {Fault::kNoAlphaInFormat, "give a name ending in .png, or leave --height-in-alpha out", kWrongUsage},
+    {Fault::kNoAlphaInFormat, "give a name ending in .png{}", kWrongUsage},
     {Fault::kDepthNotInFormat, "give --depth {}, or a name of another format"},
     {Fault::kSizeOutsideFormat, "give a name ending in .png"},
     {Fault::kHeightsOnly, "give a name ending in .png"},

@@ -66,6 +66,7 @@ std::vector<Command> const& commands()
         {"height", {"height", "hill_n.tga", "-o", "o.tga", "--overwrite", "--height-range", "auto"}},
         {"curvature", {"curvature", "hill.tga", "-o", "o.tga", "--overwrite"}},
         {"bent", {"bent", "hill.tga", "-o", "o.tga", "--occlusion", "a.tga", "--overwrite"}},
+        {"horizon", {"horizon", "hill.tga", "-o", "o.tga", "--later", "a.tga", "--overwrite"}},
         {"relight", {"relight", "hill.tga", "-o", "o.tga", "--overwrite"}},
         {"convert", {"convert", "hill.tga", "-o", "o.png", "--overwrite"}},
         {"info", {"info", "hill.tga"}},

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-/// Bent normals and open shares of the sky: closed forms, the walk as it is defined, many rays.
+/// Bent normals, open shares of the sky and horizons: closed forms, the walk as it is defined, many rays.
 #include "toolkit/relief/sky.h"
 
 #include "toolkit/relief/horizon_walk.h"
@@ -247,6 +247,58 @@ TEST(Sky, EqualsTheWalkOnRandomGround)
     }
 }
 
+/// Bit for bit: all places of these walks are texels.
+TEST(Horizons, EqualTheWalkOverTexels)
+{
+    constexpr int kStepsX[] = {1, 1, 0, -1, -1, -1, 0, 1};
+    constexpr int kStepsY[] = {0, 1, 1, 1, 0, -1, -1, -1};
+    constexpr double kReach = 30.0;
+    for (auto const [width, height] : {Size{1, 1}, {2, 3}, {63, 5}, {64, 16}, {65, 17}, {130, 35}}) {
+        for (Borders const& borders : kSkyBorders) {
+            for (double const most : {0.5, 30.0}) {
+                Ground const ground = random_ground(width, height, borders, most);
+                for (int const first : {0, 4}) {
+                    std::vector<float> const sines = *horizon_sines(ground.plane(), kReach, first);
+                    for (int y = 0; y < height; ++y) {
+                        for (int x = 0; x < width; ++x) {
+                            for (int side = 0; side < 4; ++side) {
+                                int const step_x = kStepsX[first + side];
+                                int const step_y = kStepsY[first + side];
+                                double const length = std::hypot(step_x, step_y);
+                                float tangent = 0.0f;
+                                for (int i = 1; i * length <= kReach; ++i) {
+                                    auto const there = ground.at(x + i * step_x, y + i * step_y);
+                                    auto const by =
+                                        static_cast<float>(1.0 / std::hypot(i * step_x, i * step_y));
+                                    tangent =
+                                        there ? std::max(tangent, (*there - *ground.at(x, y)) * by) : tangent;
+                                }
+                                float const sine = tangent / std::sqrt(1.0f + tangent * tangent);
+                                ASSERT_EQ(sines[4 * ground.place(x, y) + static_cast<std::size_t>(side)],
+                                          sine)
+                                    << width << ' ' << x << ' ' << y << ' ' << first + side;
+                            }
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(Horizons, OfAWallAreItsSine)
+{
+    Ground const ground = ground_of(32, 32, [](int x, int) { return x == 20 ? 3.0 : 0.0; });
+    std::vector<float> const sines = *horizon_sines(ground.plane(), 16.0, 0);
+    std::size_t const at = 4 * ground.place(16, 16);
+    EXPECT_NEAR(sines[at], 3.0 / 5.0, 1e-6);                       // 4 texels away
+    EXPECT_NEAR(sines[at + 1], 3.0 / std::sqrt(9.0 + 32.0), 1e-6); // along the diagonal
+    EXPECT_EQ(sines[at + 2], 0.0f);                                // alongside it
+    EXPECT_NEAR(sines[at + 3], 0.0, 1e-6);                         // 28 texels away: too far
+    std::vector<float> const others = *horizon_sines(ground.plane(), 28.0, 4);
+    EXPECT_NEAR(others[at], 3.0 / std::sqrt(9.0 + 28.0 * 28.0), 1e-6); // in the repetition
+}
+
 /// What is called exact is the sum over directions, not over rays: 10,000 of these, spread evenly over the
 /// weighted sky, walk over the same ground.
 TEST(Sky, IsNearTheMeanOfTenThousandRays)
@@ -317,6 +369,7 @@ TEST(Sky, TellsHowFarItIsAndStopsOnDemand)
     EXPECT_EQ(control.permille(), 1000);
     control.stop();
     EXPECT_FALSE(sky_over(ground.plane(), 9.0, 8, &control).has_value());
+    EXPECT_FALSE(horizon_sines(ground.plane(), 9.0, 0, &control).has_value());
 }
 
 TEST(Sky, IsOpenWhereNothingIsInReach)
