@@ -21,6 +21,14 @@ std::ptrdiff_t threads_of_process()
     return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
 }
 
+/// The team of a thread that has ended goes a moment later. Leaves the main thread and the calling one.
+void wait_for_teams_to_go()
+{
+    while (threads_of_process() > 2) {
+        std::this_thread::yield();
+    }
+}
+
 /// How many threads @p work leaves behind: OpenMP keeps a team for the thread that had one.
 template <typename Work>
 std::ptrdiff_t threads_woken_by(Work const& work)
@@ -28,6 +36,7 @@ std::ptrdiff_t threads_woken_by(Work const& work)
     std::ptrdiff_t woken = 0;
     std::thread([&] {
         omp_set_num_threads(3);
+        wait_for_teams_to_go();
         std::ptrdiff_t const before = threads_of_process();
         work();
         woken = threads_of_process() - before;

@@ -123,6 +123,14 @@ protected:
     Arguments const batch_{"batch", "in",       "--keep-tree", "out",    "--rays",
                            "4000",  "--relief", "1",           "--jobs", "1"};
 
+    /// Until work on it has begun, with a temporary beside the two outputs.
+    void wait_for_the_third() const
+    {
+        for (auto waited = 0ms; waited < 20s && contents(folder() / "out").size() < 3; waited += 1ms) {
+            std::this_thread::sleep_for(1ms);
+        }
+    }
+
     /// Kills the worker of @p tool, another one than @p before. Its number, or -1 if there is none for long.
     static pid_t kill_worker(RunningTool const& tool, pid_t before = -1)
     {
@@ -152,6 +160,7 @@ TEST_F(KilledWorker, ThatHasDoneOtherFilesCostsNone)
 
 TEST_F(KilledWorker, OfAFileDoneAnewCostsThatFile)
 {
+    put("in/c.tga", hill(1000));
     RunningTool tool(folder(), batch_, with_scratch());
     ASSERT_TRUE(tool.wait_for_result("done     in/b.tga"));
     pid_t const first = kill_worker(tool);
@@ -165,8 +174,10 @@ TEST_F(KilledWorker, OfAFileDoneAnewCostsThatFile)
 
 TEST_F(KilledWorker, GoesWithItsToolAtTheSecondInterrupt)
 {
+    put("in/c.tga", hill(1000));
     RunningTool tool(folder(), batch_, with_scratch());
     ASSERT_TRUE(tool.wait_for_result("done     in/b.tga"));
+    wait_for_the_third();
     tool.send(SIGTERM);
     ASSERT_TRUE(tool.wait_for_text("again"));
     std::vector<pid_t> const workers = tool.children();
