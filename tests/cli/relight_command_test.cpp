@@ -2,6 +2,8 @@
 /// `umbrix relight`, run as a user runs it.
 #include "tool.h"
 
+#include <set>
+
 namespace umbrixlib::test {
 namespace {
 
@@ -44,21 +46,96 @@ TEST_F(RelightCommand, WeighsTheChannelsByTheirDirections)
     EXPECT_EQ(lit("map.tga", "120,10", 1, 1), 0);
 }
 
-TEST_F(RelightCommand, KeepsTheDepthThatIsAskedFor)
+TEST_F(RelightCommand, KeepsTheDepthOfTheMap)
 {
     write("hill.tga", hill(32));
     ASSERT_EQ(run({"map", "hill.tga", "-o", "map.exr", "--rays", "16"}).code, 0);
-    ASSERT_EQ(run({"relight", "map.exr", "-o", "lit.png"}).code, 0);
-    ASSERT_EQ(run({"relight", "map.exr", "-o", "deep.png", "--depth", "16"}).code, 0);
+    ASSERT_EQ(run({"relight", "map.exr", "-o", "lit.png", "--depth", "8"}).code, 0);
+    ASSERT_EQ(run({"relight", "map.exr", "-o", "deep.png"}).code, 0);
+    ASSERT_EQ(run({"relight", "map.exr", "-o", "half.exr"}).code, 0);
     ASSERT_EQ(run({"relight", "map.exr", "-o", "float.exr", "--depth", "float"}).code, 0);
     ASSERT_EQ(run({"relight", "map.exr", "-o", "sheet.png", "--depth", "16", "--turntable", "4"}).code, 0);
     EXPECT_EQ(run({"info", "deep.png"}).out.find("deep.png: 32 x 32, PNG, 16-bit grey\n"), 0U);
+    EXPECT_EQ(run({"info", "half.exr"}).out.find("half.exr: 32 x 32, OpenEXR, half-float grey\n"), 0U);
     EXPECT_EQ(run({"info", "float.exr"}).out.find("float.exr: 32 x 32, OpenEXR, float grey\n"), 0U);
     EXPECT_EQ(run({"info", "sheet.png"}).out.find("sheet.png: 64 x 64, PNG, 16-bit grey\n"), 0U);
     // Both round to the nearest, so the nearest byte of the deep one is that of the other.
     ASSERT_EQ(run({"convert", "deep.png", "-o", "narrow.tga", "--depth", "8", "--round", "nearest"}).code, 0);
     ASSERT_EQ(run({"convert", "lit.png", "-o", "lit.tga", "--height-from", "r"}).code, 0);
     EXPECT_EQ(read("narrow.tga"), read("lit.tga"));
+}
+
+TEST_F(RelightCommand, WeighsByTheRuleThatIsNamed)
+{
+    write("hill.tga", hill(32));
+    ASSERT_EQ(run({"map", "hill.tga", "-o", "map.tga"}).code, 0);
+    std::set<Bytes> results;
+    for (char const* rule : {"fitted", "exact", "clamped"}) {
+        ASSERT_EQ(
+            run({"relight", "map.tga", "-o", "lit.tga", "--overwrite", "--light", "0,30", "--weights", rule})
+                .code,
+            0);
+        results.insert(tga("lit.tga").pixels);
+    }
+    EXPECT_EQ(results.size(), 3U);
+    ASSERT_EQ(run({"relight", "map.tga", "-o", "lit.tga", "--overwrite"}).code, 0);
+    Bytes const by_itself = tga("lit.tga").pixels;
+    ASSERT_EQ(run({"relight", "map.tga", "-o", "lit.tga", "--overwrite", "--weights", "fitted"}).code, 0);
+    EXPECT_EQ(tga("lit.tga").pixels, by_itself);
+    Outcome const wrong = run({"relight", "map.tga", "--weights", "best"});
+    EXPECT_EQ(wrong.code, 2);
+    EXPECT_NE(wrong.err.find("--weights: 'best' is none of fitted, exact and clamped"), std::string::npos)
+        << wrong.err;
+}
+
+TEST_F(RelightCommand, BrightensByLightFromAllAround)
+{
+    write("flat.tga", height_map(4, 4, [](int, int) { return 147; }));
+    ASSERT_EQ(run({"relight", "flat.tga", "-o", "lit.tga", "--exposure", "0.5", "--ambient", "0.25"}).code,
+              0);
+    EXPECT_NEAR(tga("lit.tga").at(1, 1, 0), 191, 1);
+}
+
+TEST_F(RelightCommand, ColoursTheSurface)
+{
+    write("flat.tga", height_map(2, 1, [](int, int) { return 147; }));
+    write("albedo.tga", tga_bytes(2, 1, 3, {0, 128, 255, 255, 255, 255})); // blue, green, red
+    ASSERT_EQ(run({"relight", "flat.tga", "--albedo", "albedo.tga", "-o", "lit.tga", "--exposure", "1"}).code,
+              0);
+    TgaPicture const lit = tga("lit.tga");
+    EXPECT_EQ(lit.at(0, 0, 2), 0);
+    EXPECT_NEAR(lit.at(0, 0, 1), 128, 1);
+    EXPECT_NEAR(lit.at(0, 0, 0), 255, 1);
+    ASSERT_EQ(
+        run({"relight", "flat.tga", "--albedo", "albedo.tga", "-o", "dim.tga", "--exposure", "0.5"}).code, 0);
+    EXPECT_NEAR(tga("dim.tga").at(1, 0, 0), 188, 1); // half of the light of white, in sRGB
+    ASSERT_EQ(
+        run({"relight", "flat.tga", "--albedo", "albedo.tga", "-o", "sheet.tga", "--turntable", "4"}).code,
+        0);
+    EXPECT_EQ(tga("sheet.tga").at(0, 0, 2), 0);
+}
+
+TEST_F(RelightCommand, RefusesAnAlbedoThatDoesNotFit)
+{
+    write("flat.tga", height_map(4, 4, [](int, int) { return 147; }));
+    write("small.tga", height_map(2, 4, [](int, int) { return 147; }));
+    Outcome const sizes = run({"relight", "flat.tga", "--albedo", "small.tga", "-o", "lit.tga"});
+    EXPECT_EQ(sizes.code, 1);
+    EXPECT_NE(
+        sizes.err.find("small.tga: its size is 2 x 4 and that of the map 4 x 4; bring both to the same size"),
+        std::string::npos)
+        << sizes.err;
+    Outcome const none = run({"relight", "flat.tga", "--albedo", "none.tga", "-o", "lit.tga"});
+    EXPECT_EQ(none.code, 1);
+    EXPECT_TRUE(complains_about(none, "umbrix relight", "none.tga")) << none.err;
+    Bytes const albedo = read("small.tga");
+    Outcome const lost =
+        run({"relight", "flat.tga", "--albedo", "small.tga", "-o", "small.tga", "--overwrite"});
+    EXPECT_EQ(lost.code, 2);
+    EXPECT_NE(lost.err.find("small.tga: it is the albedo, which would be lost; give another name"),
+              std::string::npos)
+        << lost.err;
+    EXPECT_EQ(read("small.tga"), albedo);
 }
 
 TEST_F(RelightCommand, WritesAContactSheet)

@@ -32,6 +32,12 @@ constexpr double full_scale(SampleType type)
     return type == SampleType::kUint8 ? 255.0 : type == SampleType::kUint16 ? 65535.0 : 1.0;
 }
 
+/// Whether samples are whole numbers, which stand for 0 to 1 and are all finite.
+constexpr bool is_whole(SampleType type)
+{
+    return type == SampleType::kUint8 || type == SampleType::kUint16;
+}
+
 /// A picture in memory. The first row is the bottom one, as in the library.
 struct Picture {
     int width = 0;

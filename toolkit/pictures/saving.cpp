@@ -92,6 +92,13 @@ SavedAs saved_as(Saving const& saving, OutputFormat const& format, PictureKind k
     return {depth, saving.rounding, saving.dither};
 }
 
+SavedAs saved_as_deep(SampleType source, Saving saving, OutputFormat const& format, PictureKind kind,
+                      std::string const& name)
+{
+    saving.depth = saving.depth.value_or(nearest_depth(format, source));
+    return saved_as(saving, format, kind, name);
+}
+
 Picture in_samples(Picture const& floats, SavedAs const& as)
 {
     if (as.depth == SampleType::kFloat) {

@@ -45,6 +45,11 @@ struct SavedAs {
 /// such samples, or no place for the kind.
 SavedAs saved_as(Saving const& saving, OutputFormat const& format, PictureKind kind, std::string const& name);
 
+/// The same for a picture made of one with samples of type @p source: as deep, where the format is, unless
+/// another depth is asked for.
+SavedAs saved_as_deep(SampleType source, Saving saving, OutputFormat const& format, PictureKind kind,
+                      std::string const& name);
+
 /// @p floats, the picture of a known kind, in the samples that are saved. Whole numbers stand for 0 to 1, of
 /// normals for -1 to 1; what lies outside is cut, and NaN is 0. Other floats are as they are.
 Picture in_samples(Picture const& floats, SavedAs const& as);

@@ -15,13 +15,6 @@ namespace {
 
 constexpr char const* kCoding = "coding";
 
-SavedAs saved_as_the_source(Output const& output, OutputFormat const& format, SampleType source)
-{
-    Saving saving = output.saving;
-    saving.depth = saving.depth.value_or(nearest_depth(format, source));
-    return saved_as(saving, format, PictureKind::kUnknown, output.name);
-}
-
 /// Whether the colours are vectors: as the picture tells, or else by what they look like.
 bool are_vectors(Picture const& picture, std::string const& name)
 {
@@ -62,7 +55,8 @@ ConvertReport run(ConvertJob const& job, Observer& observer)
     OutputFormat const& format = *output_format(files.output.file);
     check_size(format, files.output.name, image.width(), image.height());
     Picture picture = image.release_picture();
-    SavedAs const as = saved_as_the_source(files.output, format, picture.type);
+    SavedAs const as =
+        saved_as_deep(picture.type, files.output.saving, format, PictureKind::kUnknown, files.output.name);
 
     observer.begin(Phase::kMaking, name);
     if (job.channel) {

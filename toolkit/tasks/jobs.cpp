@@ -34,6 +34,12 @@ NamedFiles files_of(Job const& job)
                        add(horizon.files);
                        add_output(horizon.later);
                    },
+                   [&](RelightJob const& relight) {
+                       add(relight.files);
+                       if (!relight.albedo.empty()) {
+                           files.inputs.push_back(relight.albedo);
+                       }
+                   },
                    [&](ListJob const& list) {
                        add(list.files);
                        add_layers(list.layers, &n_layer::filename);
@@ -75,6 +81,9 @@ Pictures pictures_of(Job const& job)
         Overloaded{
             [](auto const& each) {
                 return Pictures{1, each.files.max_texels};
+            },
+            [](RelightJob const& relight) {
+                return Pictures{relight.albedo.empty() ? 1.0 : 2.0, relight.files.max_texels};
             },
             [](ListJob const& list) {
                 return Pictures{1 + static_cast<double>(list.layers.size()), list.files.max_texels};

@@ -122,6 +122,7 @@ struct RelightJob {
     JobFiles files;
     Light light{};
     Relighting look{};
+    std::string albedo;         ///< Colours of the surface; "": none.
     bool mode_is_given = false; ///< Else the mode that the map itself tells is taken, if it tells one.
     bool force = false;         ///< Take a picture that tells that it is no map, too.
     int directions = 0;         ///< Of a contact sheet; 0: one picture.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/base/failure.h"
 #include "toolkit/pictures/encode.h"
+#include "toolkit/pictures/srgb.h"
 #include "toolkit/settings/setting_table.h"
 #include "toolkit/tasks/methods/relight.h"
 #include "toolkit/tasks/methods/self_description.h"
@@ -8,6 +9,7 @@
 #include "toolkit/tasks/tasks.h"
 
 #include <fmt/format.h>
+#include <utility>
 
 namespace umbrixlib::toolkit {
 
@@ -36,20 +38,44 @@ Relighting look_of(RelightJob const& job, Attributes const& attributes, Observer
     return look;
 }
 
+/// The colours of the surface, if there are any.
+Picture albedo_for(RelightJob const& job, PreparedInput const& map, Observer& observer)
+{
+    if (job.albedo.empty()) {
+        return {};
+    }
+    DecodedImage image = decode_input({job.albedo, job.albedo, job.files.max_texels}, observer);
+    if (image.width() != map.width || image.height() != map.height) {
+        throw Failure(Fault::kSizesDiffer, job.albedo,
+                      fmt::format("its size is {} x {} and that of the map {} x {}", image.width(),
+                                  image.height(), map.width, map.height));
+    }
+    return linear_colours(image.release_picture());
+}
+
+Picture picture_of(RelightJob const& job, LitSurface const& surface, Relighting const& look,
+                   SavedAs const& as)
+{
+    return job.directions == 0
+               ? relit(surface, job.light, look, as)
+               : contact_sheet(turned(surface, job.light, look, job.directions, job.cell, as));
+}
+
 } // namespace
 
 RelightReport run(RelightJob const& job, Observer& observer)
 {
     JobFiles const& files = job.files;
-    PreparedInput const input = prepare_input({files.input, files.input, files.max_texels}, observer);
+    PreparedInput input = prepare_input({files.input, files.input, files.max_texels}, observer);
     OutputFormat const& format = *output_format(files.output.file);
     check_kind(job, input.picture.attributes);
     Relighting const look = look_of(job, input.picture.attributes, observer);
-    SavedAs const as = saved_as(files.output.saving, format, PictureKind::kLight, files.output.name);
+    SavedAs const as =
+        saved_as_deep(input.type, files.output.saving, format, PictureKind::kLight, files.output.name);
+    LitSurface surface{{}, albedo_for(job, input, observer)};
+    surface.map = std::move(input.picture);
     observer.begin(Phase::kMaking, files.input);
-    Picture lit = job.directions == 0
-                      ? relit(input.picture, job.light, look, as)
-                      : turntable(input.picture, job.light, look, job.directions, job.cell, as);
+    Picture lit = picture_of(job, surface, look, as);
     lit.attributes = attributes_of_light("relight");
     write_picture(files.output.file, format, files.output.name, lit, files.output.saving.compression,
                   observer);

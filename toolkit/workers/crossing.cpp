@@ -34,7 +34,8 @@ UMBRIX_FIELDS(Output, UMBRIX_FIELD(file), UMBRIX_FIELD(name), UMBRIX_FIELD(savin
 UMBRIX_FIELDS(JobFiles, UMBRIX_FIELD(input), UMBRIX_FIELD(output), UMBRIX_FIELD(max_texels))
 UMBRIX_FIELDS(Graphics, UMBRIX_FIELD(device), UMBRIX_FIELD(match_cpu))
 UMBRIX_FIELDS(Light, UMBRIX_FIELD(azimuth_degrees), UMBRIX_FIELD(elevation_degrees))
-UMBRIX_FIELDS(Relighting, UMBRIX_FIELD(mode), UMBRIX_FIELD(exposure))
+UMBRIX_FIELDS(Relighting, UMBRIX_FIELD(mode), UMBRIX_FIELD(exposure), UMBRIX_FIELD(weights),
+              UMBRIX_FIELD(ambient))
 UMBRIX_FIELDS(StackLayer, UMBRIX_FIELD(label), UMBRIX_FIELD(file), UMBRIX_FIELD(is_normal_map),
               UMBRIX_FIELD(blend), UMBRIX_FIELD(opacity), UMBRIX_FIELD(n_scale), UMBRIX_FIELD(detail),
               UMBRIX_FIELD(gaussian), UMBRIX_FIELD(depth), UMBRIX_FIELD(edge_a), UMBRIX_FIELD(edge_b))
@@ -56,7 +57,7 @@ UMBRIX_FIELDS(BentJob, UMBRIX_FIELD(files), UMBRIX_FIELD(occlusion), UMBRIX_FIEL
               UMBRIX_FIELD(normal_y), UMBRIX_FIELD(occlusion_alone))
 UMBRIX_FIELDS(HorizonJob, UMBRIX_FIELD(files), UMBRIX_FIELD(later), UMBRIX_FIELD(settings),
               UMBRIX_FIELD(later_alone))
-UMBRIX_FIELDS(RelightJob, UMBRIX_FIELD(files), UMBRIX_FIELD(light), UMBRIX_FIELD(look),
+UMBRIX_FIELDS(RelightJob, UMBRIX_FIELD(files), UMBRIX_FIELD(light), UMBRIX_FIELD(look), UMBRIX_FIELD(albedo),
               UMBRIX_FIELD(mode_is_given), UMBRIX_FIELD(force), UMBRIX_FIELD(directions), UMBRIX_FIELD(cell))
 UMBRIX_FIELDS(ConvertJob, UMBRIX_FIELD(files), UMBRIX_FIELD(channel), UMBRIX_FIELD(reading))
 UMBRIX_FIELDS(InfoJob, UMBRIX_FIELD(input), UMBRIX_FIELD(max_texels), UMBRIX_FIELD(range))

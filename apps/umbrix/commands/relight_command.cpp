@@ -4,15 +4,33 @@
 #include "options/saving_options.h"
 #include "options/setting_options.h"
 #include "terminal/say.h"
+#include "toolkit/files/preflight.h"
 
 #include <CLI/Error.hpp>
+#include <algorithm>
 #include <fmt/format.h>
+#include <iterator>
+#include <utility>
 
 namespace umbrix_cli {
 
 namespace {
 
 constexpr char const* kLight = "Light";
+
+constexpr std::pair<char const*, WeightRule> kRules[] = {
+    {"fitted", WeightRule::kFitted}, {"exact", WeightRule::kExact}, {"clamped", WeightRule::kClamped}};
+
+WeightRule parse_rule(std::string const& text)
+{
+    auto const* const rule =
+        std::ranges::find_if(kRules, [&](auto const& each) { return text == each.first; });
+    if (rule == std::end(kRules)) {
+        throw CLI::ValidationError("--weights",
+                                   fmt::format("'{}' is none of fitted, exact and clamped", text));
+    }
+    return rule->second;
+}
 
 template <typename Number>
 void add_number(CLI::App& command, char const* option, char const* value_name, Number& value, double minimum,
@@ -61,6 +79,25 @@ void RelightCommand::declare(CLI::App& command)
     add_number(command, "--exposure", "X", exposure_, 0.01, 10,
                "Brightness of flat ground that nothing hides; slopes that face the light are brighter "
                "[0.01 to 10; default 0.7]");
+    add_number(command, "--ambient", "X", ambient_, 0, 10,
+               "What light from all around adds to that brightness [0 to 10; default 0]");
+    command
+        .add_option("--albedo", albedo_,
+                    "Colours of the surface in the size of the map: sRGB, or linear floats. The result is "
+                    "coloured, and coded in the same way")
+        ->type_name("FILE")
+        ->group(kFilesGroup);
+    std::function<void(std::string const&)> const parse_weights = [this](std::string const& text) {
+        weights_ = parse_rule(text);
+    };
+    command
+        .add_option_function<std::string>(
+            "--weights", parse_weights,
+            "How the channels count: nearest to shadows that were traced, so that open slopes have the light "
+            "of Lambert's law, or those that face away from the light not at all [fitted, exact, clamped; "
+            "default fitted]")
+        ->type_name("RULE")
+        ->group(kLight);
     command.add_flag("--force", force_, "Take a picture that tells that it is no Umbrix map, too")
         ->group(kLight);
     declare_options(command, settings_, kForRelight);
@@ -72,13 +109,18 @@ void RelightCommand::run(Interrupts const& interrupts)
     common_.saving = with_depth(common_.saving, settings_.save_depth);
     RelightJob job;
     job.light = {azimuth_degrees_, elevation_degrees_};
-    job.look = {settings_.mode, exposure_};
+    job.look = {settings_.mode, exposure_, weights_, ambient_};
+    job.albedo = albedo_;
     job.mode_is_given = command_->count("--mode") > 0 || command_->count("--preset") > 0;
     job.force = force_;
     job.directions = directions_;
     job.cell = cell_;
-    Made<RelightJob> const made = make_picture_file("umbrix relight", common_, job,
-                                                    directions_ == 0 ? "_Relit" : "_Turntable", interrupts);
+    char const* const suffix = directions_ == 0 ? "_Relit" : "_Turntable";
+    if (!albedo_.empty()) {
+        check_input(albedo_);
+        check_that_is_kept(prepare_output(common_, suffix), albedo_, "the albedo");
+    }
+    Made<RelightJob> const made = make_picture_file("umbrix relight", common_, job, suffix, interrupts);
     std::string const light = directions_ == 0
                                   ? fmt::format("azimuth {}", azimuth_degrees_)
                                   : fmt::format("{} azimuths from {}", directions_, azimuth_degrees_);

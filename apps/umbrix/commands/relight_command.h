@@ -6,6 +6,8 @@
 #include "toolkit/settings/defaults.h"
 #include "toolkit_names.h"
 
+#include <string>
+
 namespace umbrix_cli {
 
 /// `umbrix relight`: shows what a map is for, a lit picture of the texture for any direction of the light.
@@ -20,6 +22,9 @@ private:
     double azimuth_degrees_ = 135;
     double elevation_degrees_ = 45;
     double exposure_ = 0.7;
+    double ambient_ = 0;
+    WeightRule weights_ = WeightRule::kFitted;
+    std::string albedo_;
     int directions_ = 0;
     int cell_ = 256;
     bool force_ = false;

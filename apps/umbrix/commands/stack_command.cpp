@@ -28,12 +28,8 @@ constexpr char const* kStack = "Stack";
 
 void check_that_no_layer_is_lost(fs::path const& output, StackDescription const& description)
 {
-    std::error_code error;
     for (StackLayer const& layer : description.layers) {
-        if (fs::equivalent(output, layer.file, error)) {
-            throw UsageError(output.string(), "it is the picture of a layer, which would be lost",
-                             "give another name");
-        }
+        check_that_is_kept(output, layer.file, "the picture of a layer");
     }
 }
 

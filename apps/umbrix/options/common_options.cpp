@@ -110,6 +110,16 @@ std::filesystem::path prepare_output(CommonOptions const& options, std::string c
     return named;
 }
 
+void check_that_is_kept(std::filesystem::path const& output, std::filesystem::path const& input,
+                        std::string const& what)
+{
+    std::error_code error;
+    if (std::filesystem::equivalent(output, input, error)) {
+        throw UsageError(output.string(), fmt::format("it is {}, which would be lost", what),
+                         "give another name");
+    }
+}
+
 void check_that_outputs_differ(std::filesystem::path const& one, std::filesystem::path const& other)
 {
     auto const key = [](std::filesystem::path const& file) {

@@ -65,6 +65,10 @@ struct Made {
 /// The output that is named, or the default; what killed runs left beside it is removed.
 std::filesystem::path prepare_output(CommonOptions const& options, std::string const& suffix);
 
+/// Throws a UsageError if @p output is the file @p input, which is @p what: "the picture of a layer".
+void check_that_is_kept(std::filesystem::path const& output, std::filesystem::path const& input,
+                        std::string const& what);
+
 /// Throws a UsageError if both names are of one file.
 void check_that_outputs_differ(std::filesystem::path const& one, std::filesystem::path const& other);
 

@@ -10,12 +10,6 @@
 
 namespace umbrixlib::toolkit {
 
-/// Whether samples are whole numbers, which stand for 0 to 1 and are all finite.
-constexpr bool is_whole(SampleType type)
-{
-    return type == SampleType::kUint8 || type == SampleType::kUint16;
-}
-
 /// Brings the heights of a height map, whose colours they are, or of a normal map, whose alpha they are, to
 /// 0..1 in place. Pictures that need nothing stay as they are; whole numbers stay whole unless a range or
 /// luma is asked for. An alpha that holds no heights stays.

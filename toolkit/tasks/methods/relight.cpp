@@ -1,104 +1,103 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/tasks/methods/relight.h"
 
+#include "toolkit/base/all_threads.h"
+#include "toolkit/pictures/srgb.h"
+
 #include <algorithm>
 #include <cmath>
-#include <type_traits>
+#include <iterator>
 
 namespace umbrixlib::toolkit {
 
 namespace {
 
-using Vector = std::array<double, 3>;
-
-constexpr double kRadians = 3.14159265358979323846 / 180.0;
-
-// The basis vectors of an Umbrix map in the order of its channels. The first is longer than 1.
-Vector const kBasis[] = {
-    {std::sqrt(3.0 / 2.0), 0.0, std::sqrt(1.0 / 3.0)},
-    {-std::sqrt(1.0 / 6.0), -std::sqrt(1.0 / 2.0), std::sqrt(1.0 / 3.0)},
-    {-std::sqrt(1.0 / 6.0), std::sqrt(1.0 / 2.0), std::sqrt(1.0 / 3.0)},
-};
-
-/// What flat ground has in a channel whose basis vector has this length.
-double flat_value(Modes mode, double length)
+/// Calls @p body with the number of each row, on all threads.
+template <typename Body>
+void for_rows(Picture const& picture, Body const& body)
 {
-    double const projection = std::sqrt(1.0 / 3.0);
-    switch (mode) {
-    case Modes_UnitBasis:
-        return projection / length;
-    case Modes_FlatIsFull:
-        return 1.0;
-    case Modes_Squared:
-        return projection / length * (projection / length);
-    default:
-        return projection;
-    }
-}
-
-Vector direction_of(Light light)
-{
-    double const azimuth = light.azimuth_degrees * kRadians;
-    double const elevation = light.elevation_degrees * kRadians;
-    return {std::cos(azimuth) * std::cos(elevation), std::sin(azimuth) * std::cos(elevation),
-            std::sin(elevation)};
-}
-
-/// Writes means of squares of @p factor by @p factor texels of @p source, whole ones rounded to the nearest,
-/// into @p result. Both have samples of this type.
-template <typename Sample>
-void reduce(Picture const& source, int factor, Picture& result)
-{
-    constexpr bool kIsWhole = std::is_integral_v<Sample>;
-    using Sum = std::conditional_t<kIsWhole, std::size_t, double>;
-    auto const step = static_cast<std::size_t>(factor);
-    auto const row = static_cast<std::size_t>(source.width);
-    auto const channels = static_cast<std::size_t>(source.channels);
-    auto const from = source.samples<Sample>();
-    auto const to = result.samples<Sample>();
-    for (std::size_t i = 0; i < result.texels(); ++i) {
-        std::size_t const x = i % static_cast<std::size_t>(result.width) * step;
-        std::size_t const y = i / static_cast<std::size_t>(result.width) * step;
-        for (std::size_t c = 0; c < channels; ++c) {
-            Sum sum = kIsWhole ? static_cast<Sum>(step * step / 2) : Sum{0};
-            for (std::size_t dy = 0; dy < step; ++dy) {
-                for (std::size_t dx = 0; dx < step; ++dx) {
-                    sum += static_cast<Sum>(from[((y + dy) * row + x + dx) * channels + c]);
-                }
-            }
-            to[i * channels + c] = static_cast<Sample>(sum / static_cast<Sum>(step * step));
+    auto const rows = static_cast<std::size_t>(picture.height);
+    on_all_threads(rows, [&](auto const& next) {
+        for (std::size_t y = next(); y < rows; y = next()) {
+            body(y);
         }
-    }
+    });
 }
 
-/// @p source reduced to means of squares of @p factor by @p factor texels.
+/// @p source, of floats, reduced to means of squares of @p factor by @p factor texels.
 Picture reduced(Picture const& source, int factor)
 {
-    Picture const floats = source.type == SampleType::kHalf ? in_floats(source) : Picture{};
-    Picture const& from = floats.bytes.empty() ? source : floats;
-    Picture result = make_picture(from.width / factor, from.height / factor, from.channels, from.type);
-    with_samples(from, [&]<typename Sample>(std::span<Sample const>) {
-        if constexpr (!std::is_same_v<Sample, Half>) {
-            reduce<Sample>(from, factor, result);
+    Picture result =
+        make_picture(source.width / factor, source.height / factor, source.channels, SampleType::kFloat);
+    auto const step = static_cast<std::size_t>(factor);
+    auto const stride = static_cast<std::size_t>(source.width);
+    auto const columns = static_cast<std::size_t>(result.width);
+    auto const channels = static_cast<std::size_t>(source.channels);
+    auto const from = source.samples<float>();
+    auto const to = result.samples<float>();
+    for_rows(result, [&](std::size_t y) {
+        for (std::size_t i = 0; i < columns * channels; ++i) {
+            std::size_t const x = i / channels * step;
+            double sum = 0.0;
+            for (std::size_t dy = 0; dy < step; ++dy) {
+                for (std::size_t dx = 0; dx < step; ++dx) {
+                    sum += static_cast<double>(
+                        from[((y * step + dy) * stride + x + dx) * channels + i % channels]);
+                }
+            }
+            to[y * columns * channels + i] = static_cast<float>(sum / static_cast<double>(step * step));
         }
     });
     return result;
 }
 
-/// Calls @p body with the number of each texel and its light, in which @p one stands for 1.
-template <typename Body>
-void for_each_lit(Picture const& map, std::array<double, 3> const& weights, double one, Body&& body)
+/// The light of each texel, in one channel of floats.
+Picture light_on(Picture const& map, Light light, Relighting const& look)
 {
-    double const scale = one / full_scale(map.type);
+    double const one = full_scale(map.type);
+    ChannelWeights const weights = channel_weights(light, look);
+    double const ambient = ambient_weights(look)[0];
+    Picture lit = make_picture(map.width, map.height, 1, SampleType::kFloat);
+    lit.kind = PictureKind::kLight;
+    auto const to = lit.samples<float>();
+    auto const columns = static_cast<std::size_t>(map.width);
+    auto const channels = static_cast<std::size_t>(map.channels);
     with_samples(map, [&](auto samples) {
-        auto const channels = static_cast<std::size_t>(map.channels);
-        for (std::size_t i = 0; i < map.texels(); ++i) {
-            auto const* const from = &samples[i * channels];
-            double const lit = weights[0] * to_number(from[0]) + weights[1] * to_number(from[1]) +
-                               weights[2] * to_number(from[2]);
-            body(i, lit * scale);
-        }
+        for_rows(map, [&](std::size_t y) {
+            for (std::size_t i = y * columns; i < (y + 1) * columns; ++i) {
+                auto const* const texel = &samples[i * channels];
+                double const red = to_number(texel[0]);
+                double const green = to_number(texel[1]);
+                double const blue = to_number(texel[2]);
+                double const direct = weights[0] * red + weights[1] * green + weights[2] * blue;
+                double const all = (direct > 0.0 ? direct : 0.0) + ambient * (red + green + blue);
+                to[i] = all > 0.0 ? static_cast<float>(all / one) : 0.0f;
+            }
+        });
     });
+    return lit;
+}
+
+/// @p albedo in that light.
+Picture colours_in(Picture const& lit, Picture const& albedo)
+{
+    Picture colours = make_alike(lit, 3, SampleType::kFloat);
+    auto const light = lit.samples<float>();
+    std::ranges::transform(albedo.samples<float>(), colours.samples<float>().begin(),
+                           [&, i = std::size_t{0}](float each) mutable { return each * light[i++ / 3]; });
+    return colours;
+}
+
+/// About as many columns as rows; one more where that leaves no cell of the sheet empty.
+int columns_of(int pictures)
+{
+    int const square = static_cast<int>(std::ceil(std::sqrt(pictures)));
+    for (int columns = square; columns <= square + 1; ++columns) {
+        if (pictures % columns == 0) {
+            return columns;
+        }
+    }
+    return square;
 }
 
 /// Copies @p piece into @p sheet with its bottom left corner there.
@@ -114,72 +113,49 @@ void place(Picture const& piece, Picture& sheet, int left, int bottom)
     }
 }
 
-/// About as many columns as rows; one more where that leaves no cell of the sheet empty.
-int columns_of(int directions)
-{
-    int const square = static_cast<int>(std::ceil(std::sqrt(directions)));
-    for (int columns = square; columns <= square + 1; ++columns) {
-        if (directions % columns == 0) {
-            return columns;
-        }
-    }
-    return square;
-}
-
 } // namespace
 
-std::array<double, 3> channel_weights(Light light, Relighting const& look)
+Picture relit(LitSurface const& surface, Light light, Relighting const& look, SavedAs const& as)
 {
-    Vector const towards = direction_of(light);
-    std::array<double, 3> weights{};
-    double flat = 0.0;
-    for (std::size_t c = 0; c < 3; ++c) {
-        Vector const& basis = kBasis[c];
-        double const length = std::hypot(basis[0], basis[1], basis[2]);
-        double const dot = towards[0] * basis[0] + towards[1] * basis[1] + towards[2] * basis[2];
-        weights[c] = std::max(dot / length, 0.0);
-        flat += weights[c] * flat_value(look.mode, length);
+    Picture picture = light_on(surface.map, light, look);
+    if (surface.albedo.texels() > 0) {
+        picture = colours_in(picture, surface.albedo);
+        if (is_whole(as.depth)) {
+            code_as_srgb(picture);
+        }
     }
-    for (double& weight : weights) {
-        weight *= look.exposure / flat;
-    }
-    return weights;
+    picture = in_samples(picture, {as.depth, Rounding::kNearest, as.dither});
+    return as.depth == SampleType::kUint8 ? in_colour(picture, false) : picture;
 }
 
-Picture relit(Picture const& map, Light light, Relighting const& look, SavedAs const& as)
+std::vector<Picture> turned(LitSurface const& surface, Light light, Relighting const& look, int directions,
+                            int cell, SavedAs const& as)
 {
-    std::array<double, 3> const weights = channel_weights(light, look);
-    if (as.depth == SampleType::kUint8 && !as.dither) {
-        Picture result = make_picture(map.width, map.height, 3);
-        for_each_lit(map, weights, 255.0, [&](std::size_t i, double grey) {
-            // Not a number gives 0, too.
-            std::fill_n(result.texel(i), 3,
-                        static_cast<std::uint8_t>(grey > 0.0 ? std::min(grey + 0.5, 255.0) : 0.0));
-        });
-        return result;
+    Picture const& map = surface.map;
+    int const factor =
+        std::min((std::max(map.width, map.height) + cell - 1) / cell, std::min(map.width, map.height));
+    LitSurface small{reduced(in_floats(map), factor), {}};
+    if (surface.albedo.texels() > 0) {
+        small.albedo = reduced(surface.albedo, factor);
     }
-    Picture greys = make_picture(map.width, map.height, 1, SampleType::kFloat);
-    greys.kind = PictureKind::kLight;
-    auto const to = greys.samples<float>();
-    for_each_lit(map, weights, 1.0, [&](std::size_t i, double grey) { to[i] = static_cast<float>(grey); });
-    Picture result = in_samples(greys, as);
-    return as.depth == SampleType::kUint8 ? in_colour(result, false) : result;
-}
-
-Picture turntable(Picture const& map, Light light, Relighting const& look, int directions, int cell,
-                  SavedAs const& as)
-{
-    int const longest = std::max(map.width, map.height);
-    int const factor = std::min((longest + cell - 1) / cell, std::min(map.width, map.height));
-    Picture const small = reduced(map, factor);
-    int const columns = columns_of(directions);
-    int const rows = (directions + columns - 1) / columns;
-    int const channels = as.depth == SampleType::kUint8 ? 3 : 1;
-    Picture sheet = make_picture(columns * small.width, rows * small.height, channels, as.depth);
+    std::vector<Picture> pictures;
     for (int i = 0; i < directions; ++i) {
-        Light const turned{light.azimuth_degrees + 360.0 * i / directions, light.elevation_degrees};
-        place(relit(small, turned, look, as), sheet, i % columns * small.width,
-              (rows - 1 - i / columns) * small.height);
+        Light const towards{light.azimuth_degrees + 360.0 * i / directions, light.elevation_degrees};
+        pictures.push_back(relit(small, towards, look, as));
+    }
+    return pictures;
+}
+
+Picture contact_sheet(std::vector<Picture> const& pictures)
+{
+    Picture const& first = pictures.front();
+    auto const count = static_cast<int>(pictures.size());
+    int const columns = columns_of(count);
+    int const rows = (count + columns - 1) / columns;
+    Picture sheet = make_picture(columns * first.width, rows * first.height, first.channels, first.type);
+    for (int i = 0; i < count; ++i) {
+        place(pictures[static_cast<std::size_t>(i)], sheet, i % columns * first.width,
+              (rows - 1 - i / columns) * first.height);
     }
     return sheet;
 }
