@@ -113,6 +113,26 @@ TEST_F(LostLight, TheProposedReliefHalvesWhatIsCut)
     }
 }
 
+TEST_F(LostLight, IsNotCutOffInFloats)
+{
+    put_heights("heights.png", 128, 16, [](int x, int) { return 1.0 - std::fmod(x / 16.0, 1.0); });
+    MapJob job;
+    job.settings.relief = 0.1f;
+    job.settings.rays = 32;
+    job.kind = Kind::kHeightMap;
+    auto const notes_in = [&](SampleType depth) {
+        job.files = files("heights.png", depth == SampleType::kFloat ? "map.exr" : "map.png");
+        job.files.output.saving.depth = depth;
+        Notes notes;
+        run(job, notes);
+        return notes.texts;
+    };
+    EXPECT_TRUE(notes_in(SampleType::kFloat).empty());
+    auto const words = notes_in(SampleType::kUint16);
+    ASSERT_EQ(words.size(), 1U);
+    EXPECT_NE(words[0].find("cut off at 65535"), std::string::npos) << words[0];
+}
+
 TEST_F(LostLight, TheNoteSpeaksOfTheScalesThatWereGiven)
 {
     put_heights("heights.png", 128, 8, hills(128));

@@ -225,7 +225,8 @@ bool has_relief_of_settings(Graphics const& graphics)
 void note_lost_light(Picture const& map, std::string const& name, MapOrigin const& origin, Observer& observer)
 {
     Lost lost = lost_in(map, {0, 0, map.width, map.height});
-    lost.cut = origin.settings.light ? lost.white : 0.0; // open ground is white, too
+    // Without light open ground is white, too. Floats go on above 1.
+    lost.cut = origin.settings.light && is_whole(map.type) ? lost.white : 0.0;
     if (lost.black < kMuchBlack && lost.cut < kMuchCut) {
         return;
     }
@@ -260,8 +261,8 @@ void note_lost_light(Picture const& map, std::string const& name, MapOrigin cons
         text = fmt::format("{:.0f} % of the map's samples are black", 100.0 * lost.black);
     }
     if (lost.cut >= kMuchCut) {
-        text += fmt::format("{}{:.0f} % of {} texels are cut off at 255", text.empty() ? "" : ", and ",
-                            100.0 * lost.cut, text.empty() ? "the map's" : "its");
+        text += fmt::format("{}{:.0f} % of {} texels are cut off at {}", text.empty() ? "" : ", and ",
+                            100.0 * lost.cut, text.empty() ? "the map's" : "its", full_scale(map.type));
     }
     observer.note(name, {text + remedy});
 }
