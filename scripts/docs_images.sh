@@ -46,6 +46,9 @@ umbrix convert "$work/early.png" --height-from b -o horizon_up.png
 # command-relight.md
 umbrix relight maps_map.png --turntable 8 --light 0,40 --cell 80 -o turntable.png
 
+# index.md
+umbrix view maps_map.png --title Cobbles -o cobbles_light.html
+
 # tutorial.md: what its commands make, at a smaller size
 umbrix map "$height" -o "$work/ground.png"
 umbrix relight "$work/ground.png" --light 100,60 -o tutorial_photo.png

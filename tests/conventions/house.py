@@ -50,7 +50,7 @@ PARTS = [
         "toolkit",
         [
             ["base"],
-            ["files", "integration", "relief"],
+            ["files", "integration", "pages", "relief"],
             ["pictures"],
             ["checks", "settings"],
             ["lists"],
@@ -66,13 +66,14 @@ PARTS = [
     ),
     Part(
         "apps/umbrix",
-        [["interrupts"], ["terminal"], ["options"], ["options/describe"], ["commands"], ["commands/list", "commands/relief", "commands/tell"]],
+        [["interrupts"], ["terminal"], ["options"], ["options/describe"], ["commands"], ["commands/light", "commands/list", "commands/relief", "commands/tell"]],
         ["toolkit/*"],
         ["apps/umbrix"],
         [
             # The words of the toolkit, without its name.
             ("apps/umbrix/*", "apps/umbrix/toolkit_names.h"),
             # The line of commands has those of the rooms above among them.
+            ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/light/*"),
             ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/list/list_command.h"),
             ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/relief/*"),
             ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/tell/*"),

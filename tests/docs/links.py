@@ -46,7 +46,7 @@ def faults_of_site(site: Path) -> tuple[int, list[str]]:
             count += 1
             if not target.is_file():
                 faults.append(f"{path.name}: there is no {link}")
-            elif parts.fragment and target in pages and unquote(parts.fragment) not in pages[target].places:
+            elif parts.fragment and "=" not in parts.fragment and target in pages and unquote(parts.fragment) not in pages[target].places:
                 faults.append(f"{path.name}: there is no place {link}")
     return count, faults
 

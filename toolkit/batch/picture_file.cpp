@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/batch/picture_file.h"
 
+#include "toolkit/base/failure.h"
+#include "toolkit/base/text.h"
 #include "toolkit/files/preflight.h"
 #include "toolkit/pictures/output_check.h"
 #include "toolkit/pictures/output_format.h"
@@ -11,8 +13,22 @@ namespace umbrixlib::toolkit {
 
 namespace fs = std::filesystem;
 
-PictureFile::PictureFile(fs::path const& input, fs::path named, bool overwrite)
-    : input_(input), named_(std::move(named)), overwrite_(overwrite)
+namespace {
+
+constexpr char const* kPageExtension = ".html";
+
+void check_page_name(fs::path const& named)
+{
+    if (lower_case(named.extension().string()) != kPageExtension) {
+        throw Failure(Fault::kUnknownFormat, named.string(), "a page is an HTML file",
+                      "give a name ending in .html");
+    }
+}
+
+} // namespace
+
+PictureFile::PictureFile(fs::path const& input, fs::path named, bool overwrite, FileHolds holds)
+    : input_(input), named_(std::move(named)), overwrite_(overwrite), holds_(holds)
 {
     start_over();
 }
@@ -21,8 +37,13 @@ void PictureFile::start_over()
 {
     file_.reset();
     check_input(input_);
-    fs::path target = check_output(named_, input_, overwrite_);
-    file_.emplace(std::move(target), output_format(named_)->extension);
+    if (holds_ == FileHolds::kPage) {
+        check_page_name(named_);
+        file_.emplace(check_other_output(named_, input_, overwrite_), kPageExtension);
+    } else {
+        fs::path target = check_output(named_, input_, overwrite_);
+        file_.emplace(std::move(target), output_format(named_)->extension);
+    }
 }
 
 void PictureFile::name_files(JobFiles& files) const

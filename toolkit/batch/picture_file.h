@@ -10,13 +10,17 @@
 
 namespace umbrixlib::toolkit {
 
+/// What a file holds.
+enum class FileHolds { kPicture, kPage };
+
 /// A picture on its way from an input to an output: the checks, the temporary file of the worker, and the
 /// renaming in the end. Nothing temporary outlives the object.
 class PictureFile {
 public:
     /// Makes all checks; a Failure if one does not hold.
     /// @param named The output as the user knows it.
-    PictureFile(std::filesystem::path const& input, std::filesystem::path named, bool overwrite);
+    PictureFile(std::filesystem::path const& input, std::filesystem::path named, bool overwrite,
+                FileHolds holds = FileHolds::kPicture);
 
     /// Fills in the names of @p files.
     void name_files(JobFiles& files) const;
@@ -35,6 +39,7 @@ private:
     std::filesystem::path input_;
     std::filesystem::path named_;
     bool overwrite_;
+    FileHolds holds_;
     std::optional<OutputFile> file_;
 };
 

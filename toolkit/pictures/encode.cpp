@@ -89,10 +89,19 @@ void write_picture(std::filesystem::path const& file, OutputFormat const& format
     bool const leaves_alpha_out = picture.has_alpha() && !format.alpha;
     Picture const opaque = leaves_alpha_out ? without_alpha(picture) : Picture{};
     Picture const& stored = leaves_alpha_out ? opaque : picture;
+    write_and_check(
+        file, name, [&] { return format.encoder->encode_as(file, stored, compression); },
+        [&] { return reads_back(file, format, stored); }, observer);
+}
+
+void write_and_check(std::filesystem::path const& file, std::string const& name,
+                     std::function<bool()> const& write, std::function<bool()> const& reads_as_written,
+                     Observer& observer)
+{
     observer.begin(Phase::kWriting, name);
-    bool const saved = format.encoder->encode_as(file, stored, compression) && flush_to_disk(file);
+    bool const saved = write() && flush_to_disk(file);
     observer.begin(Phase::kChecking, name);
-    if (saved && reads_back(file, format, stored)) {
+    if (saved && reads_as_written()) {
         return;
     }
     if (disk_is_full(file)) {

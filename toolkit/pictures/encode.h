@@ -7,6 +7,7 @@
 #include "toolkit/pictures/picture.h"
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace umbrixlib::toolkit {
@@ -19,5 +20,11 @@ void check_size(OutputFormat const& format, std::string const& name, int width, 
 /// lossless format has to give the same picture, the others the same size. Failures are about @p name.
 void write_picture(std::filesystem::path const& file, OutputFormat const& format, std::string const& name,
                    Picture const& picture, Compression compression, Observer& observer);
+
+/// The same for what @p write writes to @p file and @p reads_as_written looks at when it is on the disk; both
+/// say whether all is well.
+void write_and_check(std::filesystem::path const& file, std::string const& name,
+                     std::function<bool()> const& write, std::function<bool()> const& reads_as_written,
+                     Observer& observer);
 
 } // namespace umbrixlib::toolkit

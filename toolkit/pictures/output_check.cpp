@@ -29,6 +29,11 @@ void check_output_format(fs::path const& output)
 fs::path check_output(fs::path const& output, fs::path const& input, bool overwrite)
 {
     check_output_format(output);
+    return check_other_output(output, input, overwrite);
+}
+
+fs::path check_other_output(fs::path const& output, fs::path const& input, bool overwrite)
+{
     std::error_code error;
     if (fs::equivalent(output, input, error)) {
         throw Failure(Fault::kOutputIsInput, output.string(), "it is the input, which would be lost");

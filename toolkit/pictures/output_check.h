@@ -11,4 +11,8 @@ namespace umbrixlib::toolkit {
 std::filesystem::path check_output(std::filesystem::path const& output, std::filesystem::path const& input,
                                    bool overwrite);
 
+/// The same for a file of any format.
+std::filesystem::path check_other_output(std::filesystem::path const& output,
+                                         std::filesystem::path const& input, bool overwrite);
+
 } // namespace umbrixlib::toolkit

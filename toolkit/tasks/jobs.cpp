@@ -9,6 +9,16 @@
 
 namespace umbrixlib::toolkit {
 
+namespace {
+
+template <typename OneJob>
+concept HasAlbedo = requires(OneJob const& job)
+{
+    job.albedo.empty();
+};
+
+} // namespace
+
 NamedFiles files_of(Job const& job)
 {
     NamedFiles files;
@@ -34,10 +44,10 @@ NamedFiles files_of(Job const& job)
                        add(horizon.files);
                        add_output(horizon.later);
                    },
-                   [&](RelightJob const& relight) {
-                       add(relight.files);
-                       if (!relight.albedo.empty()) {
-                           files.inputs.push_back(relight.albedo);
+                   [&](HasAlbedo auto const& lit) {
+                       add(lit.files);
+                       if (!lit.albedo.empty()) {
+                           files.inputs.push_back(lit.albedo);
                        }
                    },
                    [&](ListJob const& list) {
@@ -82,8 +92,8 @@ Pictures pictures_of(Job const& job)
             [](auto const& each) {
                 return Pictures{1, each.files.max_texels};
             },
-            [](RelightJob const& relight) {
-                return Pictures{relight.albedo.empty() ? 1.0 : 2.0, relight.files.max_texels};
+            [](HasAlbedo auto const& lit) {
+                return Pictures{lit.albedo.empty() ? 1.0 : 2.0, lit.files.max_texels};
             },
             [](ListJob const& list) {
                 return Pictures{1 + static_cast<double>(list.layers.size()), list.files.max_texels};

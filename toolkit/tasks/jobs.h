@@ -5,7 +5,7 @@
 #include "toolkit/settings/defaults.h"
 #include "toolkit/settings/graphics_settings.h"
 #include "toolkit/settings/stack_description.h"
-#include "toolkit/tasks/methods/relight.h"
+#include "toolkit/tasks/light/relight.h"
 #include "toolkit/tasks/reports.h"
 
 #include <optional>
@@ -131,6 +131,20 @@ struct RelightJob {
     bool operator==(RelightJob const&) const = default;
 };
 
+/// A web page that shows an Umbrix map in a light to be moved.
+struct ViewJob {
+    using Report = ViewReport;
+
+    JobFiles files;     ///< The output is the page.
+    std::string albedo; ///< Colours of the surface; "": none.
+    std::string title;  ///< UTF-8.
+    Modes mode = Modes_Projection;
+    bool mode_is_given = false; ///< As in RelightJob.
+    bool force = false;         ///< As in RelightJob.
+
+    bool operator==(ViewJob const&) const = default;
+};
+
 /// A picture in another format or at another depth, and otherwise as it is.
 struct ConvertJob {
     using Report = ConvertReport;
@@ -231,7 +245,7 @@ struct FolderJob {
 };
 
 /// A job of any task.
-using Job = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, BentJob, HorizonJob, RelightJob,
+using Job = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, BentJob, HorizonJob, RelightJob, ViewJob,
                          ConvertJob, InfoJob, CheckJob, StackJob, FitJob, DevicesJob, ListJob, FolderJob>;
 
 /// A job that makes one picture of another.

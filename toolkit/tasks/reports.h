@@ -108,6 +108,14 @@ struct RelightReport {
     bool operator==(RelightReport const&) const = default;
 };
 
+struct ViewReport {
+    int width = 0; ///< Of the map.
+    int height = 0;
+    double bytes = 0; ///< Of the page.
+
+    bool operator==(ViewReport const&) const = default;
+};
+
 struct ConvertReport {
     int width = 0;
     int height = 0;
@@ -206,7 +214,7 @@ struct FolderReport {
 
 /// The report of a job of any task. In the order of Job.
 using Report = std::variant<MapReport, NormalReport, HeightReport, CurvatureReport, BentReport, HorizonReport,
-                            RelightReport, ConvertReport, InfoReport, CheckReport, StackReport, FitReport,
-                            DevicesReport, ListReport, FolderReport>;
+                            RelightReport, ViewReport, ConvertReport, InfoReport, CheckReport, StackReport,
+                            FitReport, DevicesReport, ListReport, FolderReport>;
 
 } // namespace umbrixlib::toolkit

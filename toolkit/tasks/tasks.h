@@ -20,6 +20,7 @@ CurvatureReport run(CurvatureJob const& job, Observer& observer);
 BentReport run(BentJob const& job, Observer& observer);
 HorizonReport run(HorizonJob const& job, Observer& observer);
 RelightReport run(RelightJob const& job, Observer& observer);
+ViewReport run(ViewJob const& job, Observer& observer);
 ConvertReport run(ConvertJob const& job, Observer& observer);
 InfoReport run(InfoJob const& job, Observer& observer);
 CheckReport run(CheckJob const& job, Observer& observer);

@@ -59,6 +59,8 @@ UMBRIX_FIELDS(HorizonJob, UMBRIX_FIELD(files), UMBRIX_FIELD(later), UMBRIX_FIELD
               UMBRIX_FIELD(later_alone))
 UMBRIX_FIELDS(RelightJob, UMBRIX_FIELD(files), UMBRIX_FIELD(light), UMBRIX_FIELD(look), UMBRIX_FIELD(albedo),
               UMBRIX_FIELD(mode_is_given), UMBRIX_FIELD(force), UMBRIX_FIELD(directions), UMBRIX_FIELD(cell))
+UMBRIX_FIELDS(ViewJob, UMBRIX_FIELD(files), UMBRIX_FIELD(albedo), UMBRIX_FIELD(title), UMBRIX_FIELD(mode),
+              UMBRIX_FIELD(mode_is_given), UMBRIX_FIELD(force))
 UMBRIX_FIELDS(ConvertJob, UMBRIX_FIELD(files), UMBRIX_FIELD(channel), UMBRIX_FIELD(reading))
 UMBRIX_FIELDS(InfoJob, UMBRIX_FIELD(input), UMBRIX_FIELD(max_texels), UMBRIX_FIELD(range))
 UMBRIX_FIELDS(CheckJob, UMBRIX_FIELD(files), UMBRIX_FIELD(kind), UMBRIX_FIELD(normal_y), UMBRIX_FIELD(mode),
@@ -89,6 +91,7 @@ UMBRIX_FIELDS(BentReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIEL
 UMBRIX_FIELDS(HorizonReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(h_scale),
               UMBRIX_FIELD(heights))
 UMBRIX_FIELDS(RelightReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height))
+UMBRIX_FIELDS(ViewReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(bytes))
 UMBRIX_FIELDS(ConvertReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(from), UMBRIX_FIELD(to),
               UMBRIX_FIELD(heights))
 UMBRIX_FIELDS(ChannelRange, UMBRIX_FIELD(name), UMBRIX_FIELD(minimum), UMBRIX_FIELD(maximum),

@@ -5,6 +5,8 @@
 #include "commands/convert_command.h"
 #include "commands/fit_command.h"
 #include "commands/height_command.h"
+#include "commands/light/relight_command.h"
+#include "commands/light/view_command.h"
 #include "commands/list/list_command.h"
 #include "commands/map_command.h"
 #include "commands/normal_command.h"
@@ -12,7 +14,6 @@
 #include "commands/relief/bent_command.h"
 #include "commands/relief/curvature_command.h"
 #include "commands/relief/horizon_command.h"
-#include "commands/relight_command.h"
 #include "commands/stack_command.h"
 #include "commands/tell/check_command.h"
 #include "commands/tell/devices_command.h"
@@ -51,6 +52,7 @@ constexpr CommandRow kCommands[] = {
      make_command<HorizonCommand>},
     {"stack", "Blend layers into a normal map, a height map and an Umbrix map", make_command<StackCommand>},
     {"relight", "Show the texture of an Umbrix map in a light", make_command<RelightCommand>},
+    {"view", "Make a web page that shows an Umbrix map in a light to be moved", make_command<ViewCommand>},
     {"convert", "Save a picture in another format or at another depth, and otherwise as it is",
      make_command<ConvertCommand>},
     {"batch", "Make the maps of all pictures in folders, several at a time", make_command<BatchCommand>},

@@ -68,7 +68,7 @@ void CommonOptions::declare_limits(CLI::App& command)
     declare_no_sandbox(command);
 }
 
-void CommonOptions::declare_output(CLI::App& command, std::string const& default_name)
+void CommonOptions::declare_output_file(CLI::App& command, std::string const& default_name)
 {
     std::string const otherwise = default_name.empty() ? "" : fmt::format(" [default {}]", default_name);
     command
@@ -78,8 +78,13 @@ void CommonOptions::declare_output(CLI::App& command, std::string const& default
         ->group(kFilesGroup)
         ->required(default_name.empty());
     command.add_flag("--overwrite", overwrite, "Replace the output if it exists")->group(kFilesGroup);
-    declare_saving(command, saving);
     declare_progress(command);
+}
+
+void CommonOptions::declare_output(CLI::App& command, std::string const& default_name)
+{
+    declare_output_file(command, default_name);
+    declare_saving(command, saving);
 }
 
 void CommonOptions::declare_progress(CLI::App& command, std::string const& elsewhere)

@@ -28,6 +28,7 @@ struct CommonOptions {
     std::string output; ///< Empty: named after the input.
     bool overwrite = false;
     Saving saving;
+    FileHolds holds = FileHolds::kPicture; ///< What is written.
     bool verbose = false;
     ProgressDisplay::Style progress = ProgressDisplay::Style::kAuto;
     double timeout_seconds = 60;
@@ -38,6 +39,9 @@ struct CommonOptions {
                                std::string const& name = "INPUT");
     /// @param default_name Of an output that is not named; "": it has to be.
     void declare_output(CLI::App& command, std::string const& default_name);
+
+    /// The same without how samples are saved.
+    void declare_output_file(CLI::App& command, std::string const& default_name);
 
     // Parts of the two above, for commands with inputs and outputs of another kind.
     void declare_limits(CLI::App& command);
@@ -96,8 +100,10 @@ Made<OneJob> make_picture_file(std::string const& command, CommonOptions const& 
         second_file->name_files(files);
         job.*second.field = {files.output.file, files.output.name, options.saving};
     }
-    PictureFile file(options.input, named, options.overwrite);
-    note_format(command, named);
+    PictureFile file(options.input, named, options.overwrite, options.holds);
+    if (options.holds == FileHolds::kPicture) {
+        note_format(command, named);
+    }
     job.files.max_texels = options.max_texels;
     job.files.output.saving = options.saving;
     file.name_files(job.files);

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "toolkit/base/depth.h"
 #include "toolkit/base/kind.h"
 #include "toolkit/pictures/picture.h"
 #include "toolkit_names.h"
 
 namespace umbrix_cli {
+
+using umbrixlib::toolkit::name_of; // of a depth
 
 inline char const* name_of(Kind kind)
 {

@@ -68,6 +68,7 @@ std::vector<Command> const& commands()
         {"bent", {"bent", "hill.tga", "-o", "o.tga", "--occlusion", "a.tga", "--overwrite"}},
         {"horizon", {"horizon", "hill.tga", "-o", "o.tga", "--later", "a.tga", "--overwrite"}},
         {"relight", {"relight", "hill.tga", "-o", "o.tga", "--overwrite"}},
+        {"view", {"view", "hill.tga", "-o", "o.html", "--overwrite"}},
         {"convert", {"convert", "hill.tga", "-o", "o.png", "--overwrite"}},
         {"info", {"info", "hill.tga"}},
         {"check", {"check", "hill.tga"}},

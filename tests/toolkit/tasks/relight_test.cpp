@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// Light on an Umbrix map: the weights of its channels by each rule, light from all around, and albedo.
-#include "toolkit/tasks/methods/relight.h"
+#include "toolkit/tasks/light/relight.h"
 
 #include <array>
 #include <cmath>

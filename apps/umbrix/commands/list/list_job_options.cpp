@@ -5,6 +5,7 @@
 #include "options/kind_option.h"
 #include "options/setting_options.h"
 #include "terminal/complaint.h"
+#include "terminal/kind_name.h"
 #include "terminal/say.h"
 #include "terminal/supervise.h"
 #include "toolkit/files/preflight.h"

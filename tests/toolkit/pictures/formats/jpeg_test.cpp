@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 /// JPEG files of each kind, near to the colours that they were made from.
 #include "reading.h"
+#include "toolkit/pictures/formats/jpeg/jpeg_segments.h"
 
 #include <cstdio>
 #include <jpeglib.h>
@@ -180,6 +181,37 @@ TEST_F(Jpeg, WithAProfileSaysThatItIsLeftAlone)
     JpegKind const kind{.marker = 2, .bytes = std::string("ICC_PROFILE\0\1\1", 14)};
     EXPECT_EQ(read(jpeg_file(kind, gradient(kind))).notes,
               (Notes{"its colour profile is left alone: values count as they are"}));
+}
+
+TEST_F(Jpeg, WithoutItsTagsHasTheSameTexels)
+{
+    for (bool const progressive : {false, true}) {
+        for (unsigned const restart : {0U, 1U}) {
+            JpegKind kind{.progressive = progressive, .restart = restart};
+            Bytes const plain = jpeg_file(kind, gradient(kind));
+            kind.marker = 1;
+            kind.bytes = exif_with(1, true);
+            Bytes tagged = jpeg_file(kind, gradient(kind));
+            tagged.insert(tagged.end(), {'m', 'o', 'r', 'e'});
+            ASSERT_GT(tagged.size(), plain.size());
+            EXPECT_EQ(toolkit::bare_jpeg(tagged), plain);
+            EXPECT_EQ(toolkit::bare_jpeg(plain), plain);
+        }
+    }
+}
+
+TEST_F(Jpeg, ThatABrowserShowsOtherwiseIsNotMadeBare)
+{
+    JpegKind turned{.marker = 1, .bytes = exif_with(6, false)};
+    JpegKind const inks{.given = JCS_CMYK, .stored = JCS_CMYK};
+    JpegKind const arithmetic{.arithmetic = true};
+    for (JpegKind const& kind : {turned, inks, arithmetic}) {
+        EXPECT_FALSE(toolkit::bare_jpeg(jpeg_file(kind, gradient(kind))));
+    }
+    Bytes const whole = jpeg_file({.progressive = true}, gradient({}));
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        EXPECT_FALSE(toolkit::bare_jpeg(std::span(whole).first(size))) << size;
+    }
 }
 
 TEST_F(Jpeg, ThatIsNotTakenIsRefusedByName)

@@ -6,6 +6,11 @@
 #include "toolkit/pictures/formats/png/png_check.h"
 #include "toolkit/pictures/formats/png/png_frame.h"
 #include "toolkit/pictures/formats/png/png_packing.h"
+#include "toolkit/pictures/png_bytes.h"
+
+#include <span>
+#include <utility>
+#include <vector>
 
 namespace umbrixlib::toolkit {
 
@@ -14,10 +19,22 @@ namespace {
 constexpr std::size_t kSamePlan = 32;    ///< Pieces that one of them speaks for.
 constexpr std::size_t kHeldPieces = 128; ///< Packed before they are written.
 
+/// What a file is written to that stays in memory.
+struct ByteSink {
+    std::vector<std::uint8_t> bytes{};
+
+    bool write(std::span<std::uint8_t const> more)
+    {
+        bytes.insert(bytes.end(), more.begin(), more.end());
+        return true;
+    }
+};
+
 /// One file.
+template <typename Stream>
 class PngWriter {
 public:
-    PngWriter(OutputStream& stream, Picture const& picture, Compression compression)
+    PngWriter(Stream& stream, Picture const& picture, Compression compression)
         : stream_(stream), picture_(picture), compression_(compression), rows_(picture)
     {
     }
@@ -58,7 +75,7 @@ private:
         return good;
     }
 
-    OutputStream& stream_;
+    Stream& stream_;
     Picture const& picture_;
     Compression compression_;
     PngRows rows_;
@@ -91,6 +108,13 @@ public:
 };
 
 } // namespace
+
+std::vector<std::uint8_t> png_bytes(Picture const& picture, Compression compression)
+{
+    ByteSink sink;
+    PngWriter(sink, picture, compression).write();
+    return std::move(sink.bytes);
+}
 
 Encoder const& png_encoder()
 {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "toolkit/pictures/saving.h"
-#include "toolkit/tasks/methods/channel_weights.h"
+#include "toolkit/tasks/light/channel_weights.h"
 
 #include <vector>
 

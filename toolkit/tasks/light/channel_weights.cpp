@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/tasks/methods/channel_weights.h"
+#include "toolkit/tasks/light/channel_weights.h"
 
 #include <algorithm>
 #include <cmath>

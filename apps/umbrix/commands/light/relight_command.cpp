@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "commands/relight_command.h"
+#include "commands/light/relight_command.h"
 
+#include "commands/light/albedo_option.h"
 #include "options/saving_options.h"
 #include "options/setting_options.h"
 #include "terminal/say.h"
-#include "toolkit/files/preflight.h"
 
 #include <CLI/Error.hpp>
 #include <algorithm>
@@ -81,12 +81,7 @@ void RelightCommand::declare(CLI::App& command)
                "[0.01 to 10; default 0.7]");
     add_number(command, "--ambient", "X", ambient_, 0, 10,
                "What light from all around adds to that brightness [0 to 10; default 0]");
-    command
-        .add_option("--albedo", albedo_,
-                    "Colours of the surface in the size of the map: sRGB, or linear floats. The result is "
-                    "coloured, and coded in the same way")
-        ->type_name("FILE")
-        ->group(kFilesGroup);
+    declare_albedo(command, albedo_, "The result is coloured, and coded in the same way");
     std::function<void(std::string const&)> const parse_weights = [this](std::string const& text) {
         weights_ = parse_rule(text);
     };
@@ -116,10 +111,7 @@ void RelightCommand::run(Interrupts const& interrupts)
     job.directions = directions_;
     job.cell = cell_;
     char const* const suffix = directions_ == 0 ? "_Relit" : "_Turntable";
-    if (!albedo_.empty()) {
-        check_input(albedo_);
-        check_that_is_kept(prepare_output(common_, suffix), albedo_, "the albedo");
-    }
+    check_albedo(common_, suffix, albedo_);
     Made<RelightJob> const made = make_picture_file("umbrix relight", common_, job, suffix, interrupts);
     std::string const light = directions_ == 0
                                   ? fmt::format("azimuth {}", azimuth_degrees_)

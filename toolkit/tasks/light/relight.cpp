@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/tasks/methods/relight.h"
+#include "toolkit/tasks/light/relight.h"
 
 #include "toolkit/base/all_threads.h"
 #include "toolkit/pictures/srgb.h"

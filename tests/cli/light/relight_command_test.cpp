@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// `umbrix relight`, run as a user runs it.
-#include "tool.h"
+#include "cli/tool.h"
 
 #include <set>
 

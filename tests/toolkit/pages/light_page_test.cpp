@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+/// The page of a map: what is in it, and what is not.
+#include "toolkit/pages/light_page.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace umbrixlib::test {
+namespace {
+
+using toolkit::html_of;
+
+std::size_t count(std::string const& text, std::string const& part)
+{
+    std::size_t found = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++found;
+    }
+    return found;
+}
+
+TEST(LightPage, HoldsItsPictures)
+{
+    std::string const alone = html_of({"x", "unit", {"image/png", {'a', 'b', 'c'}}, {}});
+    EXPECT_EQ(count(alone, "src=\"data:image/png;base64,YWJj\""), 1U);
+    EXPECT_EQ(count(alone, "data-mode=\"unit\""), 1U);
+    EXPECT_EQ(count(alone, "<img"), 1U);
+    std::string const coloured =
+        html_of({"x", "unit", {"image/png", {'a', 'b', 'c'}}, {"image/jpeg", {'d', 'e', 'f'}}});
+    EXPECT_EQ(count(coloured, "<img"), 2U);
+    EXPECT_EQ(count(coloured, "src=\"data:image/jpeg;base64,ZGVm\""), 1U);
+}
+
+TEST(LightPage, HasNothingFromOutside)
+{
+    std::string const html = html_of({"x", "unit", {"image/png", {1}}, {}});
+    EXPECT_EQ(count(html, "://"), 0U);
+    EXPECT_EQ(count(html, "<script"), 1U);
+    EXPECT_EQ(count(html, "<style"), 1U);
+    EXPECT_EQ(count(html, " style="), 0U);
+    EXPECT_EQ(count(html, "default-src 'none'"), 1U);
+    EXPECT_EQ(count(html, "unsafe"), 0U);
+    EXPECT_EQ(count(html, "'sha256-"), 2U);
+    EXPECT_LT(html.size(), 32U * 1024U);
+}
+
+TEST(LightPage, ShowsATitleAndObeysNone)
+{
+    std::string const html =
+        html_of({"<script>\"&\xe2\x80\xae\x01 {script}", "unit", {"image/png", {1}}, {}});
+    EXPECT_EQ(count(html, "<script"), 1U);
+    EXPECT_EQ(count(html, "<title>&lt;script&gt;&quot;&amp;\\u202E\\x01 {script}</title>"), 1U);
+}
+
+} // namespace
+} // namespace umbrixlib::test

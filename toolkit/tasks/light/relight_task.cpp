@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/pictures/encode.h"
+#include "toolkit/pictures/srgb.h"
+#include "toolkit/tasks/light/lit_map_input.h"
+#include "toolkit/tasks/light/relight.h"
+#include "toolkit/tasks/methods/self_description.h"
+#include "toolkit/tasks/tasks.h"
+
+#include <utility>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+/// The colours of the surface, if there are any.
+Picture albedo_for(RelightJob const& job, PreparedInput const& map, Observer& observer)
+{
+    if (job.albedo.empty()) {
+        return {};
+    }
+    Source const source{job.albedo, job.albedo, job.files.max_texels};
+    return linear_colours(read_albedo(source, map, observer).release_picture());
+}
+
+Picture picture_of(RelightJob const& job, LitSurface const& surface, Relighting const& look,
+                   SavedAs const& as)
+{
+    return job.directions == 0
+               ? relit(surface, job.light, look, as)
+               : contact_sheet(turned(surface, job.light, look, job.directions, job.cell, as));
+}
+
+} // namespace
+
+RelightReport run(RelightJob const& job, Observer& observer)
+{
+    JobFiles const& files = job.files;
+    PreparedInput input = prepare_input({files.input, files.input, files.max_texels}, observer);
+    OutputFormat const& format = *output_format(files.output.file);
+    Relighting look = job.look;
+    look.mode = mode_of_map(files.input, input.picture.attributes, {look.mode, job.mode_is_given, job.force},
+                            observer);
+    SavedAs const as =
+        saved_as_deep(input.type, files.output.saving, format, PictureKind::kLight, files.output.name);
+    LitSurface surface{{}, albedo_for(job, input, observer)};
+    surface.map = std::move(input.picture);
+    observer.begin(Phase::kMaking, files.input);
+    Picture lit = picture_of(job, surface, look, as);
+    lit.attributes = attributes_of_light("relight");
+    write_picture(files.output.file, format, files.output.name, lit, files.output.saving.compression,
+                  observer);
+    return {lit.width, lit.height};
+}
+
+} // namespace umbrixlib::toolkit
