@@ -6,6 +6,8 @@
 #include "toolkit/files/opened_files.h"
 #include "toolkit/pictures/decoded_image.h"
 #include "toolkit/pictures/encoder.h"
+#include "toolkit/pictures/formats/encoders/output_stream.h"
+#include "toolkit/pictures/source_file.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -92,6 +94,21 @@ void write_picture(std::filesystem::path const& file, OutputFormat const& format
     write_and_check(
         file, name, [&] { return format.encoder->encode_as(file, stored, compression); },
         [&] { return reads_back(file, format, stored); }, observer);
+}
+
+void write_bytes(std::filesystem::path const& file, std::string const& name,
+                 std::span<std::uint8_t const> bytes, Observer& observer)
+{
+    auto const write = [&] {
+        OutputStream stream(file);
+        stream.write(bytes);
+        return stream.close();
+    };
+    auto const is_as_written = [&] {
+        SourceFile written(file, "output", static_cast<double>(bytes.size()));
+        return std::ranges::equal(written.content(), bytes);
+    };
+    write_and_check(file, name, write, is_as_written, observer);
 }
 
 void write_and_check(std::filesystem::path const& file, std::string const& name,

@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <span>
 #include <string>
 
 namespace umbrixlib::toolkit {
@@ -26,5 +27,9 @@ void write_picture(std::filesystem::path const& file, OutputFormat const& format
 void write_and_check(std::filesystem::path const& file, std::string const& name,
                      std::function<bool()> const& write, std::function<bool()> const& reads_as_written,
                      Observer& observer);
+
+/// The same for a file that is @p bytes.
+void write_bytes(std::filesystem::path const& file, std::string const& name,
+                 std::span<std::uint8_t const> bytes, Observer& observer);
 
 } // namespace umbrixlib::toolkit

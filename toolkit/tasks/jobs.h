@@ -125,8 +125,9 @@ struct RelightJob {
     std::string albedo;         ///< Colours of the surface; "": none.
     bool mode_is_given = false; ///< Else the mode that the map itself tells is taken, if it tells one.
     bool force = false;         ///< Take a picture that tells that it is no map, too.
-    int directions = 0;         ///< Of a contact sheet; 0: one picture.
-    int cell = 0;               ///< Longest side of a picture of a contact sheet, in texels.
+    int directions = 0;         ///< Of a contact sheet or an animation; 0: one picture.
+    int cell = 0;               ///< Longest side of each of these, in texels.
+    double seconds = 0;         ///< That an animation goes round in; 0: a contact sheet.
 
     bool operator==(RelightJob const&) const = default;
 };

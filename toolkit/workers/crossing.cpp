@@ -58,7 +58,8 @@ UMBRIX_FIELDS(BentJob, UMBRIX_FIELD(files), UMBRIX_FIELD(occlusion), UMBRIX_FIEL
 UMBRIX_FIELDS(HorizonJob, UMBRIX_FIELD(files), UMBRIX_FIELD(later), UMBRIX_FIELD(settings),
               UMBRIX_FIELD(later_alone))
 UMBRIX_FIELDS(RelightJob, UMBRIX_FIELD(files), UMBRIX_FIELD(light), UMBRIX_FIELD(look), UMBRIX_FIELD(albedo),
-              UMBRIX_FIELD(mode_is_given), UMBRIX_FIELD(force), UMBRIX_FIELD(directions), UMBRIX_FIELD(cell))
+              UMBRIX_FIELD(mode_is_given), UMBRIX_FIELD(force), UMBRIX_FIELD(directions), UMBRIX_FIELD(cell),
+              UMBRIX_FIELD(seconds))
 UMBRIX_FIELDS(ViewJob, UMBRIX_FIELD(files), UMBRIX_FIELD(albedo), UMBRIX_FIELD(title), UMBRIX_FIELD(mode),
               UMBRIX_FIELD(mode_is_given), UMBRIX_FIELD(force))
 UMBRIX_FIELDS(ConvertJob, UMBRIX_FIELD(files), UMBRIX_FIELD(channel), UMBRIX_FIELD(reading))

@@ -163,6 +163,30 @@ TEST_F(RelightCommand, WritesAContactSheet)
     EXPECT_EQ(sheet.at(160, 32, 0), 0);
 }
 
+TEST_F(RelightCommand, WritesAnAnimation)
+{
+    write("hill.tga", hill(32));
+    ASSERT_EQ(run({"map", "hill.tga", "-o", "map.tga"}).code, 0);
+    Outcome const outcome =
+        run({"relight", "map.tga", "--turntable", "5", "--animate", "2", "--light", "30,40"});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(outcome.out.rfind("wrote map_Turntable.png: 32 x 32, light from 5 azimuths from 30", 0), 0U)
+        << outcome.out;
+    // Who knows no animations sees the first step.
+    ASSERT_EQ(run({"convert", "map_Turntable.png", "-o", "first.tga"}).code, 0);
+    ASSERT_EQ(run({"relight", "map.tga", "-o", "lit.tga", "--light", "30,40"}).code, 0);
+    EXPECT_EQ(tga("first.tga").pixels, tga("lit.tga").pixels);
+    Bytes const file = read("map_Turntable.png");
+    std::string const text(file.begin(), file.end());
+    EXPECT_NE(text.find("acTL"), std::string::npos);
+    Outcome const still = run({"relight", "map.tga", "--animate", "2"});
+    EXPECT_EQ(still.code, 2);
+    EXPECT_NE(still.err.find("--animate: there is nothing that goes round"), std::string::npos) << still.err;
+    Outcome const other = run({"relight", "map.tga", "--turntable", "5", "--animate", "2", "-o", "a.tga"});
+    EXPECT_EQ(other.code, 2);
+    EXPECT_NE(other.err.find("a.tga is no PNG; give a name ending in .png"), std::string::npos) << other.err;
+}
+
 TEST_F(RelightCommand, WantsAnAzimuthAndAnElevation)
 {
     write("flat.tga", height_map(4, 4, [](int, int) { return 147; }));

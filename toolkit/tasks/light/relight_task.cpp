@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/encode.h"
+#include "toolkit/pictures/png_bytes.h"
 #include "toolkit/pictures/srgb.h"
 #include "toolkit/tasks/light/lit_map_input.h"
 #include "toolkit/tasks/light/relight.h"
@@ -7,6 +8,7 @@
 #include "toolkit/tasks/tasks.h"
 
 #include <utility>
+#include <vector>
 
 namespace umbrixlib::toolkit {
 
@@ -22,12 +24,21 @@ Picture albedo_for(RelightJob const& job, PreparedInput const& map, Observer& ob
     return linear_colours(read_albedo(source, map, observer).release_picture());
 }
 
-Picture picture_of(RelightJob const& job, LitSurface const& surface, Relighting const& look,
-                   SavedAs const& as)
+/// One picture, or those of a turn.
+std::vector<Picture> pictures_of(RelightJob const& job, LitSurface const& surface, Relighting const& look,
+                                 SavedAs const& as)
 {
-    return job.directions == 0
-               ? relit(surface, job.light, look, as)
-               : contact_sheet(turned(surface, job.light, look, job.directions, job.cell, as));
+    std::vector<Picture> pictures;
+    if (job.directions == 0) {
+        pictures.push_back(relit(surface, job.light, look, as));
+    } else {
+        pictures = turned(surface, job.light, look, job.directions, job.cell, as);
+    }
+    if (job.seconds == 0.0 && job.directions > 0) {
+        pictures = {contact_sheet(pictures)};
+    }
+    pictures.front().attributes = attributes_of_light("relight");
+    return pictures;
 }
 
 } // namespace
@@ -45,11 +56,16 @@ RelightReport run(RelightJob const& job, Observer& observer)
     LitSurface surface{{}, albedo_for(job, input, observer)};
     surface.map = std::move(input.picture);
     observer.begin(Phase::kMaking, files.input);
-    Picture lit = picture_of(job, surface, look, as);
-    lit.attributes = attributes_of_light("relight");
-    write_picture(files.output.file, format, files.output.name, lit, files.output.saving.compression,
-                  observer);
-    return {lit.width, lit.height};
+    std::vector<Picture> const lit = pictures_of(job, surface, look, as);
+    Output const& output = files.output;
+    if (lit.size() == 1) {
+        write_picture(output.file, format, output.name, lit.front(), output.saving.compression, observer);
+    } else {
+        write_bytes(output.file, output.name,
+                    animated_png_bytes(lit, job.seconds / job.directions, output.saving.compression),
+                    observer);
+    }
+    return {lit.front().width, lit.front().height};
 }
 
 } // namespace umbrixlib::toolkit

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/files/opened_files.h"
 #include "toolkit/pages/light_page.h"
 #include "toolkit/pictures/encode.h"
-#include "toolkit/pictures/formats/encoders/output_stream.h"
 #include "toolkit/pictures/formats/jpeg/jpeg_segments.h"
 #include "toolkit/pictures/png_bytes.h"
 #include "toolkit/pictures/source_file.h"
@@ -10,8 +8,6 @@
 #include "toolkit/tasks/light/lit_map_input.h"
 #include "toolkit/tasks/tasks.h"
 
-#include <algorithm>
-#include <span>
 #include <utility>
 
 namespace umbrixlib::toolkit {
@@ -42,24 +38,6 @@ WebPicture albedo_for(ViewJob const& job, PreparedInput const& map, Observer& ob
     return as_png(image.release_picture());
 }
 
-std::span<std::uint8_t const> bytes_of(std::string const& text)
-{
-    return {reinterpret_cast<std::uint8_t const*>(text.data()), text.size()};
-}
-
-bool write_text(std::string const& file, std::string const& text)
-{
-    OutputStream stream(file);
-    stream.write(bytes_of(text));
-    return stream.close();
-}
-
-bool holds_text(std::string const& file, std::string const& text)
-{
-    SourceFile written(file, "output", static_cast<double>(text.size()));
-    return std::ranges::equal(written.content(), bytes_of(text));
-}
-
 } // namespace
 
 ViewReport run(ViewJob const& job, Observer& observer)
@@ -72,9 +50,8 @@ ViewReport run(ViewJob const& job, Observer& observer)
     observer.begin(Phase::kMaking, files.input);
     std::string const html =
         html_of({job.title, name_of_mode(mode), as_png(input.picture), std::move(albedo)});
-    write_and_check(
-        files.output.file, files.output.name, [&] { return write_text(files.output.file, html); },
-        [&] { return holds_text(files.output.file, html); }, observer);
+    write_bytes(files.output.file, files.output.name,
+                {reinterpret_cast<std::uint8_t const*>(html.data()), html.size()}, observer);
     return {input.width, input.height, static_cast<double>(html.size())};
 }
 

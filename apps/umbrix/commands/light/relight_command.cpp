@@ -4,7 +4,10 @@
 #include "commands/light/albedo_option.h"
 #include "options/saving_options.h"
 #include "options/setting_options.h"
+#include "terminal/complaint.h"
 #include "terminal/say.h"
+#include "toolkit/pictures/naming.h"
+#include "toolkit/pictures/output_format.h"
 
 #include <CLI/Error.hpp>
 #include <algorithm>
@@ -17,6 +20,7 @@ namespace umbrix_cli {
 namespace {
 
 constexpr char const* kLight = "Light";
+constexpr char const* kTurntable = "_Turntable";
 
 constexpr std::pair<char const*, WeightRule> kRules[] = {
     {"fitted", WeightRule::kFitted}, {"exact", WeightRule::kExact}, {"clamped", WeightRule::kClamped}};
@@ -74,8 +78,11 @@ void RelightCommand::declare(CLI::App& command)
     add_number(command, "--turntable", "N", directions_, 1, 360,
                "Write a contact sheet of N azimuths instead, once round from that of --light, row by row [1 "
                "to 360]");
-    add_number(command, "--cell", "N", cell_, 16, 1024,
-               "Longest side of a picture of the contact sheet [16 to 1024 texels; default 256]");
+    add_number(
+        command, "--cell", "N", cell_, 16, 1024,
+        "Longest side of a picture of the contact sheet or the animation [16 to 1024 texels; default 256]");
+    add_number(command, "--animate", "SECONDS", seconds_, 0.1, 600,
+               "With --turntable, write an animated PNG that goes round in this time instead [0.1 to 600]");
     add_number(command, "--exposure", "X", exposure_, 0.01, 10,
                "Brightness of flat ground that nothing hides; slopes that face the light are brighter "
                "[0.01 to 10; default 0.7]");
@@ -99,8 +106,29 @@ void RelightCommand::declare(CLI::App& command)
     command_ = &command;
 }
 
+/// Only PNG holds an animation.
+void RelightCommand::settle_animation()
+{
+    if (seconds_ == 0.0) {
+        return;
+    }
+    if (directions_ == 0) {
+        throw UsageError("--animate", "there is nothing that goes round",
+                         "say in how many steps with --turntable");
+    }
+    std::filesystem::path named = common_.output;
+    if (named.empty()) {
+        named = default_output(common_.input, kTurntable).replace_extension(".png");
+    } else if (output_format(named) != output_format("a.png")) {
+        throw UsageError("--animate", fmt::format("{} is no PNG", named.string()),
+                         "give a name ending in .png");
+    }
+    common_.output = named.string();
+}
+
 void RelightCommand::run(Interrupts const& interrupts)
 {
+    settle_animation();
     common_.saving = with_depth(common_.saving, settings_.save_depth);
     RelightJob job;
     job.light = {azimuth_degrees_, elevation_degrees_};
@@ -110,7 +138,8 @@ void RelightCommand::run(Interrupts const& interrupts)
     job.force = force_;
     job.directions = directions_;
     job.cell = cell_;
-    char const* const suffix = directions_ == 0 ? "_Relit" : "_Turntable";
+    job.seconds = seconds_;
+    char const* const suffix = directions_ == 0 ? "_Relit" : kTurntable;
     check_albedo(common_, suffix, albedo_);
     Made<RelightJob> const made = make_picture_file("umbrix relight", common_, job, suffix, interrupts);
     std::string const light = directions_ == 0

@@ -17,12 +17,15 @@ public:
     void run(Interrupts const& interrupts) override;
 
 private:
+    void settle_animation();
+
     CommonOptions common_;
     Settings settings_ = kDefaults;
     double azimuth_degrees_ = 135;
     double elevation_degrees_ = 45;
     double exposure_ = 0.7;
     double ambient_ = 0;
+    double seconds_ = 0;
     WeightRule weights_ = WeightRule::kFitted;
     std::string albedo_;
     int directions_ = 0;

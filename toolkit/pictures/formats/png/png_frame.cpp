@@ -28,15 +28,6 @@ void append(std::vector<std::uint8_t>& to, std::string_view letters)
     to.insert(to.end(), letters.begin(), letters.end());
 }
 
-void append_chunk(std::vector<std::uint8_t>& to, std::string_view name, std::span<std::uint8_t const> content)
-{
-    append(to, bytes_of(content.size()));
-    std::size_t const checked = to.size();
-    append(to, name);
-    append(to, content);
-    append(to, bytes_of(libdeflate_crc32(0, &to[checked], to.size() - checked)));
-}
-
 std::vector<std::uint8_t> header_of(Picture const& picture)
 {
     constexpr std::uint8_t kColourTypes[] = {0, 4, 2, 6};
@@ -51,19 +42,29 @@ std::vector<std::uint8_t> header_of(Picture const& picture)
 
 } // namespace
 
+void append_png_chunk(std::vector<std::uint8_t>& to, std::string_view name,
+                      std::span<std::uint8_t const> content)
+{
+    append(to, bytes_of(content.size()));
+    std::size_t const checked = to.size();
+    append(to, name);
+    append(to, content);
+    append(to, bytes_of(libdeflate_crc32(0, &to[checked], to.size() - checked)));
+}
+
 std::vector<std::uint8_t> png_start(Picture const& picture)
 {
     constexpr std::uint8_t kStart[] = {0x78, 0x5e}; // Deflate with a window of 32 KiB, at a fast level
     std::vector<std::uint8_t> start{0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
-    append_chunk(start, "IHDR", header_of(picture));
+    append_png_chunk(start, "IHDR", header_of(picture));
     if (!picture.attributes.empty()) {
         std::vector<std::uint8_t> text;
         append(text, "Umbrix");                   // the keyword
         text.insert(text.end(), {0, 0, 0, 0, 0}); // not packed, in no language, with no other keyword
         append(text, attribute_text(picture.attributes));
-        append_chunk(start, "iTXt", text);
+        append_png_chunk(start, "iTXt", text);
     }
-    append_chunk(start, kRows, kStart);
+    append_png_chunk(start, kRows, kStart);
     return start;
 }
 
@@ -72,8 +73,8 @@ std::vector<std::uint8_t> png_end(std::uint32_t adler)
     std::vector<std::uint8_t> stream{0b011, 0};
     append(stream, bytes_of(adler));
     std::vector<std::uint8_t> end;
-    append_chunk(end, kRows, stream);
-    append_chunk(end, "IEND", {});
+    append_png_chunk(end, kRows, stream);
+    append_png_chunk(end, "IEND", {});
     return end;
 }
 
