@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/base/failure.h"
-#include "toolkit/base/text.h"
 #include "toolkit/checks/find_clipping.h"
 #include "toolkit/checks/find_jpeg_blocks.h"
 #include "toolkit/checks/find_light.h"
@@ -10,48 +9,18 @@
 #include "toolkit/pictures/encode.h"
 #include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/methods/slopes_of_normals.h"
+#include "toolkit/tasks/methods/taken_for.h"
 #include "toolkit/tasks/prepared_input.h"
 #include "toolkit/tasks/tasks.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <filesystem>
 #include <fmt/format.h>
 
 namespace umbrixlib::toolkit {
 
 namespace {
-
-/// What a picture is taken for, and what speaks for it.
-struct TakenFor {
-    PictureKind kind;
-    std::string because;
-};
-
-TakenFor taken_for(DecodedImage const& image, std::string const& file)
-{
-    Picture const& picture = image.picture();
-    std::string const told = value_of(picture.attributes, "kind");
-    constexpr std::array<std::pair<char const*, PictureKind>, 4> kTold{{{"normals", PictureKind::kNormals},
-                                                                        {"heights", PictureKind::kHeights},
-                                                                        {"map", PictureKind::kLight},
-                                                                        {"light", PictureKind::kUnknown}}};
-    for (auto const& [name, kind] : kTold) {
-        if (told == name) {
-            return {kind, "it tells so itself"};
-        }
-    }
-    if (picture.channels < 3) {
-        return {PictureKind::kHeights, "it has no colour"};
-    }
-    if (lower_case(std::filesystem::path(file).stem().string()).ends_with("_umbrix")) {
-        return {PictureKind::kLight, "its name says 'Umbrix'"};
-    }
-    KindGuess const guess =
-        picture.has_alpha() ? guess_kind(without_alpha(picture), file) : guess_kind(picture, file);
-    return {guess.kind == Kind::kNormalMap ? PictureKind::kNormals : PictureKind::kHeights, guess.reason};
-}
 
 void find_invalid(Picture const& picture, Findings& findings)
 {

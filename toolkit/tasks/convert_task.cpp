@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/pictures/analysis/kind_guess.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/pictures/heights/take_heights.h"
 #include "toolkit/tasks/methods/self_description.h"
@@ -15,15 +14,6 @@ namespace {
 
 constexpr char const* kCoding = "coding";
 
-/// Whether the colours are vectors: as the picture tells, or else by what they look like.
-bool are_vectors(Picture const& picture, std::string const& name)
-{
-    if (is_whole(picture.type) || picture.channels < 3) {
-        return false;
-    }
-    std::string const coding = value_of(picture.attributes, kCoding);
-    return coding.empty() ? has_vectors(picture) && guess_kind(picture, name).kind == Kind::kNormalMap
-                          : coding == "-1..1";
 }
 
 /// Whole numbers hold no vectors that go below 0.

@@ -55,6 +55,16 @@ std::optional<HeightRange> take_for_normals(PreparedInput& input, HeightReading 
     return take_heights_in_alpha(input.picture, reading, name, observer);
 }
 
+bool are_vectors(Picture const& picture, std::string const& name)
+{
+    if (is_whole(picture.type) || picture.channels < 3) {
+        return false;
+    }
+    std::string const coding = value_of(picture.attributes, "coding");
+    return coding.empty() ? has_vectors(picture) && guess_kind(picture, name).kind == Kind::kNormalMap
+                          : coding == "-1..1";
+}
+
 void note_unlike_its_name(std::string const& file, KindGuess const& guess, Observer& observer)
 {
     NameEnding const* const ending = ending_of_name(file);

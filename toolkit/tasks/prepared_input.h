@@ -32,6 +32,9 @@ struct PreparedInput {
     Picture picture; ///< Of three channels or, if the file has an alpha, four; in the file's sample type.
 };
 
+/// Whether the colours are vectors, -1 to 1: as the picture tells, or else by what they look like.
+bool are_vectors(Picture const& picture, std::string const& name);
+
 /// Tells where what the picture looks like and the ending of its name disagree, as that deserves a look.
 void note_unlike_its_name(std::string const& file, KindGuess const& guess, Observer& observer);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "commands/tell/check_command.h"
 
+#include "options/kind_option.h"
 #include "options/normal_y_option.h"
 #include "options/setting_options.h"
 #include "terminal/advice.h"
@@ -12,10 +13,7 @@
 #include "toolkit/pictures/naming.h"
 #include "toolkit/workers/run_one.h"
 
-#include <CLI/Error.hpp>
-#include <array>
 #include <fmt/format.h>
-#include <functional>
 #include <nlohmann/json.hpp>
 
 namespace umbrix_cli {
@@ -24,29 +22,6 @@ namespace {
 
 constexpr char const* kCheckCommand = "umbrix check";
 constexpr char const* kCheckGroup = "Check";
-
-void declare_checked_kind(CLI::App& command, std::optional<PictureKind>& kind)
-{
-    std::function<void(std::string const&)> const parse = [&kind](std::string const& text) {
-        constexpr std::array<std::pair<char const*, PictureKind>, 3> kKinds{
-            {{"normal", PictureKind::kNormals},
-             {"height", PictureKind::kHeights},
-             {"umbrix", PictureKind::kLight}}};
-        for (auto const& [name, value] : kKinds) {
-            if (text == name) {
-                kind = value;
-                return;
-            }
-        }
-        throw CLI::ValidationError("--kind", fmt::format("'{}' is not one of normal, height, umbrix", text));
-    };
-    command
-        .add_option_function<std::string>("--kind", parse,
-                                          "What the maps are [normal, height, umbrix; default: as the file "
-                                          "tells, or its name, or else a guess]")
-        ->type_name("KIND")
-        ->group(kCheckGroup);
-}
 
 /// Beside @p file, with all of its name, as the copy is the same map.
 std::filesystem::path mended_name(std::filesystem::path const& file)
@@ -87,7 +62,7 @@ void CheckCommand::declare(CLI::App& command)
     common_.declare_limits(command);
     common_.declare_progress(command);
     command.add_flag("--json", json_, "Write one JSON object a map instead of text");
-    declare_checked_kind(command, kind_);
+    declare_picture_kind(command, kind_, "What the maps are")->group(kCheckGroup);
     declare_normal_y(command, normal_y_, "Where green should point in normal maps")
         ->description("Where green should point in normal maps: up (OpenGL) or down (DirectX) [up, down; "
                       "default: anywhere]")
