@@ -52,7 +52,7 @@ PARTS = [
             ["base"],
             ["files", "integration", "pages", "relief"],
             ["pictures"],
-            ["checks", "settings"],
+            ["checks", "settings", "textures"],
             ["lists"],
             ["tasks"],
             ["workers"],

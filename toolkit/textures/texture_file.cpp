@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/textures/texture_file.h"
+
+#include "toolkit/base/failure.h"
+#include "toolkit/base/text.h"
+#include "toolkit/files/opened_files.h"
+#include "toolkit/pictures/encode.h"
+#include "toolkit/pictures/formats/encoders/output_stream.h"
+#include "toolkit/pictures/output_check.h"
+#include "toolkit/textures/dds_header.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <fmt/format.h>
+#include <memory>
+#include <span>
+
+namespace umbrixlib::toolkit {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::array kContainers = {".dds"}; // in their order
+
+/// The parts of a file, in its order.
+using FileParts = std::vector<std::span<std::uint8_t const>>;
+
+FileParts parts_of(std::vector<std::uint8_t> const& header, Texture const& texture)
+{
+    FileParts parts{header};
+    parts.insert(parts.end(), texture.levels.begin(), texture.levels.end());
+    return parts;
+}
+
+bool write(fs::path const& file, FileParts const& parts)
+{
+    OutputStream stream(file);
+    for (auto const& part : parts) {
+        stream.write(part);
+    }
+    return stream.close();
+}
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+/// Whether @p file consists of @p parts.
+bool holds(fs::path const& file, FileParts const& parts)
+{
+    std::unique_ptr<std::FILE, CloseFile> const stream(fdopen(open_file(file, OpenFor::kReading), "rb"));
+    if (!stream) {
+        return false;
+    }
+    std::vector<std::uint8_t> piece(1U << 20U);
+    for (std::span<std::uint8_t const> rest : parts) {
+        while (!rest.empty()) {
+            std::size_t const size = std::min(piece.size(), rest.size());
+            if (std::fread(piece.data(), 1, size, stream.get()) != size ||
+                !std::equal(piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(size), rest.begin())) {
+                return false;
+            }
+            rest = rest.subspan(size);
+        }
+    }
+    return std::fgetc(stream.get()) == EOF;
+}
+
+} // namespace
+
+TextureContainer texture_container(fs::path const& file)
+{
+    std::string const extension = file.extension().string();
+    auto const* const found = std::ranges::find(kContainers, lower_case(extension));
+    if (found == kContainers.end()) {
+        throw Failure(Fault::kUnknownFormat, file.string(),
+                      extension.empty() ? "its name has no extension to tell the format by"
+                                        : fmt::format("textures cannot be written as {}", extension),
+                      fmt::format("use {}", fmt::join(kContainers, " or ")));
+    }
+    return static_cast<TextureContainer>(found - kContainers.begin());
+}
+
+char const* extension_of(TextureContainer container)
+{
+    return kContainers[static_cast<std::size_t>(container)];
+}
+
+fs::path check_texture_output(fs::path const& output, fs::path const& input, bool overwrite)
+{
+    texture_container(output);
+    return check_other_output(output, input, overwrite);
+}
+
+void write_texture(fs::path const& file, TextureContainer /*container*/, std::string const& name,
+                   Texture const& texture, Observer& observer)
+{
+    std::vector<std::uint8_t> const header = dds_header(texture);
+    FileParts const parts = parts_of(header, texture);
+    write_and_check(
+        file, name, [&] { return write(file, parts); }, [&] { return holds(file, parts); }, observer);
+}
+
+} // namespace umbrixlib::toolkit
