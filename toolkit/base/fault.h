@@ -41,6 +41,8 @@ enum class Fault {
     kInvalidTexels,       ///< Texels are NaN or infinite.
     kHeightsOutsideRange, ///< Heights lie outside 0..1. The remedy names their range.
     kNoSuchChannel,       ///< A picture has not got the channel that is asked for.
+    kNotInTextureFormat,  ///< The format of a texture does not hold such a picture. The remedy is one that
+                          ///< does.
     kNotReadBack,         ///< A picture that was written does not read back as it should.
 
     // Settings and the files that describe them.

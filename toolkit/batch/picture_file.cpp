@@ -6,6 +6,7 @@
 #include "toolkit/files/preflight.h"
 #include "toolkit/pictures/output_check.h"
 #include "toolkit/pictures/output_format.h"
+#include "toolkit/textures/texture_file.h"
 
 #include <utility>
 
@@ -40,6 +41,9 @@ void PictureFile::start_over()
     if (holds_ == FileHolds::kPage) {
         check_page_name(named_);
         file_.emplace(check_other_output(named_, input_, overwrite_), kPageExtension);
+    } else if (holds_ == FileHolds::kTexture) {
+        fs::path target = check_texture_output(named_, input_, overwrite_);
+        file_.emplace(std::move(target), extension_of(texture_container(named_)));
     } else {
         fs::path target = check_output(named_, input_, overwrite_);
         file_.emplace(std::move(target), output_format(named_)->extension);

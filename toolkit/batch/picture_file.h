@@ -11,7 +11,7 @@
 namespace umbrixlib::toolkit {
 
 /// What a file holds.
-enum class FileHolds { kPicture, kPage };
+enum class FileHolds { kPicture, kTexture, kPage };
 
 /// A picture on its way from an input to an output: the checks, the temporary file of the worker, and the
 /// renaming in the end. Nothing temporary outlives the object.

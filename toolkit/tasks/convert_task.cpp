@@ -14,8 +14,6 @@ namespace {
 
 constexpr char const* kCoding = "coding";
 
-}
-
 /// Whole numbers hold no vectors that go below 0.
 void encode_vectors(Picture& picture, std::string const& name, Observer& observer)
 {

@@ -7,6 +7,7 @@
 #include "toolkit/settings/stack_description.h"
 #include "toolkit/tasks/light/relight.h"
 #include "toolkit/tasks/reports.h"
+#include "toolkit/textures/texture_format.h"
 
 #include <optional>
 #include <string>
@@ -157,6 +158,20 @@ struct ConvertJob {
     bool operator==(ConvertJob const&) const = default;
 };
 
+/// A texture file for engines, with smaller levels, from any picture.
+struct ExportJob {
+    using Report = ExportReport;
+
+    JobFiles files;                       ///< The output's extension names the container.
+    std::optional<PictureKind> kind;      ///< Empty: as the file tells, or its name, or else a guess.
+    std::optional<TextureFormat> format;  ///< Empty: as the kind has it.
+    int levels = kAllLevels;              ///< The largest one among them.
+    std::optional<HeightChannel> channel; ///< As in ConvertJob.
+    HeightReading reading;                ///< As in ConvertJob.
+
+    bool operator==(ExportJob const&) const = default;
+};
+
 /// What is in a picture.
 struct InfoJob {
     using Report = InfoReport;
@@ -246,8 +261,9 @@ struct FolderJob {
 };
 
 /// A job of any task.
-using Job = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, BentJob, HorizonJob, RelightJob, ViewJob,
-                         ConvertJob, InfoJob, CheckJob, StackJob, FitJob, DevicesJob, ListJob, FolderJob>;
+using Job =
+    std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, BentJob, HorizonJob, RelightJob, ViewJob,
+                 ConvertJob, ExportJob, InfoJob, CheckJob, StackJob, FitJob, DevicesJob, ListJob, FolderJob>;
 
 /// A job that makes one picture of another.
 using PictureJob =

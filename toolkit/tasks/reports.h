@@ -126,6 +126,20 @@ struct ConvertReport {
     bool operator==(ConvertReport const&) const = default;
 };
 
+struct ExportReport {
+    int width = 0; ///< Of the largest level.
+    int height = 0;
+    PictureKind taken_for = PictureKind::kUnknown; ///< Normals, heights in one channel, or any other data.
+    std::string because;                           ///< What speaks for that; "" if it was given.
+    int channels = 0;                              ///< Of the picture that was stored.
+    std::string form;                              ///< "BC5", "8-bit RGBA".
+    int levels = 0;
+    std::size_t bytes = 0;              ///< Of all levels.
+    std::optional<HeightRange> heights; ///< As in ConvertReport.
+
+    bool operator==(ExportReport const&) const = default;
+};
+
 struct InfoReport {
     int width = 0;
     int height = 0;
@@ -214,7 +228,7 @@ struct FolderReport {
 
 /// The report of a job of any task. In the order of Job.
 using Report = std::variant<MapReport, NormalReport, HeightReport, CurvatureReport, BentReport, HorizonReport,
-                            RelightReport, ViewReport, ConvertReport, InfoReport, CheckReport, StackReport,
-                            FitReport, DevicesReport, ListReport, FolderReport>;
+                            RelightReport, ViewReport, ConvertReport, ExportReport, InfoReport, CheckReport,
+                            StackReport, FitReport, DevicesReport, ListReport, FolderReport>;
 
 } // namespace umbrixlib::toolkit

@@ -63,6 +63,8 @@ UMBRIX_FIELDS(RelightJob, UMBRIX_FIELD(files), UMBRIX_FIELD(light), UMBRIX_FIELD
 UMBRIX_FIELDS(ViewJob, UMBRIX_FIELD(files), UMBRIX_FIELD(albedo), UMBRIX_FIELD(title), UMBRIX_FIELD(mode),
               UMBRIX_FIELD(mode_is_given), UMBRIX_FIELD(force))
 UMBRIX_FIELDS(ConvertJob, UMBRIX_FIELD(files), UMBRIX_FIELD(channel), UMBRIX_FIELD(reading))
+UMBRIX_FIELDS(ExportJob, UMBRIX_FIELD(files), UMBRIX_FIELD(kind), UMBRIX_FIELD(format), UMBRIX_FIELD(levels),
+              UMBRIX_FIELD(channel), UMBRIX_FIELD(reading))
 UMBRIX_FIELDS(InfoJob, UMBRIX_FIELD(input), UMBRIX_FIELD(max_texels), UMBRIX_FIELD(range))
 UMBRIX_FIELDS(CheckJob, UMBRIX_FIELD(files), UMBRIX_FIELD(kind), UMBRIX_FIELD(normal_y), UMBRIX_FIELD(mode),
               UMBRIX_FIELD(h_tile), UMBRIX_FIELD(v_tile))
@@ -98,6 +100,9 @@ UMBRIX_FIELDS(ConvertReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_F
 UMBRIX_FIELDS(ChannelRange, UMBRIX_FIELD(name), UMBRIX_FIELD(minimum), UMBRIX_FIELD(maximum),
               UMBRIX_FIELD(mean), UMBRIX_FIELD(levels), UMBRIX_FIELD(invalid))
 UMBRIX_FIELDS(Attribute, UMBRIX_FIELD(key), UMBRIX_FIELD(value))
+UMBRIX_FIELDS(ExportReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(taken_for),
+              UMBRIX_FIELD(because), UMBRIX_FIELD(channels), UMBRIX_FIELD(form), UMBRIX_FIELD(levels),
+              UMBRIX_FIELD(bytes), UMBRIX_FIELD(heights))
 UMBRIX_FIELDS(InfoReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(format),
               UMBRIX_FIELD(bits_per_channel), UMBRIX_FIELD(pixel), UMBRIX_FIELD(only_header),
               UMBRIX_FIELD(channels), UMBRIX_FIELD(has_8_bit_steps), UMBRIX_FIELD(taken_for),

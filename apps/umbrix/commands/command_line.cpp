@@ -3,6 +3,7 @@
 
 #include "commands/batch_command.h"
 #include "commands/convert_command.h"
+#include "commands/export_command.h"
 #include "commands/fit_command.h"
 #include "commands/height_command.h"
 #include "commands/light/relight_command.h"
@@ -55,6 +56,8 @@ constexpr CommandRow kCommands[] = {
     {"view", "Make a web page that shows an Umbrix map in a light to be moved", make_command<ViewCommand>},
     {"convert", "Save a picture in another format or at another depth, and otherwise as it is",
      make_command<ConvertCommand>},
+    {"export", "Write a texture file for engines: DDS with mipmaps, packed or not",
+     make_command<ExportCommand>},
     {"batch", "Make the maps of all pictures in folders, several at a time", make_command<BatchCommand>},
     {"list", "Keep a work list: jobs for many files, in a file of their own", make_command<ListCommand>},
     {"info", "Tell what is in a picture, and what map would take it for", make_command<InfoCommand>},

@@ -42,6 +42,7 @@ constexpr Advice kAdvice[] = {
     {Fault::kInvalidTexels, "give what they stand for with --replace-invalid"},
     {Fault::kHeightsOutsideRange, "give --height-range {}, or --height-range auto for the same"},
     {Fault::kNoSuchChannel, "name another channel"},
+    {Fault::kNotInTextureFormat, "give --format {}, or tell with --kind what it is"},
     {Fault::kNotReadBack, "check the disk and the limits on memory, or choose another folder or format"},
 
     {Fault::kWrongValue, "{}"},

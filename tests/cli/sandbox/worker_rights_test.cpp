@@ -70,6 +70,7 @@ std::vector<Command> const& commands()
         {"relight", {"relight", "hill.tga", "-o", "o.tga", "--overwrite"}},
         {"view", {"view", "hill.tga", "-o", "o.html", "--overwrite"}},
         {"convert", {"convert", "hill.tga", "-o", "o.png", "--overwrite"}},
+        {"export", {"export", "hill.tga", "-o", "o.dds", "--overwrite"}},
         {"info", {"info", "hill.tga"}},
         {"check", {"check", "hill.tga"}},
         {"fit", {"fit", "hill.tga", "hill_n.tga"}},

@@ -16,6 +16,7 @@ inline constexpr char const* kFittingRelief = "Fitting Relief";
 inline constexpr char const* kMakingHeights = "Making Heights";
 inline constexpr char const* kMakingCurvature = "Making Curvature";
 inline constexpr char const* kFindingHorizons = "Finding Horizons";
+inline constexpr char const* kMakingTexture = "Making Texture";
 
 /// A call into the library, with the progress pair that it writes.
 using LibraryCall = std::function<bool(std::string* status, int* progress)>;
