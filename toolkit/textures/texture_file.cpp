@@ -8,6 +8,7 @@
 #include "toolkit/pictures/formats/encoders/output_stream.h"
 #include "toolkit/pictures/output_check.h"
 #include "toolkit/textures/dds_header.h"
+#include "toolkit/textures/ktx2_layout.h"
 
 #include <algorithm>
 #include <array>
@@ -22,15 +23,28 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::array kContainers = {".dds"}; // in their order
+constexpr std::array kContainers = {".dds", ".ktx2"}; // in their order
 
 /// The parts of a file, in its order.
 using FileParts = std::vector<std::span<std::uint8_t const>>;
 
-FileParts parts_of(std::vector<std::uint8_t> const& header, Texture const& texture)
+FileParts parts_of_dds(std::vector<std::uint8_t> const& header, Texture const& texture)
 {
     FileParts parts{header};
     parts.insert(parts.end(), texture.levels.begin(), texture.levels.end());
+    return parts;
+}
+
+FileParts parts_of_ktx2(Ktx2Layout const& layout, Texture const& texture)
+{
+    static constexpr std::array<std::uint8_t, 16> kZeros{}; // as many as a block has bytes
+    FileParts parts{layout.start};
+    std::size_t end = layout.start.size();
+    for (std::size_t i = texture.levels.size(); i-- > 0;) {
+        parts.push_back(std::span(kZeros).first(layout.levels[i] - end));
+        parts.emplace_back(texture.levels[i]);
+        end = layout.levels[i] + texture.levels[i].size();
+    }
     return parts;
 }
 
@@ -94,11 +108,13 @@ fs::path check_texture_output(fs::path const& output, fs::path const& input, boo
     return check_other_output(output, input, overwrite);
 }
 
-void write_texture(fs::path const& file, TextureContainer /*container*/, std::string const& name,
+void write_texture(fs::path const& file, TextureContainer container, std::string const& name,
                    Texture const& texture, Observer& observer)
 {
-    std::vector<std::uint8_t> const header = dds_header(texture);
-    FileParts const parts = parts_of(header, texture);
+    bool const is_dds = container == TextureContainer::kDds;
+    std::vector<std::uint8_t> const header = is_dds ? dds_header(texture) : std::vector<std::uint8_t>();
+    Ktx2Layout const layout = is_dds ? Ktx2Layout() : ktx2_layout(texture);
+    FileParts const parts = is_dds ? parts_of_dds(header, texture) : parts_of_ktx2(layout, texture);
     write_and_check(
         file, name, [&] { return write(file, parts); }, [&] { return holds(file, parts); }, observer);
 }

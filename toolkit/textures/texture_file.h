@@ -11,7 +11,8 @@ namespace umbrixlib::toolkit {
 
 /// A kind of file that holds textures.
 enum class TextureContainer {
-    kDds, ///< DirectDraw Surface, with the header of Direct3D 10.
+    kDds,  ///< DirectDraw Surface, with the header of Direct3D 10.
+    kKtx2, ///< Khronos texture, without supercompression.
 };
 
 /// The container that the extension of @p file tells, in any letter case. A Failure if it is none.

@@ -56,7 +56,7 @@ constexpr CommandRow kCommands[] = {
     {"view", "Make a web page that shows an Umbrix map in a light to be moved", make_command<ViewCommand>},
     {"convert", "Save a picture in another format or at another depth, and otherwise as it is",
      make_command<ConvertCommand>},
-    {"export", "Write a texture file for engines: DDS with mipmaps, packed or not",
+    {"export", "Write a texture file for engines: DDS or KTX2 with mipmaps, packed or not",
      make_command<ExportCommand>},
     {"batch", "Make the maps of all pictures in folders, several at a time", make_command<BatchCommand>},
     {"list", "Keep a work list: jobs for many files, in a file of their own", make_command<ListCommand>},

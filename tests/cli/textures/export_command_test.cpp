@@ -120,6 +120,27 @@ TEST_F(ExportCommand, WritesTheHeaderOfDirect3D)
     EXPECT_EQ(alone.size(), 148U + 64U * 64U * 4U);
 }
 
+TEST_F(ExportCommand, WritesTheSameLevelsAsKtx2)
+{
+    for (char const* const format : {"bc5", "bc7", "8", "16", "half"}) {
+        Bytes const dds = exported({"slopes.tga", "--format", format});
+        Bytes const ktx2 = exported({"slopes.tga", "--format", format}, "o.ktx2");
+        std::size_t at = 148; // in DDS the largest level is first
+        for (std::size_t level = 0; level < 7; ++level) {
+            std::size_t const first = word(ktx2, 80 + 24 * level);
+            std::size_t const size = word(ktx2, 80 + 24 * level + 8);
+            ASSERT_LE(first + size, ktx2.size());
+            EXPECT_TRUE(std::equal(ktx2.begin() + static_cast<std::ptrdiff_t>(first),
+                                   ktx2.begin() + static_cast<std::ptrdiff_t>(first + size),
+                                   dds.begin() + static_cast<std::ptrdiff_t>(at)))
+                << format << ' ' << level;
+            at += size;
+            EXPECT_EQ(level == 0, first + size == ktx2.size()); // and here the last
+        }
+        EXPECT_EQ(at, dds.size());
+    }
+}
+
 TEST_F(ExportCommand, KeepsWhatIsNotPacked)
 {
     Bytes const row{0, 3, 128, 255, 17};
@@ -224,7 +245,7 @@ TEST_F(ExportCommand, RefusesWhatMakesNoSense)
     for (Line const& line :
          {Line{{"hill.tga", "-o", "o.png"},
                2,
-               "umbrix export: error: o.png: textures cannot be written as .png; use .dds"},
+               "umbrix export: error: o.png: textures cannot be written as .png; use .dds or .ktx2"},
           {{"hill.tga", "-o", "o"}, 2, "umbrix export: error: o: its name has no extension"},
           {{"hill.tga"}, 2, "--output"},
           {{"hill.tga", "-o", "there.dds"}, 1, "umbrix export: error: there.dds: it exists"},
