@@ -89,13 +89,17 @@ Picture normals_in(DecodedImage& image, ExportJob const& job, Observer& observer
     return normals;
 }
 
-/// Other data, of one channel, three or four.
-Picture data_from(DecodedImage& image, ExportJob const& job, PictureKind kind, TextureFormat format,
-                  ExportReport& report, Observer& observer)
+/// Other data, of one channel, three or four. An alpha beside equal colours stays where there is room.
+Picture data_from(DecodedImage& image, ExportJob const& job, TextureFormat format, ExportReport& report,
+                  Observer& observer)
 {
     std::string const& name = job.files.input;
     Picture picture = image.release_picture();
-    if (job.channel || (kind == PictureKind::kHeights && picture.channels != 1)) {
+    bool const is_guessed = !job.channel && !job.kind;
+    if (is_guessed && picture.has_alpha() && format != TextureFormat::kBc4) {
+        report.taken_for = PictureKind::kUnknown;
+    }
+    if (job.channel || (report.taken_for == PictureKind::kHeights && picture.channels != 1)) {
         bool const loses_alpha = !job.channel && picture.has_alpha();
         picture = channel_of(picture, job.channel.value_or(HeightChannel::kMean), name);
         if (loses_alpha) {
@@ -109,7 +113,7 @@ Picture data_from(DecodedImage& image, ExportJob const& job, PictureKind kind, T
     }
     bool const bounded = format != TextureFormat::kHalf;
     report.heights = take_colours(picture, job.reading, bounded, name, observer);
-    picture.kind = kind;
+    picture.kind = report.taken_for;
     return picture;
 }
 
@@ -132,7 +136,7 @@ ExportReport run(ExportJob const& job, Observer& observer)
     report.because = data.because;
     Picture const picture = data.kind == PictureKind::kNormals
                                 ? normals_in(image, job, observer)
-                                : data_from(image, job, data.kind, format, report, observer);
+                                : data_from(image, job, format, report, observer);
     report.channels = picture.channels;
     if (format == TextureFormat::kBc5 && picture.has_alpha()) {
         observer.note(files.input, {"its alpha is left out, as BC5 has two channels"});

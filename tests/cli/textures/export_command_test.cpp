@@ -234,6 +234,19 @@ TEST_F(ExportCommand, TellsWhatItLeavesOut)
               std::string::npos);
 }
 
+TEST_F(ExportCommand, KeepsAnAlphaBesideGreyWhereThereIsRoom)
+{
+    write("grey.png", png_bytes(2, PngColour::kGreyAlpha, 8, {{90, 200, 17, 3}, {90, 200, 17, 3}}));
+    Outcome const packed = run({"export", "grey.png", "-o", "o.dds"});
+    EXPECT_NE(packed.out.find("heights (it has no colour), BC4"), std::string::npos) << packed.out;
+    EXPECT_NE(packed.err.find("its alpha is left out"), std::string::npos) << packed.err;
+    Outcome const whole = run({"export", "grey.png", "-o", "w.dds", "--format", "8", "--mipmaps", "none"});
+    EXPECT_NE(whole.out.find("four channels, 8-bit RGBA"), std::string::npos) << whole.out;
+    Bytes const bytes = read("w.dds");
+    EXPECT_EQ(Bytes(bytes.begin() + 148, bytes.end()),
+              (Bytes{90, 90, 90, 200, 17, 17, 17, 3, 90, 90, 90, 200, 17, 17, 17, 3}));
+}
+
 TEST_F(ExportCommand, RefusesWhatMakesNoSense)
 {
     struct Line {

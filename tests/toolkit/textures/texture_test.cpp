@@ -136,6 +136,17 @@ TEST(Textures, CutWhatWholeNumbersDoNotHold)
               (std::vector<std::uint8_t>{0, 128, 255, 0}));
 }
 
+TEST(Textures, TellHowFarTheyAreAndStop)
+{
+    Picture const picture = random_picture(40, 30, 3, PictureKind::kNormals);
+    RunControl whole;
+    ASSERT_TRUE(make_texture(picture, TextureFormat::kBc5, kAllLevels, &whole));
+    EXPECT_EQ(whole.permille(), 1000);
+    RunControl stopped;
+    stopped.stop();
+    EXPECT_FALSE(make_texture(picture, TextureFormat::kBc5, kAllLevels, &stopped));
+}
+
 TEST(Textures, AreTheSameWithAnyNumberOfThreadsAndEveryInstructionSet)
 {
     int const all = omp_get_max_threads();
