@@ -2,14 +2,14 @@
 #include "options/setting_options.h"
 
 #include "options/preset_option.h"
+#include "toolkit/base/text.h"
 #include "toolkit/base/whole.h"
 #include "toolkit/settings/defaults.h"
 
 #include <CLI/Error.hpp>
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <fmt/format.h>
+#include <optional>
 
 namespace umbrix_cli {
 
@@ -146,17 +146,15 @@ void declare_rows(CLI::App& command, Settings& settings, unsigned users)
 
 double parse_number(std::string const& option, std::string const& text, double minimum, double maximum)
 {
-    double value = 0.0;
-    char const* const end = text.data() + text.size();
-    auto const [stop, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || stop != end || !std::isfinite(value)) {
+    std::optional<double> const value = number_in(text);
+    if (!value) {
         throw CLI::ValidationError(option, fmt::format("'{}' is not a number", text));
     }
-    if (value < minimum || value > maximum) {
+    if (*value < minimum || *value > maximum) {
         throw CLI::ValidationError(option,
                                    fmt::format("{} is out of range; give {} to {}", text, minimum, maximum));
     }
-    return value;
+    return *value;
 }
 
 } // namespace umbrix_cli

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/heights/height_reading.h"
 
-#include <charconv>
-#include <cmath>
+#include "toolkit/base/text.h"
+
 #include <fmt/format.h>
 #include <string_view>
 
@@ -12,15 +12,6 @@ namespace {
 
 constexpr char const* kNone = "none";
 constexpr char const* kAuto = "auto";
-
-std::optional<double> number_in(std::string_view text)
-{
-    double value = 0.0;
-    char const* const end = text.data() + text.size();
-    auto const [stop, error] = std::from_chars(text.data(), end, value);
-    bool const good = error == std::errc() && stop == end && std::isfinite(value);
-    return good ? std::optional(value) : std::nullopt;
-}
 
 } // namespace
 
