@@ -33,7 +33,8 @@ enum class Fault {
     kSideTooLong,         ///< A picture is wider or higher than can be worked on.
     kUnknownFormat,       ///< The name of an output tells no format. The remedy lists those that do.
     kOutputIsInput,       ///< An output would replace the input.
-    kNoAlphaInFormat,     ///< The format of an output holds no alpha, and something is to go there.
+    kNoAlphaInFormat,     ///< The format of an output holds no alpha, and one is wanted. The remedy
+                          ///< goes on: ", or leave it out".
     kDepthNotInFormat,    ///< The format of an output has no samples of the depth. The remedy names those it
                           ///< has.
     kSizeOutsideFormat,   ///< The format of an output does not take pictures of this size.

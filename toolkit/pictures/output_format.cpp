@@ -89,6 +89,11 @@ Failure no_heights(OutputFormat const& format, std::string const& name)
             fmt::format("{} files hold heights alone, in one channel", format.extension)};
 }
 
+Failure no_alpha(OutputFormat const& format, std::string const& name, std::string const& remedy)
+{
+    return {Fault::kNoAlphaInFormat, name, fmt::format("{} files hold no alpha", format.extension), remedy};
+}
+
 std::string output_extensions()
 {
     std::string all;

@@ -34,6 +34,10 @@ OutputFormat const* output_format(std::filesystem::path const& file);
 /// About an output @p name that would hold something else than the heights which @p format takes.
 Failure no_heights(OutputFormat const& format, std::string const& name);
 
+/// About an output @p name that would have an alpha, which @p format has no place for. @p remedy is that of
+/// Fault::kNoAlphaInFormat.
+Failure no_alpha(OutputFormat const& format, std::string const& name, std::string const& remedy = {});
+
 /// The extensions of all formats, for messages.
 std::string output_extensions();
 

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/base/failure.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/relief/sky.h"
 #include "toolkit/tasks/methods/height_plane.h"
@@ -9,7 +8,6 @@
 #include "toolkit/tasks/tasks.h"
 
 #include <algorithm>
-#include <fmt/format.h>
 
 namespace umbrixlib::toolkit {
 
@@ -31,8 +29,7 @@ HorizonOutput horizon_output(Output const& output, int first, PreparedInput cons
     check_size(format, output.name, input.width, input.height);
     SavedAs const as = saved_as(output.saving, format, PictureKind::kLight, output.name);
     if (!format.alpha) {
-        throw Failure(Fault::kNoAlphaInFormat, output.name,
-                      fmt::format("{} files hold no alpha", format.extension));
+        throw no_alpha(format, output.name);
     }
     return {output, first, format, as};
 }

@@ -2,10 +2,7 @@
 #include "options/map_usage.h"
 
 #include "terminal/complaint.h"
-#include "toolkit/base/failure.h"
 #include "toolkit/pictures/output_format.h"
-
-#include <fmt/format.h>
 
 namespace umbrix_cli {
 
@@ -22,9 +19,7 @@ void check_map_usage(Settings const& settings, std::string const& output)
     if (settings.height_in_alpha && !output.empty()) {
         OutputFormat const* const format = output_format(output);
         if (format != nullptr && !format->alpha) {
-            throw Failure(Fault::kNoAlphaInFormat, output,
-                          fmt::format("{} files hold no alpha", format->extension),
-                          ", or leave --height-in-alpha out");
+            throw no_alpha(*format, output, ", or leave --height-in-alpha out");
         }
     }
 }
