@@ -10,24 +10,6 @@
 
 namespace umbrixlib::toolkit {
 
-namespace {
-
-constexpr char const* kCoding = "coding";
-
-/// Whole numbers hold no vectors that go below 0.
-void encode_vectors(Picture& picture, std::string const& name, Observer& observer)
-{
-    if (are_vectors(picture, name)) {
-        Attributes attributes = std::move(picture.attributes);
-        set_value(attributes, kCoding, "0..1");
-        picture = encoded_vectors(picture);
-        picture.attributes = std::move(attributes);
-        observer.note(name, {"its normals are -1 to 1 and are encoded as 0 to 1"});
-    }
-}
-
-} // namespace
-
 ConvertReport run(ConvertJob const& job, Observer& observer)
 {
     JobFiles const& files = job.files;

@@ -6,6 +6,7 @@
 #include "toolkit/pictures/naming.h"
 
 #include <fmt/format.h>
+#include <utility>
 
 namespace umbrixlib::toolkit {
 
@@ -15,6 +16,8 @@ namespace {
 // needs the rest.
 constexpr double kBytesPerTexel = 32.0;
 constexpr double kProgram = 1024.0 * 1024.0 * 1024.0;
+
+constexpr char const* kCoding = "coding";
 
 void note_conversion(DecodedImage const& image, Source const& source, Observer& observer)
 {
@@ -42,7 +45,7 @@ std::optional<HeightRange> take_for_normals(PreparedInput& input, HeightReading 
     }
     SampleType const type = input.picture.type;
     bool const is_float = type == SampleType::kHalf || type == SampleType::kFloat;
-    std::string const coding = value_of(input.picture.attributes, "coding");
+    std::string const coding = value_of(input.picture.attributes, kCoding);
     bool const told = coding == "-1..1" || coding == "0..1";
     if (is_float && (told ? coding == "-1..1" : has_vectors(input.picture))) {
         input.picture = encoded_vectors(input.picture);
@@ -60,9 +63,20 @@ bool are_vectors(Picture const& picture, std::string const& name)
     if (is_whole(picture.type) || picture.channels < 3) {
         return false;
     }
-    std::string const coding = value_of(picture.attributes, "coding");
+    std::string const coding = value_of(picture.attributes, kCoding);
     return coding.empty() ? has_vectors(picture) && guess_kind(picture, name).kind == Kind::kNormalMap
                           : coding == "-1..1";
+}
+
+void encode_vectors(Picture& picture, std::string const& name, Observer& observer)
+{
+    if (are_vectors(picture, name)) {
+        Attributes attributes = std::move(picture.attributes);
+        set_value(attributes, kCoding, "0..1");
+        picture = encoded_vectors(picture);
+        picture.attributes = std::move(attributes);
+        observer.note(name, {"its normals are -1 to 1 and are encoded as 0 to 1"});
+    }
 }
 
 void note_unlike_its_name(std::string const& file, KindGuess const& guess, Observer& observer)

@@ -54,4 +54,8 @@ std::optional<HeightRange> take_for_heights(PreparedInput& input, HeightReading 
 std::optional<HeightRange> take_for_normals(PreparedInput& input, HeightReading const& reading,
                                             std::string const& name, Observer& observer);
 
+/// For a picture of any kind that goes into whole numbers, which hold nothing below 0: vectors in floats, as
+/// the picture tells or looks, are encoded as colours are, with a note. All else stays.
+void encode_vectors(Picture& picture, std::string const& name, Observer& observer);
+
 } // namespace umbrixlib::toolkit
