@@ -228,7 +228,7 @@ std::vector<float> colours_of(Picture const& picture)
 void check_channel(Picture const& picture, HeightChannel channel, std::string const& name)
 {
     if (channel == HeightChannel::kAlpha && !picture.has_alpha()) {
-        throw Failure(Fault::kNoSuchChannel, name, "it has no alpha to take heights from");
+        throw Failure(Fault::kNoSuchChannel, name, "it has no alpha");
     }
 }
 
