@@ -43,6 +43,9 @@ umbrix horizon "$height" -o "$work/early.png" --later "$work/late.png"
 umbrix convert "$work/early.png" --height-from r -o horizon_right.png
 umbrix convert "$work/early.png" --height-from b -o horizon_up.png
 
+# command-pack.md
+umbrix pack R=bent_occlusion.png G=curvature_cavity.png -o packed.png
+
 # command-relight.md
 umbrix relight maps_map.png --turntable 8 --light 0,40 --cell 80 -o turntable.png
 

@@ -66,7 +66,7 @@ PARTS = [
     ),
     Part(
         "apps/umbrix",
-        [["interrupts"], ["terminal"], ["options"], ["options/describe"], ["commands"], ["commands/light", "commands/list", "commands/relief", "commands/tell"]],
+        [["interrupts"], ["terminal"], ["options"], ["options/describe"], ["commands"], ["commands/light", "commands/list", "commands/pack", "commands/relief", "commands/tell"]],
         ["toolkit/*"],
         ["apps/umbrix"],
         [
@@ -75,6 +75,7 @@ PARTS = [
             # The line of commands has those of the rooms above among them.
             ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/light/*"),
             ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/list/list_command.h"),
+            ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/pack/*"),
             ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/relief/*"),
             ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/tell/*"),
         ],

@@ -120,7 +120,6 @@ constexpr char const* kDirectionNames[] = {"up", "down"};
 constexpr char const* kDepthChoices[] = {"auto", kDepthNames[0], kDepthNames[1], kDepthNames[2],
                                          kDepthNames[3]};
 constexpr char const* kPartNames[] = {"all", "cavity", "ridges"};
-constexpr char const* kChannelNames[] = {"mean", "r", "g", "b", "a", "luma"};
 
 } // namespace
 
@@ -144,7 +143,7 @@ std::span<char const* const> choices(SettingRow const& row)
                           [](std::optional<Kind> Settings::*) { return Names(kKindNames); },
                           [](NormalY Settings::*) { return Names(kDirectionNames); },
                           [](std::optional<SampleType> Settings::*) { return Names(kDepthChoices); },
-                          [](HeightChannel Settings::*) { return Names(kChannelNames); },
+                          [](HeightChannel Settings::*) { return Names(kHeightChannelNames); },
                           [](CurvaturePart Settings::*) { return Names(kPartNames); },
                       },
                       row.field);
@@ -216,7 +215,7 @@ std::string value_text(SettingRow const& row, Settings const& settings)
                               return std::string(depth ? name_of(*depth) : kDepthChoices[0]);
                           },
                           [&](HeightChannel Settings::*field) {
-                              return std::string(kChannelNames[static_cast<int>(settings.*field)]);
+                              return std::string(kHeightChannelNames[static_cast<int>(settings.*field)]);
                           },
                           [&](CurvaturePart Settings::*field) {
                               return std::string(kPartNames[static_cast<int>(settings.*field)]);

@@ -19,6 +19,17 @@ concept HasAlbedo = requires(OneJob const& job)
 
 } // namespace
 
+std::vector<std::string> distinct_inputs(PackJob const& job)
+{
+    std::vector<std::string> files;
+    for (PackedChannel const& channel : job.channels) {
+        if (!channel.file.empty() && std::ranges::count(files, channel.file) == 0) {
+            files.push_back(channel.file);
+        }
+    }
+    return files;
+}
+
 NamedFiles files_of(Job const& job)
 {
     NamedFiles files;
@@ -53,6 +64,10 @@ NamedFiles files_of(Job const& job)
                    [&](ListJob const& list) {
                        add(list.files);
                        add_layers(list.layers, &n_layer::filename);
+                   },
+                   [&](PackJob const& pack) {
+                       files.inputs = distinct_inputs(pack);
+                       add_output(pack.files.output);
                    },
                    [&](InfoJob const& info) { files.inputs = {info.input}; },
                    [&](StackJob const& stack) {
@@ -97,6 +112,9 @@ Pictures pictures_of(Job const& job)
             },
             [](ListJob const& list) {
                 return Pictures{1 + static_cast<double>(list.layers.size()), list.files.max_texels};
+            },
+            [](PackJob const& pack) {
+                return Pictures{static_cast<double>(distinct_inputs(pack).size()), pack.files.max_texels};
             },
             [](InfoJob const& info) {
                 return Pictures{1, info.max_texels};

@@ -172,6 +172,29 @@ struct ExportJob {
     bool operator==(ExportJob const&) const = default;
 };
 
+/// Where a channel of a packed picture comes from.
+struct PackedChannel {
+    std::string file;                          ///< Empty: the channel has one value.
+    HeightChannel from = HeightChannel::kMean; ///< What of the file's picture it is; of a grey one its grey.
+    bool invert = false;                       ///< 1 becomes 0.
+    double value = 0;                          ///< Without a file.
+
+    bool operator==(PackedChannel const&) const = default;
+};
+
+/// A picture whose channels are those of others.
+struct PackJob {
+    using Report = PackReport;
+
+    JobFiles files;                      ///< The input is the first file of the channels.
+    std::vector<PackedChannel> channels; ///< Red, green and blue, and alpha if it is wanted.
+
+    bool operator==(PackJob const&) const = default;
+};
+
+/// The files of the channels, each once.
+std::vector<std::string> distinct_inputs(PackJob const& job);
+
 /// What is in a picture.
 struct InfoJob {
     using Report = InfoReport;
@@ -261,9 +284,9 @@ struct FolderJob {
 };
 
 /// A job of any task.
-using Job =
-    std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, BentJob, HorizonJob, RelightJob, ViewJob,
-                 ConvertJob, ExportJob, InfoJob, CheckJob, StackJob, FitJob, DevicesJob, ListJob, FolderJob>;
+using Job = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, BentJob, HorizonJob, RelightJob, ViewJob,
+                         ConvertJob, ExportJob, PackJob, InfoJob, CheckJob, StackJob, FitJob, DevicesJob,
+                         ListJob, FolderJob>;
 
 /// A job that makes one picture of another.
 using PictureJob =

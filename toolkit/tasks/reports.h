@@ -140,6 +140,14 @@ struct ExportReport {
     bool operator==(ExportReport const&) const = default;
 };
 
+struct PackReport {
+    int width = 0;
+    int height = 0;
+    std::string to; ///< "8-bit colour"
+
+    bool operator==(PackReport const&) const = default;
+};
+
 struct InfoReport {
     int width = 0;
     int height = 0;
@@ -228,7 +236,7 @@ struct FolderReport {
 
 /// The report of a job of any task. In the order of Job.
 using Report = std::variant<MapReport, NormalReport, HeightReport, CurvatureReport, BentReport, HorizonReport,
-                            RelightReport, ViewReport, ConvertReport, ExportReport, InfoReport, CheckReport,
-                            StackReport, FitReport, DevicesReport, ListReport, FolderReport>;
+                            RelightReport, ViewReport, ConvertReport, ExportReport, PackReport, InfoReport,
+                            CheckReport, StackReport, FitReport, DevicesReport, ListReport, FolderReport>;
 
 } // namespace umbrixlib::toolkit

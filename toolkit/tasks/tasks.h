@@ -23,6 +23,7 @@ RelightReport run(RelightJob const& job, Observer& observer);
 ViewReport run(ViewJob const& job, Observer& observer);
 ConvertReport run(ConvertJob const& job, Observer& observer);
 ExportReport run(ExportJob const& job, Observer& observer);
+PackReport run(PackJob const& job, Observer& observer);
 InfoReport run(InfoJob const& job, Observer& observer);
 CheckReport run(CheckJob const& job, Observer& observer);
 StackReport run(StackJob const& job, Observer& observer);

@@ -65,6 +65,9 @@ UMBRIX_FIELDS(ViewJob, UMBRIX_FIELD(files), UMBRIX_FIELD(albedo), UMBRIX_FIELD(t
 UMBRIX_FIELDS(ConvertJob, UMBRIX_FIELD(files), UMBRIX_FIELD(channel), UMBRIX_FIELD(reading))
 UMBRIX_FIELDS(ExportJob, UMBRIX_FIELD(files), UMBRIX_FIELD(kind), UMBRIX_FIELD(format), UMBRIX_FIELD(levels),
               UMBRIX_FIELD(channel), UMBRIX_FIELD(reading))
+UMBRIX_FIELDS(PackedChannel, UMBRIX_FIELD(file), UMBRIX_FIELD(from), UMBRIX_FIELD(invert),
+              UMBRIX_FIELD(value))
+UMBRIX_FIELDS(PackJob, UMBRIX_FIELD(files), UMBRIX_FIELD(channels))
 UMBRIX_FIELDS(InfoJob, UMBRIX_FIELD(input), UMBRIX_FIELD(max_texels), UMBRIX_FIELD(range))
 UMBRIX_FIELDS(CheckJob, UMBRIX_FIELD(files), UMBRIX_FIELD(kind), UMBRIX_FIELD(normal_y), UMBRIX_FIELD(mode),
               UMBRIX_FIELD(h_tile), UMBRIX_FIELD(v_tile))
@@ -97,6 +100,7 @@ UMBRIX_FIELDS(RelightReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height))
 UMBRIX_FIELDS(ViewReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(bytes))
 UMBRIX_FIELDS(ConvertReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(from), UMBRIX_FIELD(to),
               UMBRIX_FIELD(heights))
+UMBRIX_FIELDS(PackReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(to))
 UMBRIX_FIELDS(ChannelRange, UMBRIX_FIELD(name), UMBRIX_FIELD(minimum), UMBRIX_FIELD(maximum),
               UMBRIX_FIELD(mean), UMBRIX_FIELD(levels), UMBRIX_FIELD(invalid))
 UMBRIX_FIELDS(Attribute, UMBRIX_FIELD(key), UMBRIX_FIELD(value))

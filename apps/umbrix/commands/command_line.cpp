@@ -11,6 +11,7 @@
 #include "commands/list/list_command.h"
 #include "commands/map_command.h"
 #include "commands/normal_command.h"
+#include "commands/pack/pack_command.h"
 #include "commands/preset_command.h"
 #include "commands/relief/bent_command.h"
 #include "commands/relief/curvature_command.h"
@@ -58,6 +59,7 @@ constexpr CommandRow kCommands[] = {
      make_command<ConvertCommand>},
     {"export", "Write a texture file for engines: DDS or KTX2 with mipmaps, packed or not",
      make_command<ExportCommand>},
+    {"pack", "Put channels of several pictures into one", make_command<PackCommand>},
     {"batch", "Make the maps of all pictures in folders, several at a time", make_command<BatchCommand>},
     {"list", "Keep a work list: jobs for many files, in a file of their own", make_command<ListCommand>},
     {"info", "Tell what is in a picture, and what map would take it for", make_command<InfoCommand>},

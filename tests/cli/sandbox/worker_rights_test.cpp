@@ -71,6 +71,7 @@ std::vector<Command> const& commands()
         {"view", {"view", "hill.tga", "-o", "o.html", "--overwrite"}},
         {"convert", {"convert", "hill.tga", "-o", "o.png", "--overwrite"}},
         {"export", {"export", "hill.tga", "-o", "o.dds", "--overwrite"}},
+        {"pack", {"pack", "R=hill.tga", "G=hill_n.tga", "-o", "o.png", "--overwrite"}},
         {"info", {"info", "hill.tga"}},
         {"check", {"check", "hill.tga"}},
         {"fit", {"fit", "hill.tga", "hill_n.tga"}},

@@ -16,6 +16,9 @@ enum class HeightChannel {
     kLuma, ///< 0.2126 red + 0.7152 green + 0.0722 blue (Rec. 709), of the numbers as they are.
 };
 
+/// What options and keys call the channels, in their order.
+inline constexpr char const* kHeightChannelNames[] = {"mean", "r", "g", "b", "a", "luma"};
+
 /// What heights become 0 and 1. Whole numbers stand for 0 to 1 already.
 struct HeightRange {
     enum class How {

@@ -97,6 +97,11 @@ Attributes attributes_of_sky(char const* maker, char const* kind, Settings const
     return attributes;
 }
 
+Attributes attributes_of_packed(char const* maker)
+{
+    return begun(maker, "packed");
+}
+
 Attributes attributes_of_light(char const* maker)
 {
     return begun(maker, "light");
@@ -126,6 +131,7 @@ std::string kind_beside_map(Attributes const& attributes)
            : kind == "curvature"    ? "a curvature map"
            : kind == "bent normals" ? "a map of bent normals"
            : kind == "occlusion"    ? "an occlusion map"
+           : kind == "packed"       ? "a packed picture"
            : kind == "light"        ? "a picture in a light"
                                     : "";
 }

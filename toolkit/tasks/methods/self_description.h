@@ -24,6 +24,9 @@ Attributes attributes_of_curvature(char const* maker, Settings const& settings, 
 /// Of what is made of horizons. @param kind "bent normals" or "occlusion".
 Attributes attributes_of_sky(char const* maker, char const* kind, Settings const& settings);
 
+/// Of a picture whose channels come from others.
+Attributes attributes_of_packed(char const* maker);
+
 /// Of a picture in a light.
 Attributes attributes_of_light(char const* maker);
 

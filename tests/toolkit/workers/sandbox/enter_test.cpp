@@ -242,8 +242,9 @@ TEST_F(Sandbox, IsTheOneOfItsJob)
     for (Job const& job : {Job(toolkit::MapJob()), Job(toolkit::NormalJob()), Job(toolkit::HeightJob()),
                            Job(toolkit::CurvatureJob()), Job(toolkit::BentJob()), Job(toolkit::HorizonJob()),
                            Job(toolkit::RelightJob()), Job(toolkit::ViewJob()), Job(toolkit::ConvertJob()),
-                           Job(toolkit::ExportJob()), Job(toolkit::InfoJob()), Job(toolkit::CheckJob()),
-                           Job(toolkit::StackJob()), Job(toolkit::FitJob()), Job(toolkit::ListJob())}) {
+                           Job(toolkit::ExportJob()), Job(toolkit::PackJob()), Job(toolkit::InfoJob()),
+                           Job(toolkit::CheckJob()), Job(toolkit::StackJob()), Job(toolkit::FitJob()),
+                           Job(toolkit::ListJob())}) {
         EXPECT_EQ(rights_of(job), Rights::kDecoding) << job.index();
     }
     EXPECT_EQ(rights_of(toolkit::FolderJob()), Rights::kFolder);
