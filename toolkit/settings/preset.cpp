@@ -2,25 +2,21 @@
 #include "toolkit/settings/preset.h"
 
 #include "toolkit/base/failure.h"
-#include "toolkit/base/suggestion.h"
 #include "toolkit/base/utf8.h"
 #include "toolkit/base/whole.h"
 #include "toolkit/files/preflight.h"
-#include "toolkit/settings/preset_texts.h"
+#include "toolkit/settings/named_toml_internal.h"
 #include "toolkit/settings/setting_table.h"
-#include "toolkit/settings/toml_reading_internal.h"
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 #include <type_traits>
 
 namespace umbrixlib::toolkit {
 
 namespace {
 
-constexpr char const* kDescription = "description";
-constexpr char const* kExtension = ".toml";
+constexpr NamedToml kPresets{"preset", kShippedPresets, Fault::kNoPreset, Fault::kUnknownPreset};
 
 /// Takes the value of one key into the settings.
 class Take {
@@ -97,17 +93,15 @@ private:
     Settings& settings_;
 };
 
-[[noreturn]] void refuse_key(TomlEntry const& entry, std::string_view key)
+[[noreturn]] void refuse_preset_key(TomlEntry const& entry, std::string_view key)
 {
-    std::vector<std::string> keys{kDescription};
+    std::vector<std::string> keys;
     for (SettingRow const& row : setting_table()) {
         keys.push_back(preset_key(row));
     }
-    std::string_view const meant = meant_by(key, {keys.begin(), keys.end()});
-    if (meant.empty()) {
-        entry.refuse(Fault::kNoPreset, "there is no such key");
-    }
-    entry.refuse(Fault::kUnknownKey, "there is no such key", fmt::format("perhaps {} is meant", meant));
+    std::vector<std::string_view> known{kDescriptionKey};
+    known.insert(known.end(), keys.begin(), keys.end());
+    refuse_key(entry, key, known, kPresets);
 }
 
 Preset preset_from(toml::table const& table, std::string const& subject)
@@ -119,37 +113,15 @@ Preset preset_from(toml::table const& table, std::string const& subject)
         std::string_view const name = key.str(); // clang 14 captures no structured binding
         auto const row = std::find_if(rows.begin(), rows.end(),
                                       [&](SettingRow const& each) { return preset_key(each) == name; });
-        if (key == kDescription) {
-            preset.description = entry.text("give one line of text");
-            if (!is_one_line(preset.description)) {
-                entry.refuse("it has line breaks or other control characters", "give one line of text");
-            }
+        if (key == kDescriptionKey) {
+            preset.description = description_in(entry);
         } else if (row == rows.end()) {
-            refuse_key(entry, key.str());
+            refuse_preset_key(entry, key.str());
         } else {
             std::visit(Take(*row, entry, preset.settings), row->field);
         }
     }
     return preset;
-}
-
-Preset read_shipped(std::string const& name)
-{
-    for (ShippedPreset const& each : kShippedPresets) {
-        if (name == each.name) {
-            return preset_from(parse_toml(each.text, name, Fault::kNoPreset), name);
-        }
-    }
-    std::string_view const meant = meant_by(name, shipped_presets());
-    throw Failure(Fault::kUnknownPreset, name, fmt::format("'{}' is not a shipped preset", name),
-                  fmt::format("{}; the shipped ones are {}, and the name of a file ends in {}",
-                              meant.empty() ? "check the name" : fmt::format("perhaps {} is meant", meant),
-                              fmt::join(shipped_presets(), ", "), kExtension));
-}
-
-bool names_file(std::string const& name)
-{
-    return name.find('/') != std::string::npos || name.ends_with(kExtension);
 }
 
 } // namespace
@@ -173,28 +145,17 @@ std::string preset_value(SettingRow const& row, Settings const& settings)
 
 std::vector<std::string_view> shipped_presets()
 {
-    std::vector<std::string_view> names;
-    for (ShippedPreset const& each : kShippedPresets) {
-        names.emplace_back(each.name);
-    }
-    return names;
+    return names_of(kShippedPresets);
 }
 
 Preset read_preset(std::string const& name)
 {
-    return names_file(name) ? preset_from(parse_toml_file(name, "a preset", Fault::kNoPreset), name)
-                            : read_shipped(name);
+    return preset_from(read_named_toml(name, kPresets), name);
 }
 
 std::string preset_text(Preset const& preset)
 {
-    std::string text;
-    if (!preset.description.empty()) {
-        // JSON writes a text as TOML does.
-        nlohmann::json const description = preset.description;
-        text = fmt::format("{} = {}\n", kDescription,
-                           description.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
-    }
+    std::string text = description_line(preset.description);
     std::string_view group;
     for (SettingRow const& row : setting_table()) {
         if (group != row.group) {
@@ -213,8 +174,8 @@ bool is_one_line(std::string_view text)
 
 void check_preset_output(std::string const& file, bool overwrite)
 {
-    if (!file.ends_with(kExtension)) {
-        throw Failure(Fault::kPresetName, file, fmt::format("its name does not end in {}", kExtension));
+    if (!file.ends_with(kTomlExtension)) {
+        throw Failure(Fault::kPresetName, file, fmt::format("its name does not end in {}", kTomlExtension));
     }
     check_output_file(file, overwrite);
 }
