@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Any bytes as a preset: options within their ranges that come back from a saved preset, or one sentence that
-// tells why not.
+// tells why not. The same bytes as a profile.
 #include "demand.h"
 #include "memory_file.h"
 #include "one_line.h"
@@ -8,6 +8,9 @@
 #include "terminal/advice.h"
 #include "toolkit/base/utf8.h"
 #include "toolkit/settings/preset.h"
+#include "toolkit/settings/profile.h"
+
+#include <optional>
 
 namespace {
 
@@ -26,19 +29,38 @@ void check(Preset const& preset, umbrixlib::test::MemoryFile const& file)
     demand(again.description == preset.description, "so does its description");
 }
 
+void check(Profile const& profile, umbrixlib::test::MemoryFile const& file)
+{
+    std::string const text = profile_text(profile);
+    file.set_content(text.data(), text.size());
+    demand(read_profile(file.name()) == profile, "a saved profile comes back as it was");
+}
+
+/// What @p read takes the file for; empty if it is refused, in one line.
+template <typename Read>
+auto taken(umbrixlib::test::MemoryFile const& file, Read&& read) -> std::optional<decltype(read(file.name()))>
+{
+    try {
+        return read(file.name());
+    } catch (Failure const& failure) {
+        umbrixlib::fuzz::demand_one_line(error_line(complaint_about(failure), "umbrix map"));
+        return std::nullopt;
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t size)
 {
     static umbrixlib::test::MemoryFile const file;
     file.set_content(bytes, size);
-    Preset preset;
-    try {
-        preset = read_preset(file.name());
-    } catch (Failure const& failure) {
-        umbrixlib::fuzz::demand_one_line(error_line(complaint_about(failure), "umbrix map"));
-        return 0;
+    auto const preset = taken(file, read_preset);
+    auto const profile = taken(file, read_profile);
+    if (preset) { // no Failure is right from here on
+        check(*preset, file);
     }
-    check(preset, file); // no Failure is right here
+    if (profile) {
+        check(*profile, file);
+    }
     return 0;
 }

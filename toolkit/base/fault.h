@@ -54,7 +54,9 @@ enum class Fault {
     kFirstLayerNotHeights, ///< The first layer of a stack is a normal map.
     kNoPreset,             ///< A file is not written as a preset is.
     kUnknownPreset,        ///< No preset that is shipped has this name. The remedy names some.
-    kPresetName,           ///< The name of a preset's file does not end as it should.
+    kPresetName,           ///< The name of a preset's or profile's file does not end as it should.
+    kNoProfile,            ///< A file is not written as a profile is.
+    kUnknownProfile,       ///< No profile that is shipped has this name. The remedy names some.
     kSettingOutOfRange,    ///< A setting of a job is out of its range. The remedy names the range.
 
     // Work lists.

@@ -48,7 +48,7 @@ bool is_output_of_a_run(fs::path const& file, BatchChoice const& choice)
 
 fs::path target_for(FoundFile const& found, BatchChoice const& choice, int part)
 {
-    fs::path const beside = default_output(found.file, suffix_of(choice, part));
+    fs::path const beside = default_output(found.file, suffix_of(choice, part), choice.extension);
     return choice.keep_tree.empty() ? beside : choice.keep_tree / found.tree / beside.filename();
 }
 

@@ -32,6 +32,7 @@ struct BatchChoice {
     bool include_outputs = false;    ///< Take outputs of earlier runs as inputs.
     Endings endings = Endings::kAny; ///< Those that the search has in a pattern or a name are taken.
     std::string suffix;              ///< Of the outputs: "_Umbrix".
+    std::string extension;           ///< Of the outputs; empty: as default_output() has it.
     int parts = 1; ///< Outputs of each input. If there are more, their numbers follow the suffix, from 1.
     std::string keep_tree; ///< Folder that the outputs go to, in the tree of the inputs; empty: beside them.
     OutputPolicy policy = OutputPolicy::kKeep;

@@ -68,6 +68,7 @@ constexpr NameEnding kEndings[] = {
     {"_specular", {}, {}},
     {"_gloss", {}, {}},
     {"_mask", {}, {}},
+    {"_maskmap", {}, {}},
     {"_opacity", {}, {}},
     {"_emissive", {}, {}},
     {"_orm", {}, {}},
@@ -131,7 +132,7 @@ std::optional<Kind> kind_of_word(std::string const& word, bool last)
 
 } // namespace
 
-fs::path default_output(fs::path const& input, std::string const& suffix)
+fs::path default_output(fs::path const& input, std::string const& suffix, std::string const& extension)
 {
     std::string stem = input.stem().string();
     std::string const lower = lower_case(stem);
@@ -141,10 +142,23 @@ fs::path default_output(fs::path const& input, std::string const& suffix)
             break;
         }
     }
+    if (!extension.empty()) {
+        return input.parent_path() / (stem + suffix + extension);
+    }
     OutputFormat const* const format = output_format(input);
     bool const keeps =
         format != nullptr && format->lossless && !format->powers_of_two && !format->heights_only;
     return input.parent_path() / (stem + suffix + (keeps ? input.extension().string() : ".png"));
+}
+
+fs::path packed_output(fs::path const& input, std::string const& suffix, std::string const& extension)
+{
+    std::string stem = input.stem().string();
+    NameEnding const* const ending = ending_of_name(input);
+    if (ending != nullptr) {
+        stem.erase(lower_case(stem).rfind(ending->text), ending->text.size());
+    }
+    return input.parent_path() / (stem + suffix + extension);
 }
 
 std::optional<NameHint> hint_of_name(fs::path const& file)

@@ -13,7 +13,14 @@ namespace umbrixlib::toolkit {
 /// Where the result goes when no name is given: beside @p input, with "_Umbrix" or the like before the
 /// extension. One of the tags _N, _NORMAL, _H and _HEIGHT at the end of the name gives way to it. The
 /// extension stays if pictures can be written so without loss; else it is ".png".
-std::filesystem::path default_output(std::filesystem::path const& input, std::string const& suffix);
+/// @param extension Of the output, whatever the input's is; empty: as above.
+std::filesystem::path default_output(std::filesystem::path const& input, std::string const& suffix,
+                                     std::string const& extension = {});
+
+/// The same for a picture that is packed of others: the ending of the input's name, as ending_of_name() has
+/// it, gives way to the suffix.
+std::filesystem::path packed_output(std::filesystem::path const& input, std::string const& suffix,
+                                    std::string const& extension);
 
 /// What the name says about the picture: a word such as "normal" or "height", or one of the tags _N and _H at
 /// its end, in any letter case. Nothing if it has words for both.

@@ -36,7 +36,7 @@ std::string preset_text(Preset const& preset);
 /// Whether a text can describe a preset: it has no line breaks nor other control characters.
 bool is_one_line(std::string_view text);
 
-/// Throws a Failure unless @p file can be written to and afterwards found as a preset.
+/// Throws a Failure unless @p file can be written to and afterwards found as a preset or a profile.
 void check_preset_output(std::string const& file, bool overwrite);
 
 } // namespace umbrixlib::toolkit

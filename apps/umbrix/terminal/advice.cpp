@@ -52,7 +52,9 @@ constexpr Advice kAdvice[] = {
     {Fault::kFirstLayerNotHeights, "put a height layer below, or give this one's heights"},
     {Fault::kNoPreset, "`umbrix preset save` writes a preset with every key"},
     {Fault::kUnknownPreset, "{}", kWrongUsage, "--preset"},
-    {Fault::kPresetName, "give one that does, so that --preset finds it", kWrongUsage},
+    {Fault::kPresetName, "give one that does, so that it is found", kWrongUsage},
+    {Fault::kNoProfile, "`umbrix profile save` writes a profile with every key"},
+    {Fault::kUnknownProfile, "{}", kWrongUsage, "--profile"},
     {Fault::kSettingOutOfRange, "{} with umbrix list set"},
 
     {Fault::kNoList, "name another file"},

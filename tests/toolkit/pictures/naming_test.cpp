@@ -37,6 +37,19 @@ TEST(Naming, TakesPngWhereTheFormatOfTheInputWouldLoseSomething)
     EXPECT_EQ(default_output("land.r16", "_Umbrix"), "land_Umbrix.png"); // holds heights alone
 }
 
+TEST(Naming, TakesTheExtensionThatIsAskedFor)
+{
+    EXPECT_EQ(default_output("a/brick_H.tga", "_N", ".png"), "a/brick_N.png");
+    EXPECT_EQ(default_output("land.r16", "_N", ".exr"), "land_N.exr");
+}
+
+TEST(Naming, PutsTheSuffixOfAPackedPictureInThePlaceOfTheEnding)
+{
+    EXPECT_EQ(toolkit::packed_output("a/brick_AO.tga", "_ORM", ".png"), "a/brick_ORM.png");
+    EXPECT_EQ(toolkit::packed_output("brick_roughness_2k.png", "_orm", ".tif"), "brick_2k_orm.tif");
+    EXPECT_EQ(toolkit::packed_output("brick.png", "_ORM", ".png"), "brick_ORM.png");
+}
+
 void expect_hint(char const* name, Kind kind, char const* word)
 {
     auto const hint = hint_of_name(name);
