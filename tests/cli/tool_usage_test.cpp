@@ -22,10 +22,10 @@ TEST_F(ToolUsage, HelpsWithEveryOption)
     Outcome const help = run({"--help"});
     EXPECT_EQ(help.code, 0);
     for (char const* text :
-         {"map",    "normal",     "height",        "curvature", "bent",           "horizon",
-          "stack",  "relight",    "view",          "batch",     "list",           "info",
-          "check",  "export",     "pack",          "fit",       "preset",         "devices",
-          "0 done", "1 an input", "2 wrong usage", "3 a map",   "130 interrupted"}) {
+         {"map",     "normal",  "height",     "curvature",     "bent",    "horizon",
+          "stack",   "relight", "view",       "batch",         "list",    "info",
+          "check",   "export",  "pack",       "fit",           "preset",  "profile",
+          "devices", "0 done",  "1 an input", "2 wrong usage", "3 a map", "130 interrupted"}) {
         EXPECT_NE(help.out.find(text), std::string::npos) << text;
     }
     std::string const map = run({"map", "--help"}).out;

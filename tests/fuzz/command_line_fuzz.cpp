@@ -35,10 +35,12 @@ std::vector<std::string> words_of(std::uint8_t const* bytes, std::size_t size)
     return words;
 }
 
-/// A preset in a file is read while the words are, and no file is to be read here.
-bool names_preset_file(std::vector<std::string> const& words)
+/// A preset or profile in a file is read while the words are, and no file is to be read here.
+bool names_toml_file(std::vector<std::string> const& words)
 {
-    auto const is_option = [](std::string const& word) { return word.starts_with("--preset"); };
+    auto const is_option = [](std::string const& word) {
+        return word.starts_with("--preset") || word.starts_with("--profile");
+    };
     auto const is_file = [](std::string const& word) {
         return word.find('/') != std::string::npos || word.ends_with(".toml");
     };
@@ -61,7 +63,7 @@ std::string description_of(CLI::App const& tool)
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t size)
 {
     std::vector<std::string> const words = words_of(bytes, size);
-    if (names_preset_file(words)) {
+    if (names_toml_file(words)) {
         return 0;
     }
     static CommandLine line; // which takes longer to make than to use

@@ -21,30 +21,44 @@ struct Product {
     char const* option;
     char const* help;
     char const* suffix;
-    char const* plural; ///< For messages.
-    Endings endings;    ///< Of the pictures that it is not made of.
-    unsigned users;     ///< Sum of SettingUser.
-    bool takes_kind;    ///< It can be made of height maps and of normal maps.
-    int parts = 1;      ///< Pictures that it consists of.
+    char const* plural;            ///< For messages.
+    Endings endings;               ///< Of the pictures that it is not made of.
+    unsigned users;                ///< Sum of SettingUser.
+    bool takes_kind;               ///< It can be made of height maps and of normal maps.
+    std::optional<ProfileMap> map; ///< What profiles call it; empty: they say nothing of it.
+    int parts = 1;                 ///< Pictures that it consists of.
 };
 
 namespace {
 
 constexpr Product kProducts[] = {
     {"--map", "Make Umbrix maps [default]", "_Umbrix", "Umbrix maps", Endings::kSurface,
-     kForMap | kForHeights, true},
+     kForMap | kForHeights, true, ProfileMap::kMap},
     {"--normal", "Make normal maps", "_Normal", "normal maps", Endings::kHeights, kForNormal | kForHeights,
-     false},
+     false, ProfileMap::kNormals},
     {"--height", "Make height maps from normal maps", "_Height", "height maps", Endings::kNormals, kForHeight,
-     false},
-    {"--curvature", "Make curvature or cavity maps", "_Curvature", "curvature maps", Endings::kSurface,
-     kForCurvature | kForHeights, true},
+     false, ProfileMap::kHeights},
+    {"--curvature",
+     "Make curvature or cavity maps",
+     "_Curvature",
+     "curvature maps",
+     Endings::kSurface,
+     kForCurvature | kForHeights,
+     true,
+     {}},
     {"--bent", "Make bent normals from height maps", "_Bent", "bent normals", Endings::kHeights,
-     kForBent | kForHeights, false},
+     kForBent | kForHeights, false, ProfileMap::kBent},
     {"--ao", "Make occlusion maps of one channel from height maps", "_AO", "occlusion maps of one channel",
-     Endings::kHeights, kForBent | kForHeights, false},
-    {"--horizon", "Make horizon maps from height maps, two pictures each", "_Horizon", "horizon maps",
-     Endings::kHeights, kForHorizon | kForHeights, false, 2},
+     Endings::kHeights, kForBent | kForHeights, false, ProfileMap::kOcclusion},
+    {"--horizon",
+     "Make horizon maps from height maps, two pictures each",
+     "_Horizon",
+     "horizon maps",
+     Endings::kHeights,
+     kForHorizon | kForHeights,
+     false,
+     {},
+     2},
 };
 
 bool makes(Product const* product, std::string_view option)
@@ -88,6 +102,7 @@ void BatchCommand::declare(CLI::App& command)
             "inputs and tells of no failure; the kind and --n-scale have to be given")
         ->group(kRunGroup);
     declare_options(*command_, settings_, kForAny);
+    declare_profile(*command_, profile_);
 }
 
 void BatchCommand::declare_files(CLI::App& command)
@@ -205,7 +220,8 @@ BatchChoice BatchCommand::choice() const
     choice.search.avoided = include_outputs_ ? "" : keep_tree_;
     choice.include_outputs = include_outputs_;
     choice.endings = product_->endings;
-    choice.suffix = suffix_.value_or(product_->suffix);
+    choice.suffix = suffix_.value_or(profile_ ? profile_.file(*product_->map).suffix : product_->suffix);
+    choice.extension = profile_ ? profile_.profile->format : "";
     choice.parts = product_->parts;
     choice.keep_tree = keep_tree_;
     choice.policy = common_.overwrite ? OutputPolicy::kReplace
@@ -276,9 +292,9 @@ FolderJob BatchCommand::plain_walk() const
             forbid(each.option);
         }
     }
-    for (char const* option :
-         {"--suffix", "--keep-tree", "--overwrite", "--update", "--dry-run", "--json", "--print0", "--jobs",
-          "--isolate", "--include-outputs", "--exclude", "--normal-y", "--match-cpu", "--height-in-alpha"}) {
+    for (char const* option : {"--suffix", "--keep-tree", "--overwrite", "--update", "--dry-run", "--json",
+                               "--print0", "--jobs", "--isolate", "--include-outputs", "--exclude",
+                               "--normal-y", "--match-cpu", "--height-in-alpha", "--profile"}) {
         forbid(option);
     }
     std::error_code error;
@@ -323,6 +339,20 @@ void BatchCommand::run_plain_walk(Interrupts const& interrupts) const
     say("{}: the walk ran to its end; the library does not tell what became of each file", job.folder);
 }
 
+/// All files have the profile's format, so its depth is one of that.
+void BatchCommand::obey_profile()
+{
+    if (!profile_) {
+        return;
+    }
+    if (!product_->map) {
+        throw UsageError("--profile", fmt::format("profiles say nothing of {}", product_->plural),
+                         fmt::format("leave it out, or leave {} out", product_->option));
+    }
+    common_.saving = with_depth(common_.saving, profile_.file(*product_->map).depth);
+    settings_.normal_y = profile_.profile->normal_y;
+}
+
 void BatchCommand::run(Interrupts const& interrupts)
 {
     validate();
@@ -330,6 +360,7 @@ void BatchCommand::run(Interrupts const& interrupts)
         run_plain_walk(interrupts);
         return;
     }
+    obey_profile();
     BatchPlan const plan = plan_batch(choice());
     if (common_.verbose) {
         say_what_is_left_out(plan);

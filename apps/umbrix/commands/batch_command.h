@@ -4,6 +4,7 @@
 #include "commands/command.h"
 #include "options/common_options.h"
 #include "options/graphics_option.h"
+#include "options/profile_option.h"
 #include "options/results_option.h"
 #include "options/workers_option.h"
 #include "terminal/batch_display.h"
@@ -32,6 +33,7 @@ private:
     void declare_input(CLI::App& command);
     void validate() const;
     void forbid_options_of_others() const;
+    void obey_profile();
     std::function<PictureJob(BatchFile const& file)> job_for() const;
     BatchChoice choice() const;
     BatchOrders orders() const;
@@ -41,6 +43,7 @@ private:
     CLI::App* command_ = nullptr;
     CommonOptions common_;
     Settings settings_ = kDefaults;
+    ProfileOption profile_;
     Search search_;
     std::optional<std::string> suffix_;
     std::string keep_tree_;

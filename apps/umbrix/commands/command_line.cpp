@@ -12,6 +12,7 @@
 #include "commands/map_command.h"
 #include "commands/normal_command.h"
 #include "commands/pack/pack_command.h"
+#include "commands/pack/profile_command.h"
 #include "commands/preset_command.h"
 #include "commands/relief/bent_command.h"
 #include "commands/relief/curvature_command.h"
@@ -67,6 +68,7 @@ constexpr CommandRow kCommands[] = {
     {"fit", "Find the relief of a height map that fits a normal map of the same material",
      make_command<FitCommand>},
     {"preset", "Show, write and list presets of options", make_command<PresetCommand>},
+    {"profile", "Show, write and list profiles of engines", make_command<ProfileCommand>},
     {"devices", "List the graphics processors that --gpu can take", make_command<DevicesCommand>},
     {"completion", "Print a script that completes this command line", make_command<CompletionCommand>},
     {"manual", "Print a manual page, in the language of man", make_command<ManualCommand>},

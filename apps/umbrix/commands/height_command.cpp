@@ -35,6 +35,7 @@ void HeightCommand::declare(CLI::App& command)
                                                "[8, 16, half, float; default 16 where the format has it]");
     declare_normal_y(command, normal_y_, "Where green points in the normal map")->group("Relief");
     declare_options(command, settings_, kForHeight);
+    declare_profile(command, profile_);
     range_ = command.get_option("--height-range");
     range_->group("Relief");
     range_->description(
@@ -45,6 +46,7 @@ void HeightCommand::declare(CLI::App& command)
 
 void HeightCommand::run(Interrupts const& interrupts)
 {
+    follow_profile(profile_, ProfileMap::kHeights, common_, settings_);
     common_.saving = with_depth(common_.saving, settings_.save_depth);
     HeightJob job;
     job.settings = settings_;

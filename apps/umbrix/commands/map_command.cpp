@@ -36,6 +36,7 @@ void MapCommand::declare(CLI::App& command)
         ->group(gpu->get_group())
         ->needs(gpu);
     declare_options(command, settings_, kForMap | kForHeights);
+    declare_profile(command, profile_);
 }
 
 void MapCommand::validate() const
@@ -56,6 +57,7 @@ std::string MapCommand::relief_in_words() const
 
 void MapCommand::run(Interrupts const& interrupts)
 {
+    follow_profile(profile_, ProfileMap::kMap, common_, settings_);
     validate();
     common_.saving = with_depth(common_.saving, settings_.save_depth);
     MapJob job;

@@ -4,6 +4,7 @@
 #include "commands/command.h"
 #include "options/common_options.h"
 #include "options/graphics_option.h"
+#include "options/profile_option.h"
 #include "toolkit/settings/defaults.h"
 #include "toolkit/tasks/reports.h"
 #include "toolkit_names.h"
@@ -24,6 +25,7 @@ private:
 
     CommonOptions common_;
     Settings settings_ = kDefaults;
+    ProfileOption profile_;
     std::optional<Kind> kind_;
     std::optional<NormalY> normal_y_;
     Graphics graphics_;

@@ -17,11 +17,13 @@ void NormalCommand::declare(CLI::App& command)
     declare_normal_y(command, normal_y_, "Where green points in the normal map that is written")
         ->group("Relief");
     declare_options(command, settings_, kForNormal | kForHeights);
+    declare_profile(command, profile_);
     command.get_option("--detail")->group(""); // taken, as it always was, and without an effect
 }
 
 void NormalCommand::run(Interrupts const& interrupts)
 {
+    follow_profile(profile_, ProfileMap::kNormals, common_, settings_);
     common_.saving = with_depth(common_.saving, settings_.save_depth);
     NormalJob job;
     job.settings = settings_;

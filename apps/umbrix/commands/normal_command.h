@@ -3,6 +3,7 @@
 
 #include "commands/command.h"
 #include "options/common_options.h"
+#include "options/profile_option.h"
 #include "toolkit/settings/defaults.h"
 #include "toolkit_names.h"
 
@@ -19,6 +20,7 @@ public:
 private:
     CommonOptions common_;
     Settings settings_ = kDefaults;
+    ProfileOption profile_;
     std::optional<NormalY> normal_y_;
 };
 

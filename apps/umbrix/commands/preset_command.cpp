@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "commands/preset_command.h"
 
+#include "commands/shipped_list.h"
 #include "options/common_options.h"
 #include "options/kind_option.h"
 #include "options/map_usage.h"
@@ -17,8 +18,6 @@
 namespace umbrix_cli {
 
 namespace {
-
-constexpr char const* kJsonHelp = "Write one JSON object instead of text";
 
 bool differs(SettingRow const& row, Settings const& settings)
 {
@@ -139,18 +138,7 @@ void PresetCommand::save()
 
 void PresetCommand::list() const
 {
-    nlohmann::ordered_json all = nlohmann::ordered_json::array();
-    for (std::string_view const name : shipped_presets()) {
-        std::string const description = read_preset(std::string(name)).description;
-        if (json_) {
-            all.push_back({{"name", name}, {"description", description}});
-        } else {
-            say("{:10} {}", name, description);
-        }
-    }
-    if (json_) {
-        say_json({{"presets", all}}, 2);
-    }
+    list_shipped("presets", shipped_presets(), json_, read_preset);
 }
 
 void PresetCommand::run(Interrupts const&)

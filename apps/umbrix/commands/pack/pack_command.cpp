@@ -6,11 +6,15 @@
 #include "terminal/say.h"
 #include "toolkit/base/text.h"
 #include "toolkit/files/preflight.h"
+#include "toolkit/pictures/naming.h"
 #include "toolkit/pictures/output_check.h"
 #include "toolkit/pictures/output_format.h"
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <iterator>
+#include <optional>
 #include <string_view>
 
 namespace umbrix_cli {
@@ -20,16 +24,42 @@ namespace {
 constexpr std::string_view kPlaces = "rgba";
 constexpr std::size_t kColours = 3;
 
-/// The number of the channel that a word names.
-std::size_t place_of(PackSource const& source)
+/// "R, G, B or A", and the maps that the profile has a place for.
+std::string known_places(ProfileOption const& option)
+{
+    std::vector<std::string> maps;
+    if (option) {
+        std::ranges::copy_if(option.profile->channels, std::back_inserter(maps),
+                             [](std::string const& map) { return !map.empty(); });
+    }
+    return maps.empty() ? "R, G, B or A" : fmt::format("R, G, B, A, or {}", fmt::join(maps, ", "));
+}
+
+/// Where that goes which a word names: a channel, or the place that the profile has for a map.
+ChannelPlace place_of(PackSource const& source, ProfileOption const& option)
 {
     std::string const name = lower_case(source.place);
-    std::size_t const place = name.size() == 1 ? kPlaces.find(name) : std::string_view::npos;
-    if (place == std::string_view::npos) {
-        throw UsageError(source.word, fmt::format("there is no channel '{}'", source.place),
-                         "give R, G, B or A");
+    std::size_t const channel = name.size() == 1 ? kPlaces.find(name) : std::string_view::npos;
+    if (channel != std::string_view::npos) {
+        return {channel, false};
     }
-    return place;
+    std::optional<ChannelPlace> const place =
+        option ? umbrixlib::toolkit::place_of(*option.profile, name) : std::nullopt;
+    if (!place) {
+        throw UsageError(source.word,
+                         option ? fmt::format("{} has no place for '{}'", option.name, source.place)
+                                : fmt::format("there is no channel '{}'", source.place),
+                         fmt::format("give {}{}", known_places(option),
+                                     option ? "" : ", or name a --profile that knows it"));
+    }
+    return *place;
+}
+
+PackedChannel inverted(PackedChannel channel)
+{
+    channel.invert = !channel.invert && !channel.file.empty();
+    channel.value = channel.file.empty() ? 1.0 - channel.value : 0.0;
+    return channel;
 }
 
 /// "R from rough.png, G from ao.png, B 0".
@@ -39,7 +69,7 @@ std::string in_words(std::vector<PackedChannel> const& channels)
     for (std::size_t i = 0; i < channels.size(); ++i) {
         PackedChannel const& channel = channels[i];
         text += fmt::format("{}{} {}", i == 0 ? "" : ", ", "RGBA"[i],
-                            channel.file.empty() ? fmt::format("{}", channel.value)
+                            channel.file.empty() ? fmt::format("{:.6g}", channel.value)
                                                  : fmt::format("from {}", channel.file));
     }
     return text;
@@ -58,10 +88,16 @@ void PackCommand::declare(CLI::App& command)
             "grey is taken, of a coloured one the mean of its colours; R:g=FILE takes its green, and r, "
             "b, a and luma are like it. R:invert=FILE and R:g,invert=FILE make black of white. A number "
             "from 0 to 1 fills a channel: A=1; a file of that name is ./1. Colours that are not given are "
-            "0, and without A there is no alpha")
+            "0, and without A there is no alpha. With --profile, maps stand for channels: roughness=FILE")
         ->required()
         ->type_name("");
     common_.declare_limits(command);
+    declare_profile(command, profile_);
+    command.get_option("--output")
+        ->required(false)
+        ->description(
+            "File to write; its extension names the format [with --profile, default the name of the "
+            "first file with the profile's ending]");
     command.get_option("--depth")->description(
         "Samples of what is written: 8 or 16 bits, half or float [8, 16, half, float; default that of the "
         "deepest source, or else the nearest that the format has]");
@@ -76,13 +112,20 @@ PackJob PackCommand::job_of_words() const
     job.channels.resize(kColours);
     for (std::string const& word : words_) {
         PackSource const source = parse_pack_source(word);
-        std::size_t const place = place_of(source);
+        auto const [place, invert] = place_of(source, profile_);
         if (!taken[place].empty()) {
             throw UsageError(word, fmt::format("{} gives the same channel", taken[place]), "leave one out");
         }
         taken[place] = word;
         job.channels.resize(std::max(job.channels.size(), place + 1));
-        job.channels[place] = source.channel;
+        job.channels[place] = invert ? inverted(source.channel) : source.channel;
+    }
+    for (std::size_t i = 0; profile_ && i < taken.size(); ++i) {
+        std::string const& map = profile_.profile->channels[i];
+        if (taken[i].empty() && !map.empty()) {
+            job.channels.resize(std::max(job.channels.size(), i + 1));
+            job.channels[i].value = neutral_value(map);
+        }
     }
     std::vector<std::string> const files = distinct_inputs(job);
     if (files.empty()) {
@@ -91,6 +134,18 @@ PackJob PackCommand::job_of_words() const
     }
     job.files.input = files.front();
     return job;
+}
+
+void PackCommand::name_output(PackJob const& job)
+{
+    if (common_.output.empty() && !profile_) {
+        throw UsageError("--output", "no file to write is named", "name one, or a --profile that does");
+    }
+    if (common_.output.empty()) {
+        std::string const& suffix = profile_.file(ProfileMap::kPacked).suffix;
+        common_.output = packed_output(job.files.input, suffix, profile_.profile->format).string();
+    }
+    follow_profile(profile_, ProfileMap::kPacked, common_);
 }
 
 /// Everything that can be checked without a look into the pictures.
@@ -102,13 +157,14 @@ void PackCommand::check_files(PackJob const& job) const
     }
     OutputFormat const& format = *output_format(common_.output);
     if (job.channels.size() > kColours && !format.alpha) {
-        throw no_alpha(format, common_.output, ", or leave A out");
+        throw no_alpha(format, common_.output, profile_ ? ", or leave --profile out" : ", or leave A out");
     }
 }
 
 void PackCommand::run(Interrupts const& interrupts)
 {
     PackJob const job = job_of_words();
+    name_output(job);
     check_files(job);
     common_.input = job.files.input;
     Made<PackJob> const made = make_picture_file("umbrix pack", common_, job, "", interrupts);

@@ -3,6 +3,7 @@
 
 #include "commands/command.h"
 #include "options/common_options.h"
+#include "options/profile_option.h"
 #include "toolkit_names.h"
 
 #include <string>
@@ -18,9 +19,11 @@ public:
 
 private:
     PackJob job_of_words() const;
+    void name_output(PackJob const& job);
     void check_files(PackJob const& job) const;
 
     CommonOptions common_;
+    ProfileOption profile_;
     std::vector<std::string> words_; ///< R=rough.png and the like.
 };
 

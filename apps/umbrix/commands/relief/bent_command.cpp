@@ -20,10 +20,12 @@ void BentCommand::declare(CLI::App& command)
     declare_normal_y(command, normal_y_, "Where green points in the bent normals that are written")
         ->group("Relief");
     declare_options(command, settings_, kForBent | kForHeights);
+    declare_profile(command, profile_);
 }
 
 void BentCommand::run(Interrupts const& interrupts)
 {
+    follow_profile(profile_, ProfileMap::kBent, common_, settings_);
     common_.saving = with_depth(common_.saving, settings_.save_depth);
     BentJob job;
     job.settings = settings_;

@@ -3,10 +3,13 @@
 
 #include "options/describe/option_words.h"
 #include "toolkit/settings/preset.h"
+#include "toolkit/settings/profile.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <functional>
+#include <string_view>
+#include <vector>
 
 namespace umbrix_cli {
 
@@ -32,21 +35,22 @@ std::vector<std::string> names_of(std::vector<CLI::App const*> const& commands)
     return names;
 }
 
-/// "NAME|FILE": a preset, of those that are shipped or of a file.
-bool takes_preset(CLI::Option const& option)
+/// The names of what is shipped and can be a file, too, where an option takes one: presets, profiles.
+std::vector<std::string_view> shipped_names_for(CLI::Option const& option)
 {
-    constexpr char const* kPreset = "NAME|FILE";
-    return option.get_type_name() == kPreset || option.get_single_name() == kPreset;
+    auto const is = [&](char const* type) {
+        return option.get_type_name() == type || option.get_single_name() == type;
+    };
+    return is("NAME|FILE")      ? umbrixlib::toolkit::shipped_presets()
+           : is("PROFILE|FILE") ? umbrixlib::toolkit::shipped_profiles()
+                                : std::vector<std::string_view>();
 }
 
 /// The words of the value of an option or an argument.
 std::vector<std::string> words_for(CLI::Option const& option)
 {
-    if (!takes_preset(option)) {
-        return value_words(option);
-    }
-    auto const presets = umbrixlib::toolkit::shipped_presets();
-    return {presets.begin(), presets.end()};
+    auto const shipped = shipped_names_for(option);
+    return shipped.empty() ? value_words(option) : std::vector<std::string>(shipped.begin(), shipped.end());
 }
 
 /// What may stand behind a command that has none below it.
@@ -61,7 +65,7 @@ Arguments arguments_of(CLI::App const& command)
     for (CLI::Option const* argument : positionals_of(command)) {
         std::vector<std::string> const more = words_for(*argument);
         arguments.words.insert(arguments.words.end(), more.begin(), more.end());
-        arguments.files = arguments.files || takes_preset(*argument);
+        arguments.files = arguments.files || !shipped_names_for(*argument).empty();
     }
     return arguments;
 }
