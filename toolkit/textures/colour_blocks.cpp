@@ -10,22 +10,22 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-constexpr std::size_t kChannels = 4;
-constexpr std::size_t kTexels = 16;
+constexpr std::size_t kColourChannels = 4;
+constexpr std::size_t kColourTexels = 16;
 constexpr int kPowerSteps = 6; ///< That find the principal axis.
 constexpr int kFits = 4;       ///< Of colours to choices, at most.
-constexpr float kFull = 255.0f;
+constexpr float kFullColour = 255.0f;
 
 /// How far the 16 colours are from the first to the second, in 64ths.
 constexpr std::array<int, 16> kWeights{0, 4, 9, 13, 17, 21, 26, 30, 34, 38, 43, 47, 51, 55, 60, 64};
 
-using Colour = std::array<float, kChannels>;
-using Choices = std::array<int, kTexels>;
+using Colour = std::array<float, kColourChannels>;
+using Choices = std::array<int, kColourTexels>;
 
 float dot(Colour const& a, Colour const& b)
 {
     float sum = 0.0f;
-    for (std::size_t c = 0; c < kChannels; ++c) {
+    for (std::size_t c = 0; c < kColourChannels; ++c) {
         sum += a[c] * b[c];
     }
     return sum;
@@ -34,7 +34,7 @@ float dot(Colour const& a, Colour const& b)
 Colour minus(Colour const& a, Colour const& b)
 {
     Colour result{};
-    for (std::size_t c = 0; c < kChannels; ++c) {
+    for (std::size_t c = 0; c < kColourChannels; ++c) {
         result[c] = a[c] - b[c];
     }
     return result;
@@ -44,7 +44,7 @@ Colour minus(Colour const& a, Colour const& b)
 Colour along(Colour const& from, Colour const& way, float place)
 {
     Colour result{};
-    for (std::size_t c = 0; c < kChannels; ++c) {
+    for (std::size_t c = 0; c < kColourChannels; ++c) {
         result[c] = from[c] + place * way[c];
     }
     return result;
@@ -52,18 +52,18 @@ Colour along(Colour const& from, Colour const& way, float place)
 
 /// A colour as it is stored: 7 bits a channel, and the last bit of all of them.
 struct StoredColour {
-    std::array<int, kChannels> bits{}; ///< 0 to 127.
+    std::array<int, kColourChannels> bits{}; ///< 0 to 127.
     int last = 0;
 
     int byte(std::size_t channel) const { return 2 * bits[channel] + last; }
 };
 
-StoredColour stored(Colour const& colour, int last)
+StoredColour as_stored(Colour const& colour, int last)
 {
     StoredColour result;
     result.last = last;
-    for (std::size_t c = 0; c < kChannels; ++c) {
-        float const half = (std::clamp(colour[c], 0.0f, kFull) - static_cast<float>(last)) / 2.0f;
+    for (std::size_t c = 0; c < kColourChannels; ++c) {
+        float const half = (std::clamp(colour[c], 0.0f, kFullColour) - static_cast<float>(last)) / 2.0f;
         result.bits[c] = std::clamp(static_cast<int>(half + 0.5f), 0, 127);
     }
     return result;
@@ -82,7 +82,7 @@ std::array<Colour, 16> palette(StoredColour const& first, StoredColour const& se
 {
     std::array<Colour, 16> colours{};
     for (std::size_t i = 0; i < colours.size(); ++i) {
-        for (std::size_t c = 0; c < kChannels; ++c) {
+        for (std::size_t c = 0; c < kColourChannels; ++c) {
             colours[i][c] = static_cast<float>(
                 ((64 - kWeights[i]) * first.byte(c) + kWeights[i] * second.byte(c) + 32) >> 6);
         }
@@ -97,7 +97,7 @@ Packing packed(ColourBlock const& block, StoredColour const& first, StoredColour
     std::array<Colour, 16> const colours = palette(first, second);
     Colour const way = minus(colours[15], colours[0]);
     float const by_square = 15.0f / std::max(dot(way, way), 1.0f);
-    for (std::size_t i = 0; i < kTexels; ++i) {
+    for (std::size_t i = 0; i < kColourTexels; ++i) {
         float const place = std::clamp(dot(minus(block[i], colours[0]), way) * by_square, 0.0f, 15.0f);
         int const middle = static_cast<int>(place + 0.5f);
         float least = std::numeric_limits<float>::infinity();
@@ -125,12 +125,12 @@ Line principal_line(ColourBlock const& block)
 {
     Colour mean{};
     for (Colour const& texel : block) {
-        mean = along(mean, texel, 1.0f / static_cast<float>(kTexels));
+        mean = along(mean, texel, 1.0f / static_cast<float>(kColourTexels));
     }
-    std::array<Colour, kChannels> covariance{};
+    std::array<Colour, kColourChannels> covariance{};
     for (Colour const& texel : block) {
         Colour const off = minus(texel, mean);
-        for (std::size_t c = 0; c < kChannels; ++c) {
+        for (std::size_t c = 0; c < kColourChannels; ++c) {
             covariance[c] = along(covariance[c], off, off[c]);
         }
     }
@@ -143,7 +143,7 @@ Line principal_line(ColourBlock const& block)
             return {mean, mean};
         }
         Colour const unit = along({}, axis, 1.0f / length);
-        for (std::size_t c = 0; c < kChannels; ++c) {
+        for (std::size_t c = 0; c < kColourChannels; ++c) {
             axis[c] = dot(covariance[c], unit);
         }
     }
@@ -171,7 +171,7 @@ Line fitted(ColourBlock const& block, Choices const& choices, Line const& old)
     float squares_second = 0.0f;
     Colour by_first{};
     Colour by_second{};
-    for (std::size_t i = 0; i < kTexels; ++i) {
+    for (std::size_t i = 0; i < kColourTexels; ++i) {
         float const second = static_cast<float>(kWeights[static_cast<std::size_t>(choices[i])]) / 64.0f;
         float const first = 1.0f - second;
         squares_first += first * first;
@@ -185,7 +185,7 @@ Line fitted(ColourBlock const& block, Choices const& choices, Line const& old)
         return old;
     }
     Line line{};
-    for (std::size_t c = 0; c < kChannels; ++c) {
+    for (std::size_t c = 0; c < kColourChannels; ++c) {
         line.first[c] = (squares_second * by_first[c] - products * by_second[c]) / determinant;
         line.second[c] = (squares_first * by_second[c] - products * by_first[c]) / determinant;
     }
@@ -198,7 +198,7 @@ void follow(ColourBlock const& block, Line line, int first_last, int second_last
     float before = std::numeric_limits<float>::infinity();
     for (int fit = 0; fit < kFits; ++fit) {
         Packing const packing =
-            packed(block, stored(line.first, first_last), stored(line.second, second_last));
+            packed(block, as_stored(line.first, first_last), as_stored(line.second, second_last));
         if (packing.error < best.error) {
             best = packing;
         }
@@ -217,11 +217,11 @@ Packing packed_flat(ColourBlock const& block, int first_last, int second_last)
     constexpr int kMiddle = 7;
     constexpr int kReach = 2; // of 7 bits, to both sides
     Packing best;
-    best.first = stored(block[0], first_last);
-    best.second = stored(block[0], second_last);
+    best.first = as_stored(block[0], first_last);
+    best.second = as_stored(block[0], second_last);
     best.choices.fill(kMiddle);
     best.error = 0.0f;
-    for (std::size_t c = 0; c < kChannels; ++c) {
+    for (std::size_t c = 0; c < kColourChannels; ++c) {
         StoredColour first = best.first;
         StoredColour second = best.second;
         float least = std::numeric_limits<float>::infinity();
@@ -238,7 +238,7 @@ Packing packed_flat(ColourBlock const& block, int first_last, int second_last)
                 }
             }
         }
-        best.error += least * static_cast<float>(kTexels);
+        best.error += least * static_cast<float>(kColourTexels);
     }
     return best;
 }
@@ -269,13 +269,13 @@ CodedColours coded(Packing packing)
     }
     BlockBits bits;
     bits.put(1 << 6, 7); // the mode
-    for (std::size_t c = 0; c < kChannels; ++c) {
+    for (std::size_t c = 0; c < kColourChannels; ++c) {
         bits.put(packing.first.bits[c], 7);
         bits.put(packing.second.bits[c], 7);
     }
     bits.put(packing.first.last, 1);
     bits.put(packing.second.last, 1);
-    for (std::size_t i = 0; i < kTexels; ++i) {
+    for (std::size_t i = 0; i < kColourTexels; ++i) {
         bits.put(packing.choices[i], i == 0 ? 3 : 4);
     }
     return bits.bytes();
@@ -286,7 +286,8 @@ CodedColours coded(Packing packing)
 CodedColours encode_colours(ColourBlock const& block)
 {
     Line const line = principal_line(block);
-    bool const is_opaque = std::ranges::all_of(block, [](Colour const& texel) { return texel[3] >= kFull; });
+    bool const is_opaque =
+        std::ranges::all_of(block, [](Colour const& texel) { return texel[3] >= kFullColour; });
     bool const is_flat = std::ranges::all_of(block, [&](Colour const& texel) { return texel == block[0]; });
     Packing best;
     for (int const first : {1, 0}) {

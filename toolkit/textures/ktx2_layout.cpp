@@ -14,17 +14,17 @@ namespace {
 
 constexpr std::array<std::uint8_t, 12> kIdentifier{0xab, 'K',  'T',  'X',  ' ',  '2',
                                                    '0',  0xbb, '\r', '\n', 0x1a, '\n'};
-constexpr std::size_t kHeaderSize = 80;
+constexpr std::size_t kKtx2HeaderSize = 80;
 constexpr std::size_t kLevelSize = 24; ///< Of an entry in the index.
 
 // Of a data format descriptor.
 constexpr unsigned kDescriptorVersion = 2;
 constexpr unsigned kLinear = 1; // KHR_DF_TRANSFER_LINEAR
-constexpr unsigned kIsSigned = 0x40;
-constexpr unsigned kIsFloat = 0x80;
-constexpr unsigned kAlpha = 15; // KHR_DF_CHANNEL_RGBSDA_ALPHA
-constexpr unsigned kMinusOne = 0xbf800000;
-constexpr unsigned kOne = 0x3f800000;
+constexpr unsigned kIsSignedSample = 0x40;
+constexpr unsigned kIsFloatSample = 0x80;
+constexpr unsigned kAlphaSample = 15; // KHR_DF_CHANNEL_RGBSDA_ALPHA
+constexpr unsigned kMinusOneAsFloat = 0xbf800000;
+constexpr unsigned kOneAsFloat = 0x3f800000;
 
 /// What a form is called elsewhere than in Direct3D.
 struct FormNumbers {
@@ -50,11 +50,11 @@ void append_u64(ByteWriter& to, std::size_t number)
 void append_sample(ByteWriter& to, TextureForm const& form, std::size_t bits, unsigned number)
 {
     bool const is_float = form.format == TextureFormat::kHalf;
-    unsigned const channel = form.block_side == 1 && number == 3 ? kAlpha : number;
+    unsigned const channel = form.block_side == 1 && number == 3 ? kAlphaSample : number;
     to.u16(static_cast<unsigned>(bits * number)).u8(static_cast<unsigned>(bits - 1));
-    to.u8(channel | (is_float ? kIsSigned | kIsFloat : 0)).u32(0);
+    to.u8(channel | (is_float ? kIsSignedSample | kIsFloatSample : 0)).u32(0);
     unsigned const most = bits < 32 ? (1U << bits) - 1 : 0xffffffffU;
-    to.u32(is_float ? kMinusOne : 0).u32(is_float ? kOne : most);
+    to.u32(is_float ? kMinusOneAsFloat : 0).u32(is_float ? kOneAsFloat : most);
 }
 
 std::vector<std::uint8_t> format_descriptor(TextureForm const& form)
@@ -97,7 +97,7 @@ Ktx2Layout ktx2_layout(Texture const& texture)
     std::size_t const count = texture.levels.size();
     auto const descriptor = format_descriptor(texture.form);
     auto const keys = keys_and_values();
-    std::size_t const descriptor_at = kHeaderSize + kLevelSize * count;
+    std::size_t const descriptor_at = kKtx2HeaderSize + kLevelSize * count;
     std::size_t const keys_at = descriptor_at + descriptor.size();
     std::size_t const step = std::lcm(std::size_t{4}, texture.form.block_size);
     std::size_t end = keys_at + keys.size();

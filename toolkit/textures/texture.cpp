@@ -14,8 +14,8 @@ namespace umbrixlib::toolkit {
 namespace {
 
 /// Stores a level, a row of blocks at a time, on all threads.
-std::vector<std::uint8_t> stored(TextureLevel const& level, TextureForm const& form, bool normals,
-                                 RunProgress& progress)
+std::vector<std::uint8_t> stored_level(TextureLevel const& level, TextureForm const& form, bool normals,
+                                       RunProgress& progress)
 {
     auto const rows = static_cast<std::size_t>(form.blocks(level.height));
     std::size_t const row_size = static_cast<std::size_t>(form.blocks(level.width)) * form.block_size;
@@ -66,8 +66,8 @@ std::optional<Texture> make_texture(Picture const& picture, TextureFormat format
             level = smaller_level(level);
         }
         texture.levels.push_back(normals && !(i == 0 && keeps_first)
-                                     ? stored(with_unit_vectors(level), texture.form, normals, progress)
-                                     : stored(level, texture.form, normals, progress));
+                                     ? stored_level(with_unit_vectors(level), texture.form, normals, progress)
+                                     : stored_level(level, texture.form, normals, progress));
     }
     return progress.stopping() ? std::nullopt : std::optional(std::move(texture));
 }

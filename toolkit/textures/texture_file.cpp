@@ -48,7 +48,7 @@ FileParts parts_of_ktx2(Ktx2Layout const& layout, Texture const& texture)
     return parts;
 }
 
-bool write(fs::path const& file, FileParts const& parts)
+bool write_parts(fs::path const& file, FileParts const& parts)
 {
     OutputStream stream(file);
     for (auto const& part : parts) {
@@ -62,7 +62,7 @@ struct CloseFile {
 };
 
 /// Whether @p file consists of @p parts.
-bool holds(fs::path const& file, FileParts const& parts)
+bool consists_of(fs::path const& file, FileParts const& parts)
 {
     std::unique_ptr<std::FILE, CloseFile> const stream(fdopen(open_file(file, OpenFor::kReading), "rb"));
     if (!stream) {
@@ -116,7 +116,8 @@ void write_texture(fs::path const& file, TextureContainer container, std::string
     Ktx2Layout const layout = is_dds ? Ktx2Layout() : ktx2_layout(texture);
     FileParts const parts = is_dds ? parts_of_dds(header, texture) : parts_of_ktx2(layout, texture);
     write_and_check(
-        file, name, [&] { return write(file, parts); }, [&] { return holds(file, parts); }, observer);
+        file, name, [&] { return write_parts(file, parts); }, [&] { return consists_of(file, parts); },
+        observer);
 }
 
 } // namespace umbrixlib::toolkit
