@@ -2,8 +2,9 @@
 /// The page of a map: what is in it, and what is not.
 #include "toolkit/pages/light_page.h"
 
-#include <algorithm>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 
 namespace umbrixlib::test {
 namespace {
@@ -50,6 +51,22 @@ TEST(LightPage, ShowsATitleAndObeysNone)
         html_of({"<script>\"&\xe2\x80\xae\x01 {script}", "unit", {"image/png", {1}}, {}});
     EXPECT_EQ(count(html, "<script"), 1U);
     EXPECT_EQ(count(html, "<title>&lt;script&gt;&quot;&amp;\\u202E\\x01 {script}</title>"), 1U);
+}
+
+std::string text_of(std::string const& name)
+{
+    std::ifstream file(std::string(UMBRIX_SOURCES) + "/" + name);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+TEST(LightPage, OfTheDocumentsIsOfToday)
+{
+    std::string const page = text_of("docs/images/cobbles_light.html"); // scripts/docs_images.sh makes it
+    for (char const* const part : {"toolkit/pages/page.js", "toolkit/pages/page.css"}) {
+        std::string const text = text_of(part);
+        EXPECT_FALSE(text.empty());
+        EXPECT_EQ(count(page, text), 1U) << part;
+    }
 }
 
 } // namespace
