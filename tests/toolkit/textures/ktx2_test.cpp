@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-/// KTX2 files, field by field as their specification has them.
+/// KTX2 files, field by field as the format has them.
 #include "toolkit/textures/ktx2_layout.h"
 
 #include <array>
@@ -33,7 +33,7 @@ Texture texture_of(TextureFormat format, int channels, int width, int height)
     return *make_texture(make_picture(width, height, channels), format, kAllLevels);
 }
 
-/// A form in the numbers of Vulkan and of the data format specification.
+/// A form in the numbers of Vulkan and of the Khronos Data Format.
 struct KtxForm {
     TextureFormat format;
     int channels;
