@@ -16,9 +16,9 @@ struct Ktx2Layout {
     std::vector<std::size_t> levels;
 };
 
-/// The layout of a file without supercompression. Khronos, "KTX File Format Specification 2.0" and "Data
-/// Format Specification 1.3", of linear data without primaries: header, index of the levels, data format
-/// descriptor, and the keys KTXorientation and KTXwriter.
+/// The layout of a file without supercompression, of linear data without primaries: header, index of the
+/// levels, data format descriptor, and the keys KTXorientation and KTXwriter. Source: Khronos, KTX File
+/// Format 2.0 and Data Format 1.3.
 Ktx2Layout ktx2_layout(Texture const& texture);
 
 } // namespace umbrixlib::toolkit

@@ -2,7 +2,7 @@
 #pragma once
 
 /// @file
-/// Reads the mode 6 of BC7, bit by bit as its definition has it (Khronos Data Format Specification, BPTC).
+/// Reads the mode 6 of BC7, bit by bit as Khronos defines it (Data Format 1.3, BPTC).
 
 #include <array>
 #include <cstddef>
