@@ -7,10 +7,11 @@
 #include "toolkit/pictures/decoded_image.h"
 #include "toolkit/pictures/encoder.h"
 #include "toolkit/pictures/formats/encoders/output_stream.h"
-#include "toolkit/pictures/source_file.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <fmt/format.h>
+#include <memory>
 #include <sys/statvfs.h>
 #include <unistd.h>
 
@@ -61,6 +62,58 @@ bool disk_is_full(std::filesystem::path const& file)
     return full;
 }
 
+/// Writes and looks at what is on the disk then; both functions say whether all is well. Failures are about
+/// @p name.
+template <typename Write, typename ReadsAsWritten>
+void write_and_check(std::filesystem::path const& file, std::string const& name, Write const& write,
+                     ReadsAsWritten const& reads_as_written, Observer& observer)
+{
+    observer.begin(Phase::kWriting, name);
+    bool const saved = write() && flush_to_disk(file);
+    observer.begin(Phase::kChecking, name);
+    if (saved && reads_as_written()) {
+        return;
+    }
+    if (disk_is_full(file)) {
+        throw Failure(Fault::kNotWritten, name, "the disk is full");
+    }
+    throw Failure(Fault::kNotReadBack, name, "what was written does not read back as it should");
+}
+
+bool writes(std::filesystem::path const& file, FileParts const& parts)
+{
+    OutputStream stream(file);
+    for (auto const& part : parts) {
+        stream.write(part);
+    }
+    return stream.close();
+}
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+/// Whether @p file consists of @p parts.
+bool consists_of(std::filesystem::path const& file, FileParts const& parts)
+{
+    std::unique_ptr<std::FILE, CloseFile> const stream(fdopen(open_file(file, OpenFor::kReading), "rb"));
+    if (!stream) {
+        return false;
+    }
+    std::vector<std::uint8_t> piece(1U << 20U);
+    for (std::span<std::uint8_t const> rest : parts) {
+        while (!rest.empty()) {
+            std::size_t const size = std::min(piece.size(), rest.size());
+            if (std::fread(piece.data(), 1, size, stream.get()) != size ||
+                !std::equal(piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(size), rest.begin())) {
+                return false;
+            }
+            rest = rest.subspan(size);
+        }
+    }
+    return std::fgetc(stream.get()) == EOF;
+}
+
 } // namespace
 
 void check_size(OutputFormat const& format, std::string const& name, int width, int height)
@@ -96,35 +149,11 @@ void write_picture(std::filesystem::path const& file, OutputFormat const& format
         [&] { return reads_back(file, format, stored); }, observer);
 }
 
-void write_bytes(std::filesystem::path const& file, std::string const& name,
-                 std::span<std::uint8_t const> bytes, Observer& observer)
+void write_parts(std::filesystem::path const& file, std::string const& name, FileParts const& parts,
+                 Observer& observer)
 {
-    auto const write = [&] {
-        OutputStream stream(file);
-        stream.write(bytes);
-        return stream.close();
-    };
-    auto const is_as_written = [&] {
-        SourceFile written(file, "output", static_cast<double>(bytes.size()));
-        return std::ranges::equal(written.content(), bytes);
-    };
-    write_and_check(file, name, write, is_as_written, observer);
-}
-
-void write_and_check(std::filesystem::path const& file, std::string const& name,
-                     std::function<bool()> const& write, std::function<bool()> const& reads_as_written,
-                     Observer& observer)
-{
-    observer.begin(Phase::kWriting, name);
-    bool const saved = write() && flush_to_disk(file);
-    observer.begin(Phase::kChecking, name);
-    if (saved && reads_as_written()) {
-        return;
-    }
-    if (disk_is_full(file)) {
-        throw Failure(Fault::kNotWritten, name, "the disk is full");
-    }
-    throw Failure(Fault::kNotReadBack, name, "what was written does not read back as it should");
+    write_and_check(
+        file, name, [&] { return writes(file, parts); }, [&] { return consists_of(file, parts); }, observer);
 }
 
 } // namespace umbrixlib::toolkit

@@ -7,9 +7,9 @@
 #include "toolkit/pictures/picture.h"
 
 #include <filesystem>
-#include <functional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace umbrixlib::toolkit {
 
@@ -22,14 +22,11 @@ void check_size(OutputFormat const& format, std::string const& name, int width, 
 void write_picture(std::filesystem::path const& file, OutputFormat const& format, std::string const& name,
                    Picture const& picture, Compression compression, Observer& observer);
 
-/// The same for what @p write writes to @p file and @p reads_as_written looks at when it is on the disk; both
-/// say whether all is well.
-void write_and_check(std::filesystem::path const& file, std::string const& name,
-                     std::function<bool()> const& write, std::function<bool()> const& reads_as_written,
-                     Observer& observer);
+/// The parts of a file, in its order.
+using FileParts = std::vector<std::span<std::uint8_t const>>;
 
-/// The same for a file that is @p bytes.
-void write_bytes(std::filesystem::path const& file, std::string const& name,
-                 std::span<std::uint8_t const> bytes, Observer& observer);
+/// The same for a file that consists of @p parts, to the byte.
+void write_parts(std::filesystem::path const& file, std::string const& name, FileParts const& parts,
+                 Observer& observer);
 
 } // namespace umbrixlib::toolkit

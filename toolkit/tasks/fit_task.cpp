@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/base/failure.h"
 #include "toolkit/pictures/heights/take_heights.h"
 #include "toolkit/tasks/methods/relief_fit.h"
 #include "toolkit/tasks/methods/told_heights.h"
@@ -86,11 +85,7 @@ Pair read_pair(FitJob const& job, Observer& observer)
         });
     }
     PreparedInput input = prepare_input({job.normals, job.normals, job.max_texels}, observer);
-    if (input.width != pair.width || input.height != pair.height) {
-        throw Failure(Fault::kSizesDiffer, job.normals,
-                      fmt::format("its size is {} x {} and that of the height map {} x {}", input.width,
-                                  input.height, pair.width, pair.height));
-    }
+    check_same_size(job.normals, {input.width, input.height}, "the height map", {pair.width, pair.height});
     if (input.guess.kind == Kind::kHeightMap) {
         observer.note(job.normals, {"this does not look like a normal map: " + input.guess.reason});
     }

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "toolkit/base/failure.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/pictures/heights/take_heights.h"
 #include "toolkit/tasks/methods/self_description.h"
@@ -90,10 +89,8 @@ private:
             check_size(format_, job_.files.output.name, width, height);
             floats_ = make_picture(width, height, static_cast<int>(job_.channels.size()), SampleType::kFloat);
             outside_.assign(job_.channels.size(), 0);
-        } else if (width != floats_.width || height != floats_.height) {
-            throw Failure(Fault::kSizesDiffer, file,
-                          fmt::format("its size is {} x {} and that of {} {} x {}", width, height,
-                                      job_.files.input, floats_.width, floats_.height));
+        } else {
+            check_same_size(file, {width, height}, job_.files.input, {floats_.width, floats_.height});
         }
     }
 

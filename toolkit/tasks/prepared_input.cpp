@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/tasks/prepared_input.h"
 
+#include "toolkit/base/failure.h"
 #include "toolkit/pictures/address_space.h"
 #include "toolkit/pictures/heights/take_heights.h"
 #include "toolkit/pictures/naming.h"
@@ -29,6 +30,15 @@ void note_conversion(DecodedImage const& image, Source const& source, Observer& 
 }
 
 } // namespace
+
+void check_same_size(std::string const& name, PictureSize size, std::string const& what, PictureSize other)
+{
+    if (size != other) {
+        throw Failure(Fault::kSizesDiffer, name,
+                      fmt::format("its size is {} x {} and that of {} {} x {}", size.width, size.height, what,
+                                  other.width, other.height));
+    }
+}
 
 std::optional<HeightRange> take_for_heights(PreparedInput& input, HeightReading const& reading,
                                             std::string const& name, Observer& observer)

@@ -21,6 +21,17 @@ struct Source {
 /// Decodes a picture within its limit on texels, which limits the decoder's memory, too.
 DecodedImage decode_input(Source const& source, Observer& observer);
 
+/// Of a picture that has to be as large as another.
+struct PictureSize {
+    int width;
+    int height;
+
+    bool operator==(PictureSize const&) const = default;
+};
+
+/// A Failure about @p name unless it is as large as @p other, which @p what names: "the map".
+void check_same_size(std::string const& name, PictureSize size, std::string const& what, PictureSize other);
+
 /// A decoded picture, after the notes that every user should see.
 struct PreparedInput {
     int width;

@@ -3,18 +3,14 @@
 
 #include "toolkit/base/failure.h"
 #include "toolkit/base/text.h"
-#include "toolkit/files/opened_files.h"
 #include "toolkit/pictures/encode.h"
-#include "toolkit/pictures/formats/encoders/output_stream.h"
 #include "toolkit/pictures/output_check.h"
 #include "toolkit/textures/dds_header.h"
 #include "toolkit/textures/ktx2_layout.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <fmt/format.h>
-#include <memory>
 #include <span>
 
 namespace umbrixlib::toolkit {
@@ -24,9 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::array kContainers = {".dds", ".ktx2"}; // in their order
-
-/// The parts of a file, in its order.
-using FileParts = std::vector<std::span<std::uint8_t const>>;
 
 FileParts parts_of_dds(std::vector<std::uint8_t> const& header, Texture const& texture)
 {
@@ -46,40 +39,6 @@ FileParts parts_of_ktx2(Ktx2Layout const& layout, Texture const& texture)
         end = layout.levels[i] + texture.levels[i].size();
     }
     return parts;
-}
-
-bool write_parts(fs::path const& file, FileParts const& parts)
-{
-    OutputStream stream(file);
-    for (auto const& part : parts) {
-        stream.write(part);
-    }
-    return stream.close();
-}
-
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-/// Whether @p file consists of @p parts.
-bool consists_of(fs::path const& file, FileParts const& parts)
-{
-    std::unique_ptr<std::FILE, CloseFile> const stream(fdopen(open_file(file, OpenFor::kReading), "rb"));
-    if (!stream) {
-        return false;
-    }
-    std::vector<std::uint8_t> piece(1U << 20U);
-    for (std::span<std::uint8_t const> rest : parts) {
-        while (!rest.empty()) {
-            std::size_t const size = std::min(piece.size(), rest.size());
-            if (std::fread(piece.data(), 1, size, stream.get()) != size ||
-                !std::equal(piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(size), rest.begin())) {
-                return false;
-            }
-            rest = rest.subspan(size);
-        }
-    }
-    return std::fgetc(stream.get()) == EOF;
 }
 
 } // namespace
@@ -115,9 +74,7 @@ void write_texture(fs::path const& file, TextureContainer container, std::string
     std::vector<std::uint8_t> const header = is_dds ? dds_header(texture) : std::vector<std::uint8_t>();
     Ktx2Layout const layout = is_dds ? Ktx2Layout() : ktx2_layout(texture);
     FileParts const parts = is_dds ? parts_of_dds(header, texture) : parts_of_ktx2(layout, texture);
-    write_and_check(
-        file, name, [&] { return write_parts(file, parts); }, [&] { return consists_of(file, parts); },
-        observer);
+    write_parts(file, name, parts, observer);
 }
 
 } // namespace umbrixlib::toolkit

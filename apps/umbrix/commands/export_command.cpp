@@ -5,9 +5,9 @@
 #include "options/setting_options.h"
 #include "terminal/height_words.h"
 #include "terminal/say.h"
+#include "toolkit/base/whole.h"
 
 #include <CLI/Error.hpp>
-#include <cmath>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <functional>
@@ -26,7 +26,7 @@ int levels_called(std::string const& text)
         return text == "all" ? kAllLevels : 1;
     }
     double const number = parse_number("--mipmaps", text, 1, kAllLevels);
-    if (number != std::floor(number)) {
+    if (!is_whole(number)) {
         throw CLI::ValidationError("--mipmaps", fmt::format("'{}' is no whole number", text));
     }
     return static_cast<int>(number);

@@ -60,8 +60,8 @@ TEST(ChannelWeights, GiveFlatGroundTheExposure)
                 EXPECT_NEAR(product(weights, channels_of(0, 0, mode)), 0.7, 1e-12);
             }
         }
-        ChannelWeights const ambient = ambient_weights({mode, 0.7, WeightRule::kFitted, 0.2});
-        EXPECT_NEAR(product(ambient, channels_of(0, 0, mode)), 0.2, 1e-12);
+        double const ambient = ambient_weight({mode, 0.7, WeightRule::kFitted, 0.2});
+        EXPECT_NEAR(product({ambient, ambient, ambient}, channels_of(0, 0, mode)), 0.2, 1e-12);
     }
 }
 

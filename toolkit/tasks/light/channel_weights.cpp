@@ -109,11 +109,10 @@ ChannelWeights channel_weights(Light light, Relighting const& look)
     return scaled(weights, look.exposure / dot(weights, {parts[0][2], parts[1][2], parts[2][2]}));
 }
 
-ChannelWeights ambient_weights(Relighting const& look)
+double ambient_weight(Relighting const& look)
 {
     std::array<Vector, 3> const parts = responses(look.mode);
-    double const weight = look.ambient / (parts[0][2] + parts[1][2] + parts[2][2]);
-    return {weight, weight, weight};
+    return look.ambient / (parts[0][2] + parts[1][2] + parts[2][2]);
 }
 
 } // namespace umbrixlib::toolkit

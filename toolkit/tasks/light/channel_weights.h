@@ -42,7 +42,7 @@ using ChannelWeights = std::array<double, 3>;
 /// one at 6 degrees, but for WeightRule::kClamped.
 ChannelWeights channel_weights(Light light, Relighting const& look);
 
-/// Weights, equal ones, whose sum over the channels of flat ground is Relighting::ambient.
-ChannelWeights ambient_weights(Relighting const& look);
+/// The weight of each channel with which their sum over flat ground is Relighting::ambient.
+double ambient_weight(Relighting const& look);
 
 } // namespace umbrixlib::toolkit

@@ -30,11 +30,7 @@ Modes mode_of_map(std::string const& name, Attributes const& attributes, MapRead
 DecodedImage read_albedo(Source const& source, PreparedInput const& map, Observer& observer)
 {
     DecodedImage image = decode_input(source, observer);
-    if (image.width() != map.width || image.height() != map.height) {
-        throw Failure(Fault::kSizesDiffer, source.name,
-                      fmt::format("its size is {} x {} and that of the map {} x {}", image.width(),
-                                  image.height(), map.width, map.height));
-    }
+    check_same_size(source.name, {image.width(), image.height()}, "the map", {map.width, map.height});
     return image;
 }
 

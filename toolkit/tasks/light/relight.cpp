@@ -56,7 +56,7 @@ Picture light_on(Picture const& map, Light light, Relighting const& look)
 {
     double const one = full_scale(map.type);
     ChannelWeights const weights = channel_weights(light, look);
-    double const ambient = ambient_weights(look)[0];
+    double const ambient = ambient_weight(look);
     Picture lit = make_picture(map.width, map.height, 1, SampleType::kFloat);
     lit.kind = PictureKind::kLight;
     auto const to = lit.samples<float>();
@@ -83,8 +83,16 @@ Picture colours_in(Picture const& lit, Picture const& albedo)
 {
     Picture colours = make_alike(lit, 3, SampleType::kFloat);
     auto const light = lit.samples<float>();
-    std::ranges::transform(albedo.samples<float>(), colours.samples<float>().begin(),
-                           [&, i = std::size_t{0}](float each) mutable { return each * light[i++ / 3]; });
+    auto const from = albedo.samples<float>();
+    auto const to = colours.samples<float>();
+    auto const columns = static_cast<std::size_t>(lit.width);
+    for_rows(lit, [&](std::size_t y) {
+        for (std::size_t i = y * columns; i < (y + 1) * columns; ++i) {
+            for (std::size_t c = 3 * i; c < 3 * i + 3; ++c) {
+                to[c] = from[c] * light[i];
+            }
+        }
+    });
     return colours;
 }
 

@@ -61,9 +61,8 @@ RelightReport run(RelightJob const& job, Observer& observer)
     if (lit.size() == 1) {
         write_picture(output.file, format, output.name, lit.front(), output.saving.compression, observer);
     } else {
-        write_bytes(output.file, output.name,
-                    animated_png_bytes(lit, job.seconds / job.directions, output.saving.compression),
-                    observer);
+        auto const bytes = animated_png_bytes(lit, job.seconds / job.directions, output.saving.compression);
+        write_parts(output.file, output.name, {bytes}, observer);
     }
     return {lit.front().width, lit.front().height};
 }

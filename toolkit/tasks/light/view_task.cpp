@@ -8,6 +8,7 @@
 #include "toolkit/tasks/light/lit_map_input.h"
 #include "toolkit/tasks/tasks.h"
 
+#include <span>
 #include <utility>
 
 namespace umbrixlib::toolkit {
@@ -50,8 +51,8 @@ ViewReport run(ViewJob const& job, Observer& observer)
     observer.begin(Phase::kMaking, files.input);
     std::string const html =
         html_of({job.title, name_of_mode(mode), as_png(input.picture), std::move(albedo)});
-    write_bytes(files.output.file, files.output.name,
-                {reinterpret_cast<std::uint8_t const*>(html.data()), html.size()}, observer);
+    std::span const bytes(reinterpret_cast<std::uint8_t const*>(html.data()), html.size());
+    write_parts(files.output.file, files.output.name, {bytes}, observer);
     return {input.width, input.height, static_cast<double>(html.size())};
 }
 
