@@ -13,10 +13,13 @@ namespace umbrixlib::toolkit {
 /// "8-bit grey with alpha", "half-float colour" and the like.
 std::string description_of(Picture const& picture);
 
-/// A file as its decoder read it. Hostile files can crash some decoders, so an object of this class is made
-/// in a worker process only, one at a time, and none while the library works on a file.
+/// A file as its decoder read it. Hostile files can crash some decoders, so front ends leave decoding to a
+/// worker process. Several at once are all right.
 class DecodedImage {
 public:
+    /// What was decoded before, or never was in a file.
+    explicit DecodedImage(DecodedFile file) : file_(std::move(file)) {}
+
     /// Reads @p file; @p subject names it in the Failure thrown if it cannot be read, or has more than
     /// @p max_texels texels or a side above 65535.
     DecodedImage(std::filesystem::path const& file, std::string const& subject, double max_texels);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/encode.h"
 #include "toolkit/relief/sky.h"
+#include "toolkit/tasks/makers.h"
 #include "toolkit/tasks/methods/height_plane.h"
 #include "toolkit/tasks/methods/saved_picture.h"
 #include "toolkit/tasks/methods/self_description.h"
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace umbrixlib::toolkit {
 
@@ -30,6 +32,11 @@ std::optional<SkyOutput> output_as(Output const& output, PictureKind kind, Prepa
     OutputFormat const& format = *output_format(output.file);
     check_size(format, output.name, input.width, input.height);
     return SkyOutput{output, format, saved_as(output.saving, format, kind, output.name)};
+}
+
+std::optional<SavedAs> samples_of(std::optional<SkyOutput> const& output)
+{
+    return output ? std::optional(output->as) : std::nullopt;
 }
 
 void write(SkyOutput const& to, Picture const& picture, Observer& observer)
@@ -71,6 +78,26 @@ Picture occlusion_picture(SkyMap const& sky, ReliefInput const& relief, BentJob 
 
 } // namespace
 
+BentMade make(BentJob const& job, PreparedInput input, std::optional<SavedAs> const& bent,
+              std::optional<SavedAs> const& occlusion, Observer& observer)
+{
+    std::string const& name = job.files.input;
+    ReliefInput const relief = relief_input(input, job.settings, name, observer);
+    observer.begin(Phase::kMaking, name);
+    SkyMap sky = make_sky(job, relief, observer);
+    double const open = std::accumulate(sky.open.begin(), sky.open.end(), 0.0);
+    BentMade made;
+    made.report = {relief.width, relief.height, relief.h_scale, relief.range,
+                   open / static_cast<double>(sky.open.size())};
+    if (occlusion) {
+        made.occlusion = occlusion_picture(sky, relief, job, *occlusion);
+    }
+    if (bent) {
+        made.bent = bent_picture(sky, relief, job, *bent);
+    }
+    return made;
+}
+
 BentReport run(BentJob const& job, Observer& observer)
 {
     std::string const& name = job.files.input;
@@ -79,19 +106,14 @@ BentReport run(BentJob const& job, Observer& observer)
     auto const bent = output_as(job.occlusion_alone ? none : job.files.output, PictureKind::kNormals, input);
     auto const occlusion =
         output_as(job.occlusion_alone ? job.files.output : job.occlusion, PictureKind::kLight, input);
-    ReliefInput const relief = relief_input(input, job.settings, name, observer);
-
-    observer.begin(Phase::kMaking, name);
-    SkyMap sky = make_sky(job, relief, observer);
+    BentMade const made = make(job, std::move(input), samples_of(bent), samples_of(occlusion), observer);
     if (occlusion) {
-        write(*occlusion, occlusion_picture(sky, relief, job, occlusion->as), observer);
+        write(*occlusion, made.occlusion, observer);
     }
     if (bent) {
-        write(*bent, bent_picture(sky, relief, job, bent->as), observer);
+        write(*bent, made.bent, observer);
     }
-    double const open = std::accumulate(sky.open.begin(), sky.open.end(), 0.0);
-    return {relief.width, relief.height, relief.h_scale, relief.range,
-            open / static_cast<double>(sky.open.size())};
+    return made.report;
 }
 
 } // namespace umbrixlib::toolkit

@@ -7,6 +7,7 @@
 #include "toolkit/checks/find_steps.h"
 #include "toolkit/checks/mend_normals.h"
 #include "toolkit/pictures/encode.h"
+#include "toolkit/tasks/makers.h"
 #include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/methods/slopes_of_normals.h"
 #include "toolkit/tasks/methods/taken_for.h"
@@ -17,6 +18,7 @@
 #include <array>
 #include <cmath>
 #include <fmt/format.h>
+#include <utility>
 
 namespace umbrixlib::toolkit {
 
@@ -77,35 +79,40 @@ void check_normals(CheckJob const& job, Picture const& normals, NormalCode const
     find_in_normals(normals, sums, job.normal_y, dithered, report.findings);
 }
 
-void write_mended(CheckJob const& job, Picture normals, NormalCode const& code, NormalSums const& sums,
-                  CheckReport& report, Observer& observer)
+/// A copy without what can be mended exactly; without texels if there is nothing of that.
+Picture mended_copy(CheckJob const& job, Picture normals, NormalCode const& code, NormalSums const& sums,
+                    CheckReport& report)
 {
-    Output const& output = job.files.output;
     report.mended = mend_normals(normals, code, sums, report.findings);
     if (report.mended.empty()) {
-        return;
+        return {};
     }
     if (std::ranges::find(report.mended, "green-direction") != report.mended.end()) {
         set_value(normals.attributes, "green", *job.normal_y == NormalY::kUp ? "up" : "down");
     }
+    normals.kind = PictureKind::kNormals;
+    return normals;
+}
+
+void write_mended(Output const& output, Picture const& normals, Observer& observer)
+{
     OutputFormat const& format = *output_format(output.file);
     check_size(format, output.name, normals.width, normals.height);
     Saving saving = output.saving;
     saving.depth = nearest_depth(format, normals.type);
     SavedAs const as = saved_as(saving, format, PictureKind::kNormals, output.name);
-    normals.kind = PictureKind::kNormals;
     write_picture(output.file, format, output.name,
                   as.depth == normals.type ? normals : converted(normals, as), saving.compression, observer);
 }
 
 } // namespace
 
-CheckReport run(CheckJob const& job, Observer& observer)
+CheckMade make(CheckJob const& job, DecodedImage image, bool mend, Observer& observer)
 {
     std::string const& name = job.files.input;
-    DecodedImage image = decode_input({name, name, job.files.max_texels}, observer);
     observer.begin(Phase::kMaking, name);
-    CheckReport report;
+    CheckMade made;
+    CheckReport& report = made.report;
     report.width = image.width();
     report.height = image.height();
     TakenFor const taken = job.kind ? TakenFor{*job.kind, ""} : taken_for(image, name);
@@ -136,17 +143,29 @@ CheckReport run(CheckJob const& job, Observer& observer)
         break;
     default:
         findings.push_back({"lit-picture", "it is a picture of a map in a light, and no map", 0, 1.0});
-        return report;
+        return made;
     }
     if (has_light(picture)) {
         find_steps(picture, taken.kind, findings);
     }
     find_jpeg_blocks(picture, findings);
     find_seams(picture, job.h_tile, job.v_tile, findings);
-    if (taken.kind == PictureKind::kNormals && !job.files.output.file.empty()) {
-        write_mended(job, picture, code, sums, report, observer);
+    if (taken.kind == PictureKind::kNormals && mend) {
+        made.mended = mended_copy(job, picture, code, sums, report);
     }
-    return report;
+    return made;
+}
+
+CheckReport run(CheckJob const& job, Observer& observer)
+{
+    std::string const& name = job.files.input;
+    Output const& output = job.files.output;
+    DecodedImage image = decode_input({name, name, job.files.max_texels}, observer);
+    CheckMade const made = make(job, std::move(image), !output.file.empty(), observer);
+    if (made.mended.texels() > 0) {
+        write_mended(output, made.mended, observer);
+    }
+    return made.report;
 }
 
 } // namespace umbrixlib::toolkit

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "toolkit/base/stop.h"
 #include "toolkit/pictures/heights/take_heights.h"
+#include "toolkit/tasks/makers.h"
 #include "toolkit/tasks/methods/relief_fit.h"
 #include "toolkit/tasks/methods/told_heights.h"
 #include "toolkit/tasks/prepared_input.h"
@@ -7,6 +9,7 @@
 #include "toolkit/tasks/tasks.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <fmt/format.h>
 #include <iterator>
@@ -62,37 +65,9 @@ std::vector<float3> normals_of(Picture const& picture, double offset)
 }
 
 struct Pair {
-    int width;
-    int height;
-    std::vector<float> heights;
+    FitHeights& heights;
     Picture picture; ///< The normal map.
 };
-
-Pair read_pair(FitJob const& job, Observer& observer)
-{
-    Pair pair{};
-    {
-        PreparedInput input = prepare_input({job.heights, job.heights, job.max_texels}, observer);
-        note_normals_as_heights(job.heights, input.guess, observer);
-        ToldHeights const told = told_heights(input.picture.attributes, height_reading_of(job.settings));
-        take_for_heights(input, told.reading, job.heights, observer);
-        pair.width = input.width;
-        pair.height = input.height;
-        Picture const heights = channel_of(input.picture, HeightChannel::kMean, job.heights);
-        auto const samples = heights.samples<float>();
-        std::ranges::transform(samples, std::back_inserter(pair.heights), [&](float height) {
-            return static_cast<float>(static_cast<double>(height) * told.unit);
-        });
-    }
-    PreparedInput input = prepare_input({job.normals, job.normals, job.max_texels}, observer);
-    check_same_size(job.normals, {input.width, input.height}, "the height map", {pair.width, pair.height});
-    if (input.guess.kind == Kind::kHeightMap) {
-        observer.note(job.normals, {"this does not look like a normal map: " + input.guess.reason});
-    }
-    take_for_normals(input, {}, job.normals, observer);
-    pair.picture = std::move(input.picture);
-    return pair;
-}
 
 /// The heights as they are come first, and green up, where the pictures do not tell.
 constexpr Directions kDirections[] = {
@@ -101,8 +76,9 @@ constexpr Directions kDirections[] = {
 /// Fits a normal map to slopes that the library makes of the heights.
 class PairFit {
 public:
-    PairFit(Pair& pair, float detail, std::string* status, int* progress)
-        : pair_(pair), detail_(detail), status_(status), progress_(progress)
+    /// @param stop Ends the fit by Stopped as soon as it is set.
+    PairFit(Pair& pair, float detail, std::string* status, int* progress, bool& stop)
+        : pair_(pair), detail_(detail), status_(status), progress_(progress), stop_(stop)
     {
     }
 
@@ -142,24 +118,27 @@ public:
 
     FittedScale at(double gaussian, Directions const& directions, bool thorough)
     {
+        if (std::atomic_ref(stop_).load(std::memory_order_relaxed)) {
+            throw Stopped();
+        }
         make_slopes(gaussian);
         return fit_scale(slopes_, normals_, directions, scale_of(kLeastRelief), scale_of(kMostRelief),
                          thorough);
     }
 
-    double relief_of(double n_scale) const { return n_scale * 2.0 / pair_.width; }
+    double relief_of(double n_scale) const { return n_scale * 2.0 / pair_.heights.width; }
 
 private:
-    double scale_of(double relief) const { return relief * pair_.width / 2.0; }
+    double scale_of(double relief) const { return relief * pair_.heights.width / 2.0; }
 
     void make_slopes(double gaussian)
     {
         if (slopes_gaussian_ == gaussian) {
             return;
         }
-        std::vector<float3> made(pair_.heights.size());
-        HeightToNormal(pair_.heights.data(), made.data(), pair_.height, pair_.width, 1.0f,
-                       static_cast<float>(gaussian), 0.0f, false, 0, detail_, false, 0.0f, 0.0f, false,
+        std::vector<float3> made(pair_.heights.samples.size());
+        HeightToNormal(pair_.heights.samples.data(), made.data(), pair_.heights.height, pair_.heights.width,
+                       1.0f, static_cast<float>(gaussian), 0.0f, false, 0, detail_, false, 0.0f, 0.0f, false,
                        status_, progress_);
         *status_ = kFittingRelief;
         slopes_ = slopes_of(made);
@@ -173,6 +152,7 @@ private:
     float detail_;
     std::string* status_;
     int* progress_;
+    bool& stop_;
 };
 
 /// Four digits, which is more than 8 bits a channel can tell.
@@ -183,13 +163,34 @@ double rounded(double value)
 
 } // namespace
 
-FitReport run(FitJob const& job, Observer& observer)
+FitHeights take_heights_to_fit(FitJob const& job, PreparedInput input, Observer& observer)
 {
-    Pair pair = read_pair(job, observer);
+    note_normals_as_heights(job.heights, input.guess, observer);
+    ToldHeights const told = told_heights(input.picture.attributes, height_reading_of(job.settings));
+    take_for_heights(input, told.reading, job.heights, observer);
+    FitHeights taken{input.width, input.height, {}};
+    Picture const heights = channel_of(input.picture, HeightChannel::kMean, job.heights);
+    auto const samples = heights.samples<float>();
+    std::ranges::transform(samples, std::back_inserter(taken.samples), [&](float height) {
+        return static_cast<float>(static_cast<double>(height) * told.unit);
+    });
+    return taken;
+}
+
+FitReport make(FitJob const& job, FitHeights heights, PreparedInput normals, Observer& observer)
+{
+    check_same_size(job.normals, {normals.width, normals.height}, "the height map",
+                    {heights.width, heights.height});
+    if (normals.guess.kind == Kind::kHeightMap) {
+        observer.note(job.normals, {"this does not look like a normal map: " + normals.guess.reason});
+    }
+    take_for_normals(normals, {}, job.normals, observer);
+    Pair pair{heights, std::move(normals.picture)};
     observer.begin(Phase::kMaking, job.heights);
     FitReport report;
-    run_library(job.heights, observer, [&](std::string* status, int* progress) {
-        PairFit fit(pair, job.settings.detail, status, progress);
+    bool stop = false;
+    auto const call = [&](std::string* status, int* progress) {
+        PairFit fit(pair, job.settings.detail, status, progress, stop);
         double gaussian = rounded(static_cast<double>(job.settings.gaussian));
         Directions const directions = fit.best_directions(gaussian);
         fit.choose_middle(gaussian, directions);
@@ -201,10 +202,10 @@ FitReport run(FitJob const& job, Observer& observer)
         NormalY const other_green = green == NormalY::kUp ? NormalY::kDown : NormalY::kUp;
         FittedScale const best = fit.at(gaussian, directions, true);
         double const relief = rounded(fit.relief_of(best.n_scale));
-        report.width = pair.width;
-        report.height = pair.height;
+        report.width = heights.width;
+        report.height = heights.height;
         report.relief = relief;
-        report.n_scale = rounded(relief * pair.width / 2.0);
+        report.n_scale = rounded(relief * heights.width / 2.0);
         report.gaussian = gaussian;
         report.inverted = inverted;
         report.green = green;
@@ -216,8 +217,17 @@ FitReport run(FitJob const& job, Observer& observer)
         report.flat_mean_angle_degrees = flat_mean_angle_degrees(fit.normals());
         report.beats_flat = best.mean_angle_degrees < kBetter * report.flat_mean_angle_degrees;
         return true;
-    });
+    };
+    run_library(job.heights, observer, call, &stop);
     return report;
+}
+
+FitReport run(FitJob const& job, Observer& observer)
+{
+    FitHeights heights = take_heights_to_fit(
+        job, prepare_input({job.heights, job.heights, job.max_texels}, observer), observer);
+    return make(job, std::move(heights), prepare_input({job.normals, job.normals, job.max_texels}, observer),
+                observer);
 }
 
 } // namespace umbrixlib::toolkit

@@ -3,6 +3,7 @@
 #include "toolkit/base/failure.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/pictures/heights/take_heights.h"
+#include "toolkit/tasks/makers.h"
 #include "toolkit/tasks/methods/read_slopes.h"
 #include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/methods/told_heights.h"
@@ -197,25 +198,22 @@ Picture picture_of(std::vector<float> const& heights, HeightReport const& report
 
 } // namespace
 
-HeightReport run(HeightJob const& job, Observer& observer)
+HeightsMade make(HeightJob const& job, PreparedInput input, SavedAs const& as, Observer& observer)
 {
-    JobFiles const& files = job.files;
-    HeightReport report;
-    PreparedInput input = prepare_input({files.input, files.input, files.max_texels}, observer);
-    OutputFormat const& format = *output_format(files.output.file);
-    check_size(format, files.output.name, input.width, input.height);
-    SavedAs const as = saved_in_depth(files.output, format);
-    note_input(input, files.input, observer);
+    std::string const& name = job.files.input;
+    HeightsMade made;
+    HeightReport& report = made.report;
+    note_input(input, name, observer);
     Borders const borders = borders_of(job.settings);
     report.width = input.width;
     report.height = input.height;
-    SlopeSource const source{input.picture, files.input, job.settings, job.normal_y};
+    SlopeSource const source{input.picture, name, job.settings, job.normal_y};
     report.green = green_of_input(source);
     report.n_scale = n_scale_of(job.settings, input.width);
     report.stripes_x_unseen = borders.h_tile && input.width % 2 == 0;
     report.stripes_y_unseen = borders.v_tile && input.height % 2 == 0;
 
-    observer.begin(Phase::kMaking, files.input);
+    observer.begin(Phase::kMaking, name);
     NormalReading reading{};
     CentralDifferences differences =
         read_differences(source, report.green, static_cast<double>(report.n_scale), reading, observer);
@@ -226,15 +224,27 @@ HeightReport run(HeightJob const& job, Observer& observer)
     input.picture = {}; // its memory is needed
     std::vector<float> heights = make_heights(job, std::move(differences), observer);
     centre(heights, report);
-    check_finite(report, files.input);
-    note_lean(lean, report, files.input, observer);
+    check_finite(report, name);
+    note_lean(lean, report, name, observer);
     report.range = range_of(job, report, as.depth);
     if (report.range || is_whole(as.depth)) {
-        bring_in(heights, report.range.value_or(HeightRange{}), as.depth, files.input, observer);
+        bring_in(heights, report.range.value_or(HeightRange{}), as.depth, name, observer);
     }
-    write_picture(files.output.file, format, files.output.name, picture_of(heights, report, as),
-                  files.output.saving.compression, observer);
-    return report;
+    made.heights = picture_of(heights, report, as);
+    return made;
+}
+
+HeightReport run(HeightJob const& job, Observer& observer)
+{
+    JobFiles const& files = job.files;
+    PreparedInput input = prepare_input({files.input, files.input, files.max_texels}, observer);
+    OutputFormat const& format = *output_format(files.output.file);
+    check_size(format, files.output.name, input.width, input.height);
+    SavedAs const as = saved_in_depth(files.output, format);
+    HeightsMade const made = make(job, std::move(input), as, observer);
+    write_picture(files.output.file, format, files.output.name, made.heights, files.output.saving.compression,
+                  observer);
+    return made.report;
 }
 
 } // namespace umbrixlib::toolkit

@@ -46,7 +46,8 @@ struct MapJob {
     JobFiles files;
     Settings settings = kDefaults;
     std::optional<Kind> kind; ///< Of the input; empty: guess.
-    /// Green of a normal map; empty: as its name's ending tells, or else as the settings have it.
+    /// Green of a normal map; empty: as the file tells, or the ending of its name, or else as the settings
+    /// have it.
     std::optional<NormalY> normal_y;
     Graphics graphics;
     bool compare_cpu = false; ///< Tell how far the map is from one made on the CPU.

@@ -2,6 +2,7 @@
 #include "toolkit/pictures/analysis/picture_difference.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/pictures/naming.h"
+#include "toolkit/tasks/makers.h"
 #include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/methods/told_heights.h"
 #include "toolkit/tasks/prepared_input.h"
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <utility>
 
 namespace umbrixlib::toolkit {
 
@@ -45,11 +47,12 @@ void note_normal_map(MapJob const& job, PreparedInput const& input, Observer& ob
     }
 }
 
-/// Settles where green points in a normal map.
-void settle_green(MapJob const& job, NameEnding const* ending, MapReport& report)
+/// Settles where green points in a normal map: as asked for, or as it tells itself.
+void settle_green(std::optional<NormalY> const& known, NormalY by_settings, NameEnding const* ending,
+                  MapReport& report)
 {
-    report.green_by_name = !job.normal_y && ending != nullptr && ending->green;
-    report.green = report.green_by_name ? *ending->green : job.normal_y.value_or(job.settings.normal_y);
+    report.green_by_name = !known && ending != nullptr && ending->green;
+    report.green = report.green_by_name ? *ending->green : known.value_or(by_settings);
 }
 
 /// The library's normals have green up; a picture's own maker chose the direction when it was made.
@@ -90,14 +93,10 @@ Picture make_map(MapJob const& job, Picture const& source, umbrix_options const&
 
 } // namespace
 
-MapReport run(MapJob const& job, Observer& observer)
+MapMade make(MapJob const& job, PreparedInput input, SavedAs const& as, Observer& observer)
 {
     JobFiles const& files = job.files;
-    PreparedInput input = prepare_input({files.input, files.input, files.max_texels}, observer);
     check_relief_size(job.settings, files.input, input.width, input.height);
-    OutputFormat const& format = *output_format(files.output.file);
-    check_size(format, files.output.name, input.width, input.height);
-    SavedAs const as = saved_as(files.output.saving, format, PictureKind::kLight, files.output.name);
     NameEnding const* const ending = ending_of_name(files.input);
     if (!job.kind) {
         note_unlike_its_name(files.input, input.guess, observer);
@@ -105,15 +104,17 @@ MapReport run(MapJob const& job, Observer& observer)
     Kind const kind = job.kind.value_or(input.guess.kind);
     HeightReading const reading = height_reading_of(job.settings);
     Settings settings = job.settings;
-    MapReport report;
+    MapMade made;
+    MapReport& report = made.report;
     if (kind == Kind::kHeightMap) {
         ToldHeights const told = told_heights(input.picture.attributes, reading);
         settings = in_unit(settings, told.unit);
         report.heights = take_for_heights(input, told.reading, files.input, observer);
     } else {
+        auto const known = job.normal_y ? job.normal_y : green_of(input.picture.attributes);
         report.heights = take_for_normals(input, reading, files.input, observer);
         note_normal_map(job, input, observer);
-        settle_green(job, ending, report);
+        settle_green(known, job.settings.normal_y, ending, report);
         if (report.green == NormalY::kDown) {
             turn_green(input.picture);
         }
@@ -133,12 +134,23 @@ MapReport run(MapJob const& job, Observer& observer)
         note_narrowed_heights(input.type, as, files.input, observer);
     }
     observer.begin(Phase::kMaking, files.input);
-    Picture map = make_map(job, input.picture, options, as, report, observer);
-    note_lost_light(map, files.input, {input.picture, settings, kind, false, job.graphics}, observer);
-    map.attributes = attributes_of_map("map", job.settings);
-    write_picture(files.output.file, format, files.output.name, map, files.output.saving.compression,
+    made.map = make_map(job, input.picture, options, as, report, observer);
+    note_lost_light(made.map, files.input, {input.picture, settings, kind, false, job.graphics}, observer);
+    made.map.attributes = attributes_of_map("map", job.settings);
+    return made;
+}
+
+MapReport run(MapJob const& job, Observer& observer)
+{
+    JobFiles const& files = job.files;
+    PreparedInput input = prepare_input({files.input, files.input, files.max_texels}, observer);
+    OutputFormat const& format = *output_format(files.output.file);
+    check_size(format, files.output.name, input.width, input.height);
+    SavedAs const as = saved_as(files.output.saving, format, PictureKind::kLight, files.output.name);
+    MapMade const made = make(job, std::move(input), as, observer);
+    write_picture(files.output.file, format, files.output.name, made.map, files.output.saving.compression,
                   observer);
-    return report;
+    return made.report;
 }
 
 } // namespace umbrixlib::toolkit

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/encode.h"
+#include "toolkit/tasks/makers.h"
 #include "toolkit/tasks/methods/saved_picture.h"
 #include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/methods/told_heights.h"
@@ -7,39 +8,25 @@
 #include "toolkit/tasks/runs/normals_run.h"
 #include "toolkit/tasks/tasks.h"
 
-#include <algorithm>
 #include <umbrixlib.h>
+#include <utility>
 
 namespace umbrixlib::toolkit {
 
-namespace {
-
-/// Turns green over in normals that the library encoded: as it cuts (v + 1) * 255 / 2 off to a whole number,
-/// the code of -v is 254 less that of v, and flat ground stays 127.
-void turn_green(Picture& bytes)
+NormalsMade make(NormalJob const& job, PreparedInput input, SavedAs const& as, Observer& observer)
 {
-    for (std::size_t i = 0; i < bytes.texels(); ++i) {
-        std::uint8_t& green = bytes.texel(i)[1];
-        green = static_cast<std::uint8_t>(std::max(254 - green, 0));
-    }
-}
+    std::string const& name = job.files.input;
+    note_normals_as_heights(name, input.guess, observer);
+    ToldHeights const told = told_heights(input.picture.attributes, height_reading_of(job.settings));
+    std::optional<HeightRange> const range = take_for_heights(input, told.reading, name, observer);
 
-Picture save(NormalsResult const& made, NormalY normal_y, SavedAs const& as)
-{
-    bool const down = normal_y == NormalY::kDown;
-    bool const turn_bytes = down && as.as_the_library_does();
-    if (down && !turn_bytes) {
-        std::for_each_n(made.normals.get(), static_cast<std::ptrdiff_t>(made.rows) * made.cols,
-                        [](float3& normal) { normal.y = -normal.y; });
-    }
-    Picture picture = saved_normals(made.normals.get(), made.cols, made.rows, as);
-    if (turn_bytes) {
-        turn_green(picture);
-    }
-    return picture;
+    observer.begin(Phase::kMaking, name);
+    float const n_scale = n_scale_of(in_unit(job.settings, told.unit), input.width);
+    NormalsResult const made = normals_of_heights(input.picture, n_scale, job.settings, name, observer);
+    Picture normals = saved_normals(made.normals.get(), made.cols, made.rows, as, job.normal_y);
+    normals.attributes = attributes_of_normals("normal", job.normal_y, as);
+    return {std::move(normals), {input.width, input.height, n_scale, range}};
 }
-
-} // namespace
 
 NormalReport run(NormalJob const& job, Observer& observer)
 {
@@ -48,19 +35,10 @@ NormalReport run(NormalJob const& job, Observer& observer)
     OutputFormat const& format = *output_format(files.output.file);
     check_size(format, files.output.name, input.width, input.height);
     SavedAs const as = saved_as(files.output.saving, format, PictureKind::kNormals, files.output.name);
-    note_normals_as_heights(files.input, input.guess, observer);
-    ToldHeights const told = told_heights(input.picture.attributes, height_reading_of(job.settings));
-    std::optional<HeightRange> const range = take_for_heights(input, told.reading, files.input, observer);
-
-    observer.begin(Phase::kMaking, files.input);
-    float const n_scale = n_scale_of(in_unit(job.settings, told.unit), input.width);
-    NormalsResult const made =
-        normals_of_heights(input.picture, n_scale, job.settings, files.input, observer);
-    Picture normals = save(made, job.normal_y, as);
-    normals.attributes = attributes_of_normals("normal", job.normal_y, as);
-    write_picture(files.output.file, format, files.output.name, normals, files.output.saving.compression,
+    NormalsMade const made = make(job, std::move(input), as, observer);
+    write_picture(files.output.file, format, files.output.name, made.normals, files.output.saving.compression,
                   observer);
-    return {input.width, input.height, n_scale, range};
+    return made.report;
 }
 
 } // namespace umbrixlib::toolkit

@@ -120,7 +120,11 @@ DecodedImage decode_input(Source const& source, Observer& observer)
 
 PreparedInput prepare_input(Source const& source, Observer& observer)
 {
-    DecodedImage image = decode_input(source, observer);
+    return prepare_image(decode_input(source, observer), source, observer);
+}
+
+PreparedInput prepare_image(DecodedImage image, Source const& source, Observer& observer)
+{
     note_conversion(image, source, observer);
     for (std::string const& note : image.notes()) {
         observer.note(source.name, {note});

@@ -54,6 +54,10 @@ void note_normals_as_heights(std::string const& file, KindGuess const& guess, Ob
 
 PreparedInput prepare_input(Source const& source, Observer& observer);
 
+/// The same for a picture that is in memory already. Of @p source the file may not exist; its name can tell
+/// what the picture is.
+PreparedInput prepare_image(DecodedImage image, Source const& source, Observer& observer);
+
 /// For a picture that is taken for heights: they are 0 to 1 from now on. Returns what became 0 and 1, if that
 /// is not 0 and 1. A Failure if the picture has no such heights.
 std::optional<HeightRange> take_for_heights(PreparedInput& input, HeightReading const& reading,

@@ -2,6 +2,7 @@
 #include "toolkit/pictures/address_space.h"
 #include "toolkit/pictures/encode.h"
 #include "toolkit/settings/stack_record.h"
+#include "toolkit/tasks/makers.h"
 #include "toolkit/tasks/methods/saved_picture.h"
 #include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/prepared_input.h"
@@ -22,20 +23,7 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-/// A layer with its picture.
-struct ReadyLayer {
-    StackLayer const* description;
-    Picture picture;
-    SampleType type; ///< Of its file's samples.
-};
-
-struct ReadyStack {
-    int width = 0; ///< Of the first layer, and so of all pictures.
-    int height = 0;
-    std::vector<ReadyLayer> layers;
-};
-
-void note_other_size(StackLayer const& layer, PreparedInput const& picture, ReadyStack const& stack,
+void note_other_size(StackLayer const& layer, PreparedInput const& picture, LayerPictures const& stack,
                      Observer& observer)
 {
     bool const smaller = picture.width < stack.width || picture.height < stack.height;
@@ -49,7 +37,8 @@ void note_other_size(StackLayer const& layer, PreparedInput const& picture, Read
 
 /// Whether the layer counts. A normal layer of another size than the first layer's would be left out by the
 /// library without a word, and if it were the last one, the result would be saved at its size.
-bool fits(StackLayer const& layer, PreparedInput const& picture, ReadyStack const& stack, Observer& observer)
+bool fits(StackLayer const& layer, PreparedInput const& picture, LayerPictures const& stack,
+          Observer& observer)
 {
     if (picture.width == stack.width && picture.height == stack.height) {
         return true;
@@ -66,21 +55,22 @@ bool fits(StackLayer const& layer, PreparedInput const& picture, ReadyStack cons
     return true;
 }
 
-/// How the samples of an output are saved, which may be a picture that is not wanted.
-SavedAs saved_as(Output const& output, PictureKind kind)
+/// How the samples of an output are saved; empty if the picture is not wanted.
+std::optional<SavedAs> samples_of(Output const& output, PictureKind kind)
 {
-    return output.file.empty() ? SavedAs{}
-                               : saved_as(output.saving, *output_format(output.file), kind, output.name);
+    return output.file.empty()
+               ? std::nullopt
+               : std::optional(saved_as(output.saving, *output_format(output.file), kind, output.name));
 }
 
-void check_outputs(StackJob const& job, ReadyStack const& stack)
+void check_outputs(StackJob const& job, LayerPictures const& stack)
 {
     for (auto const& [output, kind] :
          {std::pair(&job.normals, PictureKind::kNormals), std::pair(&job.heights, PictureKind::kHeights),
           std::pair(&job.map, PictureKind::kLight)}) {
         if (!output->file.empty()) {
             check_size(*output_format(output->file), output->name, stack.width, stack.height);
-            saved_as(*output, kind);
+            samples_of(*output, kind);
         }
     }
     if (!job.map.file.empty()) {
@@ -119,32 +109,8 @@ void take_layer(StackLayer const& layer, PreparedInput& picture, HeightReading c
     }
 }
 
-/// Decodes the layers one by one. All checks that need the size of the pictures are made as soon as it is
-/// known.
-ReadyStack read_layers(StackJob const& job, Observer& observer)
-{
-    ReadyStack stack;
-    for (StackLayer const& layer : job.description.layers) {
-        PreparedInput picture = prepare_input({layer.file, layer.file_label(), job.max_texels}, observer);
-        if (!layer.is_normal_map) {
-            note_normals_as_heights(layer.file_label(), picture.guess, observer);
-        }
-        if (stack.layers.empty()) {
-            stack.width = picture.width;
-            stack.height = picture.height;
-            check_outputs(job, stack);
-            check_memory(job, picture);
-        } else if (!fits(layer, picture, stack, observer)) {
-            continue;
-        }
-        take_layer(layer, picture, height_reading_of(job.settings), observer);
-        stack.layers.push_back({&layer, std::move(picture.picture), picture.type});
-    }
-    return stack;
-}
-
 /// The library's descriptions of the layers.
-LinkedList<n_layer> records_of(ReadyStack const& stack, StackJob const& job)
+LinkedList<n_layer> records_of(LayerPictures const& stack, StackJob const& job)
 {
     LinkedList<n_layer> records;
     for (std::size_t i = 0; i < stack.layers.size(); ++i) {
@@ -156,9 +122,9 @@ LinkedList<n_layer> records_of(ReadyStack const& stack, StackJob const& job)
     return records;
 }
 
-void fill(NLayers& library_stack, ReadyStack const& stack)
+void fill(NLayers& library_stack, LayerPictures const& stack)
 {
-    for (ReadyLayer const& layer : stack.layers) {
+    for (LayerPicture const& layer : stack.layers) {
         if (layer.description->is_normal_map) {
             library_stack.AddNormalLayer(layer.picture.view());
         } else {
@@ -173,9 +139,9 @@ struct Blended {
     std::vector<float> heights; ///< None if nothing needs them.
 };
 
-bool needs_heights(StackJob const& job)
+bool needs_heights(StackJob const& job, StackOutputs const& outputs)
 {
-    return !job.heights.file.empty() || (!job.map.file.empty() && !job.map_from_layers);
+    return outputs.heights || (outputs.map && !job.map_from_layers);
 }
 
 std::vector<float> blended_heights(NLayers& library_stack, std::size_t texels)
@@ -186,7 +152,8 @@ std::vector<float> blended_heights(NLayers& library_stack, std::size_t texels)
     return {blended, blended + texels};
 }
 
-Blended blend(StackJob const& job, ReadyStack const& stack, Observer& observer)
+Blended blend(StackJob const& job, LayerPictures const& stack, StackOutputs const& outputs,
+              Observer& observer)
 {
     Blended blended;
     run_in_memory(job.file, observer, [&](RunControl& control) {
@@ -197,7 +164,7 @@ Blended blend(StackJob const& job, ReadyStack const& stack, Observer& observer)
         library_stack.BlendLayers();
         auto const texels = static_cast<std::size_t>(library_stack.GetResultSize());
         blended.normals.assign(library_stack.GetResult(), library_stack.GetResult() + texels);
-        if (needs_heights(job) && !control.stopping()) {
+        if (needs_heights(job, outputs) && !control.stopping()) {
             control.enter(kBlendingHeights);
             blended.heights = blended_heights(library_stack, texels);
         }
@@ -206,17 +173,8 @@ Blended blend(StackJob const& job, ReadyStack const& stack, Observer& observer)
     return blended;
 }
 
-/// Whether normals and heights are narrowed to bytes before a map is made of them, as its own bytes are. Maps
-/// of layers of bytes are what they always were so; what more the layers or the map hold is kept.
-bool is_narrowed_between(ReadyStack const& stack, SavedAs const& map)
-{
-    return map.depth == SampleType::kUint8 &&
-           std::all_of(stack.layers.begin(), stack.layers.end(),
-                       [](ReadyLayer const& layer) { return layer.type == SampleType::kUint8; });
-}
-
 /// The blended normals with the blended heights, stretched to their full range, in the alpha.
-Picture source_in_bytes(ReadyStack const& stack, Blended const& blended)
+Picture source_in_bytes(LayerPictures const& stack, Blended const& blended)
 {
     Picture const normals = saved_normals(blended.normals.data(), stack.width, stack.height);
     Picture const heights = saved_heights(blended.heights.data(), stack.width, stack.height);
@@ -229,7 +187,7 @@ Picture source_in_bytes(ReadyStack const& stack, Blended const& blended)
 }
 
 /// The same, with the vectors themselves.
-Picture source_in_floats(ReadyStack const& stack, Blended const& blended)
+Picture source_in_floats(LayerPictures const& stack, Blended const& blended)
 {
     std::vector<float> heights = blended.heights;
     stretch_heights(heights.data(), static_cast<std::ptrdiff_t>(heights.size()));
@@ -245,7 +203,7 @@ Picture source_in_floats(ReadyStack const& stack, Blended const& blended)
     return result;
 }
 
-void note_layers_without_normals(ReadyStack const& stack, Observer& observer)
+void note_layers_without_normals(LayerPictures const& stack, Observer& observer)
 {
     for (std::size_t i = 1; i < stack.layers.size(); ++i) {
         StackLayer const& layer = *stack.layers[i].description;
@@ -257,7 +215,7 @@ void note_layers_without_normals(ReadyStack const& stack, Observer& observer)
 }
 
 /// The map as the library itself makes it with layers. Their heights take the place of the picture's.
-Picture make_map_from_layers(StackJob const& job, ReadyStack const& stack, SavedAs const& as,
+Picture make_map_from_layers(StackJob const& job, LayerPictures const& stack, SavedAs const& as,
                              Observer& observer)
 {
     note_layers_without_normals(stack, observer);
@@ -276,23 +234,23 @@ Picture make_map_from_layers(StackJob const& job, ReadyStack const& stack, Saved
 }
 
 /// Whether the settings' relief makes the normals of all layers.
-bool normals_follow_relief(ReadyStack const& stack)
+bool normals_follow_relief(LayerPictures const& stack)
 {
-    return std::ranges::none_of(stack.layers, [](ReadyLayer const& layer) {
+    return std::ranges::none_of(stack.layers, [](LayerPicture const& layer) {
         return layer.description->n_scale.has_value() || layer.description->is_normal_map;
     });
 }
 
-Picture make_map(StackJob const& job, ReadyStack const& stack, Blended const& blended, Observer& observer)
+Picture make_map(StackJob const& job, LayerPictures const& stack, Blended const& blended,
+                 StackOutputs const& outputs, Observer& observer)
 {
-    SavedAs const as = saved_as(job.map, PictureKind::kLight);
     if (job.map_from_layers) {
-        return make_map_from_layers(job, stack, as, observer);
+        return make_map_from_layers(job, stack, *outputs.map, observer);
     }
     umbrix_options const options = options_for(job.settings, Kind::kNormalMap, stack.width);
     Picture const source =
-        is_narrowed_between(stack, as) ? source_in_bytes(stack, blended) : source_in_floats(stack, blended);
-    MapOrder order{source, job.file, options, as, borders_of(job.settings)};
+        outputs.map_of_bytes ? source_in_bytes(stack, blended) : source_in_floats(stack, blended);
+    MapOrder order{source, job.file, options, *outputs.map, borders_of(job.settings)};
     order.graphics = job.graphics;
     Picture map = make_umbrix_map(order, observer);
     note_lost_light(map, job.file,
@@ -302,10 +260,10 @@ Picture make_map(StackJob const& job, ReadyStack const& stack, Blended const& bl
 }
 
 /// Type of the samples that hold the most, among the layers of heights.
-SampleType deepest_heights(ReadyStack const& stack)
+SampleType deepest_heights(LayerPictures const& stack)
 {
     SampleType deepest = SampleType::kUint8;
-    for (ReadyLayer const& layer : stack.layers) {
+    for (LayerPicture const& layer : stack.layers) {
         if (!layer.description->is_normal_map) {
             deepest = std::max(deepest, layer.type);
         }
@@ -313,36 +271,82 @@ SampleType deepest_heights(ReadyStack const& stack)
     return deepest;
 }
 
-void write_output(Output const& output, Picture&& picture, Attributes&& attributes, Observer& observer)
+void write_output(Output const& output, Picture const& picture, Observer& observer)
 {
-    picture.attributes = std::move(attributes);
-    write_picture(output.file, *output_format(output.file), output.name, picture, output.saving.compression,
-                  observer);
+    if (!output.file.empty()) {
+        write_picture(output.file, *output_format(output.file), output.name, picture,
+                      output.saving.compression, observer);
+    }
 }
 
 } // namespace
 
+bool LayerPictures::are_bytes() const
+{
+    return std::ranges::all_of(layers,
+                               [](LayerPicture const& layer) { return layer.type == SampleType::kUint8; });
+}
+
+void add_layer(StackJob const& job, StackLayer const& layer, PreparedInput picture, LayerPictures& stack,
+               Observer& observer)
+{
+    if (!layer.is_normal_map) {
+        note_normals_as_heights(layer.file_label(), picture.guess, observer);
+    }
+    if (stack.layers.empty()) {
+        stack.width = picture.width;
+        stack.height = picture.height;
+        check_outputs(job, stack);
+        check_memory(job, picture);
+    } else if (!fits(layer, picture, stack, observer)) {
+        return;
+    }
+    take_layer(layer, picture, height_reading_of(job.settings), observer);
+    stack.layers.push_back({&layer, std::move(picture.picture), picture.type});
+}
+
+StackMade make(StackJob const& job, LayerPictures const& stack, StackOutputs const& outputs,
+               Observer& observer)
+{
+    observer.begin(Phase::kMaking, job.file);
+    Blended const blended = blend(job, stack, outputs, observer);
+    StackMade made;
+    if (outputs.map) {
+        made.map = make_map(job, stack, blended, outputs, observer);
+        made.map.attributes = attributes_of_map("stack", job.settings);
+    }
+    if (outputs.normals) {
+        made.normals = saved_normals(blended.normals.data(), stack.width, stack.height, *outputs.normals);
+        made.normals.attributes = attributes_of_normals("stack", NormalY::kUp, *outputs.normals);
+    }
+    if (outputs.heights) {
+        note_narrowed_heights(deepest_heights(stack), *outputs.heights, job.file, observer);
+        made.heights = saved_heights(blended.heights.data(), stack.width, stack.height, *outputs.heights);
+        made.heights.attributes = attributes_of_heights("stack");
+    }
+    return made;
+}
+
 StackReport run(StackJob const& job, Observer& observer)
 {
-    ReadyStack const stack = read_layers(job, observer);
+    LayerPictures stack;
+    for (StackLayer const& layer : job.description.layers) {
+        add_layer(job, layer, prepare_input({layer.file, layer.file_label(), job.max_texels}, observer),
+                  stack, observer);
+    }
     if (job.graphics.device) {
         open_device(job.graphics, job.file, observer);
     }
-    observer.begin(Phase::kMaking, job.file);
-    Blended const blended = blend(job, stack, observer);
-    if (!job.map.file.empty()) {
-        write_output(job.map, make_map(job, stack, blended, observer),
-                     attributes_of_map("stack", job.settings), observer);
-    }
-    SavedAs const normals_as = saved_as(job.normals, PictureKind::kNormals);
-    write_output(job.normals, saved_normals(blended.normals.data(), stack.width, stack.height, normals_as),
-                 attributes_of_normals("stack", NormalY::kUp, normals_as), observer);
-    if (!job.heights.file.empty()) {
-        SavedAs const as = saved_as(job.heights, PictureKind::kHeights);
-        note_narrowed_heights(deepest_heights(stack), as, job.file, observer);
-        write_output(job.heights, saved_heights(blended.heights.data(), stack.width, stack.height, as),
-                     attributes_of_heights("stack"), observer);
-    }
+    StackOutputs const outputs{
+        samples_of(job.normals, PictureKind::kNormals), samples_of(job.heights, PictureKind::kHeights),
+        samples_of(job.map, PictureKind::kLight),
+        stack.are_bytes() &&
+            samples_of(job.map, PictureKind::kLight).value_or(SavedAs{SampleType::kFloat}).depth ==
+                SampleType::kUint8};
+    StackMade const made = make(job, stack, outputs, observer);
+    write_output(job.map, made.map, observer);
+    write_output(job.normals, made.normals, observer);
+    write_output(job.heights, made.heights, observer);
     return {stack.width, stack.height, stack.layers.size()};
 }
 

@@ -98,6 +98,18 @@ TEST_F(SelfDescription, OfNormalsHasGreenAndTheirCoding)
     EXPECT_EQ(value_of(told_by("n.exr"), "coding"), "-1..1");
 }
 
+TEST_F(SelfDescription, OfNormalsTellsMapsWhereGreenPoints)
+{
+    make_normals("n.png");
+    MapJob job;
+    job.files = files("n.png", "m.png");
+    job.kind = Kind::kNormalMap;
+    Listener listener;
+    EXPECT_EQ(run(job, listener).green, NormalY::kDown);
+    job.normal_y = NormalY::kUp;
+    EXPECT_EQ(run(job, listener).green, NormalY::kUp);
+}
+
 TEST_F(SelfDescription, IsTheSameInEachRun)
 {
     make_map("a.png", Modes_Projection);

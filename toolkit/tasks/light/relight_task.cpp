@@ -4,6 +4,7 @@
 #include "toolkit/pictures/srgb.h"
 #include "toolkit/tasks/light/lit_map_input.h"
 #include "toolkit/tasks/light/relight.h"
+#include "toolkit/tasks/makers.h"
 #include "toolkit/tasks/methods/self_description.h"
 #include "toolkit/tasks/tasks.h"
 
@@ -13,16 +14,6 @@
 namespace umbrixlib::toolkit {
 
 namespace {
-
-/// The colours of the surface, if there are any.
-Picture albedo_for(RelightJob const& job, PreparedInput const& map, Observer& observer)
-{
-    if (job.albedo.empty()) {
-        return {};
-    }
-    Source const source{job.albedo, job.albedo, job.files.max_texels};
-    return linear_colours(read_albedo(source, map, observer).release_picture());
-}
 
 /// One picture, or those of a turn.
 std::vector<Picture> pictures_of(RelightJob const& job, LitSurface const& surface, Relighting const& look,
@@ -43,20 +34,33 @@ std::vector<Picture> pictures_of(RelightJob const& job, LitSurface const& surfac
 
 } // namespace
 
+std::vector<Picture> make(RelightJob const& job, PreparedInput input, Picture albedo, SavedAs const& as,
+                          Observer& observer)
+{
+    std::string const& name = job.files.input;
+    Relighting look = job.look;
+    look.mode =
+        mode_of_map(name, input.picture.attributes, {look.mode, job.mode_is_given, job.force}, observer);
+    LitSurface surface{std::move(input.picture), {}};
+    if (albedo.texels() > 0) {
+        surface.albedo = linear_colours(std::exchange(albedo, {}));
+    }
+    observer.begin(Phase::kMaking, name);
+    return pictures_of(job, surface, look, as);
+}
+
 RelightReport run(RelightJob const& job, Observer& observer)
 {
     JobFiles const& files = job.files;
     PreparedInput input = prepare_input({files.input, files.input, files.max_texels}, observer);
     OutputFormat const& format = *output_format(files.output.file);
-    Relighting look = job.look;
-    look.mode = mode_of_map(files.input, input.picture.attributes, {look.mode, job.mode_is_given, job.force},
-                            observer);
     SavedAs const as =
         saved_as_deep(input.type, files.output.saving, format, PictureKind::kLight, files.output.name);
-    LitSurface surface{{}, albedo_for(job, input, observer)};
-    surface.map = std::move(input.picture);
-    observer.begin(Phase::kMaking, files.input);
-    std::vector<Picture> const lit = pictures_of(job, surface, look, as);
+    Picture albedo;
+    if (!job.albedo.empty()) {
+        albedo = read_albedo({job.albedo, job.albedo, files.max_texels}, input, observer).release_picture();
+    }
+    std::vector<Picture> const lit = make(job, std::move(input), std::move(albedo), as, observer);
     Output const& output = files.output;
     if (lit.size() == 1) {
         write_picture(output.file, format, output.name, lit.front(), output.saving.compression, observer);

@@ -20,6 +20,7 @@ namespace umbrixlib::toolkit {
 namespace {
 
 constexpr auto kPollInterval = std::chrono::milliseconds(50);
+constexpr std::size_t kFewTexels = 64 * 64; // as the library has them for a run without a team
 
 /// The progress pair that the library writes with plain stores while we read. The text has room for every
 /// stage name from the start, so its bytes stay where they are; they are read one by one, up to that room,
@@ -147,6 +148,8 @@ void check_work(bool good, std::string const& file)
 
 void run_library(std::string const& file, Observer& observer, LibraryCall const& call, bool* cancel)
 {
+    static std::mutex turns; // the functions called so know one state a process
+    std::lock_guard const turn(turns);
     set_message_handler(keep_error_box);
     ProgressPair pair;
     bool good = false;
@@ -161,18 +164,25 @@ void run_library(std::string const& file, Observer& observer, LibraryCall const&
 }
 
 void run_in_memory(std::string const& file, Observer& observer,
-                   std::function<Outcome(RunControl& control)> const& call)
+                   std::function<Outcome(RunControl& control)> const& call, std::size_t texels)
 {
     set_message_handler(keep_error_box);
     RunControl control;
     Outcome outcome = Outcome::kInvalid;
-    run_beside([&] { outcome = call(control); },
-               [&] {
-                   observer.stage(stage_name(control.stage()), control.permille());
-                   if (observer.stopping()) {
-                       control.stop();
-                   }
-               });
+    if (observer.stopping()) {
+        control.stop();
+    }
+    if (texels <= kFewTexels) {
+        outcome = call(control);
+    } else {
+        run_beside([&] { outcome = call(control); },
+                   [&] {
+                       observer.stage(stage_name(control.stage()), control.permille());
+                       if (observer.stopping()) {
+                           control.stop();
+                       }
+                   });
+    }
     if (outcome == Outcome::kStopped) {
         throw Stopped();
     }

@@ -3,7 +3,9 @@
 
 #include "toolkit/base/observer.h"
 
+#include <cstddef>
 #include <functional>
+#include <limits>
 #include <string>
 #include <umbrixlib.h>
 
@@ -29,7 +31,10 @@ void run_library(std::string const& file, Observer& observer, LibraryCall const&
                  bool* cancel = nullptr);
 
 /// The same for a call from memory to memory, which ends early if the observer is stopping: throws Stopped.
+/// One on few texels stays on the calling thread: a thread takes longer to start than that takes.
+/// @param texels Of what is worked on.
 void run_in_memory(std::string const& file, Observer& observer,
-                   std::function<Outcome(RunControl& control)> const& call);
+                   std::function<Outcome(RunControl& control)> const& call,
+                   std::size_t texels = std::numeric_limits<std::size_t>::max());
 
 } // namespace umbrixlib::toolkit

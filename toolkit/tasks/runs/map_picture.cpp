@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <limits>
 
 namespace umbrixlib::toolkit {
 
@@ -91,11 +92,14 @@ Picture make_umbrix_map(MapOrder order, Observer& observer)
     }
     MapRequest request = request_for(order);
     MapResult result;
-    run_in_memory(order.name, observer, [&](RunControl& control) {
-        request.control = &control;
-        result = make_map(request);
-        return result.outcome;
-    });
+    run_in_memory(
+        order.name, observer,
+        [&](RunControl& control) {
+            request.control = &control;
+            result = make_map(request);
+            return result.outcome;
+        },
+        order.graphics.device ? std::numeric_limits<std::size_t>::max() : order.source.texels());
     if (order.graphics.device) {
         note_fallback(order.name, observer);
     }

@@ -14,11 +14,14 @@ NormalsResult normals_of_heights(Picture const& heights, float n_scale, Settings
     request.gaussian = settings.gaussian;
     request.borders = borders_of(settings);
     NormalsResult result;
-    run_in_memory(file, observer, [&](RunControl& control) {
-        request.control = &control;
-        result = make_normals(request);
-        return result.outcome;
-    });
+    run_in_memory(
+        file, observer,
+        [&](RunControl& control) {
+            request.control = &control;
+            result = make_normals(request);
+            return result.outcome;
+        },
+        heights.texels());
     return result;
 }
 
