@@ -2,12 +2,12 @@
 #include "options/setting_options.h"
 
 #include "options/preset_option.h"
+#include "toolkit/base/failure.h"
 #include "toolkit/base/text.h"
-#include "toolkit/base/whole.h"
 #include "toolkit/settings/defaults.h"
+#include "toolkit/settings/setting_text.h"
 
 #include <CLI/Error.hpp>
-#include <algorithm>
 #include <fmt/format.h>
 #include <optional>
 
@@ -15,68 +15,16 @@ namespace umbrix_cli {
 
 namespace {
 
-/// Parses @p text into one member of @p settings.
-class Parse {
-public:
-    Parse(SettingRow const& row, Settings& settings, std::string const& text)
-        : row_(row), settings_(settings), text_(text)
-    {
+void parse(SettingRow const& row, Settings& settings, std::string const& text)
+{
+    try {
+        set_from_text(row, settings, text);
+    } catch (Failure const& failure) {
+        std::string const advice = failure.remedy.empty() ? "" : fmt::format("; {}", failure.remedy);
+        throw CLI::ValidationError(fmt::format("--{}", row.name),
+                                   fmt::format("{}{}", failure.what(), advice));
     }
-
-    void operator()(bool Settings::*) const {} // a flag: CLI11 sets it
-
-    void operator()(int Settings::*field) const
-    {
-        double const value = number();
-        if (!is_whole(value)) {
-            throw CLI::ValidationError(option(), fmt::format("{} is not a whole number", text_));
-        }
-        settings_.*field = static_cast<int>(value);
-    }
-
-    void operator()(float Settings::*field) const { settings_.*field = static_cast<float>(number()); }
-
-    void operator()(std::optional<float> Settings::*field) const
-    {
-        settings_.*field = text_ == "auto" ? std::nullopt : std::optional(static_cast<float>(number()));
-    }
-
-    void operator()(Modes Settings::*) const { parse_choice(); }
-    void operator()(std::optional<Kind> Settings::*) const { parse_choice(); }
-    void operator()(NormalY Settings::*) const { parse_choice(); }
-    void operator()(std::optional<umbrixlib::SampleType> Settings::*) const { parse_choice(); }
-    void operator()(HeightChannel Settings::*) const { parse_choice(); }
-    void operator()(CurvaturePart Settings::*) const { parse_choice(); }
-    void operator()(HeightRange Settings::*) const { parse_text(); }
-    void operator()(InvalidTexels Settings::*) const { parse_text(); }
-
-private:
-    std::string option() const { return fmt::format("--{}", row_.name); }
-
-    void parse_choice() const
-    {
-        auto const names = choices(row_);
-        auto const found = std::find(names.begin(), names.end(), text_);
-        if (found == names.end()) {
-            throw CLI::ValidationError(
-                option(), fmt::format("'{}' is not a {}; give {}", text_, row_.name, fmt::join(names, ", ")));
-        }
-        choose(row_, settings_, static_cast<int>(found - names.begin()));
-    }
-
-    void parse_text() const
-    {
-        if (!take_text(row_, settings_, text_)) {
-            throw CLI::ValidationError(option(), fmt::format("'{}' is not {}", text_, form_of(row_)));
-        }
-    }
-
-    double number() const { return parse_number(option(), text_, row_.minimum, row_.maximum); }
-
-    SettingRow const& row_;
-    Settings& settings_;
-    std::string const& text_;
-};
+}
 
 std::string default_text(SettingRow const& row)
 {
@@ -104,10 +52,10 @@ void declare(CLI::App& command, Settings& settings, SettingRow const& row)
             ->group(row.group);
         return;
     }
-    std::function<void(std::string const&)> const parse = [&settings, &row](std::string const& text) {
-        std::visit(Parse(row, settings, text), row.field);
+    std::function<void(std::string const&)> const take = [&settings, &row](std::string const& text) {
+        parse(row, settings, text);
     };
-    command.add_option_function<std::string>(fmt::format("--{}", row.name), parse, describe(row))
+    command.add_option_function<std::string>(fmt::format("--{}", row.name), take, describe(row))
         ->type_name(value_name(row))
         ->group(row.group);
 }
