@@ -468,7 +468,7 @@ umbrix_code umbrix_stack_add(umbrix_context* context, umbrix_stack* stack, umbri
 umbrix_code umbrix_stack_set_normal_scale(umbrix_context* context, umbrix_stack* stack, double scale);
 
 /** Blends the layers, which have the size of the lowest: normals of three channels, heights of one, stretched
- * to 0 to 1, and the Umbrix map of both. Each result may be NULL.
+ * to 0 to 1, and the Umbrix map of both, of four channels. Each result may be NULL.
  *
  * Where all layers have 8 bits, the map is made of normals and heights in 8 bits, as that of a file in 8 bits
  * is; with "save-depth" of more, or deeper layers, nothing is narrowed. */

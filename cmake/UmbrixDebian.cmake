@@ -13,7 +13,8 @@ set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 # The libraries find each other in the tree they were built in; dpkg-shlibdeps reads what they need from outside.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-    ${PROJECT_BINARY_DIR}/src ${PROJECT_BINARY_DIR}/velloric ${PROJECT_BINARY_DIR}/coralith ${PROJECT_BINARY_DIR}/toolkit)
+    ${PROJECT_BINARY_DIR}/src ${PROJECT_BINARY_DIR}/velloric ${PROJECT_BINARY_DIR}/coralith ${PROJECT_BINARY_DIR}/toolkit
+    ${PROJECT_BINARY_DIR}/capi)
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libumbrix${abi})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)

@@ -50,7 +50,7 @@ target_sources(umbrix PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/sr
 
 set(installed umbrix velloric coralith)
 if(TARGET toolkit)
-    list(APPEND installed toolkit)
+    list(APPEND installed toolkit umbrix_c)
 endif()
 install(TARGETS ${installed} EXPORT UmbrixLibTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
@@ -85,6 +85,10 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_FUL
 configure_file(cmake/umbrix.pc.in umbrix.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/umbrix.pc
     DESTINATION ${pkgconfig_dir} COMPONENT development)
+if(TARGET umbrix_c)
+    configure_file(cmake/umbrix-c.pc.in umbrix-c.pc @ONLY)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/umbrix-c.pc DESTINATION ${pkgconfig_dir} COMPONENT development)
+endif()
 
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
 include(UmbrixDebian)

@@ -64,6 +64,8 @@ PARTS = [
             ("toolkit/files/file_search.cpp", "toolkit/pictures/input_formats.h"),
         ],
     ),
+    # The interface for C. No code of ours knows it.
+    Part("capi", [], ["toolkit/*", PUBLIC], ["src", "capi"]),
     Part(
         "apps/umbrix",
         [["interrupts"], ["terminal"], ["options"], ["options/describe"], ["commands"], ["commands/light", "commands/list", "commands/pack", "commands/relief", "commands/tell"]],

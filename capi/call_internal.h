@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "capi/objects_internal.h"
+#include "toolkit/base/observer.h"
+#include "toolkit/base/stop.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+namespace umbrix_capi {
+
+using umbrixlib::SampleType;
+
+/// A call that makes no sense. The sentence tells what is wrong with it.
+struct WrongArgument : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// Throws a WrongArgument unless @p pointer, the argument of that name, is there.
+void require(void const* pointer, char const* name);
+
+/// Hands what is told on to the functions of a context.
+class CallObserver : public umbrixlib::toolkit::Observer {
+public:
+    explicit CallObserver(umbrix_context& context) : context_(context) {}
+
+    void begin(umbrixlib::toolkit::Phase phase, std::string const& file) override;
+    void stage(std::string_view name, int permille) override;
+    void note(std::string const& file, umbrixlib::toolkit::Note const& note) override;
+    bool stopping() const override { return stopping_; }
+
+    /// Throws Stopped if the context's function asked for it.
+    void check() const
+    {
+        if (stopping_) {
+            throw umbrixlib::toolkit::Stopped();
+        }
+    }
+
+private:
+    umbrix_context& context_;
+    bool stopping_ = false;
+};
+
+/// Tells @p context what is being thrown, and returns its code. No exception leaves it.
+umbrix_code keep_error(umbrix_context& context) noexcept;
+
+/// Does @p body, which is given a CallObserver, and turns what it throws into a code and a sentence.
+template <typename Body>
+umbrix_code call(umbrix_context* context, Body const& body) noexcept
+{
+    if (context == nullptr) {
+        return UMBRIX_WRONG_ARGUMENT;
+    }
+    context->code = UMBRIX_OK;
+    context->sentence.clear();
+    context->remedy.clear();
+    try {
+        CallObserver observer(*context);
+        body(observer);
+        observer.check();
+    } catch (...) {
+        return keep_error(*context);
+    }
+    return UMBRIX_OK;
+}
+
+/// A record as this library knows it, from one that may end earlier; what it lacks is 0.
+/// @param least Bytes that every version has.
+template <typename Record>
+Record record_of(Record const* given, std::size_t least, char const* name)
+{
+    require(given, name);
+    if (given->size < least) {
+        throw WrongArgument(std::string(name) + ": its size is not set");
+    }
+    Record record{};
+    std::memcpy(&record, given, std::min(given->size, sizeof record));
+    return record;
+}
+
+/// Fills the part of @p to that its caller knows. False if there is none.
+template <typename Record>
+bool fill_record(Record* to, Record const& record)
+{
+    if (to == nullptr || to->size < sizeof(std::size_t)) {
+        return false;
+    }
+    std::size_t const size = to->size;
+    std::memcpy(to, &record, std::min(size, sizeof record));
+    to->size = size;
+    return true;
+}
+
+/// The settings of a call: its own, or the defaults.
+inline umbrixlib::toolkit::Settings settings_of(umbrix_settings const* settings)
+{
+    return settings != nullptr ? settings->values : umbrixlib::toolkit::kDefaults;
+}
+
+} // namespace umbrix_capi
