@@ -46,6 +46,19 @@ private:
     bool stopping_ = false;
 };
 
+/// In a process that was forked, keeps the calling thread from waiting for its OpenMP team, whose threads
+/// stayed behind. Runs on large pictures have threads, and teams, of their own.
+class TeamAfterFork {
+public:
+    TeamAfterFork();
+    ~TeamAfterFork();
+    TeamAfterFork(TeamAfterFork const&) = delete;
+    TeamAfterFork& operator=(TeamAfterFork const&) = delete;
+
+private:
+    int before_ = 0; ///< Threads of a team; 0: as they are.
+};
+
 /// Tells @p context what is being thrown, and returns its code. No exception leaves it.
 umbrix_code keep_error(umbrix_context& context) noexcept;
 
@@ -60,6 +73,7 @@ umbrix_code call(umbrix_context* context, Body const& body) noexcept
     context->sentence.clear();
     context->remedy.clear();
     try {
+        TeamAfterFork const team;
         CallObserver observer(*context);
         body(observer);
         observer.check();

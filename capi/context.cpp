@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 #include <new>
+#include <omp.h>
+#include <unistd.h>
 
 using namespace umbrixlib::toolkit;
 
@@ -94,6 +96,27 @@ void tell_what_is_thrown(umbrix_context& context)
 }
 
 } // namespace
+
+namespace {
+
+pid_t const loading_process = getpid();
+
+} // namespace
+
+TeamAfterFork::TeamAfterFork()
+{
+    if (getpid() != loading_process) {
+        before_ = omp_get_max_threads();
+        omp_set_num_threads(1);
+    }
+}
+
+TeamAfterFork::~TeamAfterFork()
+{
+    if (before_ > 0) {
+        omp_set_num_threads(before_);
+    }
+}
 
 void require(void const* pointer, char const* name)
 {

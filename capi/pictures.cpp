@@ -233,9 +233,9 @@ umbrix_code umbrix_picture_read(umbrix_context* context, char const* file, doubl
             observer.note(file, {note});
         }
         auto made = std::make_unique<umbrix_picture>();
-        made->own.format = image.format();
-        made->own.palette = image.description() == "palette";
+        std::string const format = image.format();
         give(image.release_picture(), file, *made);
+        made->own.format = format;
         *picture = made.release();
     });
 }
