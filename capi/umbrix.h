@@ -113,7 +113,8 @@ typedef enum umbrix_form {
     UMBRIX_TEXT = 5    /**< As `help` says. */
 } umbrix_form;
 
-/** The jobs that a setting counts in, one bit each. */
+/** The jobs that a setting counts in, one bit each. Other bits are those of jobs that have no function here.
+ */
 enum {
     UMBRIX_IN_MAP = 1,
     UMBRIX_IN_NORMALS = 2,

@@ -32,9 +32,14 @@ cp header.c header.cpp
 "${compiler/gcc/g++}" -x c++ -std=c++17 "${warnings[@]/-Wstrict-prototypes/-Wshadow}" -I"$root/capi" -fsyntax-only header.cpp
 "$compiler" -std=c99 -g "${warnings[@]}" "${flags[@]}" -I"$root/capi" "$root/examples/c/map.c" -o map \
     "$library" -Wl,-rpath,"$(dirname "$library")"
+awk '/^```/ { inside = /^```c$/; next } inside' "$root/docs/c.md" > page.c
+"$compiler" -std=c99 "${warnings[@]}" "${flags[@]}" -I"$root/capi" page.c -o page "$library" -Wl,-rpath,"$(dirname "$library")"
+cp "$picture" cobbles_height.png
+./page
 "${run[@]}" ./map "$picture" 0.03 own.png
 "$tool" map "$picture" --relief 0.03 -o tools.png --progress none
 cmp own.png tools.png || fail "its map is not the tool's"
+cmp cobbles_Umbrix.png tools.png || fail "the map of the page's program is not the tool's"
 
 "${run[@]}" ./map "$picture" 99999 other.png > said.txt 2>&1 && fail "a relief of 99999 is taken" || code=$?
 [ "$code" -eq 1 ] || fail "it ended with $code"

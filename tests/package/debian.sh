@@ -34,13 +34,14 @@ mkdir -p "$work"
 
 library=$(basename "$(find "$work" -maxdepth 1 -name 'libumbrix[0-9]*.deb')")
 library=${library%%_*}
-for name in umbrix velloric coralith umbrix-toolkit; do
+for name in umbrix velloric coralith umbrix-toolkit umbrix-c; do
     expect_file "$library" "/lib$name\.so\.[0-9.]+$"
     expect_file libumbrix-dev "/lib$name\.so ->"
 done
 expect_file "$library" /LICENSE
 expect_file "$library" /usr/libexec/umbrix/umbrix-worker
 expect_file libumbrix-dev /umbrixlib\.h
+expect_file libumbrix-dev /umbrix\.h
 expect_file libumbrix-dev /toolkit/base/failure\.h
 expect_file libumbrix-dev /UmbrixLibConfig\.cmake
 expect_file libumbrix-dev /umbrix\.pc

@@ -7,6 +7,7 @@
 #   run.sh move PREFIX WORK PICTURE           the tool of the prefix in another folder, with its worker and without
 #   run.sh embed PREFIX WORK EXAMPLES         the example of the library in a program, on pictures of the examples
 #   run.sh frontend PREFIX WORK EXAMPLES      the example of a front end on the toolkit, the same
+#   run.sh c PREFIX WORK EXAMPLES             the example in C
 #   run.sh snippets PREFIX WORK ROOT          the programs that README and docs/library.md show
 # CXX is the compiler, SANITIZE the sanitizers of the build, both from the environment.
 set -euo pipefail
@@ -24,6 +25,7 @@ install_tree() {
     cmake --install "$build" --prefix "$prefix" > /dev/null
     local headers=$prefix/include/umbrixlib
     [ -f "$headers/umbrixlib.h" ] || fail "umbrixlib.h is not installed"
+    [ -f "$headers/umbrix.h" ] || fail "umbrix.h is not installed"
     [ -f "$headers/toolkit/base/failure.h" ] || fail "the headers of the toolkit are not installed"
     local private
     private=$(find "$headers" -name '*_internal.h' -o -name '*-inl.h' -o -name 'platform*.h' -o -name 'image_io.h')
@@ -34,7 +36,7 @@ install_tree() {
     [ -n "$(find "$prefix" -name LICENSE)" ] || fail "the licence is not installed"
     local library
     [ -x "$prefix/libexec/umbrix/umbrix-worker" ] || fail "the worker is not installed"
-    for library in umbrix velloric coralith umbrix-toolkit; do
+    for library in umbrix velloric coralith umbrix-toolkit umbrix-c; do
         find "$prefix" -name "lib$library.so" | grep -q . || fail "lib$library.so is not installed"
     done
 }
@@ -117,8 +119,24 @@ snippets() {
 # make_example EXAMPLE: builds examples/EXAMPLE against the prefix.
 make_example() {
     cmake -S "$examples/$1" -B "$work" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_BUILD_TYPE=Release \
-        ${SANITIZE:+-DCMAKE_CXX_FLAGS="-fsanitize=$SANITIZE"}
+        ${SANITIZE:+-DCMAKE_CXX_FLAGS="-fsanitize=$SANITIZE" -DCMAKE_C_FLAGS="-fsanitize=$SANITIZE"}
     cmake --build "$work"
+}
+
+# The interface for C, found by CMake and by pkg-config.
+in_c() {
+    local prefix=$1 work=$2 examples=$3 picture=$3/textures/cobbles_height.png libdir flags
+    rm -rf "$work"
+    make_example c
+    libdir=$(dirname "$(find "$prefix" -name 'libumbrix-c.so')")
+    flags=$(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --cflags --libs umbrix-c)
+    # shellcheck disable=SC2086 # one word each
+    cc -std=c99 ${SANITIZE:+-fsanitize=$SANITIZE} "$examples/c/map.c" -o "$work/by_pkg_config" $flags "-Wl,-rpath,$libdir"
+    "$work/map" "$picture" 0.05 "$work/one.png"
+    "$work/by_pkg_config" "$picture" 0.05 "$work/two.png"
+    "$prefix/bin/umbrix" map "$picture" -o "$work/by_tool.png"
+    cmp "$work/one.png" "$work/by_tool.png" && cmp "$work/two.png" "$work/by_tool.png" ||
+        fail "the example in C made another map than the tool"
 }
 
 # stop_in_the_middle FOLDER PICTURE COMMAND...: the command makes maps of forty copies of the picture in the folder, and
@@ -193,6 +211,9 @@ move)
     ;;
 embed | frontend)
     "$1" "$2" "$3" "$4"
+    ;;
+c)
+    in_c "$2" "$3" "$4"
     ;;
 snippets)
     snippets "$2" "$3" "$4"
