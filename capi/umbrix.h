@@ -40,7 +40,7 @@ extern "C" {
 /** UMBRIX_INTERFACE of the library that is loaded. */
 int umbrix_interface(void);
 
-/** Version of the library that is loaded, "0.2.0". Stands as long as the process. */
+/** Version of the library that is loaded, as "1.2.3". Stands as long as the process. */
 char const* umbrix_version(void);
 
 /* Errors */

@@ -98,7 +98,7 @@ TEST(CCalls, TakeRecordsThatGrewSince)
 TEST(CCalls, TellTheVersions)
 {
     EXPECT_EQ(umbrix_interface(), UMBRIX_INTERFACE);
-    EXPECT_STREQ(umbrix_version(), "0.2.0");
+    EXPECT_STREQ(umbrix_version(), UMBRIX_VERSION);
 }
 
 } // namespace
