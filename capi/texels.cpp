@@ -26,6 +26,12 @@ std::ptrdiff_t sample_bytes(umbrix_layout const& layout)
     return static_cast<std::ptrdiff_t>(sample_size(static_cast<SampleType>(layout.samples)));
 }
 
+/// Of a row whose texels lie side by side.
+std::ptrdiff_t packed_row(umbrix_layout const& layout)
+{
+    return static_cast<std::ptrdiff_t>(layout.width) * layout.channels * sample_bytes(layout);
+}
+
 /// Where the samples of a picture lie, from the upper left one on, in bytes.
 template <typename Byte>
 struct Places {
@@ -40,10 +46,15 @@ struct Places {
     }
 
     /// Of a Picture, whose bottom row is first.
-    Places(Byte* bytes, umbrix_layout const& layout, std::ptrdiff_t sample)
-        : first(bytes + (layout.height - 1) * layout.width * layout.channels * sample),
-          row(-layout.width * layout.channels * sample), texel(layout.channels * sample), channel(sample)
+    static Places of_picture(Byte* bytes, umbrix_layout const& layout)
     {
+        std::ptrdiff_t const sample = sample_bytes(layout);
+        std::ptrdiff_t const row = packed_row(layout);
+        Places places(bytes + (layout.height - 1) * row, layout);
+        places.row = -row;
+        places.texel = layout.channels * sample;
+        places.channel = sample;
+        return places;
     }
 };
 
@@ -99,7 +110,7 @@ umbrix_layout whole_layout(umbrix_layout const* given)
         layout.texel_stride = layout.channels * sample;
     }
     if (layout.row_stride == 0) {
-        layout.row_stride = layout.width * layout.channels * sample;
+        layout.row_stride = packed_row(layout);
     }
     layout.size = sizeof layout;
     return layout;
@@ -110,14 +121,16 @@ Picture fetch(void const* texels, umbrix_layout const& layout)
     Picture picture =
         make_picture(layout.width, layout.height, layout.channels, static_cast<SampleType>(layout.samples));
     auto* const bytes = reinterpret_cast<std::byte*>(picture.bytes.data());
-    copy({static_cast<std::byte const*>(texels), layout}, {bytes, layout, sample_bytes(layout)}, layout);
+    copy({static_cast<std::byte const*>(texels), layout}, Places<std::byte>::of_picture(bytes, layout),
+         layout);
     return picture;
 }
 
 void store(Picture const& picture, void* texels, umbrix_layout const& layout)
 {
     auto const* const bytes = reinterpret_cast<std::byte const*>(picture.bytes.data());
-    copy({bytes, layout, sample_bytes(layout)}, {static_cast<std::byte*>(texels), layout}, layout);
+    copy(Places<std::byte const>::of_picture(bytes, layout), {static_cast<std::byte*>(texels), layout},
+         layout);
 }
 
 } // namespace umbrix_capi

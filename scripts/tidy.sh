@@ -7,12 +7,12 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-rooms="common|src|velloric|coralith|toolkit|apps|examples"
+rooms="common|src|velloric|coralith|toolkit|capi|apps|examples"
 checks=()
 if [ "${1-}" = short ]; then
     shift
     # What costs little beyond reading the sources. The commands of the tool take longest to read, so they are left out.
-    rooms="common|src|velloric|coralith|toolkit"
+    rooms="common|src|velloric|coralith|toolkit|capi"
     short="-*,bugprone-use-after-move,misc-unused-using-decls,performance-for-range-copy,performance-move-const-arg,
         readability-container-size-empty,readability-duplicate-include,readability-misleading-indentation,
         readability-redundant-control-flow,readability-redundant-smartptr-get,readability-redundant-string-cstr"
