@@ -83,6 +83,16 @@ umbrix_code call(umbrix_context* context, Body const& body) noexcept
     return UMBRIX_OK;
 }
 
+/// What a caller put into an enumeration, which may be none of its constants.
+template <typename Enumeration>
+int value_in(Enumeration const& member)
+{
+    static_assert(sizeof member == sizeof(int));
+    int value = 0;
+    std::memcpy(&value, &member, sizeof value);
+    return value;
+}
+
 /// A record as this library knows it, from one that may end earlier; what it lacks is 0.
 /// @param least Bytes that every version has.
 template <typename Record>

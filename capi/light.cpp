@@ -26,7 +26,7 @@ umbrix_light whole_light(umbrix_light const* given)
     check_light(light.elevation, 0.0, 90.0, "elevation");
     check_light(light.exposure, 0.0, 1.0, "exposure");
     check_light(light.ambient, 0.0, 1.0, "ambient");
-    check_light(light.weights, UMBRIX_FITTED, UMBRIX_CLAMPED, "weights");
+    check_light(value_in(light.weights), UMBRIX_FITTED, UMBRIX_CLAMPED, "weights");
     return light;
 }
 

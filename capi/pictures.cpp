@@ -145,9 +145,10 @@ umbrix_saving whole_saving(umbrix_saving const* given)
 {
     umbrix_saving const saving =
         given == nullptr ? umbrix_saving{} : record_of(given, offsetof(umbrix_saving, rounding), "saving");
-    if (saving.depth < UMBRIX_DEPTH_USUAL || saving.depth > UMBRIX_DEPTH_FLOAT ||
-        saving.rounding < UMBRIX_TRUNCATE || saving.rounding > UMBRIX_DITHER ||
-        saving.compression < UMBRIX_COMPRESSION_DEFAULT || saving.compression > UMBRIX_COMPRESSION_SMALL) {
+    auto const is_one = [](int value, int last) { return value >= 0 && value <= last; };
+    if (!is_one(value_in(saving.depth), UMBRIX_DEPTH_FLOAT) ||
+        !is_one(value_in(saving.rounding), UMBRIX_DITHER) ||
+        !is_one(value_in(saving.compression), UMBRIX_COMPRESSION_SMALL)) {
         throw WrongArgument("saving has a value that is none of the constants");
     }
     return saving;

@@ -25,7 +25,7 @@ float number(double value, double least, double most, char const* name)
 
 StackLayer layer_of(umbrix_layer const& given, umbrix_picture const& picture, std::size_t number_of_layer)
 {
-    if (given.blend < UMBRIX_BLEND || given.blend > UMBRIX_ADD) {
+    if (int const blend = value_in(given.blend); blend < UMBRIX_BLEND || blend > UMBRIX_ADD) {
         throw WrongArgument("layer: its blend is none of the constants");
     }
     StackLayer layer;

@@ -100,8 +100,8 @@ umbrix_layout whole_layout(umbrix_layout const* given)
     check_number(layout.width, 1, kLongestSide, "width");
     check_number(layout.height, 1, kLongestSide, "height");
     check_number(layout.channels, 1, 4, "channels");
-    check_number(layout.samples, UMBRIX_UINT8, UMBRIX_FLOAT, "samples");
-    check_number(layout.kind, UMBRIX_UNKNOWN, UMBRIX_LIGHT, "kind");
+    check_number(value_in(layout.samples), UMBRIX_UINT8, UMBRIX_FLOAT, "samples");
+    check_number(value_in(layout.kind), UMBRIX_UNKNOWN, UMBRIX_LIGHT, "kind");
     std::ptrdiff_t const sample = sample_bytes(layout);
     if (layout.channel_stride == 0) {
         layout.channel_stride = sample;
