@@ -90,5 +90,9 @@ if(TARGET umbrix_c)
     install(FILES ${CMAKE_CURRENT_BINARY_DIR}/umbrix-c.pc DESTINATION ${pkgconfig_dir} COMPONENT development)
 endif()
 
+# What an engine lights maps with, without that of which it is made.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/shaders DESTINATION ${CMAKE_INSTALL_DATADIR}/umbrixlib
+    COMPONENT tools PATTERN source EXCLUDE)
+
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
 include(UmbrixDebian)

@@ -11,8 +11,7 @@ build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libpng-dev lib
 docs_packages="doxygen"
 test_packages="libgtest-dev libgmock-dev python3 pocl-opencl-icd ocl-icd-libopencl1 oclgrind dpkg-dev file binutils
     g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel clang clang-format-14 valgrind chromium
-    openimageio-tools
-    $docs_packages"
+    openimageio-tools glslang-tools $docs_packages"
 coverage_packages="clang llvm libclang-rt-14-dev libomp-14-dev"
 mutate_packages="ninja-build"
 fuzz_packages="clang libclang-rt-14-dev libomp-14-dev"

@@ -46,6 +46,7 @@ expect_file libumbrix-dev /toolkit/base/failure\.h
 expect_file libumbrix-dev /UmbrixLibConfig\.cmake
 expect_file libumbrix-dev /umbrix\.pc
 expect_file umbrix /usr/bin/umbrix
+expect_file umbrix /usr/share/umbrixlib/shaders/umbrix\.glsl
 expect_dependency "$library" libdevil
 expect_dependency umbrix "$library \(="
 expect_dependency libumbrix-dev "$library \(="

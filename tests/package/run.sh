@@ -34,6 +34,9 @@ install_tree() {
     "${CXX:-c++}" -std=c++20 -fsyntax-only -I"$headers" "$prefix/all_headers.cpp" ||
         fail "a header of the toolkit needs what is not installed"
     [ -n "$(find "$prefix" -name LICENSE)" ] || fail "the licence is not installed"
+    local shaders
+    shaders=$(find "$prefix/share/umbrixlib/shaders" -type f | wc -l)
+    [ "$shaders" -eq 6 ] || fail "$shaders shaders are installed"
     local library
     [ -x "$prefix/libexec/umbrix/umbrix-worker" ] || fail "the worker is not installed"
     for library in umbrix velloric coralith umbrix-toolkit umbrix-c; do
