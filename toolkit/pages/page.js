@@ -6,44 +6,15 @@ const canvas = byId("picture");
 const images = { map: byId("map"), albedo: byId("albedo") };
 const settings = ["azimuth", "elevation", "exposure", "ambient", "tiles", "show"];
 
-// The directions of the channels. The first is longer than 1.
-const basis = [
-    [Math.sqrt(3 / 2), 0, Math.sqrt(1 / 3)],
-    [-Math.sqrt(1 / 6), -Math.sqrt(1 / 2), Math.sqrt(1 / 3)],
-    [-Math.sqrt(1 / 6), Math.sqrt(1 / 2), Math.sqrt(1 / 3)],
-];
+// In the order of the shader's modes.
+const modes = ["projection", "unit", "flat", "squared"];
 
-const dot = (a, b) => a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-const cross = (a, b) =>
-    [a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]];
-const scaled = (a, by) => a.map(each => each * by);
-
-// What a channel has on ground of a normal (x, y, 1) with small x and y: two factors of x and y, and a sum.
-function response(vector) {
-    const unit = scaled(vector, 1 / Math.sqrt(dot(vector, vector)));
-    switch (canvas.dataset.mode) {
-    case "unit": return unit;
-    case "flat": return scaled(unit, 1 / unit[2]);
-    case "squared": return [2 * unit[2] * unit[0], 2 * unit[2] * unit[1], unit[2] * unit[2]];
-    default: return vector;
-    }
-}
-
-// Those that give low slopes the light that follows.
-function weights(state) {
-    const parts = basis.map(response);
+// The unit vector towards the light.
+function towards(state) {
     const azimuth = state.azimuth * Math.PI / 180;
-    const elevation = Math.max(state.elevation, 6) * Math.PI / 180;
-    const along = 1.25 * Math.sin(elevation) ** 0.3 * Math.cos(elevation);
-    const light = [along * Math.cos(azimuth), along * Math.sin(azimuth), Math.sin(elevation)];
-    const opposite = [cross(parts[1], parts[2]), cross(parts[2], parts[0]), cross(parts[0], parts[1])];
-    const volume = dot(parts[0], opposite[0]);
-    const flat = parts.map(part => part[2]);
-    const solved = opposite.map(each => dot(light, each) / volume);
-    return {
-        direct: scaled(solved, state.exposure / dot(solved, flat)),
-        ambient: state.ambient / (flat[0] + flat[1] + flat[2]),
-    };
+    const elevation = state.elevation * Math.PI / 180;
+    const across = Math.cos(elevation);
+    return [across * Math.cos(azimuth), across * Math.sin(azimuth), Math.sin(elevation)];
 }
 
 const vertexShader = `#version 300 es
@@ -55,12 +26,13 @@ void main() { uv = corner * tiles; gl_Position = vec4(corner * 2.0 - 1.0, 0.0, 1
 const fragmentShader = `#version 300 es
 precision highp float;
 uniform sampler2D map, albedo;
-uniform vec3 weights;
-uniform float ambient;
-uniform int show;
+uniform vec3 towards;
+uniform float exposure, ambient;
+uniform int mode, show;
 uniform bool coloured;
 in vec2 uv;
 out vec4 colour;
+{umbrix_light}
 vec3 to_light(vec3 c) { return mix(pow((c + 0.055) / 1.055, vec3(2.4)), c / 12.92, lessThanEqual(c, vec3(0.04045))); }
 vec3 to_code(vec3 l) {
     vec3 c = clamp(l, 0.0, 1.0);
@@ -68,7 +40,7 @@ vec3 to_code(vec3 l) {
 }
 void main() {
     vec3 c = texture(map, uv).rgb;
-    float light = max(dot(c, weights), 0.0) + ambient * (c.r + c.g + c.b);
+    float light = umbrix_light(c, towards, mode, exposure, ambient);
     vec3 lit = coloured ? to_code(to_light(texture(albedo, uv).rgb) * light) : vec3(light);
     vec3 shown[5] = vec3[5](lit, c, c.rrr, c.ggg, c.bbb);
     colour = vec4(shown[show], 1.0);
@@ -117,6 +89,7 @@ function drawer() {
     const place = name => gl.getUniformLocation(program, name);
     gl.uniform1i(place("albedo"), images.albedo ? 1 : 0);
     gl.uniform1i(place("coloured"), images.albedo ? 1 : 0);
+    gl.uniform1i(place("mode"), modes.indexOf(canvas.dataset.mode));
     return state => {
         const ratio = window.devicePixelRatio || 1;
         canvas.width = Math.round(canvas.clientWidth * ratio);
@@ -127,9 +100,9 @@ function drawer() {
         const width = Math.round(wide * scale);
         const height = Math.round(high * scale);
         gl.viewport((canvas.width - width) >> 1, (canvas.height - height) >> 1, width, height);
-        const { direct, ambient } = weights(state);
-        gl.uniform3fv(place("weights"), direct);
-        gl.uniform1f(place("ambient"), ambient);
+        gl.uniform3fv(place("towards"), towards(state));
+        gl.uniform1f(place("exposure"), state.exposure);
+        gl.uniform1f(place("ambient"), state.ambient);
         gl.uniform2f(place("tiles"), state.tiles, state.tiles);
         gl.uniform1i(place("show"), state.show);
         gl.drawArrays(gl.TRIANGLE_STRIP, 0, 4);

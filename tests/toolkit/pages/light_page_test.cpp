@@ -59,14 +59,30 @@ std::string text_of(std::string const& name)
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
+/// What stands in the one element of that name.
+std::string element(std::string const& page, std::string const& name)
+{
+    std::string const opening = "<" + name + ">";
+    std::size_t const start = page.find(opening) + opening.size();
+    return page.substr(start, page.find("</" + name + ">") - start);
+}
+
 TEST(LightPage, OfTheDocumentsIsOfToday)
 {
     std::string const page = text_of("docs/images/cobbles_light.html"); // scripts/docs_images.sh makes it
-    for (char const* const part : {"toolkit/pages/page.js", "toolkit/pages/page.css"}) {
-        std::string const text = text_of(part);
-        EXPECT_FALSE(text.empty());
-        EXPECT_EQ(count(page, text), 1U) << part;
+    std::string const today = html_of({"x", "unit", {"image/png", {1}}, {}});
+    for (char const* const part : {"script", "style"}) {
+        EXPECT_GT(element(page, part).size(), 1000U);
+        EXPECT_EQ(element(page, part), element(today, part));
     }
+}
+
+TEST(LightPage, DrawsWithTheShaderThatUsersGet)
+{
+    std::string const script = element(html_of({"x", "unit", {"image/png", {1}}, {}}), "script");
+    std::string const shader = text_of("examples/shaders/umbrix.glsl");
+    EXPECT_GT(shader.size(), 1000U);
+    EXPECT_EQ(count(script, shader), 1U);
 }
 
 } // namespace
