@@ -14,10 +14,10 @@ from lit_maps import HEIGHT, WIDTH, cases, difference, report
 
 
 def main() -> int:
-    shaders, tool, blender = (Path(argument).resolve() for argument in sys.argv[1:])
+    shaders, tool, blender = Path(sys.argv[1]).resolve(), sys.argv[2], sys.argv[3]
     with tempfile.TemporaryDirectory() as scratch:
         folder = Path(scratch)
-        tried = cases(str(tool), folder)
+        tried = cases(tool, folder)
         told = [{**vars(case), "light": case.light, "texels": case.texels.tolist(), "expected": None} for case in tried]
         data = {"width": WIDTH, "height": HEIGHT, "cases": told}
         (folder / "cases.json").write_text(json.dumps(data), encoding="utf-8")

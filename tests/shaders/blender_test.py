@@ -35,9 +35,9 @@ def main() -> int:
     with tempfile.TemporaryDirectory() as scratch:
         tried = cases(tool, Path(scratch))
     wrong = 0
-    for kind_of_tree in (fake_bpy.TreeOfBlender3, fake_bpy.TreeOfBlender4):
+    for kind_of_tree, step in ((fake_bpy.TreeOfBlender3, 4), (fake_bpy.TreeOfBlender4, 1)):
         tree = group(script, kind_of_tree)
-        found = {str(case): difference(case, lit(tree, case, case.light)) for case in tried}
+        found = {str(case): difference(case, lit(tree, case, case.light)) for case in tried[::step]}
         wrong += report(f"{kind_of_tree.__name__}, {len(tree.nodes)} nodes", found)
     fake_bpy.SURFACE |= {"Tangent": RIGHT, "Normal": NORMAL}
     found = {}

@@ -66,6 +66,8 @@ def heights() -> bytes:
 
 
 def cases(tool: str, folder: Path) -> list[Case]:
+    tool = str(Path(tool).resolve())
+
     def umbrix(*words: str) -> None:
         subprocess.run([tool, *words, *QUIETLY], cwd=folder, check=True, stdout=subprocess.DEVNULL)
 
