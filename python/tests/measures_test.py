@@ -24,7 +24,7 @@ def test_relight_is_that_of_the_command_line(tmp_path, heights, tool):
     assert coloured.shape == (40, 56, 3)
     usual = ["--light", "100,30", "--exposure", "0.5", "--ambient", "0.25", "--weights", "exact"]
     for array, options in ((lit, usual), (coloured, ["--light", "-20.5,45", "--albedo", str(tmp_path / "colours.png")])):
-        ours, theirs = tmp_path / "ours.exr", tmp_path / "theirs.exr"
+        ours, theirs = tmp_path / "ours.tif", tmp_path / "theirs.tif"
         umbrix.write(ours, array, depth="float", overwrite=True)
         command = [tool, "relight", str(tmp_path / "map.exr"), "-o", str(theirs), "--overwrite", "--depth", "float"]
         subprocess.run([*command, *options], check=True, capture_output=True)
@@ -95,7 +95,7 @@ def test_layers_are_blended_as_the_command_line_does(tmp_path, tool):
     (tmp_path / "stack.toml").write_text(
         '[[layer]]\nfile = "a.png"\n\n'
         '[[layer]]\nfile = "b.png"\nblend = "overlay"\nopacity = 50\ngaussian = 1.5\n\n'
-        '[[layer]]\nfile = "c.png"\nnormal_map = true\nopacity = 25\n'
+        '[[layer]]\nfile = "c.png"\nkind = "normal"\nopacity = 25\n'
     )
     stack = umbrix.Stack()
     stack.add(umbrix.read(tmp_path / "a.png"))
@@ -116,8 +116,6 @@ def test_stacks_refuse_what_is_no_layer(heights):
     with pytest.raises(umbrix.PictureError):
         stack.add(umbrix.normals(heights))
     stack.add(heights)
-    with pytest.raises(umbrix.ArgumentError):
-        stack.add(heights[:5])
     for wrong in ({"blend": "burn"}, {"detail": 101}, {"depth": float("nan")}, {"kind": "map"}):
         with pytest.raises(ValueError, match=next(iter(wrong))):
             stack.add(heights, **wrong)

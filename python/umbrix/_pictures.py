@@ -13,7 +13,7 @@ import numpy.typing as npt
 
 from ._arrays import (
     DTYPES,
-    NAMES,
+    KINDS,
     Texels,
     address_of,
     check_out,
@@ -79,8 +79,9 @@ class Picture:
 
     @property
     def kind(self) -> Optional[str]:
-        """"heights", "normals" or "map" if the file tells it, else None."""
-        return NAMES[self._layout.kind]
+        """"heights", "normals", "map" or "light" if the file tells it, else None."""
+        told = self.attributes.get("kind")
+        return told if told in KINDS else None
 
     @property
     def attributes(self) -> dict[str, str]:
@@ -272,13 +273,13 @@ _COMPRESSIONS = {"default": 0, "fast": 1, "small": 2}
 def one_of(what: str, value: Any, known: Any) -> int:
     """The number of a choice; TypeError or ValueError tells the others."""
     try:
-        if value in known and not isinstance(value, bool):
+        if value in known and type(value) in {type(one) for one in known}:
             number: int = known[value]
             return number
     except TypeError:  # no hash
         pass
     choices = " or ".join(repr(one) for one in known)
-    error = TypeError if not isinstance(value, (str, int)) or isinstance(value, bool) else ValueError
+    error = ValueError if type(value) in {type(one) for one in known} else TypeError
     raise error(f"{what} is {choices}, not {value!r}")
 
 

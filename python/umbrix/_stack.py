@@ -37,7 +37,8 @@ class Stack:
         stack.add(rock).add(moss, blend="overlay", opacity=0.5)
         umbrix.write("ground.png", stack.map())
 
-    The lowest layer is heights, and all have its size. One thread at a time adds layers; several may make results.
+    The lowest layer is heights, and gives the size. Other heights repeat or are cut off; normals of another size are
+    left out, with a warning. One thread at a time adds layers; several may make results.
     """
 
     def __init__(self, *, normal_scale: float = 1.0) -> None:
@@ -86,7 +87,7 @@ class Stack:
         :param convex: Strength of convex edges.
         :param concave: Strength of concave edges.
         :raises ArgumentError: A number is out of its range.
-        :raises PictureError: The lowest layer is normals, or the size is another one.
+        :raises PictureError: The lowest layer is normals.
         """
         if kind is None:
             own = array.kind if isinstance(array, (Picture, Texels)) else None
@@ -103,10 +104,9 @@ class Stack:
             number("concave", concave),
         )
         with Taken(array, "array", kind=None if isinstance(array, (Picture, Texels)) else kind) as taken:
-            if self._count and taken.size != self._size:
-                raise ArgumentError(f"array: it is {taken.size}, and the layers below are {self._size}")
             call(library.umbrix_stack_add, self._handle, taken.handle, ctypes.byref(layer))
-            self._size = taken.size
+            if not self._count:
+                self._size = taken.size
             self._count += 1
         return self
 
