@@ -33,10 +33,10 @@ def heights() -> np.ndarray:
     return hills(40, 56)
 
 
-@pytest.fixture
+@pytest.fixture(scope="session")
 def large() -> np.ndarray:
     """Enough for a call to last until somebody stops it, with `rays` in plenty."""
-    return hills(1024, 1024)
+    return hills(512, 512)
 
 
 def run_python(code: str, *arguments: str, timeout: float = 120) -> str:

@@ -17,7 +17,7 @@ import numpy as np
 import umbrix
 from umbrix import _calls
 
-array = np.random.default_rng(1).random((2048, 2048), np.float32)
+array = np.random.default_rng(1).random((1024, 1024), np.float32)
 
 def send(*names):
     def work():
@@ -46,7 +46,7 @@ assert signal.getsignal(signal.SIGINT) is before
 print(umbrix.normals(array).shape)
 """
     )
-    assert printed == "interrupted\ninterrupted\n(2048, 2048, 3)\n"
+    assert printed == "interrupted\ninterrupted\n(1024, 1024, 3)\n"
 
 
 def test_ctrl_c_ends_a_program_as_usual():
