@@ -66,6 +66,15 @@ endif()
 if(TARGET coralith_cuda) # opened at run time by the library beside it
     install(TARGETS coralith_cuda LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
 endif()
+if(TARGET umbrix_c) # taken into the package for Python by python/setup.py
+    set(for_python umbrix_c velloric coralith)
+    if(TARGET coralith_cuda)
+        list(APPEND for_python coralith_cuda)
+    endif()
+    install(TARGETS ${for_python}
+        LIBRARY DESTINATION umbrix/_library COMPONENT python EXCLUDE_FROM_ALL NAMELINK_SKIP
+        RUNTIME DESTINATION umbrix/_library COMPONENT python EXCLUDE_FROM_ALL)
+endif()
 install(EXPORT UmbrixLibTargets NAMESPACE UmbrixLib:: DESTINATION ${package_dir} COMPONENT development)
 
 configure_package_config_file(cmake/UmbrixLibConfig.cmake.in UmbrixLibConfig.cmake INSTALL_DESTINATION ${package_dir})

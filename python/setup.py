@@ -59,7 +59,7 @@ class BuildWithLibrary(build_py):
                 check=True,
                 stdout=subprocess.DEVNULL,
             )
-            for name, path in wanted_names(Path(scratch)).items():
+            for name, path in wanted_names(Path(scratch) / "umbrix" / "_library").items():
                 shutil.copy(path, target / name)
         shutil.copy(ROOT / "LICENSE", target)
 

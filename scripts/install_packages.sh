@@ -11,7 +11,8 @@ build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libpng-dev lib
 docs_packages="doxygen"
 test_packages="libgtest-dev libgmock-dev python3 pocl-opencl-icd ocl-icd-libopencl1 oclgrind dpkg-dev file binutils
     g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel clang clang-format-14 valgrind chromium
-    openimageio-tools glslang-tools $docs_packages"
+    openimageio-tools glslang-tools python3-numpy python3-pytest python3-matplotlib python3-pip python3-setuptools
+    python3-wheel mypy $docs_packages"
 coverage_packages="clang llvm libclang-rt-14-dev libomp-14-dev"
 mutate_packages="ninja-build"
 fuzz_packages="clang libclang-rt-14-dev libomp-14-dev"

@@ -5,7 +5,7 @@ from pathlib import Path
 
 from source_tree import files
 
-FOLDERS = ["common", "src", "velloric", "coralith", "apps", "tests", "bench", "examples", "cmake", "scripts", ".ci"]
+FOLDERS = ["common", "src", "velloric", "coralith", "apps", "tests", "bench", "examples", "python", "cmake", "scripts", ".ci"]
 SOURCES = {".cpp", ".h", ".py", ".sh", ".cmake", ".in", ""}
 LICENCE = "SPDX-License-Identifier: MIT"
 

@@ -6,7 +6,7 @@ from pathlib import Path
 
 from source_tree import files
 
-FOLDERS = ["common", "src", "velloric", "coralith", "toolkit", "apps", "tests", "bench", "examples"]
+FOLDERS = ["common", "src", "velloric", "coralith", "toolkit", "apps", "tests", "bench", "examples", "python"]
 CODE = {".cpp", ".h", ".cu", ".py", ".sh"}
 MOST_FILES = 25
 MOST_LINES = 500
