@@ -39,3 +39,18 @@ function(umbrix_label_tests)
     get_property(tests DIRECTORY PROPERTY TESTS)
     set_tests_properties(${tests} PROPERTIES LABELS "${ARGN}")
 endfunction()
+
+# umbrix_python_with(RESULT MODULE ...): an interpreter that has all modules, which the one that CMake finds may lack;
+# empty if there is none.
+function(umbrix_python_with result)
+    find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
+    list(JOIN ARGN ", " modules)
+    foreach(candidate ${Python3_EXECUTABLE} /usr/bin/python3)
+        execute_process(COMMAND ${candidate} -c "import ${modules}" RESULT_VARIABLE missing OUTPUT_QUIET ERROR_QUIET)
+        if(missing EQUAL 0)
+            set(${result} ${candidate} PARENT_SCOPE)
+            return()
+        endif()
+    endforeach()
+    set(${result} "" PARENT_SCOPE)
+endfunction()

@@ -60,6 +60,9 @@ umbrix map tutorial_photo.png --relief 0.04 --gaussian 1 --b-radius 3 -o tutoria
 umbrix relight tutorial_map.png --light 200,35 -o tutorial_left.png
 umbrix relight tutorial_map.png --light 20,35 -o tutorial_right.png
 
+# python.md
+UMBRIX_BUILD=$build PYTHONPATH=../../python python3 -B ../../tests/docs/run_python_page.py ../python.md ../../examples .
+
 # formats.md: the same heights in 8 bits and at full depth, lit
 lit_piece() { # HEIGHTS RELIEF PLACE PICTURE
     umbrix map "$1" --relief "$2" --rays 64 -o "$work/lit.exr"

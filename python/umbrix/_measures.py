@@ -9,12 +9,11 @@ from typing import Any, Optional, Tuple
 
 import numpy as np
 
-from ._arrays import NAMES, Floats, Texels
+from ._arrays import NAMES, Floats, Texels, address_of, layout_of, result_array
 from ._calls import Progress, call
 from ._errors import OutOfMemoryError
 from ._interface import FindingRecord, FitRecord, Layout, Light, library
-from ._pictures import Made, Source, Taken, flag, one_of
-from ._arrays import address_of, layout_of, result_array
+from ._pictures import Made, Picture, Source, Taken, flag, one_of
 from ._settings import SettingValue, settings_of
 
 _WEIGHTS = {"fitted": 0, "exact": 1, "clamped": 2}
@@ -31,7 +30,7 @@ def relight(
     *,
     azimuth: float = 135.0,
     elevation: float = 45.0,
-    exposure: float = 0.8,
+    exposure: float = 0.7,
     ambient: float = 0.0,
     weights: str = "fitted",
     albedo: Optional[Source] = None,
@@ -173,6 +172,7 @@ _GREEN = {None: 0, "up": 1, "down": -1}
 def check(
     picture: Source,
     *,
+    kind: Optional[str] = None,
     green: Optional[str] = None,
     mend: bool = False,
     progress: Optional[Progress] = None,
@@ -180,16 +180,19 @@ def check(
 ) -> Report:
     """Looks for what is not sound about a normal map, a height map or an Umbrix map.
 
+    :param kind: What an array is, "heights", "normals" or "map"; None for what it is known to be, or looks like.
     :param green: Where it should point in a normal map: "up" or "down"; None for anywhere.
     :param mend: Give a copy of normals without what an exact fix mends, too.
     :param progress: Called with (share, stage) about every 50 ms, on this thread; only False stops.
     :param settings: ``tile``, ``h_tile`` and ``v_tile`` say where it should repeat.
     """
     values = settings_of("check", settings)
+    if kind is not None and isinstance(picture, Picture):
+        raise TypeError("kind is for arrays; a Picture tells its own")
     found = ctypes.c_void_p()
     mended = ctypes.c_void_p()
     try:
-        with Taken(picture, "picture") as taken:
+        with Taken(picture, "picture", kind=kind) as taken:
             if flag("mend", mend):
                 call(library.umbrix_picture_new, ctypes.byref(mended), small=True)
             arguments = (
@@ -200,8 +203,8 @@ def check(
                 mended if mend else None,
             )
             call(library.umbrix_check, *arguments, progress=progress, small=taken.small)
-        kind = NAMES[library.umbrix_findings_kind(found)]
-        return Report(_findings_of(found), kind, _mended_of(mended) if mend else None)
+        taken_for = NAMES[library.umbrix_findings_kind(found)]
+        return Report(_findings_of(found), taken_for, _mended_of(mended) if mend else None)
     finally:
         library.umbrix_picture_free(mended)
         library.umbrix_findings_free(found)

@@ -3,6 +3,7 @@
 
     ```sh tested            the block ends with exit code 0
     ```sh tested exit=1     its last command ends with exit code 1, those before with 0
+    ```python tested        code of a program that goes on from block to block
     ```text printed         straight behind such a block: what it prints, errors included
 """
 
@@ -10,7 +11,7 @@ from dataclasses import dataclass
 from pathlib import Path
 import re
 
-OPENING = re.compile(r"^```sh tested(?: exit=(\d+))?$")
+OPENING = re.compile(r"^```(?:sh tested(?: exit=(\d+))?|(python) tested)$")
 PRINTED = "```text printed"
 
 
@@ -20,6 +21,7 @@ class Block:
     commands: str
     code: int = 0
     printed: str | None = None
+    language: str = "sh"
 
 
 def blocks_of(text: str) -> list[Block]:
@@ -34,12 +36,12 @@ def blocks_of(text: str) -> list[Block]:
         body = "\n".join(lines[at + 1 : end]) + "\n"
         opening = OPENING.match(lines[at])
         if opening:
-            found.append(Block(at + 1, body, int(opening.group(1) or 0)))
+            found.append(Block(at + 1, body, int(opening.group(1) or 0), language=opening.group(2) or "sh"))
         elif lines[at] == PRINTED:
             if not found or found[-1].printed is not None:
                 raise ValueError(f"line {at + 1}: no tested block prints this")
             found[-1].printed = body
-        elif lines[at].startswith(("```sh tested", PRINTED)):
+        elif lines[at].startswith(("```sh tested", "```python tested", PRINTED)):
             raise ValueError(f"line {at + 1}: not understood: {lines[at]}")
         at = end + 1
     return found

@@ -39,7 +39,7 @@ def run(block: Block, folder: Path, environment: dict[str, str]) -> str:
 
 def run_page(page: Path, tool: Path, examples: Path) -> tuple[int, list[str]]:
     """The number of blocks, and the faults found, each with its line."""
-    blocks = blocks_of(page.read_text(encoding="utf-8"))
+    blocks = [block for block in blocks_of(page.read_text(encoding="utf-8")) if block.language == "sh"]
     faults = []
     with tempfile.TemporaryDirectory() as scratch:
         folder, programs = Path(scratch) / "examples", Path(scratch) / "programs"
