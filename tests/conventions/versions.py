@@ -7,7 +7,7 @@ from pathlib import Path
 from source_tree import files
 
 FOLDERS = ["common", "src", "velloric", "coralith", "toolkit", "apps", "bench", "cmake", "docs", "examples"]
-FOLDERS += ["scripts", "tests"]
+FOLDERS += ["python", "scripts", "tests"]
 TEXTS = {".cpp", ".h", ".cu", ".in", ".txt", ".cmake", ".py", ".sh", ".md", ".toml"}
 PROJECT = re.compile(r"^project\(\w+ VERSION (\d+\.\d+\.\d+)", re.MULTILINE)
 HEADING = re.compile(r"^## \[(.*?)\] - (?:unreleased|\d{4}-\d{2}-\d{2})$", re.MULTILINE)
