@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # Installs the Debian packages that are missing. Usage: scripts/install_packages.sh [GROUP]...
 # Without an argument: what the libraries and the command line need. With "docs" alone: what the site of the documents
-# needs, and nothing else. With tests, coverage, mutate, fuzz, tidy, bench, peers or arm: what these need besides.
+# needs, and nothing else. With tests, coverage, mutate, fuzz, tidy, bench, peers, arm or wheel: what these need besides.
 set -euo pipefail
 
 build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libpng-dev libtiff-dev libopenexr-dev libjpeg-dev
@@ -20,6 +20,8 @@ tidy_packages="clang clang-tidy-14 libomp-14-dev python3"
 arm_packages="g++-aarch64-linux-gnu qemu-user debootstrap"
 bench_packages="libopencv-dev libembree-dev cimg-dev python3"
 peer_packages="gegl imagemagick"
+wheel_packages="python3-numpy python3-pip python3-setuptools python3-wheel patchelf dpkg-dev binutils zlib1g-dev libzstd-dev
+    liblzma-dev liblerc-dev"
 
 packages=$build_packages
 [ "$*" != docs ] || packages=
@@ -34,6 +36,7 @@ for group in "$@"; do
         bench) packages="$packages $bench_packages" ;;
         peers) packages="$packages $peer_packages" ;;
         docs) packages="$packages $docs_packages" ;;
+        wheel) packages="$packages $wheel_packages" ;;
         *) echo "There is no group of packages called $group" >&2; exit 2 ;;
     esac
 done
