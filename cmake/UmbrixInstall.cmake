@@ -67,13 +67,12 @@ if(TARGET coralith_cuda) # opened at run time by the library beside it
     install(TARGETS coralith_cuda LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
 endif()
 if(TARGET umbrix_c) # taken into the package for Python by python/setup.py
-    set(for_python umbrix_c velloric coralith)
-    if(TARGET coralith_cuda)
-        list(APPEND for_python coralith_cuda)
-    endif()
-    install(TARGETS ${for_python}
+    install(TARGETS umbrix_c velloric coralith
         LIBRARY DESTINATION umbrix/_library COMPONENT python EXCLUDE_FROM_ALL NAMELINK_SKIP
         RUNTIME DESTINATION umbrix/_library COMPONENT python EXCLUDE_FROM_ALL)
+    # A package of a system has the libraries beside it, where the dynamic linker finds them.
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/python/umbrix DESTINATION lib/python3/dist-packages
+        COMPONENT debian_python EXCLUDE_FROM_ALL FILES_MATCHING PATTERN "*.py" PATTERN "py.typed")
 endif()
 install(EXPORT UmbrixLibTargets NAMESPACE UmbrixLib:: DESTINATION ${package_dir} COMPONENT development)
 

@@ -3,10 +3,11 @@
 
 from __future__ import annotations
 
+import ctypes
 import os
 import sys
 from pathlib import Path
-from typing import Iterator, List
+from typing import Iterator, List, Optional
 
 from ._errors import LibraryError
 
@@ -36,6 +37,16 @@ def _in_folder(folder: Path) -> Iterator[Path]:
         yield from sorted(folder.glob(name + ".*"))  # libumbrix-c.so.0.2
 
 
+def _of_the_system() -> Optional[Path]:
+    """The name by which the dynamic linker finds the one that a package of the system has installed."""
+    name = "libumbrix-c.so.1"
+    try:
+        ctypes.CDLL(name)
+    except OSError:
+        return None
+    return Path(name)
+
+
 def shared_object() -> Path:
     """The shared object to load; LibraryError names the places if there is none."""
     looked: List[str] = []
@@ -43,6 +54,9 @@ def shared_object() -> Path:
         for found in _in_folder(folder):
             return found
         looked.append(str(folder))
+    installed = _of_the_system()
+    if installed is not None:
+        return installed
     raise LibraryError(
         f"umbrix: its shared object {_NAMES[0]} is in none of these folders: {', '.join(looked)}; build it "
         "with scripts/run.sh, or name its build folder in the variable UMBRIX_BUILD"

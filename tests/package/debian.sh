@@ -47,13 +47,26 @@ expect_file libumbrix-dev /UmbrixLibConfig\.cmake
 expect_file libumbrix-dev /umbrix\.pc
 expect_file umbrix /usr/bin/umbrix
 expect_file umbrix /usr/share/umbrixlib/shaders/umbrix\.glsl
+expect_file python3-umbrix /usr/lib/python3/dist-packages/umbrix/__init__\.py
+expect_dependency python3-umbrix "$library \(=.*python3-numpy"
 expect_dependency "$library" libdevil
 expect_dependency umbrix "$library \(="
 expect_dependency libumbrix-dev "$library \(="
 
 root=$work/root
-for package in "$library" libumbrix-dev umbrix; do
+for package in "$library" libumbrix-dev umbrix python3-umbrix; do
     dpkg-deb --extract "$(one_package "$package")" "$root"
 done
 "$root/usr/bin/umbrix" map "$picture" -o "$work/map.png" --rays 16
 [ -s "$work/map.png" ] || fail "the tool of the packages made no map"
+
+libraries=$(dirname "$(find "$root" -name 'libumbrix-c.so.1')")
+if [ -z "${SANITIZE-}" ] && /usr/bin/python3 -c 'import numpy' 2> /dev/null; then
+    LD_LIBRARY_PATH=$libraries PYTHONPATH=$root/usr/lib/python3/dist-packages /usr/bin/python3 -B -c '
+import sys, umbrix
+assert umbrix.__file__.startswith(sys.argv[1]), umbrix.__file__
+umbrix.write(sys.argv[3], umbrix.map(umbrix.read(sys.argv[2]), rays=16))' "$root" "$picture" "$work/by_python.png"
+    cmp "$work/map.png" "$work/by_python.png" || fail "the package for Python makes another map than the tool"
+else
+    echo "sanitizers, or no NumPy: the package for Python is not run"
+fi
