@@ -67,6 +67,19 @@ umbrix_code code_of(Fault fault)
     }
 }
 
+/// What helps, in words of this interface.
+std::string remedy_in_words(Failure const& failure)
+{
+    switch (failure.fault) {
+    case Fault::kHeightsOutsideRange:
+        return fmt::format("read them with a height-range of {}, or save them as floats", failure.remedy);
+    case Fault::kDepthNotInFormat:
+        return fmt::format("give a depth of {}", failure.remedy);
+    default:
+        return failure.remedy;
+    }
+}
+
 void tell(umbrix_context& context, umbrix_code code, std::string const& sentence)
 {
     context.code = code;
@@ -81,7 +94,7 @@ void tell_what_is_thrown(umbrix_context& context)
         tell(context, code_of(failure.fault),
              failure.subject.empty() ? failure.what()
                                      : fmt::format("{}: {}", failure.subject, failure.what()));
-        context.remedy = failure.remedy;
+        context.remedy = remedy_in_words(failure);
     } catch (WrongArgument const& wrong) {
         tell(context, UMBRIX_WRONG_ARGUMENT, wrong.what());
     } catch (Stopped const&) {

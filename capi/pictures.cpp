@@ -178,7 +178,7 @@ void check_range(Picture const& floats, SavedAs const& as, std::string const& na
     if (static_cast<double>(limits.max) > 1.0 + half_step || static_cast<double>(limits.min) < -half_step) {
         throw Failure(Fault::kHeightsOutsideRange, name,
                       fmt::format("its heights are {:.6g} to {:.6g}, not 0 to 1", limits.min, limits.max),
-                      "save floats, or bring them into 0 to 1");
+                      fmt::format("{:.6g},{:.6g}", limits.min, limits.max));
     }
 }
 

@@ -64,6 +64,7 @@ TEST(CErrors, OfPicturesNameWhatIsWrong)
     heights[3] = 4.0f;
     EXPECT_EQ(umbrix_make_normals(calls, picture, nullptr, calls.empty()), UMBRIX_WRONG_PICTURE);
     EXPECT_EQ(calls.sentence(), "wall: its heights are 0.5 to 4, not 0 to 1");
+    EXPECT_STREQ(calls.error().remedy, "read them with a height-range of 0.5,4, or save them as floats");
     EXPECT_EQ(umbrix_make_normals(calls, picture, calls.with({{"height-range", "auto"}}), calls.empty()),
               UMBRIX_OK);
     EXPECT_EQ(calls.error().code, UMBRIX_OK);
