@@ -17,17 +17,7 @@ export OMP_WAIT_POLICY=${OMP_WAIT_POLICY-passive} # a thread that spins takes th
 export findings=build/fuzz/findings
 mkdir -p "$findings"
 
-# The pictures of all formats are seeds, each behind the byte that chooses its name.
-pictures=build/fuzz/seeds/picture_fuzz
-rm -rf "$pictures"
-mkdir -p "$pictures"
-for file in tests/pictures/files/*/*; do
-    case $file in
-        *.tga) ending=1 ;; *.r16) ending=2 ;; *.r32) ending=3 ;; *.pix) ending=4 ;; *.dib) ending=5 ;; *.cur) ending=6 ;;
-        *) ending=0 ;;
-    esac
-    { printf "%b" "\\x$ending" && cat "$file"; } > "$pictures/$(basename "$(dirname "$file")")_$(basename "$file")"
-done
+tests/fuzz/picture_seeds.sh tests/pictures/files build/fuzz/seeds/picture_fuzz
 
 run_target() {
     name=$(basename "$1")
