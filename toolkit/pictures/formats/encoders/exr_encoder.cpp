@@ -5,6 +5,7 @@
 #include <OpenEXR/openexr.h>
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace umbrixlib::toolkit {
 
@@ -101,8 +102,22 @@ private:
         }
         if (good_ && top == 0) {
             note(exr_encoding_choose_default_routines(file_, 0, &steps_));
+            steps_.encoding_user_data = this;
+            library_compress_ = std::exchange(steps_.compress_fn, compress);
         }
         note(good_ ? exr_encoding_run(file_, 0, &steps_) : EXR_ERR_SUCCESS);
+    }
+
+    /// A chunk that is as long as its texels counts as uncompressed to a reader, and OpenEXR takes it for
+    /// compressed if its compression happens to save nothing and lose nothing.
+    static exr_result_t compress(exr_encode_pipeline_t* steps)
+    {
+        auto const& writer = *static_cast<ExrWriter const*>(steps->encoding_user_data);
+        exr_result_t const result = writer.library_compress_(steps);
+        if (result == EXR_ERR_SUCCESS && steps->compressed_bytes == steps->packed_bytes) {
+            std::memcpy(steps->compressed_buffer, steps->packed_buffer, steps->packed_bytes);
+        }
+        return result;
     }
 
     int place_of(char name) const
@@ -123,6 +138,7 @@ private:
     Picture const& picture_;
     exr_context_t file_ = nullptr;
     exr_encode_pipeline_t steps_{};
+    exr_result_t (*library_compress_)(exr_encode_pipeline_t*) = nullptr;
     bool good_ = true;
 };
 
