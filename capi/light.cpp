@@ -24,8 +24,8 @@ umbrix_light whole_light(umbrix_light const* given)
     umbrix_light const light = record_of(given, offsetof(umbrix_light, weights), "light");
     check_light(light.azimuth, -kFullTurns, kFullTurns, "azimuth");
     check_light(light.elevation, 0.0, 90.0, "elevation");
-    check_light(light.exposure, 0.0, 1.0, "exposure");
-    check_light(light.ambient, 0.0, 1.0, "ambient");
+    check_light(light.exposure, 0.01, 10.0, "exposure");
+    check_light(light.ambient, 0.0, 10.0, "ambient");
     check_light(value_in(light.weights), UMBRIX_FITTED, UMBRIX_CLAMPED, "weights");
     return light;
 }

@@ -191,7 +191,7 @@ typedef enum umbrix_kind {
     UMBRIX_LIGHT = 3 /**< An Umbrix map, light, occlusion or a lit picture. */
 } umbrix_kind;
 
-/** How texels lie in memory. The first is the upper left one. */
+/** How texels lie in memory. The first is the upper left one; strides may be negative. */
 typedef struct umbrix_layout {
     size_t size;  /**< sizeof(umbrix_layout). */
     int width;    /**< 1 to 65535. */
@@ -199,7 +199,7 @@ typedef struct umbrix_layout {
     int channels; /**< 1 to 4. */
     umbrix_samples samples;
     umbrix_kind kind;
-    ptrdiff_t row_stride;     /**< From a row to the one below; may be negative. 0: rows are packed. */
+    ptrdiff_t row_stride;     /**< From a row to the one below. 0: rows are packed. */
     ptrdiff_t texel_stride;   /**< From a texel to the one on its right. 0: texels are packed. */
     ptrdiff_t channel_stride; /**< From a channel to the next. 0: channels are packed. */
 } umbrix_layout;
@@ -362,8 +362,8 @@ typedef struct umbrix_light {
     size_t size;      /**< sizeof(umbrix_light). */
     double azimuth;   /**< 0 is the right edge of the picture, 90 its top. */
     double elevation; /**< 0 to 90, straight above. */
-    double exposure;  /**< Brightness of flat ground, 0 to 1; usual is 0.8. */
-    double ambient;   /**< What light from all around adds to that, 0 to 1. */
+    double exposure;  /**< Brightness of flat ground, 0.01 to 10; usual is 0.7. */
+    double ambient;   /**< What light from all around adds to that, 0 to 10. */
     umbrix_weights weights;
     int force; /**< Not 0: take a picture that tells that it is no map. */
 } umbrix_light;
@@ -468,8 +468,9 @@ umbrix_code umbrix_stack_add(umbrix_context* context, umbrix_stack* stack, umbri
 /** Strength of the normals of the whole stack, 1 at first. */
 umbrix_code umbrix_stack_set_normal_scale(umbrix_context* context, umbrix_stack* stack, double scale);
 
-/** Blends the layers, which have the size of the lowest: normals of three channels, heights of one, stretched
- * to 0 to 1, and the Umbrix map of both, of four channels. Each result may be NULL.
+/** Blends the layers to the size of the lowest: normals of three channels, heights of one, stretched
+ * to 0 to 1, and the Umbrix map of both, of four channels. Heights of another size repeat or are cut off,
+ * normals of another size are left out. Each result may be NULL.
  *
  * Where all layers have 8 bits, the map is made of normals and heights in 8 bits, as that of a file in 8 bits
  * is; with "save-depth" of more, or deeper layers, nothing is narrowed. */
