@@ -348,6 +348,19 @@ int umbrix_is_picture_name(char const* file)
     }
 }
 
+int umbrix_kind_of_name(char const* file)
+{
+    try {
+        NameEnding const* const ending = file != nullptr ? ending_of_name(file) : nullptr;
+        if (ending == nullptr) {
+            return UMBRIX_UNKNOWN;
+        }
+        return !ending->kind ? -1 : *ending->kind == Kind::kHeightMap ? UMBRIX_HEIGHTS : UMBRIX_NORMALS;
+    } catch (std::exception const&) {
+        return UMBRIX_UNKNOWN;
+    }
+}
+
 umbrix_code umbrix_result_name(umbrix_context* context, char const* file, char const* suffix,
                                char const* extension, char const** name)
 {

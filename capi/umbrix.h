@@ -293,6 +293,10 @@ umbrix_code umbrix_picture_write(umbrix_context* context, umbrix_picture const* 
 /** Whether a file is called like a picture that can be read. */
 int umbrix_is_picture_name(char const* file);
 
+/** What a picture is by the ending of its name: UMBRIX_HEIGHTS, UMBRIX_NORMALS, UMBRIX_UNKNOWN where it does
+ * not tell, or -1 for something that no map is made of, as rock_albedo.png. */
+int umbrix_kind_of_name(char const* file);
+
 /** Points @p name to where the result of a file goes by itself: "brick_H.tga" with "_Umbrix" to
  * "brick_Umbrix.tga". It stands until the next call with this context.
  * @param extension Of the result, with the dot; NULL: that of the file where it loses nothing, else ".png".

@@ -62,6 +62,13 @@ def test_folders_in_the_folder_are_walked_on_demand(folder, tmp_path):
     assert umbrix.read(output / "inner" / "c_Normal.png").attributes["green"] == "down"
 
 
+def test_pictures_that_are_no_heights_by_their_names_are_left_alone_unless_asked_for(folder):
+    umbrix.write(folder / "a_albedo.png", hills(20, 24))
+    assert not any("albedo" in result.file.name for result in umbrix.batch(folder, rays=8))
+    (result,) = umbrix.batch(folder, include="*_albedo.png", rays=8)
+    assert result.output.is_file()
+
+
 def test_results_are_saved_as_they_are_asked_for(folder):
     results = umbrix.batch(folder, include=["a_*"], suffix="_x", extension=".tif", depth=16, make="heights")
     assert [result.output.name for result in results] == ["a_x.tif"]

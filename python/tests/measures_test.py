@@ -33,7 +33,7 @@ def test_relight_is_that_of_the_command_line(tmp_path, heights, tool):
 
 def test_relight_refuses_what_is_no_light_and_no_map(heights):
     made = umbrix.map(heights, rays=4)
-    for wrong in ({"elevation": 91}, {"exposure": -1}, {"ambient": 2}, {"azimuth": float("nan")}):
+    for wrong in ({"elevation": 91}, {"exposure": -1}, {"ambient": 11}, {"azimuth": float("nan")}):
         with pytest.raises(umbrix.ArgumentError, match=next(iter(wrong))):
             umbrix.relight(made, **wrong)
     for wrong in ({"elevation": "30"}, {"weights": 1}, {"force": 1}, {"albedo": "x.png"}):

@@ -20,14 +20,18 @@ from ._settings import SettingValue, settings_of
 
 _Maker = Callable[..., Texels]
 
-# What can be made of each picture, and what the names of results end in.
-_MAKERS: dict[str, Tuple[_Maker, str]] = {
-    "map": (_making.map, "_Umbrix"),
-    "normals": (_making.normals, "_Normal"),
-    "heights": (_making.heights, "_Height"),
-    "light": (_making.light, "_Light"),
-    "occlusion": (_making.occlusion, "_Occlusion"),
-    "bent": (lambda *source, **given: _making.bent(*source, **given).normals, "_Bent"),
+# Kinds of umbrix.h that the ending of a name may tell; 0 where it tells none.
+_HEIGHTS, _NORMALS = (0, 1), (0, 2)
+_ANY = (0, 1, 2)
+
+# What can be made of each picture, what the names of results end in, and of which pictures.
+_MAKERS: dict[str, Tuple[_Maker, str, Sequence[int]]] = {
+    "map": (_making.map, "_Umbrix", _ANY),
+    "normals": (_making.normals, "_Normal", _HEIGHTS),
+    "heights": (_making.heights, "_Height", _NORMALS),
+    "light": (_making.light, "_Light", _ANY),
+    "occlusion": (_making.occlusion, "_Occlusion", _ANY),
+    "bent": (lambda *source, **given: _making.bent(*source, **given).normals, "_Bent", _HEIGHTS),
 }
 _OWN = "_Umbrix"
 
@@ -79,6 +83,7 @@ def _plan(
     output: Optional[Path],
     recurse: bool,
     include: Sequence[str],
+    kinds: Sequence[int],
     suffix: str,
     extension: Optional[str],
 ) -> list[BatchResult]:
@@ -88,6 +93,8 @@ def _plan(
     for file in _files(folder, recurse, avoided):
         name = file.name
         if _stem_ends_in(name, suffix) or _stem_ends_in(name, _OWN):
+            continue
+        if not include and library.umbrix_kind_of_name(os.fsencode(name)) not in kinds:
             continue
         if include and not any(fnmatch.fnmatchcase(name.lower(), pattern.lower()) for pattern in include):
             continue
@@ -132,7 +139,9 @@ def batch(
     :param output: Folder of the results, made if it is missing, with the same folders in it; None: beside the pictures.
     :param make: "map", "normals", "heights", "light", "occlusion" or "bent".
     :param recurse: Look into the folders in the folder, too.
-    :param include: Patterns of the names that are wanted, as "*_height.*"; in any letter case. None for all.
+    :param include: Patterns of the names that are wanted, as "*_height.*"; in any letter case. Without any, pictures
+        are left alone whose names end as those of something else do: rock_albedo.png, and normals where heights are
+        asked for.
     :param suffix: What the names of results end in, instead of "_Umbrix", "_Normal" and the like.
     :param extension: Of the results, with the dot; None: that of the picture where it loses nothing, else ".png".
     :param depth: As of :func:`write`, like `rounding` and `compression`.
@@ -147,14 +156,14 @@ def batch(
     if make not in _MAKERS:
         error = ValueError if isinstance(make, str) else TypeError
         raise error(f"make is {' or '.join(map(repr, _MAKERS))}, not {make!r}")
-    maker, usual = _MAKERS[make]
+    maker, usual, kinds = _MAKERS[make]
     settings_of("batch", settings)  # refused once, and not for each picture
     root = Path(os.fsdecode(folder))
     into = None if output is None else Path(os.fsdecode(output))
     patterns = [include] if isinstance(include, str) else list(include)
     ending = usual if suffix is None else suffix
     results = []
-    plan = _plan(root, into, bool(flag("recurse", recurse)), patterns, ending, extension)
+    plan = _plan(root, into, bool(flag("recurse", recurse)), patterns, kinds, ending, extension)
     flag("overwrite", overwrite)
     for done, entry in enumerate(plan):
         inside = _inside(progress, entry.file.name, done, len(plan))

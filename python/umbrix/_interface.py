@@ -155,6 +155,7 @@ _FUNCTIONS: dict[str, tuple[Any, list[Any]]] = {
     "umbrix_picture_set_attributes": (c_int, [c_void_p, c_void_p, c_char_p]),
     "umbrix_picture_write": (c_int, [c_void_p, c_void_p, c_char_p, c_void_p]),
     "umbrix_is_picture_name": (c_int, [c_char_p]),
+    "umbrix_kind_of_name": (c_int, [c_char_p]),
     "umbrix_result_name": (c_int, [c_void_p, c_char_p, c_char_p, c_char_p, c_void_p]),
     "umbrix_read_heights": (c_int, [c_void_p, c_void_p, c_void_p, c_void_p]),
     "umbrix_read_normals": (c_int, [c_void_p, c_void_p, c_void_p, c_void_p]),

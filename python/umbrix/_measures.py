@@ -44,8 +44,8 @@ def relight(
     :param map: A map that :func:`map` or the command line made.
     :param azimuth: In degrees; 0 is the right edge of the picture, 90 its top.
     :param elevation: In degrees; 0 is level with the picture, 90 straight above.
-    :param exposure: Brightness of flat ground, 0 to 1.
-    :param ambient: What light from all around adds to that, 0 to 1.
+    :param exposure: Brightness of flat ground, 0.01 to 10.
+    :param ambient: What light from all around adds to that, 0 to 10.
     :param weights: How the channels count: "fitted", "exact" or "clamped".
     :param albedo: Colours of the surface, of the map's size; sRGB in whole numbers, linear in floats.
     :param force: Take a picture that tells that it is no map.

@@ -129,6 +129,11 @@ TEST(CPictures, NamesOfResultsAreThoseOfTheTool)
     EXPECT_EQ(umbrix_is_picture_name("a.PNG"), 1);
     EXPECT_EQ(umbrix_is_picture_name("a.txt"), 0);
     EXPECT_EQ(umbrix_is_picture_name(nullptr), 0);
+    EXPECT_EQ(umbrix_kind_of_name("rock_height_2k.png"), UMBRIX_HEIGHTS);
+    EXPECT_EQ(umbrix_kind_of_name("rock_nor_dx.png"), UMBRIX_NORMALS);
+    EXPECT_EQ(umbrix_kind_of_name("rock.png"), UMBRIX_UNKNOWN);
+    EXPECT_EQ(umbrix_kind_of_name("rock_albedo.png"), -1);
+    EXPECT_EQ(umbrix_kind_of_name(nullptr), UMBRIX_UNKNOWN);
 }
 
 } // namespace
