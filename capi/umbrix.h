@@ -82,7 +82,7 @@ void umbrix_context_free(umbrix_context* context);
 /** Fills @p error with the outcome of the last call with this context. Texts stand until the next one. */
 void umbrix_last_error(umbrix_context const* context, umbrix_error* error);
 
-/** Told about every 50 ms while a call works, on the calling thread.
+/** Told at least every 50 ms while a call works, on the calling thread.
  * @param stage What is done, "occlusion".
  * @param share How far that is, 0 to 1.
  * @return 0 to stop the work; anything else to go on. */

@@ -146,7 +146,7 @@ def batch(
     :param extension: Of the results, with the dot; None: that of the picture where it loses nothing, else ".png".
     :param depth: As of :func:`write`, like `rounding` and `compression`.
     :param overwrite: Replace outputs that exist.
-    :param progress: Called with (share of all, "rock.png: occlusion") about every 50 ms and before each picture, on
+    :param progress: Called with (share of all, "rock.png: occlusion") at least every 50 ms and before each picture, on
         this thread; only False stops.
     :param settings: Any of :func:`settings`.
     :returns: An entry for each picture, folder by folder.

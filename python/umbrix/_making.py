@@ -59,7 +59,7 @@ def normals(
     :param tile: The texture repeats; True without a preset.
     :param y: Where green points, "up" (OpenGL) or "down" (DirectX); "up" without a preset.
     :param out: Takes the result: float32 (rows, cols, 3). It is returned.
-    :param progress: Called with (share, stage) about every 50 ms, on this thread; only False stops.
+    :param progress: Called with (share, stage) at least every 50 ms, on this thread; only False stops.
     :param settings: Any of :func:`settings`.
     :returns: Unit vectors, -1 to 1: float32 (rows, cols, 3).
     :raises PictureError: Nothing can be made of the heights.
@@ -94,7 +94,7 @@ def map(
     :param mode: Light of a normal: "projection", "unit", "flat" or "squared".
     :param tile: The texture repeats; True without a preset.
     :param out: Takes the result: float32 (rows, cols, 3), or 4 channels where the result has them. It is returned.
-    :param progress: Called with (share, stage) about every 50 ms, on this thread; only False stops.
+    :param progress: Called with (share, stage) at least every 50 ms, on this thread; only False stops.
     :param settings: Any of :func:`settings`.
     :returns: float32 (rows, cols, 3); with 4 channels if the source has an alpha or ``height_in_alpha=True``.
     :raises PictureError: Nothing can be made of the source.

@@ -50,7 +50,7 @@ def relight(
     :param albedo: Colours of the surface, of the map's size; sRGB in whole numbers, linear in floats.
     :param force: Take a picture that tells that it is no map.
     :param out: Takes the result: float32 (rows, cols), with an albedo (rows, cols, 3). It is returned.
-    :param progress: Called with (share, stage) about every 50 ms, on this thread; only False stops.
+    :param progress: Called with (share, stage) at least every 50 ms, on this thread; only False stops.
     :param settings: ``mode`` counts where the map does not tell its own.
     :returns: Linear light: float32 (rows, cols), with an albedo (rows, cols, 3).
     :raises ArgumentError: A number is out of its range.
@@ -111,7 +111,7 @@ def fit(
     """Finds the relief at which the normals of heights come nearest to a normal map of the same size.
 
     :param find_blur: The sigma of a blur is found, too.
-    :param progress: Called with (share, stage) about every 50 ms, on this thread; only False stops.
+    :param progress: Called with (share, stage) at least every 50 ms, on this thread; only False stops.
     :raises PictureError: The sizes differ, or nothing can be made of one of them.
     """
     values = settings_of("fit", settings)
@@ -183,7 +183,7 @@ def check(
     :param kind: What an array is, "heights", "normals" or "map"; None for what it is known to be, or looks like.
     :param green: Where it should point in a normal map: "up" or "down"; None for anywhere.
     :param mend: Give a copy of normals without what an exact fix mends, too.
-    :param progress: Called with (share, stage) about every 50 ms, on this thread; only False stops.
+    :param progress: Called with (share, stage) at least every 50 ms, on this thread; only False stops.
     :param settings: ``tile``, ``h_tile`` and ``v_tile`` say where it should repeat.
     """
     values = settings_of("check", settings)

@@ -250,7 +250,7 @@ def read(path: PathLike, *, max_texels: Optional[float] = None, progress: Option
     Its decoder runs in this process; the command line gives it one without rights instead.
 
     :param max_texels: A larger picture is refused; None for 268,435,456 (16384 x 16384).
-    :param progress: Called with (share, stage) about every 50 ms, on this thread; only False stops.
+    :param progress: Called with (share, stage) at least every 50 ms, on this thread; only False stops.
     :raises NoFileError: There is no such file, or it may not be read.
     :raises ReadError: It holds no picture that can be taken.
     """
@@ -310,7 +310,7 @@ def write(
     :param compression: "default", "fast" or "small".
     :param overwrite: Replace a file of that name. It takes its name in one step, when it has been read back: until
         then, and after an error, the former one stays.
-    :param progress: Called with (share, stage) about every 50 ms, on this thread; only False stops.
+    :param progress: Called with (share, stage) at least every 50 ms, on this thread; only False stops.
     :raises ExistsError: There is a file of that name, and no `overwrite`.
     :raises WriteError: It could not be written, or the format does not hold such a picture.
     :raises ValueError: Samples are negative and nothing tells whether they are normals: give `kind`.

@@ -19,7 +19,7 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-constexpr auto kPollInterval = std::chrono::milliseconds(50);
+constexpr auto kPollInterval = std::chrono::milliseconds(20);
 constexpr std::size_t kFewTexels = 64 * 64; // as the library has them for a run without a team
 
 /// The progress pair that the library writes with plain stores while we read. The text has room for every
