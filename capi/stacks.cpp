@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <fmt/format.h>
+#include <limits>
 #include <memory>
 #include <utility>
 
@@ -45,7 +46,10 @@ StackLayer layer_of(umbrix_layer const& given, umbrix_picture const& picture, st
     return layer;
 }
 
-umbrix_layer const kUsualLayer{sizeof(umbrix_layer), 0, UMBRIX_BLEND, 100.0, NAN, 0.0, 0.0, 0.0, 0.0, 0.0};
+constexpr double kAsTheRelief = std::numeric_limits<double>::quiet_NaN();
+
+umbrix_layer const kUsualLayer{
+    sizeof(umbrix_layer), 0, UMBRIX_BLEND, 100.0, kAsTheRelief, 0.0, 0.0, 0.0, 0.0, 0.0};
 
 std::optional<SavedAs> floats_for(umbrix_picture const* result)
 {
