@@ -5,6 +5,7 @@ They come from a build folder: the one that the variable UMBRIX_BUILD names, els
 checkout. "cmake --install" takes them from there, so that they find each other wherever the package is.
 """
 
+import importlib.util
 import os
 import re
 import shutil
@@ -37,6 +38,13 @@ def version() -> str:
     if found is None:
         raise SystemExit("umbrix: CMakeLists.txt tells no version")
     return found.group(1)
+
+
+def dependencies() -> "list[str]":
+    """NumPy, unless the Python that builds has one: with --target pip looks for it anew, and where Debian brings NumPy
+    there may be no index to find it in. A wheel for others names it."""
+    has_numpy = importlib.util.find_spec("numpy") is not None
+    return [] if has_numpy and not os.environ.get("UMBRIX_FOR_OTHERS") else ["numpy>=1.22"]
 
 
 def wanted_names(folder: Path) -> "dict[str, Path]":
@@ -78,6 +86,7 @@ class WithLibrary(Distribution):
 
 setup(
     version=version(),
+    install_requires=dependencies(),
     distclass=WithLibrary,
     cmdclass={"build_py": BuildWithLibrary, "bdist_wheel": AnyPython},
 )

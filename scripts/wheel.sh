@@ -32,6 +32,6 @@ cmake --build "$work/tiff/build" --parallel "$(nproc)"
 
 cmake -S . -B build/release -DCMAKE_BUILD_TYPE=Release -DUMBRIX_UNITY=ON > "$work/cmake.log"
 cmake --build build/release --parallel "$(nproc)" --target umbrix_c
-UMBRIX_BUILD=$PWD/build/release /usr/bin/python3 -m pip wheel ./python --no-build-isolation --no-deps --quiet -w "$work/plain"
+UMBRIX_FOR_OTHERS=1 UMBRIX_BUILD=$PWD/build/release /usr/bin/python3 -m pip wheel ./python --no-build-isolation --no-deps --quiet -w "$work/plain"
 /usr/bin/python3 -B python/packing/bundle.py "$work"/plain/umbrix-*.whl "$work/dist" "$work/tiff/build/libtiff/libtiff.so.6"
 ls -l "$work"/dist/umbrix-*.whl

@@ -27,7 +27,7 @@ pytestmark = [
 def pip_install(source: Path, target: Path, **environment: str) -> subprocess.CompletedProcess:
     command = [sys.executable, "-m", "pip", "install", str(source), "--target", str(target)]
     return subprocess.run(
-        [*command, "--no-build-isolation", "--no-deps", "--no-index", "--disable-pip-version-check"],
+        [*command, "--no-build-isolation", "--no-index", "--disable-pip-version-check"],
         env={**os.environ, **environment},
         stdout=subprocess.PIPE,
         stderr=subprocess.STDOUT,
@@ -60,10 +60,8 @@ def test_what_is_installed_stands_by_itself(build, source, tmp_path):
     done = pip_install(source, target, UMBRIX_BUILD=str(build))
     assert done.returncode == 0, done.stdout
     library = target / "umbrix" / "_library"
-    assert sorted(file.name.partition(".")[0] for file in library.glob("*.so*")) in (
-        ["libcoralith", "libumbrix-c", "libvelloric"],
-        ["libcoralith", "libcoralith_cuda", "libumbrix-c", "libvelloric"],
-    )
+    libraries = sorted(file.name.partition(".")[0] for file in library.glob("*.so*"))
+    assert libraries == ["libcoralith", "libumbrix-c", "libvelloric"]
     assert (library / "LICENSE").exists() and (target / "umbrix" / "py.typed").exists()
     moved = tmp_path / "moved"
     target.rename(moved)
