@@ -6,10 +6,16 @@
 #include "toolkit/base/stop.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstring>
+#include <functional>
+#include <mutex>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace umbrix_capi {
 
@@ -31,19 +37,31 @@ public:
     void begin(umbrixlib::toolkit::Phase phase, std::string const& file) override;
     void stage(std::string_view name, int permille) override;
     void note(std::string const& file, umbrixlib::toolkit::Note const& note) override;
-    bool stopping() const override { return stopping_; }
+    bool stopping() const override { return stopping_.load(std::memory_order_relaxed); }
 
     /// Throws Stopped if the context's function asked for it.
     void check() const
     {
-        if (stopping_) {
+        if (stopping()) {
             throw umbrixlib::toolkit::Stopped();
         }
     }
 
+    /// Does @p body on a thread of its own. What it tells is kept, and handed on by the calling thread before
+    /// and every 20 ms, whatever the body is at.
+    void run_beside(std::function<void()> const& body);
+
 private:
+    void tell_stage();
+    void tell_notes();
+
     umbrix_context& context_;
-    bool stopping_ = false;
+    std::atomic<bool> stopping_ = false;
+    bool beside_ = false; ///< What is told comes from another thread than the caller's.
+    std::mutex mutex_;    ///< Of the rest.
+    std::string stage_ = "starting";
+    int permille_ = 0;
+    std::vector<std::pair<std::string, std::string>> notes_;
 };
 
 /// In a process that was forked, keeps the calling thread from waiting for its OpenMP team, whose threads
@@ -91,6 +109,28 @@ int value_in(Enumeration const& member)
     int value = 0;
     std::memcpy(&value, &member, sizeof value);
     return value;
+}
+
+/// Whether there is so little of a picture that a thread would take longer to start than the work.
+inline bool is_small(umbrix_picture const* picture)
+{
+    constexpr int kFewTexels = 64 * 64; // as the library has them for a run without a team
+    return picture != nullptr && picture->layout.width <= kFewTexels &&
+           picture->layout.height <= kFewTexels &&
+           picture->layout.width * picture->layout.height <= kFewTexels;
+}
+
+/// The same as call() for a body that takes its time with @p source; null: with something that is not small.
+template <typename Body>
+umbrix_code work(umbrix_context* context, umbrix_picture const* source, Body const& body) noexcept
+{
+    return call(context, [&](CallObserver& observer) {
+        if (is_small(source)) {
+            body(observer);
+        } else {
+            observer.run_beside([&] { body(observer); });
+        }
+    });
 }
 
 /// A record as this library knows it, from one that may end earlier; what it lacks is 0.

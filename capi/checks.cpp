@@ -12,7 +12,7 @@ umbrix_code umbrix_check(umbrix_context* context, umbrix_picture const* picture,
                          umbrix_settings const* settings, int green, umbrix_findings** findings,
                          umbrix_picture* mended)
 {
-    return call(context, [&](CallObserver& observer) {
+    return work(context, picture, [&](CallObserver& observer) {
         require(findings, "findings");
         DecodedFile file = decoded(picture, "picture");
         if (mended != nullptr && mended->texels != nullptr) {

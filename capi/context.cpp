@@ -2,9 +2,13 @@
 #include "capi/call_internal.h"
 #include "toolkit/base/failure.h"
 
+#include <chrono>
+#include <condition_variable>
+#include <exception>
 #include <fmt/format.h>
 #include <new>
 #include <omp.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace umbrixlib::toolkit;
@@ -146,16 +150,85 @@ void CallObserver::begin(Phase phase, std::string const& /*file*/)
 
 void CallObserver::stage(std::string_view name, int permille)
 {
-    if (context_.progress != nullptr && !stopping_) {
-        std::string const text(name);
-        stopping_ = context_.progress(context_.progress_user, text.c_str(), permille / 1000.0) == 0;
+    {
+        std::lock_guard const lock(mutex_);
+        stage_ = name;
+        permille_ = permille;
+    }
+    if (!beside_) {
+        tell_stage();
     }
 }
 
 void CallObserver::note(std::string const& file, Note const& note)
 {
-    if (context_.note != nullptr && !note.detail) {
-        context_.note(context_.note_user, file.c_str(), note.text.c_str());
+    if (!note.detail) {
+        std::lock_guard const lock(mutex_);
+        notes_.emplace_back(file, note.text);
+    }
+    if (!beside_) {
+        tell_notes();
+    }
+}
+
+void CallObserver::tell_stage()
+{
+    if (context_.progress == nullptr || stopping()) {
+        return;
+    }
+    std::unique_lock lock(mutex_);
+    std::string const name = stage_;
+    double const share = permille_ / 1000.0;
+    lock.unlock();
+    if (context_.progress(context_.progress_user, name.c_str(), share) == 0) {
+        stopping_ = true;
+    }
+}
+
+void CallObserver::tell_notes()
+{
+    std::unique_lock lock(mutex_);
+    auto const notes = std::exchange(notes_, {});
+    lock.unlock();
+    for (auto const& [file, text] : notes) {
+        if (context_.note != nullptr) {
+            context_.note(context_.note_user, file.c_str(), text.c_str());
+        }
+    }
+}
+
+void CallObserver::run_beside(std::function<void()> const& body)
+{
+    constexpr auto kTellEvery = std::chrono::milliseconds(20);
+    std::mutex mutex;
+    std::condition_variable finished;
+    bool done = false;
+    std::exception_ptr error;
+    beside_ = true;
+    tell_stage();
+    std::thread worker([&] {
+        try {
+            body();
+        } catch (...) {
+            error = std::current_exception();
+        }
+        std::lock_guard const lock(mutex);
+        done = true;
+        finished.notify_one();
+    });
+    std::unique_lock lock(mutex);
+    while (!finished.wait_for(lock, kTellEvery, [&] { return done; })) {
+        lock.unlock();
+        tell_notes();
+        tell_stage();
+        lock.lock();
+    }
+    lock.unlock();
+    worker.join();
+    beside_ = false;
+    tell_notes();
+    if (error) {
+        std::rethrow_exception(error);
     }
 }
 

@@ -36,7 +36,7 @@ umbrix_code umbrix_relight(umbrix_context* context, umbrix_picture const* map, u
                            umbrix_picture const* albedo, umbrix_settings const* settings,
                            umbrix_picture* result)
 {
-    return call(context, [&](CallObserver& observer) {
+    return work(context, map, [&](CallObserver& observer) {
         require(map, "map");
         umbrix_light const wanted = whole_light(light);
         check_result(result, "result", size_of(*map), albedo != nullptr ? 3 : 1);
@@ -61,7 +61,7 @@ umbrix_code umbrix_find_relief(umbrix_context* context, umbrix_picture const* he
                                umbrix_picture const* normals, umbrix_settings const* settings, int find_blur,
                                umbrix_fit* fit)
 {
-    return call(context, [&](CallObserver& observer) {
+    return work(context, heights, [&](CallObserver& observer) {
         require(heights, "heights");
         require(normals, "normals");
         require(fit, "fit");

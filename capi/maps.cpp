@@ -56,7 +56,7 @@ Attributes attributes_of_taken(ToldHeights const& taken)
 umbrix_code make_map(umbrix_context* context, umbrix_picture const* source, umbrix_settings const* settings,
                      umbrix_picture* result, void (*change)(Settings&))
 {
-    return call(context, [&](CallObserver& observer) {
+    return work(context, source, [&](CallObserver& observer) {
         require(source, "source");
         MapJob job;
         job.files = files_of(*source);
@@ -97,7 +97,7 @@ umbrix_code umbrix_make_occlusion(umbrix_context* context, umbrix_picture const*
 umbrix_code umbrix_read_heights(umbrix_context* context, umbrix_picture const* source,
                                 umbrix_settings const* settings, umbrix_picture* result)
 {
-    return call(context, [&](CallObserver& observer) {
+    return work(context, source, [&](CallObserver& observer) {
         require(source, "source");
         check_result(result, "result", size_of(*source), 1);
         PreparedInput input = prepared(source, "source", observer);
@@ -114,7 +114,7 @@ umbrix_code umbrix_read_heights(umbrix_context* context, umbrix_picture const* s
 umbrix_code umbrix_read_normals(umbrix_context* context, umbrix_picture const* source,
                                 umbrix_settings const* settings, umbrix_picture* result)
 {
-    return call(context, [&](CallObserver& observer) {
+    return work(context, source, [&](CallObserver& observer) {
         require(source, "source");
         check_result(result, "result", size_of(*source), 3);
         PreparedInput const input = prepared(source, "source", observer);
@@ -126,7 +126,7 @@ umbrix_code umbrix_read_normals(umbrix_context* context, umbrix_picture const* s
 umbrix_code umbrix_make_normals(umbrix_context* context, umbrix_picture const* heights,
                                 umbrix_settings const* settings, umbrix_picture* result)
 {
-    return call(context, [&](CallObserver& observer) {
+    return work(context, heights, [&](CallObserver& observer) {
         require(heights, "heights");
         check_result(result, "result", size_of(*heights), 3);
         NormalJob job;
@@ -142,7 +142,7 @@ umbrix_code umbrix_make_heights(umbrix_context* context, umbrix_picture const* n
                                 umbrix_settings const* settings, umbrix_picture* result,
                                 umbrix_height_range* range)
 {
-    return call(context, [&](CallObserver& observer) {
+    return work(context, normals, [&](CallObserver& observer) {
         require(normals, "normals");
         check_result(result, "result", size_of(*normals), 1);
         HeightJob job;
@@ -157,7 +157,7 @@ umbrix_code umbrix_make_heights(umbrix_context* context, umbrix_picture const* n
 umbrix_code umbrix_make_bent(umbrix_context* context, umbrix_picture const* heights,
                              umbrix_settings const* settings, umbrix_picture* bent, umbrix_picture* occlusion)
 {
-    return call(context, [&](CallObserver& observer) {
+    return work(context, heights, [&](CallObserver& observer) {
         require(heights, "heights");
         for (auto const& [result, name, channels] :
              {std::tuple(bent, "bent", 3), std::tuple(occlusion, "occlusion", 1)}) {

@@ -62,7 +62,11 @@ DecodedFile decoded(umbrix_picture const* picture, char const* name)
 PreparedInput prepared(umbrix_picture const* picture, char const* name, CallObserver& observer)
 {
     DecodedFile file = decoded(picture, name);
-    return prepare_image(DecodedImage(std::move(file)), {picture->name, picture->name, 0.0}, observer);
+    observer.check();
+    PreparedInput input =
+        prepare_image(DecodedImage(std::move(file)), {picture->name, picture->name, 0.0}, observer);
+    observer.check();
+    return input;
 }
 
 PictureKind known_kind(umbrix_picture const& picture)
@@ -223,7 +227,7 @@ umbrix_code umbrix_picture_wrap_result(umbrix_context* context, void* texels, um
 umbrix_code umbrix_picture_read(umbrix_context* context, char const* file, double max_texels,
                                 umbrix_picture** picture)
 {
-    return call(context, [&](CallObserver& observer) {
+    return work(context, nullptr, [&](CallObserver& observer) {
         require(file, "file");
         require(picture, "picture");
         check_input(file);
@@ -314,7 +318,7 @@ umbrix_code umbrix_picture_set_attributes(umbrix_context* context, umbrix_pictur
 umbrix_code umbrix_picture_write(umbrix_context* context, umbrix_picture const* picture, char const* file,
                                  umbrix_saving const* saving)
 {
-    return call(context, [&](CallObserver& observer) {
+    return work(context, picture, [&](CallObserver& observer) {
         require(file, "file");
         umbrix_saving const wanted = whole_saving(saving);
         OutputFormat const* const format = output_format(file);

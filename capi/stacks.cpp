@@ -103,7 +103,7 @@ umbrix_code umbrix_stack_make(umbrix_context* context, umbrix_stack const* stack
                               umbrix_settings const* settings, umbrix_picture* normals,
                               umbrix_picture* heights, umbrix_picture* map)
 {
-    return call(context, [&](CallObserver& observer) {
+    return work(context, nullptr, [&](CallObserver& observer) {
         require(stack, "stack");
         if (stack->layers.empty()) {
             throw Failure(Fault::kNoLayers, "stack", "it has no layers");
