@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Pictures of few texels are worked on without a team of threads.
 #include "normals/make_normals.h"
+#include "process_threads.h"
 #include "umbrix/height_map_options.h"
 #include "umbrix/make_map.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <omp.h>
 #include <thread>
 #include <vector>
@@ -15,19 +14,7 @@ namespace {
 
 using umbrixlib::PictureView;
 using umbrixlib::SampleType;
-
-std::ptrdiff_t threads_of_process()
-{
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
-}
-
-/// The team of a thread that has ended goes a moment later. Leaves the main thread and the calling one.
-void wait_for_teams_to_go()
-{
-    while (threads_of_process() > 2) {
-        std::this_thread::yield();
-    }
-}
+using namespace umbrixlib::test;
 
 /// How many threads @p work leaves behind: OpenMP keeps a team for the thread that had one.
 template <typename Work>
@@ -36,7 +23,7 @@ std::ptrdiff_t threads_woken_by(Work const& work)
     std::ptrdiff_t woken = 0;
     std::thread([&] {
         omp_set_num_threads(3);
-        wait_for_teams_to_go();
+        wait_for_teams_to_go(2); // the main thread and this one
         std::ptrdiff_t const before = threads_of_process();
         work();
         woken = threads_of_process() - before;
