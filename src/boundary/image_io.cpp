@@ -111,7 +111,7 @@ int bound_image_channels()
 ImageBytes make_image_bytes(std::size_t texels, int channels)
 {
     constexpr int kTouchedAtMost = 4;
-    return make_large_array<unsigned char>(std::max<std::size_t>(texels, 1) *
+    return make_texel_array<unsigned char>(std::max<std::size_t>(texels, 1) *
                                            static_cast<std::size_t>(std::max(channels, kTouchedAtMost)));
 }
 

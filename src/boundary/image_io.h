@@ -9,7 +9,7 @@
 ///
 /// Rows: the first row of a buffer is the bottom row of the picture, for every file format.
 
-#include "boundary/large_array_internal.h"
+#include "boundary/texel_array.h"
 
 #include <cstddef>
 
@@ -57,7 +57,7 @@ ImageSize bound_image_size();
 int bound_image_channels();
 
 /// Bytes of an image on their way in or out.
-using ImageBytes = LargeArray<unsigned char>;
+using ImageBytes = TexelArray<unsigned char>;
 
 /// Zeroed bytes for an image of @p texels texels. DevIL and the loops over channels touch up to four bytes a
 /// texel, whatever pixel size a file reports, so that is what a texel gets at least; and DevIL reads one

@@ -5,6 +5,11 @@
 
 namespace umbrixlib::detail {
 
+void* map_zeros(std::size_t bytes)
+{
+    return platform::map_zeros(bytes);
+}
+
 void release_mapped(void* memory, std::size_t bytes)
 {
     platform::unmap_zeros(memory, bytes);

@@ -2,7 +2,7 @@
 // One normal map from the normals of a stack.
 #include "layers/nlayers.h"
 
-#include "boundary/large_array_internal.h"
+#include "boundary/texel_array.h"
 #include "boundary/texture_kernels.h"
 #include "common/blocks.h"
 #include "filters/blend_internal.h"
@@ -118,8 +118,8 @@ private:
     void overlay_colours(float3 const* layer, float opacity)
     {
         if (colours_ == nullptr) {
-            colours_ = make_large_array<float3>(static_cast<std::size_t>(texels_of(size_)));
-            layer_colours_ = make_large_array<float3>(static_cast<std::size_t>(texels_of(size_)));
+            colours_ = make_texel_array<float3>(static_cast<std::size_t>(texels_of(size_)));
+            layer_colours_ = make_texel_array<float3>(static_cast<std::size_t>(texels_of(size_)));
         }
         float3* const colours = colours_.get();
         float3* const layer_colours = layer_colours_.get();
@@ -138,7 +138,7 @@ private:
     float3* const blend_;
     float3* const target_;
     float const* const base_;
-    LargeArray<float3> colours_, layer_colours_; ///< Of the overlay.
+    TexelArray<float3> colours_, layer_colours_; ///< Of the overlay.
     float3 const* from_;                         ///< What is blended so far: the first layer or `blend_`.
     std::vector<SlopeStep> waiting_; ///< Steps on it that need no kernel, so they can be done together.
 };
@@ -221,7 +221,7 @@ void NLayers::BlendLayersToBmp(unsigned char* bitmap)
 {
     if (can_start(*this, 0)) {
         layer_size const size = sizes.Get(0);
-        auto const blend = make_large_array<float3>(static_cast<std::size_t>(texels_of(size)));
+        auto const blend = umbrixlib::make_texel_array<float3>(static_cast<std::size_t>(texels_of(size)));
         blend_normals(*this, kIntoCallersArray, all_layers(*this), blend.get(), result_for(size));
         normals_to_bitmap(blend.get(), size, bitmap);
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "boundary/large_array_internal.h"
+#include "boundary/texel_array.h"
 #include "common/vector_types.h"
 #include "foundation/picture_samples_internal.h"
 #include "foundation/run_report_internal.h"
@@ -9,7 +9,7 @@
 namespace umbrixlib::detail {
 
 /// The colours of a picture as floats.
-LargeArray<float3> fetch_colours(PictureSamples const& source, int height, int width);
+TexelArray<float3> fetch_colours(PictureSamples const& source, int height, int width);
 
 /// Turns colours, whose mean is the height, into normals in place: blur, then `Height2Normal`. If the run is
 /// stopped, the contents of @p image are undefined.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "normals/height_to_normal.h"
 
-#include "boundary/large_array_internal.h"
+#include "boundary/texel_array.h"
 #include "boundary/texture_kernels.h"
 #include "common/rounding.h"
 #include "filters/recursive_gaussian.h"
@@ -31,7 +31,7 @@ void make_repeating_normals(float const* source, float3* destination, int height
 {
     auto const texels = static_cast<std::ptrdiff_t>(height) * width;
     auto const size = static_cast<std::size_t>(texels);
-    auto image = make_large_array<float>(size);
+    auto image = make_texel_array<float>(size);
     float const* unscaled = source;
     report.begin("Generating Normal");
 
@@ -45,7 +45,7 @@ void make_repeating_normals(float const* source, float3* destination, int height
         GenerateExp(kRangeSigma, range);
         if (settings.L_Detail > 1.0f) {
             // The kernel gets heights that it may write to.
-            auto filtered = make_large_array<float>(size);
+            auto filtered = make_texel_array<float>(size);
             copy_on_all_threads(source, filtered.get(), texels);
             if (report.can_stop()) {
                 filter_in_parts(filtered.get(), image.get(), height, width, settings.L_Detail, spatial.get(),
@@ -67,7 +67,7 @@ void make_repeating_normals(float const* source, float3* destination, int height
         heights[i] = narrow(wide(unscaled[i]) * wide(settings.n_scale));
     }
     if (settings.gaussian > 0.0f) {
-        auto const scratch = make_large_array<float>(size);
+        auto const scratch = make_texel_array<float>(size);
         gaussianFilterRGBA(heights, heights, scratch.get(), width, height, settings.gaussian);
     }
     if (settings.depth != 0.0f && !report.stopping()) {
@@ -92,7 +92,7 @@ void make_normals_of(float const* source, float3* destination, int height, int w
     }
     OpenBorders const open(borders, height, width, settings.gaussian, settings.L_Detail);
     auto const heights = open.extended(source);
-    auto const normals = make_large_array<float3>(open.texels());
+    auto const normals = make_texel_array<float3>(open.texels());
     make_repeating_normals(heights.get(), normals.get(), open.rows(), open.columns(), settings, report);
     open.copy_inside(normals.get(), destination);
 }

@@ -59,9 +59,9 @@ OpenBorders::OpenBorders(Borders const& borders, int rows, int columns, float ga
 }
 
 template <typename Texel>
-LargeArray<Texel> OpenBorders::with_margins(Texel const* picture) const
+TexelArray<Texel> OpenBorders::with_margins(Texel const* picture) const
 {
-    auto result = make_large_array<Texel>(texels());
+    auto result = make_texel_array<Texel>(texels());
     std::ptrdiff_t const stride = columns();
 #pragma omp parallel
     {
@@ -89,12 +89,12 @@ LargeArray<Texel> OpenBorders::with_margins(Texel const* picture) const
     return result;
 }
 
-LargeArray<float> OpenBorders::extended(float const* picture) const
+TexelArray<float> OpenBorders::extended(float const* picture) const
 {
     return with_margins(picture);
 }
 
-LargeArray<float3> OpenBorders::extended(float3 const* picture) const
+TexelArray<float3> OpenBorders::extended(float3 const* picture) const
 {
     return with_margins(picture);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "boundary/large_array_internal.h"
+#include "boundary/texel_array.h"
 #include "common/vector_types.h"
 #include "foundation/picture_view.h"
 
@@ -26,15 +26,15 @@ public:
     }
 
     /// @p picture with its margins.
-    LargeArray<float> extended(float const* picture) const;
-    LargeArray<float3> extended(float3 const* picture) const;
+    TexelArray<float> extended(float const* picture) const;
+    TexelArray<float3> extended(float3 const* picture) const;
 
     /// Copies what lies between the margins of @p extended.
     void copy_inside(float3 const* extended, float3* picture) const;
 
 private:
     template <typename Texel>
-    LargeArray<Texel> with_margins(Texel const* picture) const;
+    TexelArray<Texel> with_margins(Texel const* picture) const;
 
     int rows_;
     int columns_;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "umbrix/gpu_map_run_internal.h"
 
+#include "boundary/platform.h"
 #include "boundary/texture_kernels.h"
 #include "common/rounding.h"
 #include "normals/filter_parts_internal.h"
@@ -55,8 +56,8 @@ bool GpuMapRun::run(ByteTarget const& target, MapDemand const& wanted)
 void GpuMapRun::make_buffers()
 {
     auto const texels = static_cast<std::size_t>(shape_.texels());
-    parts.map = make_large_array<float4>(texels);
-    normals_ = make_large_array<float3>(texels);
+    parts.map = make_texel_array<float4>(texels);
+    normals_ = make_texel_array<float3>(texels);
     heights_ = retained_heights.take_to_overwrite(texels);
     platform::prefer_large_pages(heights_.data.get(), texels * sizeof(float));
     if (kept_ != nullptr) {
@@ -184,7 +185,7 @@ void GpuMapRun::keep_filtered_heights()
             [&](std::ptrdiff_t i) { options_.height_copy[i] = options_.preserve ? heights_.data[i] : 1.0f; });
     }
     if (wanted_.source_heights) {
-        parts.source_heights = make_large_array<float>(static_cast<std::size_t>(shape_.texels()));
+        parts.source_heights = make_texel_array<float>(static_cast<std::size_t>(shape_.texels()));
         for_all_texels([&](std::ptrdiff_t i) { parts.source_heights[i] = heights_.data[i]; });
     }
 }
@@ -192,7 +193,7 @@ void GpuMapRun::keep_filtered_heights()
 void GpuMapRun::keep_graded_heights()
 {
     if (wanted_.heights) {
-        parts.heights = make_large_array<float>(static_cast<std::size_t>(shape_.texels()));
+        parts.heights = make_texel_array<float>(static_cast<std::size_t>(shape_.texels()));
         for_all_texels([&](std::ptrdiff_t i) { parts.heights[i] = heights_.data[i]; });
     }
 }
@@ -218,10 +219,10 @@ void GpuMapRun::keep_normals()
         kept_->make_normal_map(texels);
         kept_normals_ = options_.normal_map;
     } else {
-        parts.normals = make_large_array<float3>(texels);
+        parts.normals = make_texel_array<float3>(texels);
         kept_normals_ = parts.normals.get();
     }
-    parts.light = make_large_array<float3>(texels);
+    parts.light = make_texel_array<float3>(texels);
     for_all_texels([&](std::ptrdiff_t i) { kept_normals_[i] = normals_[i]; });
 }
 
@@ -249,7 +250,7 @@ void GpuMapRun::make_occlusion_map(bool light)
     if (keeps_buffers()) {
         kept_->make_ao_map(texels);
     } else {
-        parts.occlusion = make_large_array<float3>(texels);
+        parts.occlusion = make_texel_array<float3>(texels);
         options_.ao_map = parts.occlusion.get(); // the field keeps the address when the map is released
     }
     open_ = options_.ao_map;
@@ -305,7 +306,7 @@ void GpuMapRun::normals_group()
     }
     OpenBorders const open(borders_, shape_.rows, shape_.cols, options_.gaussian, options_.L_Detail);
     auto const heights = open.extended(heights_.data.get());
-    auto const normals = make_large_array<float3>(open.texels());
+    auto const normals = make_texel_array<float3>(open.texels());
     make(heights.get(), normals.get(), open.rows(), open.columns());
     open.copy_inside(normals.get(), normals_.get());
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "boundary/gpu_library.h"
-#include "boundary/large_array_internal.h"
+#include "boundary/texel_array.h"
 #include "common/vector_types.h"
 #include "foundation/retained_buffer_internal.h"
 #include "foundation/run_report_internal.h"
@@ -86,7 +86,7 @@ private:
     Borders const borders_; ///< Of the heights that normals are made of.
 
     MapDemand wanted_{};
-    LargeArray<float3> normals_;     ///< Without kept ones: normals, then light.
+    TexelArray<float3> normals_;     ///< Without kept ones: normals, then light.
     float3* kept_normals_ = nullptr; ///< Normals that outlive the light, which is in `parts` then.
     float3* open_ = nullptr;         ///< The occlusion map.
     Buffer<float> heights_;

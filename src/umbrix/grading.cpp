@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "umbrix/grading_internal.h"
 
-#include "boundary/large_array_internal.h"
+#include "boundary/texel_array.h"
 #include "filters/recursive_gaussian.h"
 #include "filters/tone_internal.h"
 
@@ -90,7 +90,7 @@ void grade(Pixel* pixels, int rows, int cols, Grading const& grading, Takers tak
     }
     if (grading.smooth != 0.0f) {
         auto const count = static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols);
-        auto const scratch = make_large_array<Pixel>(count);
+        auto const scratch = make_texel_array<Pixel>(count);
         gaussianFilterRGBA(pixels, pixels, scratch.get(), cols, rows, grading.smooth);
     }
 }

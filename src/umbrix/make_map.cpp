@@ -42,7 +42,7 @@ void run_into(Run& run, MapRequest const& request, MapShape shape, MapResult& re
     ByteTarget target;
     if (request.form != MapForm::kFloats) {
         target.channels = request.form == MapForm::kBytes ? 4 : 3;
-        result.bytes = make_large_array<unsigned char>(static_cast<std::size_t>(shape.texels()) *
+        result.bytes = make_texel_array<unsigned char>(static_cast<std::size_t>(shape.texels()) *
                                                        static_cast<std::size_t>(target.channels));
         target.bytes = result.bytes.get();
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "boundary/large_array_internal.h"
+#include "boundary/texel_array.h"
 #include "common/vector_types.h"
 #include "foundation/picture_samples_internal.h"
 
@@ -30,12 +30,12 @@ struct MapDemand {
 
 /// What a run has made, of the sizes of its map; null where it was not asked for or does not come about.
 struct MapParts {
-    LargeArray<float4> map;
-    LargeArray<float3> light;
-    LargeArray<float3> occlusion;
-    LargeArray<float3> normals;
-    LargeArray<float> heights;
-    LargeArray<float> source_heights; ///< What `height_copy` gets.
+    TexelArray<float4> map;
+    TexelArray<float3> light;
+    TexelArray<float3> occlusion;
+    TexelArray<float3> normals;
+    TexelArray<float> heights;
+    TexelArray<float> source_heights; ///< What `height_copy` gets.
 };
 
 } // namespace umbrixlib::detail

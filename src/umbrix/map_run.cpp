@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "umbrix/map_run_internal.h"
 
+#include "boundary/platform.h"
 #include "common/rounding.h"
 #include "normals/filter_parts_internal.h"
 #include "normals/filter_tables_internal.h"
@@ -83,7 +84,7 @@ bool MapRun::run(ByteTarget const& target, MapDemand const& wanted)
 void MapRun::make_buffers()
 {
     auto const texels = static_cast<std::size_t>(shape_.texels());
-    normals_ = make_large_array<float3>(texels);
+    normals_ = make_texel_array<float3>(texels);
     heights_ = retained_heights.take_to_overwrite(texels);
     platform::prefer_large_pages(heights_.data.get(), texels * sizeof(float));
     if (filters_heights()) {
@@ -96,17 +97,17 @@ void MapRun::make_buffers()
         kept_->make_height_copy(texels);
         kept_normals_ = options_.normal_map;
     } else if (wanted_.normals) {
-        parts.normals = make_large_array<float3>(texels);
+        parts.normals = make_texel_array<float3>(texels);
         kept_normals_ = parts.normals.get();
     }
     if (wanted_.heights) {
-        parts.heights = make_large_array<float>(texels);
+        parts.heights = make_texel_array<float>(texels);
     }
     if (wanted_.source_heights) {
-        parts.source_heights = make_large_array<float>(texels);
+        parts.source_heights = make_texel_array<float>(texels);
     }
     if (target_.bytes == nullptr || grades_map(options_)) {
-        parts.map = make_large_array<float4>(texels);
+        parts.map = make_texel_array<float4>(texels);
     }
 }
 
@@ -358,7 +359,7 @@ void MapRun::make_occlusion_map(int thread)
             if (keeps_buffers()) {
                 kept_->make_ao_map(texels);
             } else {
-                parts.occlusion = make_large_array<float3>(texels);
+                parts.occlusion = make_texel_array<float3>(texels);
                 options_.ao_map = parts.occlusion.get(); // the field keeps the address when the map goes
             }
             open_ = options_.ao_map;

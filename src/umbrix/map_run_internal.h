@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "boundary/large_array_internal.h"
+#include "boundary/texel_array.h"
 #include "boundary/texture_kernels.h"
 #include "common/vector_types.h"
 #include "foundation/picture_samples_internal.h"
@@ -162,7 +162,7 @@ private:
     bool stopped_ = false;
     float3* kept_normals_ = nullptr; ///< Normals that outlive the light; null for none.
     float3* open_ = nullptr;         ///< The occlusion map.
-    LargeArray<float3> normals_;     ///< Normals, then light.
+    TexelArray<float3> normals_;     ///< Normals, then light.
     Buffer<float> heights_;
     HeightRange height_range_; ///< Of the layers' heights.
     Buffer<float> scratch_;

@@ -37,7 +37,7 @@ echo "$count sources compiled for Windows"
 googletest=/usr/src/googletest # of Debian's package
 tests=()
 for test in foundation/{arrays,linked_list,retained_buffer,rounding,text,vector_math} \
-    boundary/{folder_walk,large_array,output_name,platform}; do
+    boundary/{folder_walk,output_name,platform,texel_array}; do
     tests+=("$source_tree/tests/${test}_test.cpp")
 done
 program=$work/windows_test.exe

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "boundary/large_array_internal.h"
+#include "boundary/platform.h"
+#include "boundary/texel_array.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -11,7 +12,7 @@
 namespace {
 
 namespace platform = umbrixlib::detail::platform;
-using umbrixlib::detail::make_large_array;
+using umbrixlib::make_texel_array;
 
 constexpr std::size_t kMebibyte = std::size_t{1} << 20;
 
@@ -23,11 +24,11 @@ std::size_t address_space()
     return pages * 4096;
 }
 
-TEST(LargeArray, IsZeroAndHasRoomForAllOfItsElements)
+TEST(TexelArray, IsZeroAndHasRoomForAllOfItsElements)
 {
     for (std::size_t const count :
          {std::size_t{0}, std::size_t{1}, kMebibyte - 1, kMebibyte, kMebibyte + 1, 3 * kMebibyte + 12345}) {
-        auto const array = make_large_array<float>(count);
+        auto const array = make_texel_array<float>(count);
         ASSERT_NE(array, nullptr);
         EXPECT_TRUE(std::all_of(array.get(), array.get() + count, [](float v) { return v == 0.0f; }))
             << count;
@@ -37,30 +38,30 @@ TEST(LargeArray, IsZeroAndHasRoomForAllOfItsElements)
     }
 }
 
-TEST(LargeArray, IsZeroAgainInThePlaceOfAReleasedOne)
+TEST(TexelArray, IsZeroAgainInThePlaceOfAReleasedOne)
 {
     for (int i = 0; i < 5; ++i) {
-        auto const array = make_large_array<unsigned char>(6 * kMebibyte);
+        auto const array = make_texel_array<unsigned char>(6 * kMebibyte);
         EXPECT_TRUE(std::all_of(array.get(), array.get() + 6 * kMebibyte, [](int v) { return v == 0; }));
         std::fill_n(array.get(), 6 * kMebibyte, static_cast<unsigned char>(7));
     }
 }
 
-TEST(LargeArray, TakesNothingOnceItIsReleased)
+TEST(TexelArray, TakesNothingOnceItIsReleased)
 {
     std::size_t const before = address_space();
     for (int i = 0; i < 64; ++i) {
-        ASSERT_NE(make_large_array<unsigned char>(16 * kMebibyte + 1), nullptr);
+        ASSERT_NE(make_texel_array<unsigned char>(16 * kMebibyte + 1), nullptr);
     }
     EXPECT_LT(address_space(), before + 256 * kMebibyte);
 }
 
-TEST(LargeArray, OfMoreThanThereIsRaises)
+TEST(TexelArray, OfMoreThanThereIsRaises)
 {
     // A compiler may leave out an allocation that nobody looks at.
     static void const* volatile looked_at = nullptr;
     for (std::size_t const count : {SIZE_MAX / 8, SIZE_MAX / 16 + 1}) {
-        EXPECT_THROW(looked_at = make_large_array<std::uint64_t>(count).get(), std::bad_alloc) << looked_at;
+        EXPECT_THROW(looked_at = make_texel_array<std::uint64_t>(count).get(), std::bad_alloc) << looked_at;
     }
 }
 
