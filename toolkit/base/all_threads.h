@@ -47,4 +47,27 @@ void on_all_threads(std::size_t count, Body const& body)
     }
 }
 
+/// Calls @p body with each number from 0 to @p count - 1, on as many threads.
+template <typename Body>
+void for_each_number(std::size_t count, Body const& body)
+{
+    on_all_threads(count, [&](auto const& next) {
+        for (std::size_t i = next(); i < count; i = next()) {
+            body(i);
+        }
+    });
+}
+
+/// Calls @p body with the first number of each piece of 0 to @p count - 1, and with the one behind its last.
+/// A few numbers are one piece, for this thread.
+/// @param weight Texels that a number stands for.
+template <typename Body>
+void for_pieces(std::size_t count, Body const& body, std::size_t weight = 1)
+{
+    constexpr std::size_t kTexels = 1U << 16U;
+    std::size_t const piece = std::max<std::size_t>(kTexels / weight, 1);
+    for_each_number((count + piece - 1) / piece,
+                    [&](std::size_t i) { body(i * piece, std::min((i + 1) * piece, count)); });
+}
+
 } // namespace umbrixlib::toolkit

@@ -12,18 +12,6 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-/// Calls @p body with each number below @p rows, on all threads.
-template <typename Body>
-void for_rows(int rows, Body const& body)
-{
-    auto const count = static_cast<std::size_t>(rows);
-    on_all_threads(count, [&](auto const& next) {
-        for (std::size_t y = next(); y < count; y = next()) {
-            body(y);
-        }
-    });
-}
-
 /// What texels in a line add to one of the next level.
 struct Share {
     std::size_t first;
@@ -72,7 +60,7 @@ TextureLevel first_level(Picture const& picture)
     std::size_t const components = picture.kind == PictureKind::kNormals ? 3 : 0;
     double const full = full_scale(picture.type);
     with_samples(picture, [&](auto samples) {
-        for_rows(picture.height, [&](std::size_t y) {
+        for_each_number(static_cast<std::size_t>(picture.height), [&](std::size_t y) {
             auto const from = samples.subspan(y * size, size);
             float* const to = &level.texels[(static_cast<std::size_t>(picture.height) - 1 - y) * size];
             for (std::size_t i = 0; i < size; ++i) {
@@ -94,7 +82,7 @@ TextureLevel smaller_level(TextureLevel const& level)
     TextureLevel smaller{half_of(level.width), half_of(level.height), level.channels, {}};
     smaller.texels.resize(smaller.row_size() * static_cast<std::size_t>(smaller.height));
     auto const channels = static_cast<std::size_t>(level.channels);
-    for_rows(smaller.height, [&](std::size_t y) {
+    for_each_number(static_cast<std::size_t>(smaller.height), [&](std::size_t y) {
         std::vector<float> row(level.row_size());
         blend_rows(level, share_of(static_cast<int>(y), level.height), row);
         float* to = &smaller.texels[y * smaller.row_size()];
@@ -114,7 +102,7 @@ TextureLevel smaller_level(TextureLevel const& level)
 TextureLevel with_unit_vectors(TextureLevel level)
 {
     auto const channels = static_cast<std::size_t>(level.channels);
-    for_rows(level.height, [&](std::size_t y) {
+    for_each_number(static_cast<std::size_t>(level.height), [&](std::size_t y) {
         float* vector = &level.texels[y * level.row_size()];
         for (int x = 0; x < level.width; ++x, vector += channels) {
             auto const squares = static_cast<double>(vector[0]) * static_cast<double>(vector[0]) +

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/base/all_threads.h"
 
+#include <algorithm>
+#include <atomic>
 #include <gtest/gtest.h>
 #include <stdexcept>
+#include <thread>
+#include <vector>
 
 namespace umbrixlib::toolkit {
 namespace {
@@ -51,6 +55,33 @@ TEST_P(AllThreads, HandOnWhatIsThrown)
 }
 
 INSTANTIATE_TEST_SUITE_P(Numbers, AllThreads, testing::Values(1, 2, 3, 8));
+
+TEST(ForPieces, TakesEachNumberOnce)
+{
+    for (std::size_t const count :
+         {std::size_t{0}, std::size_t{1}, std::size_t{65536}, std::size_t{200001}}) {
+        for (std::size_t const weight : {std::size_t{1}, std::size_t{7}, std::size_t{1} << 20U}) {
+            std::size_t const some = weight > 7 ? std::min<std::size_t>(count, 100) : count;
+            std::vector<std::atomic<int>> taken(some);
+            for_pieces(
+                some,
+                [&](std::size_t first, std::size_t end) {
+                    for (std::size_t i = first; i < end; ++i) {
+                        ++taken[i];
+                    }
+                },
+                weight);
+            EXPECT_TRUE(std::ranges::all_of(taken, [](auto const& times) { return times == 1; })) << count;
+        }
+    }
+}
+
+TEST(ForPieces, LeavesAFewNumbersToTheCallingThread)
+{
+    std::thread::id seen;
+    for_pieces(64 * 64, [&](std::size_t, std::size_t) { seen = std::this_thread::get_id(); });
+    EXPECT_EQ(seen, std::this_thread::get_id());
+}
 
 } // namespace
 } // namespace umbrixlib::toolkit

@@ -12,18 +12,6 @@ namespace umbrixlib::toolkit {
 
 namespace {
 
-/// Calls @p body with the number of each row, on all threads.
-template <typename Body>
-void for_rows(Picture const& picture, Body const& body)
-{
-    auto const rows = static_cast<std::size_t>(picture.height);
-    on_all_threads(rows, [&](auto const& next) {
-        for (std::size_t y = next(); y < rows; y = next()) {
-            body(y);
-        }
-    });
-}
-
 /// @p source, of floats, reduced to means of squares of @p factor by @p factor texels.
 Picture reduced(Picture const& source, int factor)
 {
@@ -35,7 +23,7 @@ Picture reduced(Picture const& source, int factor)
     auto const channels = static_cast<std::size_t>(source.channels);
     auto const from = source.samples<float>();
     auto const to = result.samples<float>();
-    for_rows(result, [&](std::size_t y) {
+    for_each_number(static_cast<std::size_t>(result.height), [&](std::size_t y) {
         for (std::size_t i = 0; i < columns * channels; ++i) {
             std::size_t const x = i / channels * step;
             double sum = 0.0;
@@ -63,7 +51,7 @@ Picture light_on(Picture const& map, Light light, Relighting const& look)
     auto const columns = static_cast<std::size_t>(map.width);
     auto const channels = static_cast<std::size_t>(map.channels);
     with_samples(map, [&](auto samples) {
-        for_rows(map, [&](std::size_t y) {
+        for_each_number(static_cast<std::size_t>(map.height), [&](std::size_t y) {
             for (std::size_t i = y * columns; i < (y + 1) * columns; ++i) {
                 auto const* const texel = &samples[i * channels];
                 double const red = to_number(texel[0]);
@@ -86,7 +74,7 @@ Picture colours_in(Picture const& lit, Picture const& albedo)
     auto const from = albedo.samples<float>();
     auto const to = colours.samples<float>();
     auto const columns = static_cast<std::size_t>(lit.width);
-    for_rows(lit, [&](std::size_t y) {
+    for_each_number(static_cast<std::size_t>(lit.height), [&](std::size_t y) {
         for (std::size_t i = y * columns; i < (y + 1) * columns; ++i) {
             for (std::size_t c = 3 * i; c < 3 * i + 3; ++c) {
                 to[c] = from[c] * light[i];
