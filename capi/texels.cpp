@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "capi/texels_internal.h"
+#include "toolkit/base/all_threads.h"
 
 #include <cstdint>
 #include <cstring>
@@ -77,7 +78,7 @@ void copy(Places<std::byte const> const& source, Places<std::byte> const& target
     std::ptrdiff_t const texel = layout.channels * sample;
     bool const packed = source.texel == texel && source.channel == sample && target.texel == texel &&
                         target.channel == sample;
-    for (int y = 0; y < layout.height; ++y) {
+    auto const copy_one = [&](std::ptrdiff_t y) {
         std::byte const* const from = source.first + y * source.row;
         std::byte* const to = target.first + y * target.row;
         if (packed) {
@@ -89,7 +90,15 @@ void copy(Places<std::byte const> const& source, Places<std::byte> const& target
         } else {
             copy_row<float>(from, source, to, target, layout);
         }
-    }
+    };
+    for_pieces(
+        static_cast<std::size_t>(layout.height),
+        [&](std::size_t first, std::size_t end) {
+            for (std::size_t y = first; y < end; ++y) {
+                copy_one(static_cast<std::ptrdiff_t>(y));
+            }
+        },
+        static_cast<std::size_t>(layout.width));
 }
 
 } // namespace

@@ -122,7 +122,8 @@ TEST(CRuns, WorkInAProcessThatWasForkedAfterOthers)
     std::vector<float> const heights = hills(kSide, kSide);
     Calls calls;
     std::vector<float> const expected = map_of(calls, heights, kSide);
-    // A thread that is ending may hold a lock of the address sanitizer, which would be held in the child for ever.
+    // A thread that is ending may hold a lock of the address sanitizer, which would be held in the child for
+    // ever.
     omp_pause_resource_all(omp_pause_hard); // ends the team of this thread
     umbrixlib::test::wait_for_teams_to_go(1);
     pid_t const child = fork();

@@ -19,7 +19,7 @@ constexpr double kMostTexels = 1 << 22;
 constexpr int kRuns = 10;
 
 struct Reading {
-    std::vector<std::uint8_t> bytes{};
+    TexelBytes bytes{};
     int width = 0;
     std::string sentence{};
 

@@ -58,7 +58,7 @@ Picture read_reference(fs::path const& file)
     if (bytes.size() != picture.bytes.size()) {
         throw std::runtime_error(name + " has another length than its name says");
     }
-    picture.bytes.assign(bytes.begin(), bytes.end());
+    std::ranges::copy(bytes, picture.bytes.begin());
     return upside_down(picture);
 }
 

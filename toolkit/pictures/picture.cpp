@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/picture.h"
 
+#include "toolkit/base/all_threads.h"
+
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -34,8 +37,8 @@ constexpr float one_of(float)
 
 Picture make_picture(int width, int height, int channels, SampleType type)
 {
-    Picture picture{width, height, channels, {}, type, PictureKind::kUnknown, {}};
-    picture.bytes.resize(picture.texels() * static_cast<std::size_t>(channels) * sample_size(type));
+    Picture picture{width, height, channels, {}, type};
+    picture.bytes = TexelBytes(picture.texels() * static_cast<std::size_t>(channels) * sample_size(type));
     return picture;
 }
 
@@ -80,15 +83,17 @@ Picture in_colour(Picture const& source, bool with_alpha)
     with_samples(source, [&]<typename Sample>(std::span<Sample const> from) {
         auto const step = static_cast<std::size_t>(source.channels);
         std::size_t const next_colour = step < 3 ? 0 : 1;
-        Sample* to = result.samples<Sample>().data();
-        for (std::size_t i = 0; i < from.size(); i += step) {
-            for (std::size_t c = 0; c < 3; ++c) {
-                *to++ = from[i + c * next_colour];
+        for_pieces(source.texels(), [&](std::size_t first, std::size_t end) {
+            Sample* to = &result.samples<Sample>()[first * static_cast<std::size_t>(channels)];
+            for (std::size_t i = first * step; i < end * step; i += step) {
+                for (std::size_t c = 0; c < 3; ++c) {
+                    *to++ = from[i + c * next_colour];
+                }
+                if (with_alpha) {
+                    *to++ = source.has_alpha() ? from[i + step - 1] : one_of(Sample{});
+                }
             }
-            if (with_alpha) {
-                *to++ = source.has_alpha() ? from[i + step - 1] : one_of(Sample{});
-            }
-        }
+        });
     });
     return result;
 }
@@ -97,9 +102,12 @@ Picture in_floats(Picture const& source)
 {
     Picture result = make_alike(source, source.channels, SampleType::kFloat);
     double const full = full_scale(source.type);
+    float* const to = result.samples<float>().data();
     with_samples(source, [&](auto samples) {
-        std::transform(samples.begin(), samples.end(), result.samples<float>().begin(),
-                       [full](auto sample) { return static_cast<float>(to_number(sample) / full); });
+        for_pieces(samples.size(), [&](std::size_t first, std::size_t end) {
+            std::transform(&samples[first], &samples[first] + (end - first), to + first,
+                           [full](auto sample) { return static_cast<float>(to_number(sample) / full); });
+        });
     });
     return result;
 }
@@ -109,15 +117,23 @@ bool has_vectors(Picture const& picture)
     if (picture.type != SampleType::kHalf && picture.type != SampleType::kFloat) {
         return false;
     }
-    return with_samples(picture, [&](auto samples) {
-        auto const channels = static_cast<std::size_t>(picture.channels);
-        for (std::size_t i = 0; i < samples.size(); ++i) {
-            if (i % channels < 3 && to_number(samples[i]) < 0.0) {
-                return true;
+    auto const channels = static_cast<std::size_t>(picture.channels);
+    auto const colours = std::min<std::size_t>(channels, 3);
+    std::atomic<bool> found = false;
+    with_samples(picture, [&](auto samples) {
+        for_pieces(picture.texels(), [&](std::size_t first, std::size_t end) {
+            bool below = found;
+            for (std::size_t i = first; i < end && !below; ++i) {
+                auto const* const texel = &samples[i * channels];
+                below =
+                    std::any_of(texel, texel + colours, [](auto sample) { return to_number(sample) < 0.0; });
             }
-        }
-        return false;
+            if (below) {
+                found = true;
+            }
+        });
     });
+    return found;
 }
 
 Picture encoded_vectors(Picture const& vectors)

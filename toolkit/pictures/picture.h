@@ -3,12 +3,12 @@
 
 #include "foundation/picture_view.h"
 #include "toolkit/pictures/formats/attributes.h"
+#include "toolkit/pictures/texel_numbers.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 namespace umbrixlib::toolkit {
 
@@ -42,8 +42,8 @@ constexpr bool is_whole(SampleType type)
 struct Picture {
     int width = 0;
     int height = 0;
-    int channels = 0;                ///< 1: grey; 2: and alpha; 3: red, green, blue; 4: and alpha.
-    std::vector<std::uint8_t> bytes; ///< Of the samples, in the machine's order.
+    int channels = 0; ///< 1: grey; 2: and alpha; 3: red, green, blue; 4: and alpha.
+    TexelBytes bytes; ///< Of the samples, in the machine's order.
     SampleType type = SampleType::kUint8;
     PictureKind kind = PictureKind::kUnknown;
     Attributes attributes{}; ///< What it tells of how it was made; results of other pictures have their own.

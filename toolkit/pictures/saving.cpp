@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/saving.h"
 
+#include "toolkit/base/all_threads.h"
 #include "toolkit/base/failure.h"
 #include "toolkit/pictures/output_format.h"
 
@@ -66,14 +67,16 @@ void to_whole(Picture const& floats, SavedAs const& as, Picture& result)
     auto const channels = static_cast<std::size_t>(floats.channels);
     auto const from = floats.samples<float>();
     auto const to = result.samples<Whole>();
-    for (std::size_t i = 0; i < from.size(); ++i) {
-        bool const is_direction = normals && !(alpha && i % channels == channels - 1);
-        double const value = static_cast<double>(from[i]);
-        double const share = is_direction ? (value + 1.0) / 2.0 : value;
-        // Rounded to a float, the product of k / 255 is k again, and cutting it off keeps it.
-        double const steps = static_cast<double>(static_cast<float>(std::min(share, 1.0) * full));
-        to[i] = share > 0.0 ? static_cast<Whole>(std::min(steps + rounding_at(i, as), full)) : Whole{0};
-    }
+    for_pieces(from.size(), [&](std::size_t first, std::size_t end) {
+        for (std::size_t i = first; i < end; ++i) {
+            bool const is_direction = normals && !(alpha && i % channels == channels - 1);
+            double const value = static_cast<double>(from[i]);
+            double const share = is_direction ? (value + 1.0) / 2.0 : value;
+            // Rounded to a float, the product of k / 255 is k again, and cutting it off keeps it.
+            double const steps = static_cast<double>(static_cast<float>(std::min(share, 1.0) * full));
+            to[i] = share > 0.0 ? static_cast<Whole>(std::min(steps + rounding_at(i, as), full)) : Whole{0};
+        }
+    });
 }
 
 } // namespace
@@ -99,7 +102,7 @@ SavedAs saved_as_deep(SampleType source, Saving saving, OutputFormat const& form
     return saved_as(saving, format, kind, name);
 }
 
-Picture in_samples(Picture const& floats, SavedAs const& as)
+Picture in_samples(Picture floats, SavedAs const& as)
 {
     if (as.depth == SampleType::kFloat) {
         return floats;

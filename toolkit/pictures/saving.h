@@ -52,7 +52,7 @@ SavedAs saved_as_deep(SampleType source, Saving saving, OutputFormat const& form
 
 /// @p floats, the picture of a known kind, in the samples that are saved. Whole numbers stand for 0 to 1, of
 /// normals for -1 to 1; what lies outside is cut, and NaN is 0. Other floats are as they are.
-Picture in_samples(Picture const& floats, SavedAs const& as);
+Picture in_samples(Picture floats, SavedAs const& as);
 
 /// The depth in which @p format holds samples of @p type as they are, or else with the least loss.
 SampleType nearest_depth(OutputFormat const& format, SampleType type);

@@ -71,7 +71,7 @@ Picture occlusion_picture(SkyMap const& sky, ReliefInput const& relief, BentJob 
     Picture floats = make_picture(relief.width, relief.height, 1, SampleType::kFloat);
     floats.kind = PictureKind::kLight;
     std::ranges::copy(sky.open, floats.samples<float>().begin());
-    Picture picture = in_samples(floats, as);
+    Picture picture = in_samples(std::move(floats), as);
     picture.attributes = attributes_of_sky("bent", "occlusion", job.settings);
     return picture;
 }

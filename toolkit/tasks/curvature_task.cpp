@@ -138,7 +138,7 @@ Picture picture_of_curvatures(std::vector<float> const& curvatures, CurvatureRep
         double const value = shown(static_cast<double>(curvature) * radius, settings.curvature_part);
         return static_cast<float>(around_grey ? (value + 1.0) / 2.0 : value);
     });
-    Picture picture = in_samples(floats, as);
+    Picture picture = in_samples(std::move(floats), as);
     picture.attributes = attributes_of_curvature("curvature", settings, report.radius, as);
     return picture;
 }

@@ -185,7 +185,7 @@ Picture picture_of(std::vector<float> const& heights, HeightReport const& report
     Picture floats = make_picture(report.width, report.height, 1, SampleType::kFloat);
     floats.kind = PictureKind::kHeights;
     std::ranges::copy(heights, floats.samples<float>().begin());
-    Picture picture = in_samples(floats, as);
+    Picture picture = in_samples(std::move(floats), as);
     picture.attributes = attributes_of_heights("height");
     if (report.range) {
         tell_range(picture.attributes, *report.range);

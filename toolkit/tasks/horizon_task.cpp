@@ -56,7 +56,7 @@ Picture horizons(HorizonJob const& job, ReliefInput const& relief, HorizonOutput
     Picture floats = make_picture(relief.width, relief.height, kChannels, SampleType::kFloat);
     floats.kind = PictureKind::kLight;
     std::ranges::copy(*sines, floats.samples<float>().begin());
-    Picture picture = in_samples(floats, to.as);
+    Picture picture = in_samples(std::move(floats), to.as);
     picture.attributes = attributes_of_sky("horizon", "horizons", job.settings);
     set_value(picture.attributes, "directions", to.first == 0 ? "0,45,90,135" : "180,225,270,315");
     return picture;

@@ -74,7 +74,7 @@ public:
         if (is_whole(as.depth)) {
             note_what_is_cut();
         }
-        return in_samples(floats_, as);
+        return in_samples(std::move(floats_), as);
     }
 
 private:

@@ -2,6 +2,7 @@
 #include "toolkit/tasks/prepared_input.h"
 
 #include "toolkit/base/failure.h"
+#include "toolkit/base/stop.h"
 #include "toolkit/pictures/address_space.h"
 #include "toolkit/pictures/heights/take_heights.h"
 #include "toolkit/pictures/naming.h"
@@ -29,6 +30,14 @@ void note_conversion(DecodedImage const& image, Source const& source, Observer& 
     }
 }
 
+/// Bringing a large picture in takes long enough to be stopped.
+void end_if_stopping(Observer const& observer)
+{
+    if (observer.stopping()) {
+        throw Stopped();
+    }
+}
+
 } // namespace
 
 void check_same_size(std::string const& name, PictureSize size, std::string const& what, PictureSize other)
@@ -43,6 +52,7 @@ void check_same_size(std::string const& name, PictureSize size, std::string cons
 std::optional<HeightRange> take_for_heights(PreparedInput& input, HeightReading const& reading,
                                             std::string const& name, Observer& observer)
 {
+    end_if_stopping(observer);
     return take_heights(input.picture, reading, name, observer);
 }
 
@@ -54,6 +64,7 @@ std::optional<HeightRange> take_for_normals(PreparedInput& input, HeightReading 
                       {"the heights of a normal map are those in its alpha, whatever channel is asked for"});
     }
     SampleType const type = input.picture.type;
+    end_if_stopping(observer);
     bool const is_float = type == SampleType::kHalf || type == SampleType::kFloat;
     std::string const coding = value_of(input.picture.attributes, kCoding);
     bool const told = coding == "-1..1" || coding == "0..1";
@@ -133,6 +144,7 @@ PreparedInput prepare_image(DecodedImage image, Source const& source, Observer& 
                         image.picture().type, KindGuess{Kind{}, ""}, Picture{}};
     input.picture =
         image.picture().channels < 3 ? image.to_picture(input.has_alpha) : image.release_picture();
+    end_if_stopping(observer);
     input.guess = guess_kind(input.picture, source.file);
     return input;
 }

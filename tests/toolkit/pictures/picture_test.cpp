@@ -2,9 +2,11 @@
 /// Pictures in memory, and how one sample type becomes another.
 #include "toolkit/pictures/picture.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <utility>
 
 namespace umbrixlib::toolkit {
 namespace {
@@ -98,6 +100,31 @@ TEST(PictureUpsideDown, TurnsRows)
     Picture picture = make_picture(2, 3, 1);
     picture.bytes = {1, 2, 3, 4, 5, 6};
     EXPECT_EQ(upside_down(picture).bytes, (std::vector<std::uint8_t>{5, 6, 3, 4, 1, 2}));
+}
+
+TEST(PictureHasVectors, WhenOneColourIsBelowZero)
+{
+    Picture picture = make_picture(300, 700, 4, SampleType::kFloat);
+    auto const samples = picture.samples<float>();
+    EXPECT_FALSE(has_vectors(picture));
+    samples.back() = -1.0f; // an alpha
+    EXPECT_FALSE(has_vectors(picture));
+    samples[samples.size() - 2] = -1.0f;
+    EXPECT_TRUE(has_vectors(picture));
+}
+
+TEST(TexelNumbers, AreZeroAndCopied)
+{
+    for (std::size_t const size : {std::size_t{0}, std::size_t{5}, std::size_t{5} << 20U}) {
+        TexelBytes bytes(size);
+        EXPECT_TRUE(std::ranges::all_of(bytes, [](int byte) { return byte == 0; })) << size;
+        std::ranges::fill(bytes, std::uint8_t{7});
+        TexelBytes const copy = bytes;
+        EXPECT_TRUE(copy == bytes);
+        TexelBytes const moved = std::move(bytes);
+        EXPECT_TRUE(moved == copy);
+        EXPECT_TRUE(bytes.empty()); // NOLINT(bugprone-use-after-move): as it is told
+    }
 }
 
 } // namespace

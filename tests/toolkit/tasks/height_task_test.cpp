@@ -152,8 +152,8 @@ TEST_F(HeightTask, MakesHeightsWhoseNormalsAreTheSame)
         make_normals("hills.png", "normals.png", {.depth = SampleType::kUint16}, kDefaults, green);
         EXPECT_EQ(make_heights("normals.png", "made.png").green, green); // the file tells it
         make_normals("made.png", "again.png", {.depth = SampleType::kUint16}, kDefaults, green);
-        std::vector<std::uint8_t> const first = picture("normals.png").bytes;
-        std::vector<std::uint8_t> const second = picture("again.png").bytes;
+        TexelBytes const first = picture("normals.png").bytes;
+        TexelBytes const second = picture("again.png").bytes;
         ASSERT_EQ(first.size(), second.size());
         int most = 0;
         for (std::size_t i = 0; i + 1 < first.size(); i += 2) {

@@ -44,7 +44,7 @@ protected:
     }
 
     /// The bytes of the map that @p change makes of the normal map @p input.
-    Bytes map_of(
+    TexelBytes map_of(
         std::string const& input, std::function<void(MapJob&)> const& change = [](MapJob&) {})
     {
         MapJob job;
@@ -74,8 +74,8 @@ TEST_F(NormalMaps, WithGreenDownGiveTheMapOfThoseWithGreenUp)
         std::string const ending = deep ? ".exr" : ".png";
         put("up" + ending, up, depth);
         put("down" + ending, down, depth);
-        Bytes const wanted = map_of("up" + ending);
-        Bytes const made = map_of("down" + ending, [](MapJob& job) { job.normal_y = NormalY::kDown; });
+        TexelBytes const wanted = map_of("up" + ending);
+        TexelBytes const made = map_of("down" + ending, [](MapJob& job) { job.normal_y = NormalY::kDown; });
         int largest = 0;
         for (std::size_t i = 0; i < wanted.size(); ++i) {
             largest = std::max(largest, std::abs(int{wanted[i]} - int{made[i]}));
@@ -125,7 +125,7 @@ TEST_F(NormalMaps, WithHolesAreRefusedOrFlatThere)
         EXPECT_STREQ(failure.what(), "2 of its texels are NaN or infinite");
     }
     auto const replaced = [](MapJob& job) { job.settings.replace_invalid.replacement = 0.0; };
-    Bytes const made = map_of("holes.exr", replaced);
+    TexelBytes const made = map_of("holes.exr", replaced);
     EXPECT_EQ(notes_.texts,
               (std::vector<std::string>{"what is NaN or infinite in its normals is taken for flat ground"}));
     EXPECT_EQ(made, map_of("flat.exr"));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/pictures/heights/take_heights.h"
 
+#include "toolkit/base/all_threads.h"
 #include "toolkit/base/failure.h"
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <cmath>
 #include <fmt/format.h>
 #include <limits>
+#include <mutex>
 #include <vector>
 
 namespace umbrixlib::toolkit {
@@ -53,9 +55,9 @@ double height_of(std::array<double, 3> const& colours, HeightChannel channel)
 }
 
 /// As the library has them: samples as floats, and their mean, too.
-std::vector<float> heights_of(Picture const& picture, HeightChannel channel)
+TexelNumbers<float> heights_of(Picture const& picture, HeightChannel channel)
 {
-    std::vector<float> heights(picture.texels());
+    TexelNumbers<float> heights(picture.texels());
     double const full = full_scale(picture.type);
     with_samples(picture, [&](auto samples) {
         auto const step = static_cast<std::size_t>(picture.channels);
@@ -64,32 +66,47 @@ std::vector<float> heights_of(Picture const& picture, HeightChannel channel)
         };
         bool const one = is_one_channel(channel) || picture.channels < 3;
         std::size_t const place = place_of(picture, channel);
-        for (std::size_t i = 0; i < heights.size(); ++i) {
-            std::size_t const at = i * step;
-            double const height =
-                one ? number(at + place) : height_of({number(at), number(at + 1), number(at + 2)}, channel);
-            heights[i] = static_cast<float>(height);
-        }
+        for_pieces(heights.size(), [&](std::size_t first, std::size_t end) {
+            for (std::size_t i = first; i < end; ++i) {
+                std::size_t const at = i * step;
+                double const height = one ? number(at + place)
+                                          : height_of({number(at), number(at + 1), number(at + 2)}, channel);
+                heights[i] = static_cast<float>(height);
+            }
+        });
     });
     return heights;
 }
 
-NumberSpan span_of(std::vector<float> const& numbers)
+NumberSpan span_of(TexelNumbers<float> const& numbers)
 {
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    NumberSpan span{kInfinity, -kInfinity, 0};
-    for (float const number : numbers) {
-        if (std::isfinite(number)) {
-            span.low = std::min(span.low, static_cast<double>(number));
-            span.high = std::max(span.high, static_cast<double>(number));
-        } else {
-            ++span.invalid;
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    std::mutex mutex;
+    float low = kInfinity;
+    float high = -kInfinity;
+    std::size_t invalid = 0;
+    for_pieces(numbers.size(), [&](std::size_t first, std::size_t end) {
+        float least = kInfinity;
+        float most = -kInfinity;
+        std::size_t others = 0;
+        for (std::size_t i = first; i < end; ++i) {
+            bool const finite = std::abs(numbers[i]) < kInfinity;
+            least = std::min(least, finite ? numbers[i] : kInfinity);
+            most = std::max(most, finite ? numbers[i] : -kInfinity);
+            others += finite ? 0 : 1;
         }
-    }
-    return span.invalid < numbers.size() ? span : NumberSpan{0.0, 0.0, span.invalid};
+        std::lock_guard const lock(mutex);
+        low = std::min(low, least);
+        high = std::max(high, most);
+        invalid += others;
+    });
+    low += 0.0f; // -0 is 0, whichever of the two was met first
+    high += 0.0f;
+    return invalid < numbers.size() ? NumberSpan{static_cast<double>(low), static_cast<double>(high), invalid}
+                                    : NumberSpan{0.0, 0.0, invalid};
 }
 
-void replace_invalid(std::vector<float>& heights, double replacement, NumberSpan& span)
+void replace_invalid(TexelNumbers<float>& heights, double replacement, NumberSpan& span)
 {
     for (float& height : heights) {
         height = std::isfinite(height) ? height : static_cast<float>(replacement);
@@ -126,7 +143,7 @@ HeightRange limits_of(NumberSpan const& span, HeightRange const& range, bool bou
 }
 
 /// @return How many lie outside and are cut.
-std::size_t stretch(std::vector<float>& heights, HeightRange const& limits)
+std::size_t stretch(TexelNumbers<float>& heights, HeightRange const& limits)
 {
     double const length = limits.high - limits.low;
     std::size_t cut = 0;
@@ -138,7 +155,7 @@ std::size_t stretch(std::vector<float>& heights, HeightRange const& limits)
     return cut;
 }
 
-void turn_over(std::vector<float>& heights)
+void turn_over(TexelNumbers<float>& heights)
 {
     for (float& height : heights) {
         height = 1.0f - height;
@@ -146,7 +163,7 @@ void turn_over(std::vector<float>& heights)
 }
 
 /// Does with @p heights what @p reading asks for. False if they stay as they are.
-bool bring_in(std::vector<float>& heights, HeightReading const& reading, bool bounded,
+bool bring_in(TexelNumbers<float>& heights, HeightReading const& reading, bool bounded,
               std::string const& name, HeightRange& limits, Observer& observer)
 {
     NumberSpan span = span_of(heights);
@@ -171,7 +188,7 @@ bool bring_in(std::vector<float>& heights, HeightReading const& reading, bool bo
 }
 
 /// Puts @p heights into @p count channels of each texel, from @p first on. The picture has floats then.
-void put(std::vector<float> const& heights, Picture& picture, std::size_t first, std::size_t count)
+void put(TexelNumbers<float> const& heights, Picture& picture, std::size_t first, std::size_t count)
 {
     picture = in_floats(picture);
     auto const samples = picture.samples<float>();
@@ -213,11 +230,11 @@ void with_whole_samples(Picture& picture, Body&& body)
 }
 
 /// The colours of all texels, each by itself.
-std::vector<float> colours_of(Picture const& picture)
+TexelNumbers<float> colours_of(Picture const& picture)
 {
     std::size_t const step = static_cast<std::size_t>(picture.channels);
     std::size_t const colours = step < 3 ? 1 : 3;
-    std::vector<float> numbers(picture.texels() * colours);
+    TexelNumbers<float> numbers(picture.texels() * colours);
     Picture const floats = in_floats(picture);
     for (std::size_t i = 0; i < picture.texels(); ++i) {
         std::copy_n(&floats.samples<float>()[i * step], colours, &numbers[i * colours]);
@@ -290,7 +307,7 @@ std::optional<HeightRange> take_heights(Picture& height_map, HeightReading const
         });
         return std::nullopt;
     }
-    std::vector<float> heights = heights_of(height_map, reading.channel);
+    TexelNumbers<float> heights = heights_of(height_map, reading.channel);
     HeightRange limits;
     if (bring_in(heights, reading, true, name, limits, observer) || reading.channel != HeightChannel::kMean) {
         put(heights, height_map, 0, colours);
@@ -314,7 +331,7 @@ std::optional<HeightRange> take_heights_in_alpha(Picture& normal_map, HeightRead
         }
         return std::nullopt;
     }
-    std::vector<float> heights = heights_of(normal_map, HeightChannel::kAlpha);
+    TexelNumbers<float> heights = heights_of(normal_map, HeightChannel::kAlpha);
     HeightRange limits;
     if (bring_in(heights, in_alpha, true, name, limits, observer)) {
         put(heights, normal_map, place, 1);
@@ -330,7 +347,7 @@ std::optional<HeightRange> take_colours(Picture& picture, HeightReading const& r
     if (stays_whole(picture, each)) {
         return take_heights(picture, each, name, observer);
     }
-    std::vector<float> numbers = colours_of(picture);
+    TexelNumbers<float> numbers = colours_of(picture);
     HeightRange limits;
     if (bring_in(numbers, each, bounded, name, limits, observer)) {
         picture = in_floats(picture);

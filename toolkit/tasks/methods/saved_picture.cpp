@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/tasks/methods/saved_picture.h"
 
+#include "toolkit/base/all_threads.h"
 #include "toolkit/tasks/methods/self_description.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace umbrixlib::toolkit {
@@ -59,12 +61,14 @@ Picture saved_normals(float3 const* normals, int width, int height, SavedAs cons
         return result;
     }
     float const up = green == NormalY::kDown ? -1.0f : 1.0f;
-    float* to = result.samples<float>().data();
-    for (std::size_t i = 0; i < result.texels(); ++i) {
-        float const values[] = {normals[i].x, up * normals[i].y, normals[i].z};
-        to = std::copy_n(values, 3, to);
-    }
-    return in_samples(result, as);
+    float* const to = result.samples<float>().data();
+    for_pieces(result.texels(), [&](std::size_t first, std::size_t end) {
+        for (std::size_t i = first; i < end; ++i) {
+            float const values[] = {normals[i].x, up * normals[i].y, normals[i].z};
+            std::copy_n(values, 3, to + 3 * i);
+        }
+    });
+    return in_samples(std::move(result), as);
 }
 
 Picture saved_heights(float const* heights, int width, int height, SavedAs const& as)
@@ -80,19 +84,21 @@ Picture saved_heights(float const* heights, int width, int height, SavedAs const
     float* const stretched = greys.samples<float>().data();
     std::copy_n(heights, texels, stretched);
     stretch_heights(stretched, texels);
-    return in_samples(greys, as);
+    return in_samples(std::move(greys), as);
 }
 
 Picture saved_map(float4 const* map, int width, int height, int channels, SavedAs const& as)
 {
     Picture result = make_picture(width, height, channels, SampleType::kFloat);
     result.kind = PictureKind::kLight;
-    float* to = result.samples<float>().data();
-    for (std::size_t i = 0; i < result.texels(); ++i) {
-        float const values[] = {map[i].x, map[i].y, map[i].z, map[i].w};
-        to = std::copy_n(values, channels, to);
-    }
-    return in_samples(result, as);
+    float* const to = result.samples<float>().data();
+    for_pieces(result.texels(), [&](std::size_t first, std::size_t end) {
+        for (std::size_t i = first; i < end; ++i) {
+            float const values[] = {map[i].x, map[i].y, map[i].z, map[i].w};
+            std::copy_n(values, channels, to + i * static_cast<std::size_t>(channels));
+        }
+    });
+    return in_samples(std::move(result), as);
 }
 
 Picture saved_result(Picture const& floats, SavedAs const& as)

@@ -43,7 +43,7 @@ Picture with_heights_in_alpha(Picture const& map, float const* heights, bool inv
     Picture greys = make_picture(map.width, map.height, 1, SampleType::kFloat);
     std::transform(heights, heights + map.texels(), greys.samples<float>().begin(),
                    [inverted](float height) { return inverted ? 1.0f - height : height; });
-    greys = in_samples(greys, {map.type, Rounding::kNearest});
+    greys = in_samples(std::move(greys), {map.type, Rounding::kNearest});
     std::size_t const size = sample_size(map.type);
     for (std::size_t i = 0; i < map.texels(); ++i) {
         std::copy_n(&greys.bytes[i * size], size, &result.bytes[(4 * i + 3) * size]);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// BMP files of each kind.
-#include "file_builder.h"
+#include "files/file_builder.h"
 
 namespace umbrixlib::test {
 namespace {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// DDS files, compressed and not.
-#include "file_builder.h"
+#include "files/file_builder.h"
 
 #include <map>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 /// OpenEXR files of each kind, compared with the numbers that they were made from.
-#include "exr_files.h"
-#include "reading.h"
+#include "files/exr_files.h"
+#include "files/reading.h"
 
 namespace umbrixlib::test {
 namespace {

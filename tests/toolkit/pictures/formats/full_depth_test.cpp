@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// Pictures of each sample type and number of channels, written and read back.
-#include "reading.h"
+#include "files/reading.h"
 #include "toolkit/pictures/encoder.h"
 
 #include <tiffio.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// GIF files of each kind, compared with the numbers of colours that they were made from.
-#include "reading.h"
+#include "files/reading.h"
 
 #include <gif_lib.h>
 

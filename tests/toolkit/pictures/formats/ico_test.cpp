@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// Icons and pointers.
-#include "file_builder.h"
+#include "files/file_builder.h"
 
 namespace umbrixlib::test {
 namespace {

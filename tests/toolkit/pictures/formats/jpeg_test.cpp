@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// JPEG files of each kind, near to the colours that they were made from.
-#include "reading.h"
+#include "files/reading.h"
 #include "toolkit/pictures/formats/jpeg/jpeg_segments.h"
 
 #include <cstdio>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// PFM files.
-#include "file_builder.h"
+#include "files/file_builder.h"
 
 namespace umbrixlib::test {
 namespace {

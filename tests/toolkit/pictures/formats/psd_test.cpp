@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// Photoshop's files.
-#include "file_builder.h"
+#include "files/file_builder.h"
 
 #include <cmath>
 

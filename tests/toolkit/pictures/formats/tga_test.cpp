@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// TGA files of each kind.
-#include "file_builder.h"
+#include "files/file_builder.h"
 #include "toolkit/pictures/encoder.h"
 
 namespace umbrixlib::test {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 /// TIFF files of each kind, compared with the numbers that they were made from.
-#include "reading.h"
-#include "tiff_files.h"
+#include "files/reading.h"
+#include "files/tiff_files.h"
 
 #include <bit>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// WebP files of each kind, compared with the colours that they were made from.
-#include "reading.h"
+#include "files/reading.h"
 
 #include <webp/encode.h>
 

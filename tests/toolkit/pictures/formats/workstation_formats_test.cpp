@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// Pictures of Alias and Softimage.
-#include "file_builder.h"
+#include "files/file_builder.h"
 
 namespace umbrixlib::test {
 namespace {

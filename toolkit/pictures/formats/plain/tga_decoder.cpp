@@ -90,14 +90,14 @@ Colour colour_at(std::uint8_t const* stored, std::size_t size)
 }
 
 /// What the file has for each texel, without run lengths.
-std::vector<std::uint8_t> stored_texels(SourceFile& source, Header const& header)
+TexelBytes stored_texels(SourceFile& source, Header const& header)
 {
     std::size_t const size = header.texel_size();
     std::size_t const packed = header.has_runs()
                                    ? (header.texels() + kLongestRun - 1) / kLongestRun * (1 + size)
                                    : header.texels() * size;
     source.check_length(static_cast<double>(kHeaderSize + header.map_size() + packed));
-    std::vector<std::uint8_t> stored(header.texels() * size);
+    TexelBytes stored(header.texels() * size);
     if (!header.has_runs()) {
         source.read(stored);
         return stored;
@@ -125,8 +125,7 @@ std::vector<std::uint8_t> stored_texels(SourceFile& source, Header const& header
 }
 
 /// In the order of the file's rows and columns.
-Picture to_colours(Header const& header, std::vector<std::uint8_t> const& stored,
-                   std::vector<Colour> const& map)
+Picture to_colours(Header const& header, TexelBytes const& stored, std::vector<Colour> const& map)
 {
     Picture picture = make_picture(header.width, header.height, 3);
     std::size_t const size = header.texel_size();
@@ -160,7 +159,7 @@ std::vector<Colour> read_map(SourceFile& source, Header const& header)
 }
 
 /// The texels of the file are the picture's, but for the order of the colours.
-Picture as_it_is(Header const& header, std::vector<std::uint8_t>&& stored)
+Picture as_it_is(Header const& header, TexelBytes&& stored)
 {
     auto const channels = static_cast<int>(header.texel_size());
     Picture picture{header.width, header.height, channels, std::move(stored)};
@@ -214,7 +213,7 @@ public:
         source.check_size(header.width, header.height);
         source.skip(static_cast<std::size_t>(header.comment));
         std::vector<Colour> const map = read_map(source, header);
-        std::vector<std::uint8_t> stored = stored_texels(source, header);
+        TexelBytes stored = stored_texels(source, header);
         bool const in_colours =
             header.kind() != kGrey && (header.kind() == kPalette || header.texel_size() == 2);
         Picture picture = in_colours ? to_colours(header, stored, map) : as_it_is(header, std::move(stored));

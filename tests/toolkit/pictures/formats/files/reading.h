@@ -75,15 +75,15 @@ protected:
     TemporaryFolder folder_;
 
 private:
-    std::pair<std::string, Bytes> end_of(Bytes const& file) const
+    std::pair<std::string, toolkit::TexelBytes> end_of(Bytes const& file) const
     {
         write_file(folder_ / name_, file);
         try {
             toolkit::SourceFile source(folder_ / name_, "input", 1 << 16);
             return decoder_.takes(source) ? std::pair{std::string(), decoder_.decode(source).picture.bytes}
-                                          : std::pair{std::string("not taken"), Bytes()};
+                                          : std::pair{std::string("not taken"), toolkit::TexelBytes()};
         } catch (Failure const& failure) {
-            return {failure.what(), Bytes()};
+            return {failure.what(), {}};
         }
     }
 

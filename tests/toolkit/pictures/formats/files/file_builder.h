@@ -66,11 +66,11 @@ private:
 };
 
 /// What a decoder makes of a file; empty if it refuses it.
-inline Bytes outcome(toolkit::Decoder const& decoder, std::filesystem::path const& file)
+inline toolkit::TexelBytes outcome(toolkit::Decoder const& decoder, std::filesystem::path const& file)
 {
     try {
         toolkit::SourceFile source(file, "input", kMostTexels);
-        return decoder.takes(source) ? decoder.decode(source).picture.bytes : Bytes{};
+        return decoder.takes(source) ? decoder.decode(source).picture.bytes : toolkit::TexelBytes{};
     } catch (Failure const&) {
         return {};
     }
@@ -82,7 +82,7 @@ inline void expect_no_harm(toolkit::Decoder const& decoder, Bytes const& file,
 {
     auto const look = [&](Bytes const& bytes) {
         write_file(path, bytes);
-        Bytes const first = outcome(decoder, path);
+        toolkit::TexelBytes const first = outcome(decoder, path);
         EXPECT_EQ(outcome(decoder, path), first);
     };
     std::size_t const step = file.size() / 60 + 1;
