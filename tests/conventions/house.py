@@ -82,6 +82,13 @@ PARTS = [
             ("apps/umbrix/commands/command_line.cpp", "apps/umbrix/commands/tell/*"),
         ],
     ),
+    # What a user changes, the work on it, and the window around both. Qt is known above the work.
+    Part(
+        "apps/desktop",
+        [["document"], ["work"], ["views"], ["panels"]],
+        ["toolkit/*", PUBLIC],
+        ["apps/desktop", "src"],
+    ),
     Part("examples", [], [PUBLIC, "toolkit/*"], ["src"]),
 ]
 
