@@ -13,6 +13,7 @@ namespace umbrix_desktop {
 /// A state, how it came about, and who is told when it changes. For one thread.
 class Document {
 public:
+    /// Neither changes the document nor adds a listener.
     using Listener = std::function<void(State const& before, State const& after)>;
 
     State const& state() const { return history_.now().state; }
@@ -21,10 +22,12 @@ public:
     /// the state as it is. Steps of one name within a gesture() are one step.
     void edit(std::string const& name, std::function<void(State&)> const& change);
 
-    /// A hand holds a slider from now on until end_gesture().
+    /// A hand holds a slider from now on until end_gesture(). If it ends where it began, there is no step.
     void begin_gesture();
     void end_gesture();
 
+    /// One step back or forth, or nothing if there is none. A gesture that is under way makes a new step
+    /// then.
     void undo();
     void redo();
     History const& history() const { return history_; }
@@ -41,17 +44,20 @@ public:
     /// Whether there is anything that no project file holds.
     bool is_changed() const;
 
-    /// Called after each change of the state or of the file, as long as the document lives.
+    /// Called after each change of the state, of the steps or of the file, as long as the document lives.
+    /// Before and after are equal unless the state changed.
     void on_change(Listener listener);
 
 private:
-    void tell(State const& before);
+    void go(void (History::*step)());
+    void tell(State const& before) const;
 
     History history_;
     std::vector<Listener> listeners_;
     std::string project_file_;
     State saved_;
     bool in_gesture_ = false;
+    bool gesture_has_step_ = false; ///< The step that is now was made in the gesture that is under way.
 };
 
 } // namespace umbrix_desktop

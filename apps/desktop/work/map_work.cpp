@@ -1,0 +1,2 @@
+// SPDX-License-Identifier: MIT
+#include "work/map_work.h"
