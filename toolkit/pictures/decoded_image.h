@@ -35,6 +35,9 @@ public:
         return !file_.palette && file_.picture.type == SampleType::kUint8 && file_.picture.channels >= 3;
     }
 
+    /// The file has numbers of colours; the picture has these.
+    bool is_palette() const { return file_.palette; }
+
     /// "PNG", "TIFF": what the file is, whatever its name.
     std::string const& format() const { return file_.format; }
 

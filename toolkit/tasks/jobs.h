@@ -196,6 +196,15 @@ struct PackJob {
 /// The files of the channels, each once.
 std::vector<std::string> distinct_inputs(PackJob const& job);
 
+/// The samples of a picture for a program that leaves decoding to a worker. decoded_samples() reads them.
+struct DecodeJob {
+    using Report = DecodeReport;
+
+    JobFiles files; ///< The output is the samples alone, row by row; its extension is not looked at.
+
+    bool operator==(DecodeJob const&) const = default;
+};
+
 /// What is in a picture.
 struct InfoJob {
     using Report = InfoReport;
@@ -287,7 +296,7 @@ struct FolderJob {
 /// A job of any task.
 using Job = std::variant<MapJob, NormalJob, HeightJob, CurvatureJob, BentJob, HorizonJob, RelightJob, ViewJob,
                          ConvertJob, ExportJob, PackJob, InfoJob, CheckJob, StackJob, FitJob, DevicesJob,
-                         ListJob, FolderJob>;
+                         ListJob, FolderJob, DecodeJob>;
 
 /// A job that makes one picture of another.
 using PictureJob =

@@ -234,9 +234,25 @@ struct FolderReport {
     bool operator==(FolderReport const&) const = default;
 };
 
+/// A picture without its samples.
+struct DecodeReport {
+    int width = 0;
+    int height = 0;
+    int channels = 0;
+    SampleType type = SampleType::kUint8;
+    PictureKind picture_kind = PictureKind::kUnknown;
+    bool palette = false;           ///< As in DecodedFile, and so are the next two.
+    std::string format;             ///< "PNG", "TIFF".
+    std::vector<std::string> notes; ///< How the file was taken, where a user has to know it.
+    Attributes attributes;          ///< What it tells of how it was made.
+
+    bool operator==(DecodeReport const&) const = default;
+};
+
 /// The report of a job of any task. In the order of Job.
-using Report = std::variant<MapReport, NormalReport, HeightReport, CurvatureReport, BentReport, HorizonReport,
-                            RelightReport, ViewReport, ConvertReport, ExportReport, PackReport, InfoReport,
-                            CheckReport, StackReport, FitReport, DevicesReport, ListReport, FolderReport>;
+using Report =
+    std::variant<MapReport, NormalReport, HeightReport, CurvatureReport, BentReport, HorizonReport,
+                 RelightReport, ViewReport, ConvertReport, ExportReport, PackReport, InfoReport, CheckReport,
+                 StackReport, FitReport, DevicesReport, ListReport, FolderReport, DecodeReport>;
 
 } // namespace umbrixlib::toolkit

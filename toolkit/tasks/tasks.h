@@ -31,6 +31,7 @@ FitReport run(FitJob const& job, Observer& observer);
 DevicesReport run(DevicesJob const& job, Observer& observer);
 ListReport run(ListJob const& job, Observer& observer);
 FolderReport run(FolderJob const& job, Observer& observer);
+DecodeReport run(DecodeJob const& job, Observer& observer);
 
 /// A job of any task.
 Report run(Job const& job, Observer& observer);

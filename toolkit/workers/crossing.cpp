@@ -80,6 +80,8 @@ UMBRIX_FIELDS(DevicesJob)
 UMBRIX_FIELDS(FolderJob, UMBRIX_FIELD(folder), UMBRIX_FIELD(search), UMBRIX_FIELD(recurse),
               UMBRIX_FIELD(settings), UMBRIX_FIELD(kind), UMBRIX_FIELD(graphics))
 
+UMBRIX_FIELDS(DecodeJob, UMBRIX_FIELD(files))
+
 UMBRIX_FIELDS(DeviceReport, UMBRIX_FIELD(name), UMBRIX_FIELD(backend))
 UMBRIX_FIELDS(MapReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(kind), UMBRIX_FIELD(guessed),
               UMBRIX_FIELD(reason), UMBRIX_FIELD(green), UMBRIX_FIELD(green_by_name), UMBRIX_FIELD(n_scale),
@@ -128,6 +130,9 @@ UMBRIX_FIELDS(DevicesReport::Device, UMBRIX_FIELD(number), UMBRIX_FIELD(name), U
 UMBRIX_FIELDS(DevicesReport, UMBRIX_FIELD(devices), UMBRIX_FIELD(last_error))
 UMBRIX_FIELDS(ListReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(kind))
 UMBRIX_FIELDS(FolderReport, UMBRIX_FIELD(ran_through))
+UMBRIX_FIELDS(DecodeReport, UMBRIX_FIELD(width), UMBRIX_FIELD(height), UMBRIX_FIELD(channels),
+              UMBRIX_FIELD(type), UMBRIX_FIELD(picture_kind), UMBRIX_FIELD(palette), UMBRIX_FIELD(format),
+              UMBRIX_FIELD(notes), UMBRIX_FIELD(attributes))
 
 UMBRIX_FIELDS(PhaseEvent, UMBRIX_FIELD(phase), UMBRIX_FIELD(file))
 UMBRIX_FIELDS(StageEvent, UMBRIX_FIELD(name), UMBRIX_FIELD(permille))

@@ -244,7 +244,7 @@ TEST_F(Sandbox, IsTheOneOfItsJob)
                            Job(toolkit::RelightJob()), Job(toolkit::ViewJob()), Job(toolkit::ConvertJob()),
                            Job(toolkit::ExportJob()), Job(toolkit::PackJob()), Job(toolkit::InfoJob()),
                            Job(toolkit::CheckJob()), Job(toolkit::StackJob()), Job(toolkit::FitJob()),
-                           Job(toolkit::ListJob())}) {
+                           Job(toolkit::ListJob()), Job(toolkit::DecodeJob())}) {
         EXPECT_EQ(rights_of(job), Rights::kDecoding) << job.index();
     }
     EXPECT_EQ(rights_of(toolkit::FolderJob()), Rights::kFolder);
