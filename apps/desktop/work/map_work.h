@@ -39,10 +39,11 @@ struct Made {
     int width = 0;          ///< Of the whole picture; 0 if there is none.
     int height = 0;
     Area area; ///< That the pictures show: a preview's, or all.
-    std::array<std::shared_ptr<toolkit::Picture const>, kShows>
-        pictures;            ///< Null: not made yet, or not wanted.
+    /// By Show, with the bottom row first. Null: not wanted, failed, or as it was told last: it is made in
+    /// another piece. Of `area`, but a preview of all has fewer texels than that.
+    std::array<std::shared_ptr<toolkit::Picture const>, kShows> pictures;
     std::string description; ///< Of the source: "16-bit grey, PNG".
-    std::string failure;     ///< One sentence if it could not be made. Else "".
+    std::string failure;     ///< One sentence if anything could not be made. Else "".
     std::vector<std::string> notes;
     bool whole = false; ///< Nothing follows.
 };
@@ -52,7 +53,9 @@ struct Made {
 /// file that crashes its decoder costs a sentence; what was decoded is kept until the file changes.
 class MapWork {
 public:
-    /// Told of every piece of work that is done, on the thread of the work.
+    /// Told of every piece of work that is done, on the thread of the work: of a preview, of the whole
+    /// pictures up to now after each that took time, and in the end of all. Nothing is told of a wish after a
+    /// newer one was uttered. Should not wait, as others wait for it.
     using Post = std::function<void(std::shared_ptr<Made const>)>;
 
     /// How far the whole is, per thousand; on the thread of the work.
