@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "document/document.h"
 
+#include "document/project_file.h"
 #include "random_state.h"
 
 #include <gtest/gtest.h>
@@ -197,7 +198,7 @@ public:
         document_.edit("Edit", [&](State& state) { state = next; });
         if (is_change) {
             states_.resize(at_ + 1);
-            states_.push_back(next);
+            remember(next);
             ++at_;
         }
     }
@@ -215,7 +216,7 @@ public:
         State const after = document_.state();
         document_.end_gesture();
         if (after != before) {
-            states_.push_back(after);
+            remember(after);
             ++at_;
         }
     }
@@ -249,6 +250,7 @@ public:
     void check() const
     {
         ASSERT_EQ(document_.state(), states_[at_]);
+        ASSERT_EQ(project_text({document_.state(), ""}), texts_[at_]);
         ASSERT_EQ(document_.history().can_undo(), at_ > 0);
         ASSERT_EQ(document_.history().can_redo(), at_ + 1 < states_.size());
     }
@@ -257,9 +259,17 @@ public:
     std::size_t states() const { return states_.size(); }
 
 private:
+    void remember(State const& state)
+    {
+        states_.push_back(state);
+        texts_.resize(states_.size() - 1);
+        texts_.push_back(project_text({state, ""}));
+    }
+
     test::RandomState random_;
     Document document_;
     std::vector<State> states_{State{}};
+    std::vector<std::string> texts_{project_text({State{}, ""})};
     std::size_t at_ = 0;
 };
 

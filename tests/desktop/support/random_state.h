@@ -31,12 +31,15 @@ public:
         return low + (high - low) * static_cast<double>(random_()) / static_cast<double>(random_.max());
     }
 
-    /// Names with what shells and TOML take for something else.
+    /// "", or a whole name with what shells and TOML take for something else.
     std::string name()
     {
         constexpr std::array<char const*, 12> kPieces = {"brick", " ",  "'",        "\"", "\\", "$HOME",
                                                          "*",     "\n", "\xC3\xA4", "-x", "#",  "/"};
-        std::string text = coin() ? "" : "/";
+        if (below(8) == 0) {
+            return "";
+        }
+        std::string text = "/";
         for (std::size_t left = below(8); left > 0; --left) {
             text += kPieces[below(kPieces.size())];
         }
