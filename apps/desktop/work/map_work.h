@@ -58,7 +58,7 @@ public:
     /// newer one was uttered. Should not wait, as others wait for it.
     using Post = std::function<void(std::shared_ptr<Made const>)>;
 
-    /// How far the whole is, per thousand; on the thread of the work.
+    /// How far the whole is, per thousand, never back; on the thread of the work.
     using Progress = std::function<void(std::uint64_t wish, int permille)>;
 
     MapWork(Post post, Progress progress);

@@ -18,7 +18,7 @@ using toolkit::Picture;
 using toolkit::Settings;
 
 constexpr int kNormalRim = 2; ///< More than the texel on each side that a normal is made of.
-constexpr std::size_t kMostTexels = std::size_t{1} << 20U; ///< Of a part.
+constexpr std::size_t kMostOfPart = std::size_t{1} << 20U; ///< Of a part.
 
 /// A texel that none is higher than in @p picture, whose heights are 0 to 1.
 std::size_t highest_of(Picture const& picture, toolkit::Kind kind, std::string const& name)
@@ -113,7 +113,7 @@ std::optional<Part> occlusion_part(Origin const& whole, Ground const& ground, Cu
     Cut const cut{begin_of_span(first_column, width / share, width),
                   begin_of_span(first_row, height / share, height), width / share, height / share};
     if (share == 1 ||
-        static_cast<std::size_t>(cut.width) * static_cast<std::size_t>(cut.height) > kMostTexels) {
+        static_cast<std::size_t>(cut.width) * static_cast<std::size_t>(cut.height) > kMostOfPart) {
         return std::nullopt;
     }
     settings.n_scale = toolkit::n_scale_of(settings, width);
