@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Debian packages by CPack: the libraries, what one needs to build against them, and the command line.
+# Debian packages by CPack: the libraries, what one needs to build against them, the command line, the desktop program.
 set(abi ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 
 set(CPACK_GENERATOR DEB)
@@ -9,6 +9,9 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_COMPONENTS_ALL library development tools)
 if(TARGET umbrix_c)
     list(APPEND CPACK_COMPONENTS_ALL debian_python)
+endif()
+if(TARGET umbrix_desktop)
+    list(APPEND CPACK_COMPONENTS_ALL desktop)
 endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -31,6 +34,11 @@ set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "Tangent-space normal maps and Umbrix m
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME umbrix)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "libumbrix${abi} (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION "Tangent-space normal maps and Umbrix maps, command line")
+
+# The icon is drawn by a plugin, which no program is linked with.
+set(CPACK_DEBIAN_DESKTOP_PACKAGE_NAME umbrix-desktop)
+set(CPACK_DEBIAN_DESKTOP_PACKAGE_DEPENDS "libumbrix${abi} (= ${PROJECT_VERSION}), libqt6svg6")
+set(CPACK_DEBIAN_DESKTOP_DESCRIPTION "Tangent-space normal maps and Umbrix maps, desktop program")
 
 set(CPACK_DEBIAN_DEBIAN_PYTHON_PACKAGE_NAME python3-umbrix)
 set(CPACK_DEBIAN_DEBIAN_PYTHON_PACKAGE_SECTION python)

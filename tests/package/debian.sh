@@ -52,6 +52,14 @@ expect_dependency python3-umbrix "$library \(=.*python3-numpy"
 expect_dependency "$library" libdevil
 expect_dependency umbrix "$library \(="
 expect_dependency libumbrix-dev "$library \(="
+if [ -x "$build/apps/desktop/umbrix-desktop" ]; then
+    expect_file umbrix-desktop /usr/bin/umbrix-desktop
+    expect_file umbrix-desktop /applications/umbrix-desktop\.desktop
+    expect_file umbrix-desktop /scalable/apps/umbrix-desktop\.svg
+    expect_file umbrix-desktop /metainfo/umbrix-desktop\.metainfo\.xml
+    expect_file umbrix-desktop /mime/packages/umbrix-desktop\.xml
+    expect_dependency umbrix-desktop "$library \(=.*libqt6widgets6"
+fi
 
 root=$work/root
 for package in "$library" libumbrix-dev umbrix python3-umbrix; do
