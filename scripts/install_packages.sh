@@ -2,17 +2,20 @@
 # SPDX-License-Identifier: MIT
 # Installs the Debian packages that are missing. Usage: scripts/install_packages.sh [GROUP]...
 # Without an argument: what the libraries and the command line need. With "docs" alone: what the site of the documents
-# needs, and nothing else. With tests, coverage, mutate, fuzz, tidy, bench, peers, arm or wheel: what these need besides.
+# needs, and nothing else. With desktop, tests, coverage, mutate, fuzz, tidy, bench, peers, arm or wheel: what these need
+# besides.
 set -euo pipefail
 
 build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libpng-dev libtiff-dev libopenexr-dev libjpeg-dev
     libwebp-dev libgif-dev libdeflate-dev libseccomp-dev libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev
     opencl-c-headers"
 docs_packages="doxygen"
+desktop_packages="qt6-base-dev libqt6opengl6-dev libqt6svg6-dev qt6-tools-dev qt6-l10n-tools libgl1-mesa-dri
+    fonts-dejavu-core"
 test_packages="libgtest-dev libgmock-dev python3 pocl-opencl-icd ocl-icd-libopencl1 oclgrind dpkg-dev file binutils
     g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel clang clang-format-14 valgrind chromium
     openimageio-tools glslang-tools python3-numpy python3-pytest python3-matplotlib python3-pip python3-setuptools
-    python3-wheel mypy $docs_packages"
+    python3-wheel mypy $docs_packages $desktop_packages"
 coverage_packages="clang llvm libclang-rt-14-dev libomp-14-dev"
 mutate_packages="ninja-build"
 fuzz_packages="clang libclang-rt-14-dev libomp-14-dev"
@@ -27,6 +30,7 @@ packages=$build_packages
 [ "$*" != docs ] || packages=
 for group in "$@"; do
     case $group in
+        desktop) packages="$packages $desktop_packages" ;;
         tests) packages="$packages $test_packages" ;;
         coverage) packages="$packages $coverage_packages" ;;
         mutate) packages="$packages $mutate_packages" ;;
