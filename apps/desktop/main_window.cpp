@@ -217,7 +217,7 @@ void MainWindow::take(Made const& made)
         failure_.clear();
         statusBar()->clearMessage();
     }
-    if (made.whole || !made.failure.empty()) {
+    if (made.whole) {
         progress_->hide();
         Q_EMIT settled();
     }

@@ -62,7 +62,7 @@ private:
     Modes mode_ = Modes_Projection;
     int tiles_ = 1;
     double around_degrees_ = 0;
-    double up_degrees_ = 15;
+    double up_degrees_ = 20;
     double distance_ = 4;
     QPointF last_;
     bool usable_ = false;

@@ -5,6 +5,8 @@
 #include "toolkit/batch/picture_file.h"
 #include "toolkit/files/stale_temporaries.h"
 #include "toolkit/workers/run_one.h"
+#include "work/sentence.h"
+#include "work/show_maker.h"
 
 #include <exception>
 #include <fmt/format.h>
@@ -50,11 +52,15 @@ void MapSaving::start(Order order)
 MapSaving::Outcome MapSaving::save(Order const& order)
 {
     try {
+        check_map_settings(order.settings);
         toolkit::remove_leftovers_beside(order.file);
         toolkit::PictureFile file(order.source, order.file, order.overwrite);
         toolkit::MapJob job;
         job.settings = order.settings;
         job.kind = order.settings.kind;
+        if (order.settings.normal_y != toolkit::kDefaults.normal_y) { // else as the picture tells
+            job.normal_y = order.settings.normal_y;
+        }
         job.files.max_texels = kMaxTexels;
         job.files.output.saving.depth = order.settings.save_depth;
         file.name_files(job.files);
@@ -64,12 +70,11 @@ MapSaving::Outcome MapSaving::save(Order const& order)
         file.complete();
         return {order.file, ""};
     } catch (toolkit::Stopped const&) {
-        return {order.file, fmt::format("{} was not written: the work was stopped.", order.file)};
+        return {order.file, fmt::format("{} was not written: the work was stopped", order.file)};
     } catch (toolkit::Failure const& failure) {
-        std::string const& subject = failure.subject.empty() ? order.source : failure.subject;
-        return {order.file, fmt::format("{}: {}.", subject, failure.what())};
+        return {order.file, sentence_of(failure, order.source)};
     } catch (std::exception const& error) {
-        return {order.file, fmt::format("{}: {}.", order.file, error.what())};
+        return {order.file, fmt::format("{}: {}", order.file, error.what())};
     }
 }
 

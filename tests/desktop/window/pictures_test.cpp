@@ -3,12 +3,14 @@
 #include "fixed_look.h"
 #include "panels/light_panel.h"
 #include "panels/settings_panel.h"
+#include "panels/solid_panel.h"
 #include "panels/view_bar.h"
 #include "views/picture_view.h"
 
 #include <QDir>
 #include <QImage>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace umbrix_desktop;
@@ -33,6 +35,7 @@ private Q_SLOTS:
     void of_changed_settings();
     void of_the_light_panel();
     void of_the_view_bar();
+    void of_a_body_without_opengl();
 
 private:
     void compare(QWidget& widget, QSize size, QString const& name);
@@ -198,6 +201,19 @@ void DesktopPictures::of_the_view_bar()
     Document document;
     ViewBar bar(document);
     compare(bar, {640, 36}, "view_bar");
+}
+
+/// The platform that the test runs on has none.
+void DesktopPictures::of_a_body_without_opengl()
+{
+    SolidPanel panel(shown_);
+    QSignalSpy complaints(&panel, &SolidPanel::complained);
+    compare(panel, {260, 140}, "body_without_opengl");
+    panel.hide();
+    panel.show();
+    panel.renew();
+    panel.set_state({});
+    QCOMPARE(complaints.size(), 1);
 }
 
 UMBRIX_WIDGET_TEST_MAIN(DesktopPictures)
