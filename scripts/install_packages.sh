@@ -11,7 +11,7 @@ build_packages="g++ make cmake pkg-config libhwy-dev libdevil-dev libpng-dev lib
     opencl-c-headers"
 docs_packages="doxygen"
 desktop_packages="qt6-base-dev libqt6opengl6-dev libqt6svg6-dev qt6-tools-dev qt6-l10n-tools libgl1-mesa-dri
-    fonts-dejavu-core xvfb xauth"
+    fonts-dejavu-core xvfb"
 test_packages="libgtest-dev libgmock-dev python3 pocl-opencl-icd ocl-icd-libopencl1 oclgrind dpkg-dev file binutils
     g++-mingw-w64-x86-64-posix groff-base zsh slurm-wlm parallel clang clang-format-14 valgrind chromium
     openimageio-tools glslang-tools python3-numpy python3-pytest python3-matplotlib python3-pip python3-setuptools

@@ -53,6 +53,7 @@ void Menus::add_edit_menu()
     QMenu& menu = *window_.menuBar()->addMenu(tr("&Edit"));
     undo_ = add(menu, tr("&Undo"), QKeySequence::Undo, [this] { window_.document().undo(); });
     redo_ = add(menu, tr("&Redo"), QKeySequence::Redo, [this] { window_.document().redo(); });
+    redo_->setShortcuts({QKeySequence("Ctrl+Shift+Z"), QKeySequence("Ctrl+Y")}); // systems differ
     window_.document().on_change([this](State const&, State const&) { show_steps(); });
     show_steps();
 }

@@ -29,7 +29,7 @@ SolidVertex vertex_at(Solid solid, double u, double v)
     double const right_x = -std::sin(around);
     double const right_z = -std::cos(around);
     if (solid == Solid::kCylinder) {
-        return made(x * 0.8, 2 * v - 1, z * 0.8, x, 0, z, right_x, right_z, u * 2.5, v);
+        return made(x * 0.8, 1.6 * v - 0.8, z * 0.8, x, 0, z, right_x, right_z, u * 3, v);
     }
     double const up = (v - 0.5) * std::numbers::pi;
     double const ring = std::cos(up);

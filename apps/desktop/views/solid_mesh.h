@@ -25,7 +25,7 @@ struct SolidMesh {
 };
 
 /// A body about as large as a sphere of radius 1 around 0. A map has one tile from bottom to top; around a
-/// sphere it has two and around a cylinder two and a half, so that its texels are about square.
+/// sphere it has two and around a cylinder three, so that its texels are about square.
 SolidMesh make_solid(Solid solid);
 
 } // namespace umbrix_desktop

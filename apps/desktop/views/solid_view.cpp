@@ -18,6 +18,7 @@ namespace umbrix_desktop {
 
 namespace {
 
+constexpr double kLeastFull = 0.05;
 constexpr int kLargestSide = 2048; ///< Of the texture; a larger map is made smaller for it.
 
 constexpr char const* kVertexShader = R"glsl(#version 330 core
@@ -49,6 +50,7 @@ uniform sampler2D map;
 uniform int mode;
 uniform float exposure;
 uniform float ambient;
+uniform float full; // part of the light out of the ground at which that has its exposure
 out vec4 colour;
 )glsl";
 
@@ -56,8 +58,8 @@ constexpr char const* kFragmentEnd = R"glsl(
 void main()
 {
     vec3 channels = texture(map, texel).rgb;
-    // Ground that faces away from the light has none of it; the map knows of its relief alone.
-    float facing = smoothstep(-0.1, 0.15, normalize(towards).z);
+    // The shader has ground as bright in every light; that of a body is brighter the more it faces the light.
+    float facing = max(normalize(towards).z, 0.0) / full;
     colour = vec4(vec3(umbrix_light(channels, towards, mode, exposure * facing, ambient)), 1.0);
 }
 )glsl";
@@ -273,6 +275,9 @@ void SolidView::paintGL()
     glUniform3f(place("light"), static_cast<float>(std::cos(elevation) * std::cos(azimuth)),
                 static_cast<float>(std::cos(elevation) * std::sin(azimuth)),
                 static_cast<float>(std::sin(elevation)));
+    // A plane that stands upright is lit as the picture of it is.
+    glUniform1f(place("full"),
+                solid_ == Solid::kPlane ? static_cast<float>(std::max(std::sin(elevation), kLeastFull)) : 1);
     glUniform1f(place("tiles"), static_cast<float>(tiles_));
     glUniform1i(place("map"), 0);
     glUniform1i(place("mode"), static_cast<int>(mode_));
@@ -281,10 +286,14 @@ void SolidView::paintGL()
     glActiveTexture(GL_TEXTURE0);
     glBindTexture(GL_TEXTURE_2D, texture_);
     glEnable(GL_DEPTH_TEST);
+    if (solid_ != Solid::kPlane) {
+        glEnable(GL_CULL_FACE); // what is inside
+    }
     glBindVertexArray(vertex_array_);
     glDrawElements(GL_TRIANGLES, indices_, GL_UNSIGNED_INT, nullptr);
     glBindVertexArray(0);
     glDisable(GL_DEPTH_TEST);
+    glDisable(GL_CULL_FACE);
 }
 
 void SolidView::turn(double around, double up)

@@ -8,8 +8,10 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <functional>
+#include <numbers>
 
 using namespace umbrix_desktop;
 
@@ -113,7 +115,15 @@ void DesktopSolid::is_drawn_as_before_data()
 void DesktopSolid::is_drawn_as_before()
 {
     QFETCH(int, solid);
-    show_map([](int x, int y, int c) { return 147 + (c == 0 ? 2 * (x % 32 - 16) : 3 * (y % 16 - 8)); });
+    // Round hills, lit from azimuths 0, 240 and 120.
+    constexpr double kTurn = 2 * std::numbers::pi;
+    show_map([](int x, int y, int c) {
+        double const azimuth = -c * kTurn / 3;
+        return static_cast<int>(147 + 90 *
+                                          (std::sin(x * kTurn / 16) * std::cos(azimuth) +
+                                           std::sin(y * kTurn / 16) * std::sin(azimuth)) /
+                                          1.5);
+    });
     SolidView view(shown_);
     view.set_solid(static_cast<Solid>(solid));
     view.set_lighting(Lighting(), Modes_Projection);

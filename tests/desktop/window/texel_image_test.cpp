@@ -69,7 +69,7 @@ TEST(TexelImage, LeavesWhatIsBeside)
     Picture const picture = bytes_picture(1, 1, 1, {{200}});
     View view;
     view.zoom = 1;
-    EXPECT_EQ(reds(drawn(picture, {3, 1}, view)), (std::vector{1, 1, 200}));
+    EXPECT_EQ(reds(drawn(picture, {3, 1}, view)), (std::vector{1, 200, 1}));
 }
 
 TEST(TexelImage, TilesAPicture)
