@@ -34,14 +34,14 @@ Arguments parse_arguments(std::vector<std::string> const& words)
         }
     }
     if (!arguments.screenshot.empty() && arguments.file.empty()) {
-        arguments.fault = "--screenshot needs a picture to show.";
+        arguments.fault = "--screenshot needs a picture or a project to show.";
     }
     return arguments;
 }
 
 std::string help_text()
 {
-    return "Usage: umbrix-desktop [--screenshot FILE] [PICTURE]\n"
+    return "Usage: umbrix-desktop [--screenshot FILE] [PICTURE|PROJECT]\n"
            "\n"
            "Makes Umbrix maps of height maps and normal maps, and shows what the settings do.\n"
            "\n"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "arguments.h"
 #include "main_window.h"
+#include "projects.h"
 #include "screenshot.h"
 
 #include <QApplication>
@@ -54,6 +55,7 @@ int main(int count, char** words)
     }
     window.resize(1280, 800);
     window.show();
+    window.projects().begin_recovery();
     if (!file.isEmpty()) {
         window.open(file);
     }

@@ -3,6 +3,7 @@
 
 #include "docks.h"
 #include "menus.h"
+#include "projects.h"
 #include "toolkit/pictures/naming.h"
 #include "views/picture_view.h"
 
@@ -12,7 +13,6 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QStatusBar>
 
@@ -50,6 +50,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), view_(new Picture
 {
     setCentralWidget(view_);
     docks_ = new Docks(*this, document_, shown_);
+    projects_ = new Projects(*this, document_);
     make_status_bar();
     menus_ = new Menus(*this);
     setAcceptDrops(true);
@@ -65,6 +66,10 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), view_(new Picture
     connect(view_, &PictureView::gesture_began, this, [this] { document_.begin_gesture(); });
     connect(view_, &PictureView::gesture_ended, this, [this] { document_.end_gesture(); });
     connect(view_, &PictureView::pointed, pointed_, &QLabel::setText);
+    connect(projects_, &Projects::complained, this, &MainWindow::fail);
+    connect(projects_, &Projects::told, this,
+            [this](QString const& text) { statusBar()->showMessage(text); });
+    connect(projects_, &Projects::opened, menus_, &Menus::remember);
     connect(docks_, &Docks::complained, this, &MainWindow::fail);
     connect(docks_, &Docks::albedo_wanted, this, &MainWindow::ask_for_albedo);
     connect(docks_, &Docks::map_wanted, this, &MainWindow::want);
@@ -100,6 +105,9 @@ void MainWindow::make_status_bar()
 
 void MainWindow::open(QString const& file)
 {
+    if (Projects::is_project(file)) {
+        return open_project(file);
+    }
     std::string const source = path_of(QFileInfo(file).absoluteFilePath());
     failure_.clear();
     if (document_.is_changed() || !document_.state().source.empty()) {
@@ -112,6 +120,14 @@ void MainWindow::open(QString const& file)
         document_.replace(std::move(state), document_.project_file());
     }
     menus_->remember(file);
+}
+
+void MainWindow::open_project(QString const& file)
+{
+    failure_.clear();
+    if (projects_->may_go()) {
+        projects_->open(file);
+    }
 }
 
 void MainWindow::save_map(QString const& file)
@@ -241,26 +257,17 @@ void MainWindow::fail(QString const& sentence)
 
 void MainWindow::show_title()
 {
-    QString const file = QFile::decodeName(document_.state().source.c_str());
+    std::string const& project = document_.project_file();
+    std::string const& shown = project.empty() ? document_.state().source : project;
+    QString const file = QFile::decodeName(shown.c_str());
     QString const name = file.isEmpty() ? tr("untitled") : QFileInfo(file).fileName();
     setWindowTitle(tr("%1[*] - Umbrix").arg(name));
     setWindowModified(document_.is_changed());
 }
 
-bool MainWindow::may_close()
-{
-    if (!document_.is_changed()) {
-        return true;
-    }
-    auto const answer =
-        QMessageBox::question(this, tr("Close"), tr("Close without saving what has changed?"),
-                              QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Cancel);
-    return answer == QMessageBox::Discard;
-}
-
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    event->setAccepted(may_close());
+    event->setAccepted(projects_->may_go());
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)

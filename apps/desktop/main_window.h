@@ -15,6 +15,7 @@ namespace umbrix_desktop {
 class Docks;
 class Menus;
 class PictureView;
+class Projects;
 
 /// The window: a document, the pictures that are made of it, and all that edits it.
 class MainWindow : public QMainWindow {
@@ -27,7 +28,7 @@ public:
     Document& document() { return document_; }
     PictureView& picture_view() { return *view_; }
 
-    /// Opens a picture.
+    /// Opens a picture, or a project in place of the document.
     void open(QString const& file);
 
     /// Saves the map. A file that is there is replaced.
@@ -38,8 +39,7 @@ public:
     void ask_for_albedo();
     void ask_for_map_file();
 
-    /// Whether nothing is lost if the window closes now: a user who is asked may say no.
-    bool may_close();
+    Projects& projects() { return *projects_; }
 
     /// The last sentence about something that failed; "" for none since a source was opened.
     QString const& failure() const { return failure_; }
@@ -55,6 +55,7 @@ protected:
 
 private:
     void make_status_bar();
+    void open_project(QString const& file);
     void follow(State const& before, State const& after);
     void want();
     void take(Made const& made);
@@ -66,6 +67,7 @@ private:
     Shown shown_;
     PictureView* view_;
     Docks* docks_ = nullptr;
+    Projects* projects_ = nullptr;
     Menus* menus_ = nullptr;
     SourceWatch watch_;
     WindowWork work_;

@@ -2,6 +2,7 @@
 #include "menus.h"
 
 #include "main_window.h"
+#include "projects.h"
 #include "views/picture_view.h"
 
 #include <QFileInfo>
@@ -43,6 +44,13 @@ void Menus::add_file_menu()
     recent_ = menu.addMenu(tr("Open &recent"));
     connect(recent_, &QMenu::aboutToShow, this, &Menus::show_recent);
     menu.addSeparator();
+    Projects& projects = window_.projects();
+    add(menu, tr("Open a pro&ject..."), QKeySequence("Ctrl+Shift+O"),
+        [&projects] { projects.ask_for_project(); });
+    add(menu, tr("&Save the project"), QKeySequence::Save, [&projects] { projects.save(); });
+    add(menu, tr("Save the project &as..."), QKeySequence("Ctrl+Shift+S"),
+        [&projects] { projects.save_as(); });
+    menu.addSeparator();
     add(menu, tr("Save the &map as..."), QKeySequence("Ctrl+E"), [this] { window_.ask_for_map_file(); });
     menu.addSeparator();
     add(menu, tr("&Quit"), QKeySequence::Quit, [this] { window_.close(); });
@@ -54,6 +62,10 @@ void Menus::add_edit_menu()
     undo_ = add(menu, tr("&Undo"), QKeySequence::Undo, [this] { window_.document().undo(); });
     redo_ = add(menu, tr("&Redo"), QKeySequence::Redo, [this] { window_.document().redo(); });
     redo_->setShortcuts({QKeySequence("Ctrl+Shift+Z"), QKeySequence("Ctrl+Y")}); // systems differ
+    menu.addSeparator();
+    Projects& projects = window_.projects();
+    add(menu, tr("&Copy as command"), QKeySequence("Ctrl+Shift+C"), [&projects] { projects.copy_command(); });
+    add(menu, tr("&Paste command"), QKeySequence("Ctrl+Shift+V"), [&projects] { projects.paste_command(); });
     window_.document().on_change([this](State const&, State const&) { show_steps(); });
     show_steps();
 }

@@ -29,7 +29,9 @@ int take_screenshot(MainWindow& window, QString const& picture, QString const& f
     QEventLoop loop;
     QObject::connect(&window, &MainWindow::settled, &loop, &QEventLoop::quit);
     window.open(picture);
-    loop.exec();
+    if (window.failure().isEmpty()) {
+        loop.exec();
+    }
     if (!window.failure().isEmpty()) {
         return refuse(window.failure());
     }

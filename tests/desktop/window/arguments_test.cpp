@@ -26,7 +26,8 @@ TEST(DesktopArguments, AskForAScreenshotOfAFile)
 TEST(DesktopArguments, TellWhatIsWrongWithThem)
 {
     EXPECT_EQ(parse_arguments({"--screenshot"}).fault, "--screenshot needs a file to write.");
-    EXPECT_EQ(parse_arguments({"--screenshot", "a.png"}).fault, "--screenshot needs a picture to show.");
+    EXPECT_EQ(parse_arguments({"--screenshot", "a.png"}).fault,
+              "--screenshot needs a picture or a project to show.");
     EXPECT_EQ(parse_arguments({"--fast"}).fault, "There is no option --fast.");
     EXPECT_EQ(parse_arguments({"a.png", "b.png"}).fault,
               "One file can be opened, and b.png is a second one.");

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
+#include "document/project_file.h"
 #include "fixed_look.h"
 #include "main_window.h"
 #include "panels/number_edit.h"
+#include "projects.h"
 #include "views/light_handle.h"
 #include "views/picture_view.h"
 
+#include <QClipboard>
 #include <QFile>
+#include <QGuiApplication>
 #include <QImage>
 #include <QLabel>
 #include <QMenuBar>
@@ -91,6 +95,9 @@ private Q_SLOTS:
     void saves_the_bytes_of_the_command_line();
     void asks_before_changes_are_lost();
     void opens_what_is_dropped();
+    void keeps_all_in_a_project();
+    void goes_on_after_a_damaged_project();
+    void copies_and_pastes_a_command();
 
 private:
     void open(QString const& file);
@@ -316,7 +323,7 @@ void DesktopHand::saves_the_bytes_of_the_command_line()
 
 void DesktopHand::asks_before_changes_are_lost()
 {
-    QVERIFY(window_->may_close());
+    QVERIFY(window_->projects().may_go());
     window_->document().edit("Relief", [](State& s) { s.settings.relief = 0.3f; });
     answer_with(QMessageBox::Cancel);
     QVERIFY(!window_->close());
@@ -337,6 +344,55 @@ void DesktopHand::opens_what_is_dropped()
         QApplication::sendEvent(window_.get(), &drop);
     });
     QCOMPARE(state().source, QFile::encodeName(heights_).toStdString());
+}
+
+void DesktopHand::keeps_all_in_a_project()
+{
+    open(heights_);
+    window_->document().edit("Relief", [](State& s) { s.settings.relief = 0.3f; });
+    State const kept = state();
+    std::string const file = folder_->filePath("hills.umbrix").toStdString();
+    save_project(kept, file);
+    window_->document().set_saved(file);
+    QVERIFY(!window_->isWindowModified());
+    QCOMPARE(window_->windowTitle(), QString("hills.umbrix[*] - Umbrix"));
+    window_->document().edit("Relief", [](State& s) { s.settings.relief = 0.4f; });
+    QTest::keyClick(window_.get(), Qt::Key_S, Qt::ControlModifier);
+    QVERIFY(!window_->isWindowModified());
+    MainWindow other;
+    QSignalSpy settled(&other, &MainWindow::settled);
+    other.open(QString::fromStdString(file));
+    QCOMPARE(other.failure(), QString());
+    QVERIFY(other.document().state() == state());
+    QVERIFY(!settled.isEmpty() || settled.wait(kPatienceMs));
+}
+
+void DesktopHand::goes_on_after_a_damaged_project()
+{
+    QString const damaged = folder_->filePath("damaged.umbrix");
+    QFile file(damaged);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("[settings\n") > 0);
+    file.close();
+    window_->open(damaged);
+    QVERIFY2(window_->failure().contains("damaged.umbrix"), qPrintable(window_->failure()));
+    open(heights_);
+    QCOMPARE(window_->failure(), QString());
+}
+
+void DesktopHand::copies_and_pastes_a_command()
+{
+    open(heights_);
+    window_->document().edit("Relief", [](State& s) { s.settings.relief = 0.125f; });
+    QTest::keyClick(window_.get(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    QString const line = QGuiApplication::clipboard()->text();
+    QVERIFY2(line.startsWith("umbrix map ") && line.contains("--relief 0.125"), qPrintable(line));
+    window_->document().undo();
+    QTest::keyClick(window_.get(), Qt::Key_V, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(state().settings.relief, 0.125f);
+    QGuiApplication::clipboard()->setText("umbrix map a.png --releif 0.2");
+    QTest::keyClick(window_.get(), Qt::Key_V, Qt::ControlModifier | Qt::ShiftModifier);
+    QVERIFY2(window_->failure().contains("releif"), qPrintable(window_->failure()));
+    QCOMPARE(state().settings.relief, 0.125f);
 }
 
 UMBRIX_WIDGET_TEST_MAIN(DesktopHand)
