@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QIcon>
+#include <QLoggingCategory>
 #include <cstdio>
 
 namespace {
@@ -39,6 +40,7 @@ int main(int count, char** words)
     bool const is_screenshot = !arguments.screenshot.empty();
     if (is_screenshot) {
         use_no_screen_without_one();
+        QLoggingCategory::setFilterRules("default.warning=false"); // of Qt, about a system without a screen
     }
     int one = 1; // the words are the program's own
     QApplication application(one, words);

@@ -238,9 +238,12 @@ void PictureView::draw_light(QPainter& painter) const
     double const radius = horizon_radius(pane);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(QColor(255, 220, 90, 110), 1));
-    painter.drawEllipse(pane.center(), radius, radius);
-    painter.drawLine(pane.center(), *place);
+    // Dark below light, so that they are seen on any ground.
+    for (QPen const& pen : {QPen(QColor(0, 0, 0, 130), 3), QPen(QColor(255, 220, 90), 1)}) {
+        painter.setPen(pen);
+        painter.drawEllipse(pane.center(), radius, radius);
+        painter.drawLine(pane.center(), *place);
+    }
     painter.setPen(QPen(Qt::black, 1));
     painter.setBrush(QColor(255, 220, 90));
     painter.drawEllipse(*place, 7, 7);
