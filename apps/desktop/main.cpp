@@ -55,7 +55,7 @@ int main(int count, char** words)
     if (is_screenshot) {
         return take_screenshot(window, file, QFile::decodeName(arguments.screenshot.c_str()));
     }
-    window.resize(1280, 800);
+    window.take_its_place();
     window.show();
     window.projects().begin_recovery();
     if (!file.isEmpty()) {

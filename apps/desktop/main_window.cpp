@@ -14,11 +14,16 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMimeData>
+#include <QSettings>
 #include <QStatusBar>
 
 namespace umbrix_desktop {
 
 namespace {
+
+constexpr QSize kUsualSize(1280, 800);
+constexpr char const* kPlaceKey = "window/place";
+constexpr char const* kDocksKey = "window/docks";
 
 /// Which pictures a view needs.
 /// @param with_map The map is needed, too.
@@ -37,11 +42,6 @@ std::array<bool, kShows> shows_of(View const& view, bool with_map)
 QString dropped_file(QMimeData const& data)
 {
     return data.hasUrls() ? data.urls().first().toLocalFile() : QString();
-}
-
-std::string path_of(QString const& file)
-{
-    return QFile::encodeName(file).toStdString();
 }
 
 } // namespace
@@ -108,7 +108,7 @@ void MainWindow::open(QString const& file)
     if (Projects::is_project(file)) {
         return open_project(file);
     }
-    std::string const source = path_of(QFileInfo(file).absoluteFilePath());
+    std::string const source = QFile::encodeName(QFileInfo(file).absoluteFilePath()).toStdString();
     failure_.clear();
     if (document_.is_changed() || !document_.state().source.empty()) {
         document_.edit(tr("Open %1").arg(QFileInfo(file).fileName()).toStdString(),
@@ -136,7 +136,8 @@ void MainWindow::save_map(QString const& file)
         return fail(tr("Another map is being saved; try again when it is there."));
     }
     statusBar()->showMessage(tr("Saving %1").arg(file));
-    work_.save({document_.state().source, path_of(file), true, document_.state().settings});
+    work_.save(
+        {document_.state().source, QFile::encodeName(file).toStdString(), true, document_.state().settings});
 }
 
 void MainWindow::ask_for_picture()
@@ -152,7 +153,7 @@ void MainWindow::ask_for_albedo()
     QString const file = QFileDialog::getOpenFileName(this, tr("Colours of the surface"));
     if (!file.isEmpty()) {
         document_.edit(tr("Colours").toStdString(),
-                       [&](State& state) { state.lighting.albedo = path_of(file); });
+                       [&](State& state) { state.lighting.albedo = QFile::encodeName(file).toStdString(); });
     }
 }
 
@@ -265,9 +266,20 @@ void MainWindow::show_title()
     setWindowModified(document_.is_changed());
 }
 
+void MainWindow::take_its_place()
+{
+    resize(kUsualSize);
+    restoreGeometry(QSettings().value(kPlaceKey).toByteArray());
+    restoreState(QSettings().value(kDocksKey).toByteArray());
+}
+
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     event->setAccepted(projects_->may_go());
+    if (event->isAccepted()) {
+        QSettings().setValue(kPlaceKey, saveGeometry());
+        QSettings().setValue(kDocksKey, saveState());
+    }
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)

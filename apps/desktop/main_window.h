@@ -28,6 +28,9 @@ public:
     Document& document() { return document_; }
     PictureView& picture_view() { return *view_; }
 
+    /// Goes where it was when one was closed last, with its panels.
+    void take_its_place();
+
     /// Opens a picture, or a project in place of the document.
     void open(QString const& file);
 

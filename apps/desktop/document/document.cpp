@@ -78,7 +78,9 @@ void Document::set_saved(std::string project_file)
 
 bool Document::is_changed() const
 {
-    return state() != saved_;
+    State looked_at = state();
+    looked_at.view = saved_.view;
+    return looked_at != saved_;
 }
 
 void Document::on_change(Listener listener)

@@ -41,7 +41,7 @@ public:
     /// "" before it was saved for the first time.
     std::string const& project_file() const { return project_file_; }
 
-    /// Whether there is anything that no project file holds.
+    /// Whether there is anything that no project file holds. Where one looks is no work that could be lost.
     bool is_changed() const;
 
     /// Called after each change of the state, of the steps or of the file, as long as the document lives.

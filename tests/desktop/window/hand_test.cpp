@@ -7,7 +7,10 @@
 #include "views/light_handle.h"
 #include "views/picture_view.h"
 
+#include <QAccessible>
 #include <QClipboard>
+#include <QComboBox>
+#include <QDockWidget>
 #include <QFile>
 #include <QGuiApplication>
 #include <QImage>
@@ -98,6 +101,8 @@ private Q_SLOTS:
     void keeps_all_in_a_project();
     void goes_on_after_a_damaged_project();
     void copies_and_pastes_a_command();
+    void comes_back_where_it_was();
+    void tells_the_name_of_everything();
 
 private:
     void open(QString const& file);
@@ -240,6 +245,7 @@ void DesktopHand::zooms_about_the_cursor()
     }
     QVERIFY(state().view.zoom > 8);
     QVERIFY(state().view.centre_x < 0.5);
+    QVERIFY(!window_->isWindowModified()); // where one looks is no work
     QTest::keyClick(&view, Qt::Key_0);
     QCOMPARE(state().view.zoom, 0.0);
     QTest::keyClick(&view, Qt::Key_1);
@@ -393,6 +399,35 @@ void DesktopHand::copies_and_pastes_a_command()
     QTest::keyClick(window_.get(), Qt::Key_V, Qt::ControlModifier | Qt::ShiftModifier);
     QVERIFY2(window_->failure().contains("releif"), qPrintable(window_->failure()));
     QCOMPARE(state().settings.relief, 0.125f);
+}
+
+void DesktopHand::comes_back_where_it_was()
+{
+    window_->findChild<QDockWidget*>("light")->hide();
+    QVERIFY(window_->close());
+    MainWindow other;
+    other.take_its_place();
+    other.show();
+    QVERIFY(!other.findChild<QDockWidget*>("light")->isVisible());
+    QVERIFY(other.findChild<QDockWidget*>("settings")->isVisible());
+    other.findChild<QDockWidget*>("light")->show();
+}
+
+void DesktopHand::tells_the_name_of_everything()
+{
+    int looked_at = 0;
+    for (QWidget* const widget : window_->findChildren<QWidget*>()) {
+        bool const is_worked = widget->focusPolicy() != Qt::NoFocus && widget->isVisible() &&
+                               (qobject_cast<QAbstractButton*>(widget) || qobject_cast<QComboBox*>(widget) ||
+                                qobject_cast<QAbstractSpinBox*>(widget) || qobject_cast<QSlider*>(widget) ||
+                                qobject_cast<PictureView*>(widget));
+        if (is_worked) {
+            QString const name = QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name);
+            QVERIFY2(!name.isEmpty(), widget->metaObject()->className());
+            ++looked_at;
+        }
+    }
+    QVERIFY(looked_at > 30);
 }
 
 UMBRIX_WIDGET_TEST_MAIN(DesktopHand)
