@@ -3,6 +3,7 @@
 
 #include "main_window.h"
 #include "projects.h"
+#include "toolkit/settings/preset.h"
 #include "views/picture_view.h"
 
 #include <QFileInfo>
@@ -11,6 +12,7 @@
 #include <QSettings>
 #include <QToolBar>
 #include <algorithm>
+#include <string_view>
 
 namespace umbrix_desktop {
 
@@ -25,6 +27,7 @@ Menus::Menus(MainWindow& window) : QObject(&window), window_(window)
 {
     add_file_menu();
     add_edit_menu();
+    add_settings_menu();
     add_view_menu();
 }
 
@@ -68,6 +71,24 @@ void Menus::add_edit_menu()
     add(menu, tr("&Paste command"), QKeySequence("Ctrl+Shift+V"), [&projects] { projects.paste_command(); });
     window_.document().on_change([this](State const&, State const&) { show_steps(); });
     show_steps();
+}
+
+void Menus::add_settings_menu()
+{
+    QMenu& menu = *window_.menuBar()->addMenu(tr("&Settings"));
+    auto const take = [this](QString const& step, toolkit::Settings const& settings) {
+        window_.document().edit(step.toStdString(), [&](State& state) { state.settings = settings; });
+    };
+    for (std::string_view const name : toolkit::shipped_presets()) {
+        toolkit::Preset const preset = toolkit::read_preset(std::string(name));
+        QString const called = QString::fromStdString(std::string(name));
+        QAction* const action = add(menu, tr("As for %1").arg(called), {},
+                                    [=] { take(tr("Preset %1").arg(called), preset.settings); });
+        action->setStatusTip(QString::fromStdString(preset.description));
+    }
+    menu.addSeparator();
+    add(menu, tr("&Reset all"), QKeySequence("Ctrl+R"),
+        [=] { take(tr("Reset all settings"), toolkit::kDefaults); });
 }
 
 void Menus::add_view_menu()

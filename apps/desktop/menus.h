@@ -25,6 +25,7 @@ private:
                  std::function<void()> const& act);
     void add_file_menu();
     void add_edit_menu();
+    void add_settings_menu();
     void add_view_menu();
     void show_steps();
     void show_recent();

@@ -4,6 +4,7 @@
 #include "main_window.h"
 #include "panels/number_edit.h"
 #include "projects.h"
+#include "toolkit/settings/preset.h"
 #include "views/light_handle.h"
 #include "views/picture_view.h"
 
@@ -87,6 +88,7 @@ private Q_SLOTS:
     void drags_a_slider_as_one_step();
     void types_a_number();
     void resets_a_setting();
+    void takes_a_preset();
     void drags_the_light();
     void drags_the_split();
     void zooms_about_the_cursor();
@@ -198,6 +200,20 @@ void DesktopHand::resets_a_setting()
     QTest::mouseClick(*reset, Qt::LeftButton);
     QCOMPARE(state().settings.relief, 0.05f);
     QVERIFY(!(*reset)->isEnabled());
+}
+
+void DesktopHand::takes_a_preset()
+{
+    auto const actions = window_->findChildren<QAction*>();
+    auto const stone = std::find_if(actions.begin(), actions.end(),
+                                    [](auto* action) { return action->text() == "As for stone"; });
+    QVERIFY(stone != actions.end());
+    (*stone)->trigger();
+    QVERIFY(state().settings == toolkit::read_preset("stone").settings);
+    QVERIFY(!(state().settings == toolkit::kDefaults));
+    QTest::keyClick(window_.get(), Qt::Key_R, Qt::ControlModifier);
+    QVERIFY(state().settings == toolkit::kDefaults);
+    QCOMPARE(window_->document().history().undo_name(), std::string("Reset all settings"));
 }
 
 void DesktopHand::drags_the_light()
