@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QFont>
 #include <QSettings>
+#include <QStyle>
 #include <QStyleFactory>
 #include <QTemporaryDir>
 

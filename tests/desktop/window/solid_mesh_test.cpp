@@ -11,7 +11,8 @@ using Vector = std::array<double, 3>;
 
 Vector vector(float const (&numbers)[3])
 {
-    return {numbers[0], numbers[1], numbers[2]};
+    return {static_cast<double>(numbers[0]), static_cast<double>(numbers[1]),
+            static_cast<double>(numbers[2])};
 }
 
 Vector minus(Vector const& a, Vector const& b)
