@@ -207,6 +207,7 @@ TEST(Declarations, OfRunsInMemory)
     method<int() const>(&umbrixlib::RunControl::permille);
     method<void()>(&umbrixlib::RunControl::stop);
     method<void(char const*)>(&umbrixlib::RunControl::enter);
+    is<void*(std::size_t)>(umbrixlib::detail::map_zeros);
     is<void(void*, std::size_t)>(umbrixlib::detail::release_mapped);
 
     using Bytes = unsigned char*;
