@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <span>
 #include <utility>
 
 namespace umbrixlib::toolkit {
@@ -30,7 +31,7 @@ struct CloseSamples {
 };
 
 /// Whether the file has as many bytes as @p bytes, which are filled.
-bool fills(std::filesystem::path const& file, std::vector<std::uint8_t>& bytes)
+bool fills(std::filesystem::path const& file, std::span<std::uint8_t> bytes)
 {
     std::unique_ptr<std::FILE, CloseSamples> const stream(std::fopen(file.c_str(), "rbe"));
     return stream != nullptr && std::fread(bytes.data(), 1, bytes.size(), stream.get()) == bytes.size() &&
@@ -45,7 +46,7 @@ DecodedImage decoded_samples(DecodeJob const& job, DecodeReport const& report)
     DecodedFile file;
     if (good) {
         file.picture = make_picture(report.width, report.height, report.channels, report.type);
-        good = fills(job.files.output.file, file.picture.bytes);
+        good = fills(job.files.output.file, file.picture.samples<std::uint8_t>());
     }
     if (!good) {
         throw Failure(Fault::kDecoderBrokeDown, job.files.input,
